@@ -1,0 +1,1 @@
+# Installing the library and finding it from another project.

@@ -1,0 +1,83 @@
+#pragma once
+
+// The records that the application exchanges with the library, and their conversion to and from the
+// vendors' records of identical layout. Their layout is an ABI: field order, widths and sizes stay,
+// on a 64-bit little-endian target with natural alignment. Records are plain values, copied at
+// every border; the library keeps no pointer to a caller's record beyond the call.
+
+#include <cstddef>
+#include <cstdint>
+
+#include "DeviceDiscover/export.h"
+#include "VendorSdk/records.h"
+
+namespace PrinterDeviceDiscoverSdk {
+
+// One printer. Text fields are NUL-terminated narrow text.
+struct DeviceInfo {
+    std::uint16_t code1;  // between application and vendor; the library only carries it
+    std::uint16_t code2;  // between application and vendor; the library only carries it
+    char deviceSN[64];    // serial number
+    char modelID[32];     // chooses the vendor: equal, byte for byte, to that vendor's productId
+    char extra1[64];      // between application and vendor; the library only carries it
+    char extra2[32];      // between application and vendor; the library only carries it
+    char extra3[32];      // between application and vendor; the library only carries it
+};
+static_assert(sizeof(DeviceInfo) == 228 && alignof(DeviceInfo) == 2);
+static_assert(offsetof(DeviceInfo, code1) == 0 && offsetof(DeviceInfo, code2) == 2);
+static_assert(offsetof(DeviceInfo, deviceSN) == 4 && offsetof(DeviceInfo, modelID) == 68);
+static_assert(offsetof(DeviceInfo, extra1) == 100 && offsetof(DeviceInfo, extra2) == 164);
+static_assert(offsetof(DeviceInfo, extra3) == 196);
+
+// One Wi-Fi network. Text fields are NUL-terminated narrow text.
+struct WifiConfigInfo {
+    float rssi;      // received signal strength of the access point
+    char ssid[128];  // network name
+    char pwd[32];    // pass phrase
+};
+static_assert(sizeof(WifiConfigInfo) == 164 && alignof(WifiConfigInfo) == 4);
+static_assert(offsetof(WifiConfigInfo, rssi) == 0 && offsetof(WifiConfigInfo, ssid) == 4);
+static_assert(offsetof(WifiConfigInfo, pwd) == 132);
+
+// The application's registration for printers. `callback` is called once per reported printer, on
+// the vendors' threads and possibly on several at once; the record it is given lives only during
+// the call, and its result goes back to the vendor unchanged. A null `callback` means that nobody
+// listens.
+struct DeviceCallbackInfo {
+    int (*callback)(const DeviceInfo* device);
+    std::int32_t param;  // passed to the vendors with their registration; the library only logs it
+};
+static_assert(sizeof(DeviceCallbackInfo) == 16 && alignof(DeviceCallbackInfo) == 8);
+static_assert(offsetof(DeviceCallbackInfo, callback) == 0);
+static_assert(offsetof(DeviceCallbackInfo, param) == 8);
+
+// The application's registration for Wi-Fi networks; as DeviceCallbackInfo.
+struct WifiCallbackInfo {
+    int (*callback)(const WifiConfigInfo* network);
+    std::int32_t param;  // passed to the vendor with its registration; the library only logs it
+};
+static_assert(sizeof(WifiCallbackInfo) == 16 && alignof(WifiCallbackInfo) == 8);
+static_assert(offsetof(WifiCallbackInfo, callback) == 0);
+static_assert(offsetof(WifiCallbackInfo, param) == 8);
+
+// Conversion between the two families of records. Safe from any thread; nothing is reported back.
+class DEVICEDISCOVER_API DiscoverBasic {
+public:
+    // Device records are copied field for field, text fields at their full width with whatever
+    // follows their terminator. No terminator is forced: an unterminated field stays unterminated.
+    static void GetDiscoverDeviceInfo(const VendorSdk::DeviceInfo& from, DeviceInfo& to);
+    static void GetVendorSdkDeviceInfo(const DeviceInfo& from, VendorSdk::DeviceInfo& to);
+
+    // Wi-Fi records are copied field for field, `rssi` bit for bit, and their text fields always
+    // come out terminated: text that fills its field loses its last character. Towards the
+    // application the conversion writes three log lines; towards the vendor it is silent.
+    static void GetDiscoverWifoConfigInfo(const VendorSdk::WifiConfigInfo& from,
+                                          WifiConfigInfo& to);
+    static void GetVendorSdkWifoConfigInfo(const WifiConfigInfo& from,
+                                           VendorSdk::WifiConfigInfo& to);
+
+private:
+    DiscoverBasic() = delete;
+};
+
+}  // namespace PrinterDeviceDiscoverSdk

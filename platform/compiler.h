@@ -1,0 +1,19 @@
+#pragma once
+
+// The only header of the broker and its application libraries that knows a compiler.
+
+#if defined(_WIN32)
+#define PLATFORM_EXPORT __declspec(dllexport)
+#define PLATFORM_IMPORT __declspec(dllimport)
+#else
+#define PLATFORM_EXPORT __attribute__((visibility("default")))
+#define PLATFORM_IMPORT __attribute__((visibility("default")))
+#endif
+
+// The text from which a log line's location is derived. MSVC's macro is the qualified name already;
+// the others give the whole signature.
+#if defined(_MSC_VER) && !defined(__clang__)
+#define PLATFORM_FUNCTION_SIGNATURE __FUNCTION__
+#else
+#define PLATFORM_FUNCTION_SIGNATURE __PRETTY_FUNCTION__
+#endif

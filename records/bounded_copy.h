@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+
+namespace Broker {
+
+// Copies `count` bytes into a field of `capacity` bytes, with the contract of memcpy_s:
+//   - a null `destination`: 22 (EINVAL), nothing written;
+//   - `source` not null and `count` within `capacity`: exactly `count` bytes are copied, 0;
+//   - else all of `capacity` is zeroed: 22 (EINVAL) for a null `source`, 34 (ERANGE) for a `count`
+//     beyond `capacity`.
+// On failure errno holds the same value.
+int BoundedCopy(void* destination, std::size_t capacity, const void* source, std::size_t count);
+
+// Copies a field onto the field of the same width in the other family's record.
+template <std::size_t Width>
+int BoundedCopy(char (&destination)[Width], const char (&source)[Width]) {
+    return BoundedCopy(destination, Width, source, Width);
+}
+
+}  // namespace Broker

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <type_traits>
+
+#include "VendorSdk/entry_points.h"
+#include "platform/os.h"
+
+namespace Broker {
+
+// One entry point of a family, as data: how it is called in the module, what is logged when the
+// module lacks it, and where in the family's table entry it goes.
+template <class Entry>
+struct EntryPoint {
+    const char* exportName;
+    const char* missingMessage;
+    void (*store)(Entry& entry, FARPROC symbol);
+};
+
+template <class Entry, auto Slot>
+constexpr EntryPoint<Entry> MakeEntryPoint(const char* exportName, const char* missingMessage) {
+    return {exportName, missingMessage, [](Entry& entry, FARPROC symbol) {
+                auto& slot = entry.*Slot;
+                using Function = std::remove_reference_t<decltype(slot)>;
+                // By way of void(*)(), which every function pointer may be cast to and from.
+                slot = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(symbol));
+            }};
+}
+
+// A family's entry points in slot order, and the order in which they are looked up.
+template <class Entry, std::size_t Count>
+struct EntryPointList {
+    std::array<EntryPoint<Entry>, Count> entryPoints;
+    std::array<std::size_t, Count> lookupOrder;
+};
+
+// The list of a family that is looked up in slot order.
+template <class Entry, std::size_t Count>
+constexpr EntryPointList<Entry, Count> InSlotOrder(
+    const std::array<EntryPoint<Entry>, Count>& entryPoints) {
+    EntryPointList<Entry, Count> list{entryPoints, {}};
+    for (std::size_t slot = 0; slot < Count; ++slot) {
+        list.lookupOrder[slot] = slot;
+    }
+    return list;
+}
+
+#define BROKER_ENTRY_POINT(slot, name, message) \
+    ::Broker::MakeEntryPoint<Entry, &Entry::slot>(#name, message),
+
+// The lists of the three families. `Entry` is the family's table entry, whose slots come from the
+// same rows.
+template <class Entry>
+inline constexpr auto kScanEntryPoints = InSlotOrder(std::array{
+    VENDORSDK_SCAN_ENTRY_POINTS(BROKER_ENTRY_POINT)});
+
+template <class Entry>
+inline constexpr auto kNetConnEntryPoints = InSlotOrder(std::array{
+    VENDORSDK_NETCONN_ENTRY_POINTS(BROKER_ENTRY_POINT)});
+
+// Looked up in another order than that of the slots: the Wi-Fi scan comes last.
+template <class Entry>
+inline constexpr EntryPointList<Entry, 3> kUsbEntryPoints{
+    {VENDORSDK_USB_ENTRY_POINTS(BROKER_ENTRY_POINT)}, {0, 2, 1}};
+
+#undef BROKER_ENTRY_POINT
+
+}  // namespace Broker

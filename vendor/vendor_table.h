@@ -1,0 +1,75 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/PrinterUtil/VendorDllMgr.h"
+#include "platform/os.h"
+#include "records/log_line.h"
+#include "vendor/entry_points.h"
+
+namespace Broker {
+
+// A dispatcher's vendors by product id. The table owns one reference to each entry's module.
+template <class Entry>
+using VendorTable = std::map<std::string, Entry>;
+
+// The vendors that the application supports now; logged under `where` when there is none.
+inline std::vector<VendorInfo> SupportedVendors(const Location& where) {
+    std::vector<VendorInfo> vendors;
+    VendorDllMgr::GetInstance().GetCurrentSupportList(vendors);
+    if (vendors.empty()) {
+        Log(LOG_LEVEL_ERROR, where, "vendorList is empty. DeleteAllVendor");
+    }
+    return vendors;
+}
+
+// Looks up the module's entry points, each into its slot. One that the module lacks is logged and
+// leaves its slot null; it never costs the vendor its place.
+template <class Entry, std::size_t Count>
+void LookUpEntryPoints(Entry& entry, const EntryPointList<Entry, Count>& list,
+                       const Location& where) {
+    for (const std::size_t slot : list.lookupOrder) {
+        const EntryPoint<Entry>& entryPoint = list.entryPoints[slot];
+        const FARPROC symbol = GetProcAddress(entry.module, entryPoint.exportName);
+        entryPoint.store(entry, symbol);
+        if (symbol == nullptr) {
+            Log(LOG_LEVEL_ERROR, where, entryPoint.missingMessage);
+        }
+    }
+}
+
+// Adds the supported vendors to `table`, each with the module that `moduleName` names and the entry
+// points of `list`; false when none is supported. A vendor without a module is passed over; one
+// whose product id is in the table already is dropped, and its module stays loaded. The lines are
+// logged under `where`, the dispatcher's own function.
+template <class Entry, std::size_t Count>
+bool BindVendors(VendorTable<Entry>& table, std::string VendorInfo::*moduleName,
+                 const EntryPointList<Entry, Count>& list, const Location& where) {
+    const std::vector<VendorInfo> vendors = SupportedVendors(where);
+    for (const VendorInfo& vendor : vendors) {
+        Entry entry;
+        if (!VendorDllMgr::GetInstance().GetDeviceHandle(entry.module, vendor.*moduleName)) {
+            continue;
+        }
+        LookUpEntryPoints(entry, list, where);
+        Log(LOG_LEVEL_WARNING, where, "productId", vendor.productId);
+        table.emplace(vendor.productId, entry);
+    }
+    return !vendors.empty();
+}
+
+// Gives back every module, in the order of the product ids, and empties the table.
+template <class Entry>
+void ReleaseVendors(VendorTable<Entry>& table) {
+    for (auto& [productId, entry] : table) {
+        if (entry.module != nullptr) {
+            FreeLibrary(entry.module);
+            entry.module = nullptr;
+        }
+    }
+    table.clear();
+}
+
+}  // namespace Broker
