@@ -1,1 +1,25 @@
-# Installing the library and finding it from another project.
+# Installing the library with its application libraries, and finding it from another project:
+#
+#     find_package(DeviceDiscover REQUIRED)
+#     target_link_libraries(app PRIVATE DeviceDiscover::DeviceDiscover)
+
+include(CMakePackageConfigHelpers)
+
+set(PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/DeviceDiscover)
+set(HEADER_FOLDER ${CMAKE_INSTALL_INCLUDEDIR}/devicediscover)
+
+install(TARGETS DeviceDiscover LogHelper PrinterUtil EXPORT DeviceDiscoverTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY include/DeviceDiscover include/VendorSdk platform
+    DESTINATION ${HEADER_FOLDER} FILES_MATCHING PATTERN "*.h")
+install(EXPORT DeviceDiscoverTargets NAMESPACE DeviceDiscover:: DESTINATION ${PACKAGE_FOLDER})
+configure_package_config_file(cmake/DeviceDiscoverConfig.cmake.in
+    ${CMAKE_CURRENT_BINARY_DIR}/DeviceDiscoverConfig.cmake INSTALL_DESTINATION ${PACKAGE_FOLDER})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/DeviceDiscoverConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/DeviceDiscoverConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/DeviceDiscoverConfigVersion.cmake
+    DESTINATION ${PACKAGE_FOLDER})

@@ -76,6 +76,9 @@ public:
     static void GetVendorSdkWifoConfigInfo(const WifiConfigInfo& from,
                                            VendorSdk::WifiConfigInfo& to);
 
+    DiscoverBasic(const DiscoverBasic&) = delete;
+    DiscoverBasic& operator=(const DiscoverBasic&) = delete;
+
 private:
     DiscoverBasic() = delete;
 };

@@ -1,0 +1,101 @@
+#!/usr/bin/env python3
+"""Checks who includes whom, and who knows an operating system.
+
+usage: check_layering.py [SOURCE]    SOURCE: the top of the project (default: that of this script)
+
+Exit status: 0 all as planned, 1 something else, each place named.
+"""
+
+import os
+import re
+import sys
+
+# Folder: the project's folders that its files may include, besides itself.
+BROKER = ["include/", "platform/", "records/"]
+MAY_INCLUDE = {
+    "include/VendorSdk": [],
+    "include/DeviceDiscover": ["include/VendorSdk/", "platform/"],
+    "platform": [],
+    "records": ["include/", "platform/"],
+    "vendor": BROKER,
+    "scan": BROKER + ["vendor/"],
+    "netconn": BROKER + ["vendor/"],
+    "usb": BROKER + ["vendor/", "sdk/"],
+    "hostnet": BROKER + ["vendor/"],
+    "sdk": BROKER + ["vendor/"],
+    "host/LogHelper": ["platform/"],
+    "host/PrinterUtil": ["platform/"],
+    "host": ["platform/"],
+    "modules/driverless": ["include/VendorSdk/", "platform/PrinterDiscoverAPI/"],
+    "modules": ["include/VendorSdk/"],
+    # The application configures its own libraries, and names no entry point by hand.
+    "app": ["include/", "platform/os.h", "platform/LogHelper/", "platform/PrinterUtil/",
+            "host/LogHelper/log_settings.h", "host/PrinterUtil/vendor_list.h"],
+    "kit": ["include/VendorSdk/", "vendor/", "platform/os.h"],
+}
+INCLUDE_FOLDERS = ["", "include/"]
+SOURCE_FILE = re.compile(r"\.(h|hpp|c|cpp|inc)$")
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
+
+OS_WORDS = re.compile(
+    r"\b(_WIN32|_WIN64|__MINGW\w*|WIN32|__linux__|__unix__|__APPLE__)\b"
+    r"|#\s*include\s*<(windows|winsock2|unistd|dlfcn|link|fcntl|poll|signal|termios|pwd"
+    r"|sys/\w+|net/\w+|netinet/\w+|arpa/\w+)\.h>")
+MAY_KNOW_THE_OS = re.compile(
+    r"(_linux|_windows)\.(cpp|h)$|^platform/(os|compiler)\.h$|^include/VendorSdk/entry_points\.h$"
+    # A module for one system only.
+    r"|^modules/driverless/")
+
+
+def layer_of(path):
+    layers = [layer for layer in MAY_INCLUDE if path.startswith(layer + "/")]
+    return max(layers, key=len, default=None)
+
+
+def resolve(top, path, included):
+    """The project's path of what `path` includes, or None when it is not the project's."""
+    folders = [os.path.dirname(path) + "/"] + INCLUDE_FOLDERS
+    for folder in folders:
+        candidate = os.path.normpath(folder + included)
+        if os.path.isfile(os.path.join(top, candidate)):
+            return candidate
+    return None
+
+
+def complaints(top, path):
+    layer = layer_of(path)
+    with open(os.path.join(top, path), encoding="utf-8") as file:
+        text = file.read()
+    for included in INCLUDE.findall(text):
+        target = resolve(top, path, included)
+        if target is None:
+            continue
+        allowed = [layer + "/"] + MAY_INCLUDE[layer]
+        if not any(target.startswith(prefix) for prefix in allowed):
+            yield f"{path}: {layer}/ must not include {target}"
+    if not MAY_KNOW_THE_OS.search(path):
+        code = re.sub(r"//.*", "", text)
+        for match in OS_WORDS.finditer(code):
+            yield f"{path}: knows an operating system: {match.group(0)}"
+
+
+def main(arguments):
+    here = os.path.dirname(os.path.abspath(__file__))
+    top = os.path.abspath(arguments[0] if arguments else os.path.join(here, "..", ".."))
+    files = 0
+    found = []
+    for layer_top in sorted({layer.split("/")[0] for layer in MAY_INCLUDE}):
+        for folder, _, names in os.walk(os.path.join(top, layer_top)):
+            for name in sorted(names):
+                path = os.path.relpath(os.path.join(folder, name), top)
+                if SOURCE_FILE.search(name) and layer_of(path):
+                    files += 1
+                    found += complaints(top, path)
+    for complaint in found:
+        print(complaint)
+    print(f"layering: {files} files, {len(found)} complaints")
+    return 1 if found or files == 0 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
