@@ -6,9 +6,10 @@
 
 if(CMAKE_CROSSCOMPILING)
     function(borrow_headers target folder)
-        find_path(${target}_parent NAMES ${folder} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+        find_path(${target}_includes NAMES ${folder} PATHS /usr/include
+                  NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
         file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/borrowed/${folder})
-        file(CREATE_LINK ${${target}_parent}/${folder} ${CMAKE_BINARY_DIR}/borrowed/${folder}/${folder}
+        file(CREATE_LINK ${${target}_includes}/${folder} ${CMAKE_BINARY_DIR}/borrowed/${folder}/${folder}
              SYMBOLIC)
         add_library(${target} INTERFACE IMPORTED)
         target_include_directories(${target} SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/borrowed/${folder})

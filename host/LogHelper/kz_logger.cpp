@@ -1,8 +1,16 @@
+#include "host/LogHelper/log_writer.h"
 #include "platform/LogHelper/KzLogger.h"
 
 KzLogger& KzLogger::GetInstance() {
-    alignas(KzLogger) static char storage[sizeof(KzLogger)];
-    return *reinterpret_cast<KzLogger*>(storage);
+    static KzLogger& instance = *new KzLogger;
+    return instance;
 }
 
-void KzLogger::Log(LOG_MESSAGE_LEVEL, std::wstringstream&) {}
+void KzLogger::Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line) {
+    try {
+        LogHelper::LogWriter::GetInstance().Write(level, line);
+    } catch (...) {
+        // Out of memory: the line is lost, the caller goes on.
+        return;
+    }
+}

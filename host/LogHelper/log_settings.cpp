@@ -1,0 +1,15 @@
+#include "host/LogHelper/log_settings.h"
+
+#include "host/LogHelper/log_writer.h"
+
+namespace LogHelper {
+
+void Configure(const Settings& settings) {
+    LogWriter::GetInstance().Configure(settings);
+}
+
+std::string LogFilePath() {
+    return LogWriter::GetInstance().FilePath();
+}
+
+}  // namespace LogHelper

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace Host {
+
+inline constexpr char32_t kReplacement = 0xFFFD;
+
+// The code point at `at`, which is moved behind it; U+FFFD for whatever is none. Wide text is
+// UTF-16 where wchar_t has 16 bits and UTF-32 where it has more.
+char32_t NextCodePoint(std::wstring_view text, std::size_t& at);
+char32_t NextCodePoint(std::string_view utf8, std::size_t& at);
+
+// Appends a code point as UTF-8.
+void AppendUtf8(std::string& text, char32_t codePoint);
+
+// Conversions that never fail: what is ill-formed becomes U+FFFD.
+std::string ToUtf8(std::wstring_view text);
+std::wstring FromUtf8(std::string_view utf8);
+
+// Paths as UTF-8 text and back. Where paths are bytes, the bytes stay as they are.
+std::string PathToUtf8(const std::filesystem::path& path);
+std::filesystem::path PathFromUtf8(std::string_view utf8);
+
+}  // namespace Host
