@@ -1,0 +1,49 @@
+#include <atomic>
+#include <new>
+
+#include "vendor.h"
+
+namespace ScriptedVendor {
+
+namespace {
+
+// None of these has a destructor that would run while a scan still does.
+alignas(Vendor) unsigned char storage[sizeof(Vendor)];
+std::atomic<Vendor*> made{nullptr};
+std::atomic<int> present{0};
+std::atomic<bool> gone{false};
+
+Vendor* TheVendor() {
+    static Vendor* const vendor = [] {
+        auto* const fresh = new (storage) Vendor(kModuleName);
+        made = fresh;
+        return fresh;
+    }();
+    return vendor;
+}
+
+// Takes the vendor along when the module goes and nobody is in it.
+struct Departure {
+    ~Departure() {
+        gone = true;
+        if (present == 0 && made != nullptr) {
+            made.load()->~Vendor();
+        }
+    }
+};
+Departure departure;
+
+}  // namespace
+
+Presence::Presence() {
+    ++present;
+    if (!gone) {
+        vendor = TheVendor();
+    }
+}
+
+Presence::~Presence() {
+    --present;
+}
+
+}  // namespace ScriptedVendor

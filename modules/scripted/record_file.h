@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace ScriptedVendor {
+
+// Appends `text` to the file in one piece, also when other modules and processes append to it at
+// the same time. False when the file cannot be written.
+bool AppendToFile(const std::string& path, const std::string& text);
+
+}  // namespace ScriptedVendor

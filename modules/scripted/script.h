@@ -1,0 +1,35 @@
+#pragma once
+
+#include <chrono>
+#include <iosfwd>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "VendorSdk/records.h"
+
+namespace ScriptedVendor {
+
+// How a module behaves.
+struct Script {
+    std::map<std::string, int> results;
+    std::map<std::string, std::chrono::milliseconds> delays;
+    std::vector<VendorSdk::DeviceInfo> devices;
+    int threads = 1;  // that report at once
+    int repeat = 1;   // how often each thread reports the devices; 0: until the scan is stopped
+    std::chrono::milliseconds interval{0};  // between two reports of a thread
+    bool untilStopped = false;              // StartDeviceScan waits for StopDeviceScan
+    int afterStop = 0;                      // devices reported once StopDeviceScan has returned
+
+    // The scripted result of an entry point, or its success.
+    int ResultOf(const std::string& entryPoint) const;
+    std::chrono::milliseconds DelayOf(const std::string& entryPoint) const;
+};
+
+// Applies the lines of `text` that concern `moduleName` to `script`. A line that makes no sense is
+// left out; returned is one message for each, with `sourceName`, the line's number and what is
+// wrong.
+std::vector<std::string> ApplyScript(std::istream& text, const std::string& sourceName,
+                                     const std::string& moduleName, Script& script);
+
+}  // namespace ScriptedVendor

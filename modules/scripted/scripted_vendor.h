@@ -1,0 +1,66 @@
+#pragma once
+
+// Steering a scripted vendor from within its process, and reading back what it was asked. The
+// module exports one symbol, ScriptedVendorControl; everything else is reached through the
+// functions it returns. They may be called from any thread.
+
+#include <cstddef>
+
+#include "VendorSdk/entry_points.h"
+
+namespace ScriptedVendor {
+
+// One call that the module received.
+struct Call {
+    const char* entryPoint;
+    const void* argument;  // the address of the argument record; null when there is none
+    std::size_t size;      // its bytes, as they were when the call came
+    unsigned char bytes[sizeof(VendorSdk::DeviceInfo)];
+};
+
+struct Control {
+    const char* moduleName;
+
+    // Applies script lines (see README.md) on top of what holds already. Returns how many lines
+    // were refused; each is named on standard error.
+    int (*Script)(const char* lines);
+
+    // Adds a device to those that StartDeviceScan reports, byte for byte.
+    void (*AddDevice)(const VendorSdk::DeviceInfo* device);
+
+    // Calls of that entry point are recorded and then wait until it is unblocked.
+    void (*Block)(const char* entryPoint);
+    void (*Unblock)(const char* entryPoint);
+
+    // Reports `device`, which may be null, on the calling thread and returns the callback's result.
+    // Needs no running scan, only that there has been one; -1 otherwise.
+    int (*ReportNow)(const VendorSdk::DeviceInfo* device);
+
+    std::size_t (*CallCount)();
+    bool (*ReadCall)(std::size_t index, Call* call);
+
+    // What the callback returned, report by report; the first 10000 are kept.
+    std::size_t (*CallbackCount)();
+    bool (*ReadCallbackResult)(std::size_t index, int* result);
+
+    // The registration of the last StartDeviceScan; null before the first.
+    VendorSdk::DeviceCallbackInfo* (*Registration)();
+
+    // How many calls of StartDeviceScan have not returned.
+    int (*RunningScans)();
+
+    // Wait until the entry point has been called `count` times, until `count` reports have come
+    // back, until exactly `count` scans run; false when that takes longer than `milliseconds`.
+    bool (*WaitForCalls)(const char* entryPoint, std::size_t count, unsigned milliseconds);
+    bool (*WaitForCallbacks)(std::size_t count, unsigned milliseconds);
+    bool (*WaitForRunningScans)(int count, unsigned milliseconds);
+};
+
+}  // namespace ScriptedVendor
+
+namespace VendorSdk {
+
+// Not an entry point of vendors; here so that VENDORSDK_EXPORT can declare it.
+using ScriptedVendorControlFunction = const ScriptedVendor::Control*();
+
+}  // namespace VendorSdk
