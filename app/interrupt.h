@@ -1,0 +1,10 @@
+#pragma once
+
+namespace App {
+
+// From now on the first request to end the program (Ctrl-C, the system's request to terminate, a
+// closing terminal) calls `notify` on a thread of its own; the second ends the process at once.
+// Requests that the program was started to ignore stay ignored.
+void NotifyOnInterrupt(void (*notify)());
+
+}  // namespace App

@@ -1,0 +1,61 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "app/interrupt.h"
+#include "app/problem.h"
+
+namespace App {
+
+namespace {
+
+int wakeUp[2];
+volatile std::sig_atomic_t requests = 0;
+
+void OnSignal(int signal) {
+    if (requests != 0) {
+        std::signal(signal, SIG_DFL);
+        raise(signal);
+        return;
+    }
+    requests = 1;
+    const int error = errno;
+    [[maybe_unused]] const ssize_t written = write(wakeUp[1], "", 1);
+    errno = error;
+}
+
+void Catch(int signal) {
+    struct sigaction action {};
+    sigaction(signal, nullptr, &action);
+    if (action.sa_handler != SIG_IGN) {
+        action = {};
+        action.sa_handler = OnSignal;
+        action.sa_flags = SA_RESTART;
+        sigaction(signal, &action, nullptr);
+    }
+}
+
+}  // namespace
+
+void NotifyOnInterrupt(void (*notify)()) {
+    if (pipe2(wakeUp, O_CLOEXEC) != 0) {
+        throw Problem(std::string("cannot watch for Ctrl-C: ") + std::strerror(errno));
+    }
+    // A handler may do next to nothing; the thread that it wakes may do everything.
+    std::thread([notify] {
+        char byte;
+        while (read(wakeUp[0], &byte, 1) < 0 && errno == EINTR) {
+        }
+        notify();
+    }).detach();
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        Catch(signal);
+    }
+}
+
+}  // namespace App

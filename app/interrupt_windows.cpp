@@ -1,0 +1,34 @@
+#include "app/interrupt.h"
+
+#include <atomic>
+
+#include "platform/os.h"
+
+namespace App {
+
+namespace {
+
+std::atomic<void (*)()> notifier = nullptr;
+
+// The system calls this on a thread of its own.
+BOOL WINAPI OnConsoleEvent(DWORD event) {
+    const auto notify = notifier.exchange(nullptr);
+    if (notify == nullptr) {
+        return FALSE;
+    }
+    notify();
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+        // The process ends when this returns: leave it the time to stop.
+        Sleep(INFINITE);
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+void NotifyOnInterrupt(void (*notify)()) {
+    notifier = notify;
+    SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+}
+
+}  // namespace App

@@ -1,0 +1,35 @@
+#include "app/messages.h"
+
+#include <sstream>
+
+#include "app/console.h"
+#include "app/text.h"
+#include "host/LogHelper/log_settings.h"
+
+namespace App {
+
+void Complain(const std::string& text) {
+    std::istringstream stream("devicediscover: " + text);
+    std::string shown;
+    for (std::string line; std::getline(stream, line);) {
+        shown += DisplayText(line) + "\n";
+    }
+    WriteError(shown);
+}
+
+void Warn(const std::string& text) {
+    Complain("warning: " + text);
+}
+
+std::string CountOfPrinters(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " printer" : " printers");
+}
+
+std::string AdviceAfterScan() {
+    const std::string log = LogHelper::LogFilePath();
+    return "A vendor whose scan failed says so in the log" + (log.empty() ? "" : " (" + log + ")") +
+           ".\nTry a longer --seconds, `devicediscover vendors` to see what each vendor's modules "
+           "can do,\nor --log-level error to see failures as they happen.";
+}
+
+}  // namespace App

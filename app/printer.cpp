@@ -1,0 +1,44 @@
+#include "app/printer.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace App {
+
+namespace {
+
+// The text of a field, up to its terminator or the end of the field.
+template <std::size_t Width>
+std::string Text(const char (&field)[Width]) {
+    return {field, std::find(field, field + Width, '\0')};
+}
+
+}  // namespace
+
+Printer::Printer(const PrinterDeviceDiscoverSdk::DeviceInfo& device)
+    : record(device),
+      serialNumber(Text(device.deviceSN)),
+      vendor(Text(device.modelID)),
+      makeAndModel(Text(device.extra1)),
+      address(Text(device.extra2)),
+      resource(Text(device.extra3)),
+      port(device.code1),
+      service(device.code2) {}
+
+bool Printer::IsSameDevice(const Printer& other) const {
+    if (vendor != other.vendor || serialNumber != other.serialNumber) {
+        return false;
+    }
+    // Without a serial number the address has to tell devices apart.
+    return !serialNumber.empty() || (address == other.address && port == other.port);
+}
+
+bool Printer::operator==(const Printer& other) const {
+    const auto texts = [](const Printer& p) {
+        return std::tie(p.serialNumber, p.vendor, p.makeAndModel, p.address, p.resource, p.port,
+                        p.service);
+    };
+    return texts(*this) == texts(other);
+}
+
+}  // namespace App

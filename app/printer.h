@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "DeviceDiscover/DeviceDiscover.h"
+
+namespace App {
+
+// What a vendor's record says of a printer. The texts are as the device gave them, each no longer
+// than its field.
+struct Printer {
+    explicit Printer(const PrinterDeviceDiscoverSdk::DeviceInfo& device);
+
+    PrinterDeviceDiscoverSdk::DeviceInfo record;
+    std::string serialNumber;
+    std::string vendor;
+    std::string makeAndModel;
+    std::string address;
+    std::string resource;
+    std::uint16_t port;
+    std::uint16_t service;
+
+    // Whether both are the same device, maybe with news about it.
+    bool IsSameDevice(const Printer& other) const;
+    bool operator==(const Printer& other) const;
+};
+
+}  // namespace App

@@ -1,0 +1,54 @@
+#include "app/scan_session.h"
+
+#include "app/console.h"
+#include "app/interrupt.h"
+#include "app/messages.h"
+#include "app/problem.h"
+#include "app/vendor_survey.h"
+
+namespace App {
+
+namespace {
+
+int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
+    PrinterList::GetInstance().Add(Printer(*device));
+    return 0;
+}
+
+[[noreturn]] void ThrowCouldNotStart(const std::vector<std::string>& problems) {
+    std::string text = "no vendor can look for printers";
+    for (const std::string& problem : problems) {
+        text += "\n  " + problem;
+    }
+    throw Problem(text +
+                  "\nName a vendor list with --vendors FILE, or put the modules in order; "
+                  "`devicediscover vendors` shows what is there.");
+}
+
+}  // namespace
+
+ScanSession::ScanSession() {
+    NotifyOnInterrupt([] { PrinterList::GetInstance().Cancel(); });
+    auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
+    running = discovery.StartDeviceScan({OnDevice, 0}) == 0;
+    const std::vector<std::string> problems = ScanProblems();
+    if (!running) {
+        ThrowCouldNotStart(problems);
+    }
+    for (const std::string& problem : problems) {
+        Warn(problem);
+    }
+}
+
+ScanSession::~ScanSession() {
+    Stop();
+}
+
+void ScanSession::Stop() {
+    if (running) {
+        running = false;
+        PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance().StopDeviceScan();
+    }
+}
+
+}  // namespace App

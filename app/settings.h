@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/LogHelper/KzLogger.h"
+
+namespace App {
+
+// What every command can be told.
+struct Settings {
+    std::string vendorList;  // empty: where the library looks
+    std::string logFile;     // empty: in the user's state folder
+    std::string logLevel;    // empty: all of the broker's lines into the log file
+    bool json = false;
+
+    // Whether log lines go to standard error too.
+    bool LogsToTerminal() const;
+};
+
+// Hands the settings to the application's libraries, before anything else uses them. Throws Problem
+// when the log file cannot be written.
+void Apply(const Settings& settings);
+
+}  // namespace App

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "app/exit_status.h"
+#include "app/settings.h"
+
+namespace App {
+
+struct StateOptions {
+    std::string serialNumber;
+    std::chrono::duration<double> time{5};  // how long to look for the printer
+};
+
+// Looks for the printer with that serial number and asks its vendor whether it would take a job.
+// kFound when it was found, whatever its state.
+ExitStatus State(const Settings& settings, const StateOptions& options);
+
+}  // namespace App

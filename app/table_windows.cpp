@@ -1,0 +1,69 @@
+#include <algorithm>
+#include <numeric>
+
+#include "app/table.h"
+#include "app/text.h"
+
+namespace App {
+
+namespace {
+
+using Widths = std::array<std::size_t, kTableHeadings.size()>;
+
+constexpr std::size_t kPort = 3;
+constexpr std::size_t kGap = 2;
+
+std::size_t WidthOfLine(const Widths& widths) {
+    return std::accumulate(widths.begin(), widths.end(), kGap * (widths.size() - 1));
+}
+
+// The widest column gives way, one by one, until the line fits.
+Widths Fit(Widths widths, std::size_t columns) {
+    while (WidthOfLine(widths) > columns) {
+        std::size_t& widest = *std::max_element(widths.begin(), widths.end());
+        if (widest <= 1) {
+            break;
+        }
+        --widest;
+    }
+    return widths;
+}
+
+Widths NaturalWidths(const std::vector<TableRow>& rows) {
+    Widths widths{};
+    for (const TableRow& row : rows) {
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            widths[column] = std::max(widths[column], DisplayWidth(row[column]));
+        }
+    }
+    return widths;
+}
+
+std::string Line(const TableRow& row, const Widths& widths) {
+    std::string line;
+    for (std::size_t column = 0; column < row.size(); ++column) {
+        const std::string cell(CutToWidth(row[column], widths[column]));
+        const std::string padding(widths[column] - DisplayWidth(cell), ' ');
+        line += column == 0 ? "" : std::string(kGap, ' ');
+        line += column == kPort ? padding + cell : cell + padding;
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+}  // namespace
+
+std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::size_t columns) {
+    std::vector<TableRow> rows(1);
+    std::copy(kTableHeadings.begin(), kTableHeadings.end(), rows[0].begin());
+    std::transform(printers.begin(), printers.end(), std::back_inserter(rows), RowOf);
+    // A line that fills the last column would wrap.
+    const Widths widths = Fit(NaturalWidths(rows), columns - 1);
+    std::vector<std::string> lines;
+    for (const TableRow& row : rows) {
+        lines.push_back(Line(row, widths));
+    }
+    return lines;
+}
+
+}  // namespace App

@@ -1,0 +1,69 @@
+#include "app/vendor_survey.h"
+
+#include <algorithm>
+
+#include "DeviceDiscover/DeviceDiscover.h"
+#include "host/PrinterUtil/vendor_list.h"
+
+namespace App {
+
+namespace {
+
+#define APP_EXPORT_NAME(slot, name, message) #name,
+
+const std::vector<std::string> kScanExports{VENDORSDK_SCAN_ENTRY_POINTS(APP_EXPORT_NAME)};
+const std::vector<std::string> kConfigurationExports{
+    VENDORSDK_NETCONN_ENTRY_POINTS(APP_EXPORT_NAME) VENDORSDK_USB_ENTRY_POINTS(APP_EXPORT_NAME)};
+
+#undef APP_EXPORT_NAME
+
+ModuleSurvey Survey(const std::string& use, const std::string& moduleName,
+                    const std::vector<std::string>& exports) {
+    const PrinterUtil::ModuleReport report = PrinterUtil::DescribeModule(moduleName);
+    ModuleSurvey survey{use, moduleName, report.path, report.problem, {}};
+    if (report.module == nullptr) {
+        if (survey.problem.empty()) {
+            survey.problem = "cannot be loaded";
+        }
+        return survey;
+    }
+    for (const std::string& name : exports) {
+        survey.entryPoints.push_back(
+            {name, GetProcAddress(report.module, name.c_str()) != nullptr});
+    }
+    FreeLibrary(report.module);
+    return survey;
+}
+
+}  // namespace
+
+bool ModuleSurvey::Has(const std::string& entryPoint) const {
+    return std::any_of(entryPoints.begin(), entryPoints.end(), [&](const EntryPointSurvey& known) {
+        return known.bound && known.name == entryPoint;
+    });
+}
+
+ModuleSurvey SurveyScanModule(const VendorInfo& vendor) {
+    return Survey("scan", vendor.scanModuleName, kScanExports);
+}
+
+ModuleSurvey SurveyConfigurationModule(const VendorInfo& vendor) {
+    return Survey("network configuration and USB", vendor.vendorName, kConfigurationExports);
+}
+
+std::vector<std::string> ScanProblems() {
+    const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
+    std::vector<std::string> problems = list.problems;
+    for (const VendorInfo& vendor : list.vendors) {
+        const ModuleSurvey module = SurveyScanModule(vendor);
+        if (!module.IsLoaded()) {
+            problems.push_back("vendor " + vendor.productId + ": " + module.problem);
+        } else if (!module.Has("StartDeviceScan")) {
+            problems.push_back("vendor " + vendor.productId + ": module " + module.path +
+                               " has no entry point StartDeviceScan");
+        }
+    }
+    return problems;
+}
+
+}  // namespace App

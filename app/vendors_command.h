@@ -1,0 +1,12 @@
+#pragma once
+
+#include "app/exit_status.h"
+#include "app/settings.h"
+
+namespace App {
+
+// Shows each vendor of the list, its modules and their entry points. kFound when at least one
+// module could be loaded.
+ExitStatus Vendors(const Settings& settings);
+
+}  // namespace App
