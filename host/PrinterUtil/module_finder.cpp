@@ -1,0 +1,109 @@
+#include "host/PrinterUtil/module_finder.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "host/PrinterUtil/module_loader.h"
+#include "host/common/utf8.h"
+
+namespace PrinterUtil {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kLongestName = 255;
+
+bool IsControl(char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return byte < 0x20 || byte == 0x7F;
+}
+
+bool LeadsElsewhere(char character) {
+    return IsControl(character) || character == '/' || character == '\\' || character == ':';
+}
+
+// A name that cannot lead out of the folder on any system.
+bool IsPlainName(const std::string& name) {
+    return !name.empty() && name.size() <= kLongestName && name.find("..") == std::string::npos &&
+           std::none_of(name.begin(), name.end(), LeadsElsewhere);
+}
+
+// The name in quotation marks, without characters that a terminal would obey.
+std::string Quoted(const std::string& name) {
+    std::string quoted = "\"";
+    for (const char character : name.substr(0, kLongestName)) {
+        quoted += IsControl(character) ? '?' : character;
+    }
+    return quoted + "\"";
+}
+
+fs::path ModuleFile(const fs::path& folder, const std::string& name) {
+    const bool hasSuffix = name.ends_with(kModuleSuffix);
+    return folder / Host::PathFromUtf8(hasSuffix ? name : name + std::string(kModuleSuffix));
+}
+
+std::string FolderProblem(const fs::path& folder) {
+    std::error_code failure;
+    if (fs::status(folder, failure).type() == fs::file_type::not_found) {
+        return "there is no folder " + Host::PathToUtf8(folder);
+    }
+    const std::string reason = WhyOthersMayChange(folder);
+    return reason.empty() ? reason
+                          : "refused: its folder " + Host::PathToUtf8(folder) + ": " + reason;
+}
+
+// What is wrong with the file before it is loaded. A link is judged by what it leads to.
+std::string FileProblem(const fs::path& file) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(file, failure);
+    if (status.type() == fs::file_type::not_found) {
+        return "there is no such file";
+    }
+    if (failure) {
+        return failure.message();
+    }
+    if (status.type() != fs::file_type::regular) {
+        return "not a regular file";
+    }
+    if (const std::string reason = WhyOthersMayChange(file); !reason.empty()) {
+        return "refused: " + reason;
+    }
+    const fs::path target = LinkTarget(file);
+    return target.empty() ? std::string() : FolderProblem(target.parent_path());
+}
+
+std::string Load(const fs::path& folder, const fs::path& file, HINSTANCE& module) {
+    if (!folder.is_absolute()) {
+        return "its folder has no absolute path";
+    }
+    if (std::string problem = FolderProblem(folder); !problem.empty()) {
+        return problem;
+    }
+    if (std::string problem = FileProblem(file); !problem.empty()) {
+        return problem;
+    }
+    std::string problem;
+    module = LoadModule(file, problem);
+    return problem;
+}
+
+}  // namespace
+
+ModuleReport OpenModule(const std::string& folder, const std::string& name) {
+    ModuleReport report;
+    if (!IsPlainName(name)) {
+        report.problem = "module " + Quoted(name) + ": not a plain name";
+        return report;
+    }
+    const fs::path folderPath = Host::PathFromUtf8(folder);
+    const fs::path file = ModuleFile(folderPath, name);
+    report.path = Host::PathToUtf8(file);
+    const std::string problem = Load(folderPath, file, report.module);
+    if (!problem.empty()) {
+        report.problem = "module " + report.path + ": " + problem;
+    }
+    return report;
+}
+
+}  // namespace PrinterUtil

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+#include "host/PrinterUtil/vendor_list.h"
+
+namespace PrinterUtil {
+
+// Loads the module of that name from the folder and from nowhere else.
+ModuleReport OpenModule(const std::string& folder, const std::string& name);
+
+}  // namespace PrinterUtil

@@ -1,0 +1,7 @@
+#include "platform/PrinterUtil/PrinterUtil.h"
+
+#include "host/common/utf8.h"
+
+std::string PrinterUtil::WStringToString(const std::wstring& text) {
+    return Host::ToUtf8(text);
+}

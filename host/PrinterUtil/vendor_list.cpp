@@ -1,0 +1,25 @@
+#include "host/PrinterUtil/vendor_list.h"
+
+#include "host/PrinterUtil/module_finder.h"
+#include "host/PrinterUtil/vendor_list_state.h"
+
+namespace PrinterUtil {
+
+void UseVendorList(const std::string& path) {
+    VendorListState::GetInstance().Use(path);
+}
+
+VendorListReport DescribeVendorList() {
+    return VendorListState::GetInstance().Read();
+}
+
+ModuleReport DescribeModule(const std::string& moduleName) {
+    std::string problem;
+    const std::string folder = VendorListState::GetInstance().ModuleFolder(problem);
+    if (folder.empty()) {
+        return {{}, nullptr, problem};
+    }
+    return OpenModule(folder, moduleName);
+}
+
+}  // namespace PrinterUtil

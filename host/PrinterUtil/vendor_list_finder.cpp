@@ -1,0 +1,100 @@
+#include "host/PrinterUtil/vendor_list_finder.h"
+
+#include <fstream>
+
+#include "host/PrinterUtil/module_loader.h"
+#include "host/common/environment.h"
+#include "host/common/user_folders.h"
+#include "host/common/utf8.h"
+
+namespace PrinterUtil {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kVariable = "DEVICEDISCOVER_VENDORS";
+constexpr const char* kProductFolder = "DeviceDiscover";
+constexpr const char* kFileName = "vendors.json";
+constexpr std::size_t kLargestList = 1024 * 1024;
+
+bool IsThere(const fs::path& path) {
+    std::error_code failure;
+    return fs::status(path, failure).type() != fs::file_type::not_found;
+}
+
+fs::path Absolute(const fs::path& path) {
+    std::error_code failure;
+    const fs::path absolute = fs::absolute(path, failure);
+    return failure ? path : absolute;
+}
+
+// Reads the file, one byte beyond the limit at most; false when that fails.
+bool ReadText(const fs::path& path, std::string& text) {
+    std::ifstream file(path, std::ios::binary);
+    text.resize(kLargestList + 1);
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    return file.eof() || (file.is_open() && file.good());
+}
+
+std::string Read(const fs::path& path, std::string& text) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(path, failure);
+    if (status.type() == fs::file_type::not_found) {
+        return "there is no such file";
+    }
+    if (failure) {
+        return failure.message();
+    }
+    if (status.type() != fs::file_type::regular) {
+        return "not a regular file";
+    }
+    if (const std::string reason = WhyOthersMayChange(path); !reason.empty()) {
+        return "refused: " + reason;
+    }
+    if (!ReadText(path, text)) {
+        return "the file cannot be read";
+    }
+    if (text.size() > kLargestList) {
+        return "the file has more than " + std::to_string(kLargestList) + " bytes";
+    }
+    return {};
+}
+
+FoundList ReadAt(const fs::path& path) {
+    FoundList found;
+    found.path = Absolute(path);
+    const std::string problem = Read(found.path, found.text);
+    if (!problem.empty()) {
+        found.problem = "vendor list " + Host::PathToUtf8(found.path) + ": " + problem;
+    }
+    return found;
+}
+
+}  // namespace
+
+FoundList FindVendorList(const fs::path& chosen) {
+    if (!chosen.empty()) {
+        return ReadAt(chosen);
+    }
+    if (const fs::path named = Host::PathFromEnvironment(kVariable); !named.empty()) {
+        return ReadAt(named);
+    }
+    std::string searched;
+    for (const fs::path& folder :
+         {Host::UserConfigurationFolder(), LibraryFolder() / kProductFolder}) {
+        if (!folder.empty() && IsThere(folder / kFileName)) {
+            return ReadAt(folder / kFileName);
+        }
+        if (!folder.empty()) {
+            searched +=
+                (searched.empty() ? "neither " : " nor ") + Host::PathToUtf8(folder / kFileName);
+        }
+    }
+    FoundList none;
+    none.problem = "vendor list: none found, " + searched + "; " + kVariable + " can name one";
+    return none;
+}
+
+}  // namespace PrinterUtil
