@@ -90,8 +90,8 @@ void AddSettings(CLI::App& command, Settings& settings) {
         ->type_name("FILE");
     command
         .add_option("--log-level", settings.logLevel,
-                    "Also write log lines from this level on to standard error: trace, debug,\n"
-                    "info, warning or error; off: keep no log at all")
+                    "Log from this level on, to standard error too:\n"
+                    "trace, debug, info, warning or error;\noff: keep no log at all")
         ->type_name("LEVEL")
         ->check([](const std::string& level) -> std::string {
             const auto levels = {"trace", "debug", "info", "warning", "error", "off"};
@@ -111,11 +111,21 @@ CLI::App& AddCommand(CLI::App& app, const std::string& name, const std::string& 
     return command;
 }
 
+std::string Explanation(const CLI::App& app, const CLI::ParseError& error) {
+    if (!app.get_subcommands().empty() || error.get_name() != "RequiredError") {
+        return error.what();
+    }
+    const std::vector<std::string> others = app.remaining();
+    return (others.empty() ? "a command is needed"
+                           : "there is no command or option '" + others[0] + "'") +
+           ": scan, state or vendors";
+}
+
 ExitStatus WrongArguments(const CLI::App& app, const CLI::ParseError& error) {
     const auto chosen = app.get_subcommands();
     const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
-    Complain(std::string(error.what()) + "\nRun `devicediscover" + command +
-             " --help` for what can be said.");
+    Complain(Explanation(app, error) + "\nRun `devicediscover" + command +
+             " --help` for how it is used.");
     return kUsage;
 }
 
@@ -130,6 +140,7 @@ ExitStatus RunCommandLine(std::vector<std::string> arguments) {
     app.set_version_flag("--version", "devicediscover " DEVICEDISCOVER_VERSION,
                          "Print the version and exit");
     app.require_subcommand(1);
+    app.get_formatter()->column_width(34);
     app.footer(std::string(kExamples) + kExitStatuses);
 
     CLI::App& scan = AddCommand(app, "scan", "Look for printers and show them as they are found.",

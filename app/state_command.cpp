@@ -69,11 +69,10 @@ std::string StateLine(const Printer& printer, int state) {
 }
 
 ExitStatus NotFound(const StateOptions& options, std::size_t others, bool cancelled) {
-    const std::string found =
-        others == 0 ? "no printer was" : CountOfPrinters(others) + " found, none";
-    Complain((cancelled ? "interrupted: " : "") + found + " found with the serial number '" +
-             DisplayText(options.serialNumber) +
-             "'.\n`devicediscover scan` shows which there are.\n" + AdviceAfterScan());
+    Complain(fmt::format(
+        "{}no printer with the serial number '{}' was found; {} with another were.\n"
+        "`devicediscover scan` shows which there are.\n{}",
+        cancelled ? "interrupted: " : "", options.serialNumber, others, AdviceAfterScan()));
     return kNoneFound;
 }
 

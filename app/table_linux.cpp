@@ -19,16 +19,25 @@ void Require(bool success) {
     }
 }
 
-Table NewTable(std::size_t columns) {
+// Serial numbers and names may be long; the other columns are needed whole.
+int ColumnFlags(std::size_t column, Overflow overflow) {
+    constexpr std::size_t makeAndModel = 1;
+    constexpr std::size_t port = 3;
+    if (column <= makeAndModel) {
+        return overflow == Overflow::Cut ? SCOLS_FL_TRUNC : SCOLS_FL_WRAP;
+    }
+    return column == port ? SCOLS_FL_RIGHT : 0;
+}
+
+Table NewTable(std::size_t columns, Overflow overflow) {
     Table table(scols_new_table(), scols_unref_table);
     Require(table != nullptr);
     scols_table_set_termforce(table.get(), SCOLS_TERMFORCE_ALWAYS);
     scols_table_set_termwidth(table.get(), columns);
     scols_table_set_column_separator(table.get(), "  ");
     for (std::size_t column = 0; column < kTableHeadings.size(); ++column) {
-        const bool isPort = column == 3;
         Require(scols_table_new_column(table.get(), kTableHeadings[column], 0,
-                                       isPort ? SCOLS_FL_RIGHT : SCOLS_FL_TRUNC) != nullptr);
+                                       ColumnFlags(column, overflow)) != nullptr);
     }
     return table;
 }
@@ -52,8 +61,9 @@ std::vector<std::string> SplitLines(const std::string& text) {
 
 }  // namespace
 
-std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::size_t columns) {
-    const Table table = NewTable(columns);
+std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::size_t columns,
+                                    Overflow overflow) {
+    const Table table = NewTable(columns, overflow);
     for (const Printer& printer : printers) {
         AddRow(table.get(), RowOf(printer));
     }

@@ -44,7 +44,7 @@ void TableView::Finish() {
     const std::vector<Printer> printers = PrinterList::GetInstance().GetPrinters();
     std::vector<std::string> lines;
     if (!printers.empty()) {
-        lines = TableLines(printers, Screen().columns);
+        lines = TableLines(printers, Screen().columns, Overflow::Wrap);
         lines.push_back(CountOfPrinters(printers.size()) + " found.");
         lines.emplace_back();
     }
@@ -72,7 +72,7 @@ std::vector<std::string> TableView::Picture(const ScreenSize& screen,
         printers.erase(printers.begin(), printers.begin() + static_cast<std::ptrdiff_t>(hidden));
     }
     if (!printers.empty()) {
-        lines = TableLines(printers, screen.columns);
+        lines = TableLines(printers, screen.columns, Overflow::Cut);
     }
     if (hidden > 0) {
         lines.push_back("(and " + std::to_string(hidden) + " found before these)");

@@ -53,12 +53,16 @@ std::string Line(const TableRow& row, const Widths& widths) {
 
 }  // namespace
 
-std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::size_t columns) {
+std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::size_t columns,
+                                    Overflow overflow) {
     std::vector<TableRow> rows(1);
     std::copy(kTableHeadings.begin(), kTableHeadings.end(), rows[0].begin());
     std::transform(printers.begin(), printers.end(), std::back_inserter(rows), RowOf);
-    // A line that fills the last column would wrap.
-    const Widths widths = Fit(NaturalWidths(rows), columns - 1);
+    Widths widths = NaturalWidths(rows);
+    if (overflow == Overflow::Cut) {
+        // A line that fills the last column would wrap.
+        widths = Fit(widths, columns - 1);
+    }
     std::vector<std::string> lines;
     for (const TableRow& row : rows) {
         lines.push_back(Line(row, widths));

@@ -19,6 +19,9 @@ const std::vector<std::string> kConfigurationExports{
 
 ModuleSurvey Survey(const std::string& use, const std::string& moduleName,
                     const std::vector<std::string>& exports) {
+    if (moduleName.empty()) {
+        return {use, moduleName, {}, "the vendor list names none", {}};
+    }
     const PrinterUtil::ModuleReport report = PrinterUtil::DescribeModule(moduleName);
     ModuleSurvey survey{use, moduleName, report.path, report.problem, {}};
     if (report.module == nullptr) {
@@ -55,6 +58,9 @@ std::vector<std::string> ScanProblems() {
     const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
     std::vector<std::string> problems = list.problems;
     for (const VendorInfo& vendor : list.vendors) {
+        if (vendor.scanModuleName.empty()) {
+            continue;  // a vendor for other things than scans
+        }
         const ModuleSurvey module = SurveyScanModule(vendor);
         if (!module.IsLoaded()) {
             problems.push_back("vendor " + vendor.productId + ": " + module.problem);

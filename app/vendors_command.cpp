@@ -17,15 +17,12 @@ namespace {
 
 std::string ModuleText(const ModuleSurvey& module) {
     std::string text = fmt::format("  {}: {}\n", module.use, DisplayText(module.name));
-    if (!module.path.empty()) {
-        text += fmt::format("    {}\n", DisplayText(module.path));
-    }
-    if (!module.IsLoaded()) {
-        text += fmt::format("    not loaded: {}\n", DisplayText(module.problem));
-    }
+    text +=
+        fmt::format("    {}\n", module.IsLoaded() ? DisplayText(module.path)
+                                                  : "not loaded: " + DisplayText(module.problem));
     for (const EntryPointSurvey& entryPoint : module.entryPoints) {
         text +=
-            fmt::format("    {:26}{}\n", entryPoint.name, entryPoint.bound ? "bound" : "missing");
+            fmt::format("    {:27}{}\n", entryPoint.name, entryPoint.bound ? "bound" : "missing");
     }
     return text;
 }

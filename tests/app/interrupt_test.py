@@ -1,0 +1,90 @@
+"""Ending a scan before its time."""
+
+import signal
+import time
+import unittest
+
+import app_test
+from app_test import FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device
+
+
+@unittest.skipIf(ON_WINDOWS, "signals of Linux")
+class Interrupt(AppTest):
+    def start_scan(self, *arguments):
+        process = self.start_app("scan", *arguments)
+        self.wait_until(lambda: self.calls_of("StartDeviceScan"), "the vendor's scan starts")
+        return process
+
+    def end_with(self, process, request):
+        process.send_signal(request)
+        output, errors = process.communicate(timeout=app_test.PATIENCE)
+        return output.decode(), errors.decode()
+
+    def test_each_request_to_end_stops_the_scan_properly(self):
+        for request in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(request):
+                self.setUp()
+                self.script(device("SN1"), "until-stopped")
+                process = self.start_scan("--watch")
+                process.stdout.readline()
+                _, errors = self.end_with(process, request)
+                self.assertEqual(process.returncode, FOUND)
+                self.assertEqual(errors, "")
+                self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+    def test_a_scan_with_an_end_stops_early_too(self):
+        self.script("until-stopped")
+        process = self.start_scan("--seconds", "3600")
+        self.end_with(process, signal.SIGINT)
+        self.assertEqual(process.returncode, NONE_FOUND)
+        self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+    def test_watch_goes_on_until_interrupted(self):
+        self.script(device("SN1"), "until-stopped")
+        process = self.start_scan("--watch", "--json")
+        time.sleep(7)  # longer than a scan without --watch
+        self.assertIsNone(process.poll())
+        self.end_with(process, signal.SIGINT)
+        self.assertEqual(process.returncode, FOUND)
+
+    def test_a_second_ctrl_c_ends_at_once(self):
+        self.script("until-stopped", "delay StopDeviceScan 30000")
+        process = self.start_scan("--watch")
+        process.send_signal(signal.SIGINT)
+        self.wait_until(lambda: self.calls_of("StopDeviceScan"), "the vendor's stop is called")
+        self.assertIsNone(process.poll())
+        start = time.monotonic()
+        self.end_with(process, signal.SIGINT)
+        self.assertEqual(process.returncode, -signal.SIGINT)
+        self.assertLess(time.monotonic() - start, 10)
+
+    def test_a_program_started_to_ignore_ctrl_c_goes_on_ignoring_it(self):
+        self.script(device("SN1"), "until-stopped")
+        process = self.start_app(
+            "scan", "--watch", preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN))
+        process.stdout.readline()
+        process.send_signal(signal.SIGINT)
+        time.sleep(1)
+        self.assertIsNone(process.poll())
+        self.end_with(process, signal.SIGTERM)
+        self.assertEqual(process.returncode, FOUND)
+
+    def test_a_search_for_one_printer_can_be_interrupted(self):
+        self.script("until-stopped")
+        process = self.start_app("state", "SN1", "--seconds", "3600")
+        self.wait_until(lambda: self.calls_of("StartDeviceScan"), "the vendor's scan starts")
+        _, errors = self.end_with(process, signal.SIGINT)
+        self.assertEqual(process.returncode, NONE_FOUND)
+        self.assert_mentions(errors, "interrupted")
+        self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+    def test_reports_after_the_stop_do_no_harm(self):
+        self.script(device("SN1"), "until-stopped", "after-stop 100", "threads 4")
+        process = self.start_scan("--watch")
+        process.stdout.readline()
+        output, errors = self.end_with(process, signal.SIGINT)
+        self.assertEqual((process.returncode, output, errors), (FOUND, "", ""))
+
+
+if __name__ == "__main__":
+    app_test.main()

@@ -1,0 +1,229 @@
+"""`devicediscover scan` when its output is no terminal."""
+
+import os
+import subprocess
+import time
+import unittest
+
+import app_test
+from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device, json_lines
+
+
+class Scan(AppTest):
+    def test_a_printer_is_one_line_with_its_columns_between_tabs(self):
+        self.script(device("SN1", model="Fake 1000", address="192.0.2.7", port=9100))
+        result = self.run_app("scan", "--seconds", "0.5")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1\tFake 1000\t192.0.2.7\t9100\tscripted\n")
+        self.assertEqual(result.errors, "")
+
+    def test_what_is_not_known_is_a_dash(self):
+        self.script(device("", model="", address="", port=0))
+        result = self.run_app("scan", "--seconds", "0.5")
+        self.assertEqual(result.output, "-\t-\t-\t-\tscripted\n")
+
+    def test_no_printer_is_status_1_and_says_what_to_do(self):
+        result = self.run_app("scan", "--seconds", "0.2", "--log-file",
+                              app_test.system_path(self.log_file))
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(result.output, "")
+        self.assert_mentions(result.errors, "no printer found",
+                             app_test.system_path(self.log_file), "devicediscover vendors",
+                             "--log-level", "--seconds")
+
+    def test_the_scan_takes_its_time_and_stops_every_vendor_once(self):
+        self.list_file = self.vendor_list([("a", "scripted_all"), ("b", "scripted_all_b")])
+        self.script("until-stopped")
+        start = time.monotonic()
+        self.run_app("scan", "--seconds", "1.5")
+        self.assertGreaterEqual(time.monotonic() - start, 1.5)
+        self.assertEqual(self.calls_of("StartDeviceScan").count("scripted_all"), 1)
+        self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all", "scripted_all_b"])
+
+    def test_the_same_printer_twice_is_one_line(self):
+        self.script("repeat 5", "threads 4", device("SN1"), device("SN2"))
+        result = self.run_app("scan", "--seconds", "1")
+        self.assertEqual(sorted(line.split("\t")[0] for line in result.output.splitlines()),
+                         ["SN1", "SN2"])
+
+    def test_the_same_serial_number_of_two_vendors_is_two_printers(self):
+        self.script(device("SN1", vendor="a"), device("SN1", vendor="b"))
+        result = self.run_app("scan", "--seconds", "0.5")
+        self.assertEqual(len(result.output.splitlines()), 2)
+
+    def test_printers_without_serial_number_differ_by_address(self):
+        self.script(device("", address="192.0.2.1"), device("", address="192.0.2.2"),
+                    device("", address="192.0.2.1"))
+        result = self.run_app("scan", "--seconds", "0.5")
+        self.assertEqual(len(result.output.splitlines()), 2)
+
+    def test_news_about_a_printer_is_another_line(self):
+        self.script("interval 200", device("SN1", address="192.0.2.1"),
+                    device("SN1", address="192.0.2.2"))
+        result = self.run_app("scan", "--json", "--seconds", "1.5")
+        self.assertEqual([printer["address"] for printer in json_lines(result.output)],
+                         ["192.0.2.1", "192.0.2.2"])
+
+    def test_many_threads_report_many_printers(self):
+        self.script("threads 8", *(device(f"SN{number}") for number in range(200)))
+        result = self.run_app("scan", "--json", "--seconds", "2")
+        self.assert_status(result, FOUND)
+        serials = [printer["serialNumber"] for printer in json_lines(result.output)]
+        self.assertEqual(sorted(serials), sorted(f"SN{number}" for number in range(200)))
+
+    def test_control_characters_of_a_device_do_not_reach_the_output(self):
+        self.script(device(r"SN\x1b[2J", model=r"A\x07\x0a\x09B\xc2\x9bC\xe2\x80\xaeD"))
+        result = self.run_app("scan", "--seconds", "0.5")
+        self.assertEqual(result.output,
+                         "SN\ufffd[2J\tA\ufffd\ufffd\ufffdB\ufffdC\ufffdD\t192.0.2.1\t631\tscripted\n")
+
+
+class ScanJson(AppTest):
+    def test_a_printer_is_one_object(self):
+        self.script(device("SN1", model=r"Dr\xc3\xbccker 7", address="192.0.2.7", port=9100,
+                           service=3, resource="q"))
+        result = self.run_app("scan", "--json", "--seconds", "0.5")
+        self.assert_status(result, FOUND)
+        self.assertEqual(json_lines(result.output), [
+            {"serialNumber": "SN1", "makeAndModel": "Dr\u00fccker 7", "address": "192.0.2.7",
+             "port": 9100, "vendor": "scripted", "resource": "q", "service": "pdl-datastream"}])
+
+    def test_ill_formed_and_steering_text_is_ascii_json(self):
+        self.script(device(r"\xff\xfe", model=r"a\x1b]0;b\x07\xc2\x9b\x7f\xc3", service=77))
+        result = self.run_app("scan", "--json", "--seconds", "0.5")
+        printer, = json_lines(result.output)
+        self.assertEqual(printer["serialNumber"], "\ufffd\ufffd")
+        self.assertEqual(printer["makeAndModel"], "a\x1b]0;b\x07\x9b\x7f\ufffd")
+        self.assertIsNone(printer["service"])
+        self.assertTrue(all(32 <= byte < 127 for byte in result.output.strip().encode()))
+
+    def test_fields_without_terminator_end_with_the_field(self):
+        self.script(device("S" * 64, vendor="v" * 32, model="M" * 64, address="9" * 32,
+                           resource="r" * 32))
+        result = self.run_app("scan", "--json", "--seconds", "0.5")
+        printer, = json_lines(result.output)
+        self.assertEqual([len(printer[key]) for key in
+                          ("serialNumber", "vendor", "makeAndModel", "address", "resource")],
+                         [64, 32, 64, 32, 32])
+
+    def test_printers_come_as_they_are_found(self):
+        self.script("interval 600", *(device(f"SN{number}") for number in range(3)),
+                    "until-stopped")
+        process = self.start_app("scan", "--json", "--seconds", "4")
+        times = []
+        for _ in range(3):
+            self.assertTrue(process.stdout.readline())
+            times.append(time.monotonic())
+        self.assertIsNone(process.poll(), "the scan still runs")
+        self.assertGreater(times[1] - times[0], 0.3)
+        self.assertGreater(times[2] - times[1], 0.3)
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertGreater(time.monotonic() - times[2], 1)
+
+
+class ScanThatCannotRun(AppTest):
+    def test_a_missing_list_is_named(self):
+        self.list_file = self.path("nowhere.json")
+        result = self.run_app("scan")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, app_test.system_path(self.list_file), "--vendors")
+
+    def test_no_list_at_all_is_explained(self):
+        if os.path.exists(os.path.join(os.path.dirname(app_test.PROGRAM), "DeviceDiscover",
+                                       "vendors.json")):
+            self.skipTest("there is a list beside the library")
+        result = self.run_app("scan", listed=False)
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "--vendors")
+
+    def test_a_malformed_list_is_named(self):
+        self.list_file = self.write("broken.json", '{"vendors": [\n{"productId": }]}')
+        result = self.run_app("scan")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, app_test.system_path(self.list_file))
+
+    def test_an_empty_list_has_no_vendor(self):
+        self.list_file = self.vendor_list([])
+        result = self.run_app("scan")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "no vendor")
+
+    def test_modules_that_cannot_scan_are_named(self):
+        self.list_file = self.vendor_list([("one", "scripted_none"), ("two", "no_such_module")])
+        result = self.run_app("scan")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "vendor one", "StartDeviceScan", "vendor two",
+                             "no_such_module", "devicediscover vendors")
+
+    def test_one_broken_vendor_is_a_warning_and_the_others_serve(self):
+        self.list_file = self.vendor_list([("broken", "no_such_module"),
+                                           ("scripted", "scripted_all")])
+        self.script(device("SN1"))
+        result = self.run_app("scan", "--seconds", "0.5")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output.split("\t")[0], "SN1")
+        self.assert_mentions(result.errors, "warning: vendor broken: ", "no_such_module")
+
+    @unittest.skipIf(ON_WINDOWS, "a device of Linux")
+    def test_a_full_disk_is_told(self):
+        self.script(device("SN1"), "until-stopped")
+        with open("/dev/full", "wb") as full:
+            process = self.start_app("scan", "--watch", stdout=full)
+            errors = process.communicate(timeout=app_test.PATIENCE)[1].decode()
+        self.assertEqual(process.returncode, COULD_NOT_RUN)
+        self.assert_mentions(errors, "cannot write to standard output", "No space left")
+        self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+
+class ScanLog(AppTest):
+    def test_log_lines_go_to_standard_error_on_request_only(self):
+        self.script("result StartDeviceScan 7")
+        quiet = self.run_app("scan", "--seconds", "0.5")
+        self.assertNotIn("call Func fail", quiet.errors)
+        loud = self.run_app("scan", "--seconds", "0.5", "--log-level", "error")
+        self.assert_mentions(loud.errors, "call Func fail, err:7")
+        self.assertNotIn("Start Device Scan", loud.errors)
+        self.assertEqual(loud.output, "")
+
+    def test_the_log_file_gets_the_lines(self):
+        log = app_test.system_path(self.log_file)
+        self.run_app("scan", "--seconds", "0.2", "--log-file", log)
+        self.assert_mentions(self.read(self.log_file), "Start Device Scan", "Stop Device Scan")
+
+    def test_off_keeps_no_log(self):
+        log = app_test.system_path(self.log_file)
+        result = self.run_app("scan", "--seconds", "0.2", "--log-level", "off", "--log-file", log)
+        self.assertFalse(os.path.exists(self.log_file))
+        self.assertNotIn("Start Device Scan", result.errors)
+
+    def test_a_log_file_that_cannot_be_written_is_told(self):
+        log = app_test.system_path(self.path("no/such/folder/log"))
+        result = self.run_app("scan", "--log-file", log)
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, log, "--log-file")
+
+
+@unittest.skipIf(ON_WINDOWS, "a reader that leaves is seen with the next line only")
+class ScanWithoutReader(AppTest):
+    def test_a_reader_that_leaves_ends_the_scan_quietly(self):
+        self.script(device("SN1"), "until-stopped")
+        process = self.start_app("scan", "--watch")
+        self.assertTrue(process.stdout.readline().startswith(b"SN1"))
+        process.stdout.close()
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertEqual(process.stderr.read(), b"")
+        self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+    def test_head_takes_one_line(self):
+        self.script("interval 1", "until-stopped", *(device(f"SN{n}") for n in range(500)))
+        process = self.start_app("scan", "--watch", "--json")
+        head = subprocess.run(["head", "-1"], stdin=process.stdout, capture_output=True,
+                              timeout=app_test.PATIENCE)
+        process.stdout.close()
+        self.assertEqual(len(head.stdout.splitlines()), 1)
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertEqual(process.stderr.read(), b"")
+
+
+if __name__ == "__main__":
+    app_test.main()

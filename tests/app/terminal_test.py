@@ -1,0 +1,236 @@
+"""`devicediscover scan` on a terminal."""
+
+import fcntl
+import os
+import pty
+import re
+import select
+import signal
+import struct
+import subprocess
+import termios
+import time
+import unittest
+
+import app_test
+from app_test import FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device
+
+
+class Screen:
+    """A terminal's screen that knows just what a redrawn table needs; anything else is an error."""
+
+    def __init__(self, columns, rows):
+        self.columns, self.rows = columns, rows
+        self.lines = [""]  # all that was ever scrolled, the screen at the end
+        self.row = self.column = 0
+        self.redraws = 0
+        self.takes_tabs = False
+
+    def feed(self, text):
+        for token in re.findall(r"\x1b\[\d*[A-Z]|\r|\n|[^\x1b\r\n]|\x1b", text):
+            self.take(token)
+
+    def take(self, token):
+        if token == "\r":
+            self.column = 0
+        elif token == "\n":
+            self.down()
+        elif token == "\t" and self.takes_tabs:
+            self.take(" ")
+        elif token.startswith("\x1b"):
+            self.steer(token)
+        else:
+            assert token.isprintable(), f"{token!r} reached the terminal"
+            if self.column == self.columns:
+                self.column = 0
+                self.down()
+            line = self.lines[self.row].ljust(self.column)
+            self.lines[self.row] = line[:self.column] + token + line[self.column + 1:]
+            self.column += 1
+
+    def steer(self, token):
+        if token == "\x1b[K":
+            self.lines[self.row] = self.lines[self.row][:self.column]
+        elif token == "\x1b[J":
+            self.lines[self.row] = self.lines[self.row][:self.column]
+            del self.lines[self.row + 1:]
+        elif token.endswith("A"):
+            top = max(0, len(self.lines) - self.rows)
+            self.row = max(self.row - int(token[2:-1]), top)
+            self.redraws += 1
+        else:
+            raise AssertionError(f"{token!r} reached the terminal")
+
+    def down(self):
+        self.row += 1
+        if self.row == len(self.lines):
+            self.lines.append("")
+
+    def text(self):
+        return "\n".join(line.rstrip() for line in self.lines)
+
+
+@unittest.skipIf(ON_WINDOWS, "a terminal of Linux")
+class Terminal(AppTest):
+    def start_on_terminal(self, *arguments, columns=80, rows=24, term="xterm"):
+        self.environment["TERM"] = term
+        self.master, terminal = pty.openpty()
+        self.addCleanup(os.close, self.master)
+        self.resize(columns, rows)
+        self.screen = Screen(columns, rows)
+        self.errors = open(self.path("errors"), "w+b")
+        self.addCleanup(self.errors.close)
+        process = subprocess.Popen(
+            self.command("scan", *arguments), env=self.environment, stdin=terminal,
+            stdout=terminal, stderr=self.errors, start_new_session=True,
+            preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+        os.close(terminal)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        return process
+
+    def resize(self, columns, rows):
+        fcntl.ioctl(self.master, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
+
+    def show(self, seconds=0.05):
+        """Brings what the program writes to the screen; False when it has ended."""
+        end = time.monotonic() + seconds
+        while (left := end - time.monotonic()) > 0:
+            if select.select([self.master], [], [], left)[0]:
+                try:
+                    data = os.read(self.master, 65536)
+                except OSError:
+                    return False
+                if not data:
+                    return False
+                self.screen.feed(data.decode("utf-8"))
+        return True
+
+    def show_until(self, pattern):
+        end = time.monotonic() + app_test.PATIENCE
+        while not re.search(pattern, self.screen.text()):
+            self.assertLess(time.monotonic(), end, self.screen.text())
+            if not self.show():
+                self.assertRegex(self.screen.text(), pattern)
+
+    def finish(self, process):
+        end = time.monotonic() + app_test.PATIENCE
+        while self.show():
+            self.assertLess(time.monotonic(), end)
+        return process.wait(app_test.PATIENCE)
+
+    def error_text(self):
+        self.errors.seek(0)
+        return self.errors.read().decode()
+
+    def test_the_table_grows_as_printers_are_found_and_ends_complete(self):
+        self.script("interval 500", "until-stopped", device("SN1"),
+                    device("SN2", model="Fake 2000 with a longer name", port=9100))
+        process = self.start_on_terminal("--seconds", "2")
+        self.show_until(r"SERIAL NUMBER.*\nSN1 .*\n1 printer so far, \d s left")
+        self.assertNotIn("SN2", self.screen.text())
+        self.show_until(r"SN1 .*\nSN2 .*\n2 printers so far, 1 s left \(Ctrl-C stops\)")
+        self.assertGreaterEqual(self.screen.redraws, 2)
+        self.assertEqual(self.finish(process), FOUND)
+        self.assertEqual(
+            self.screen.text(),
+            "SERIAL NUMBER  MAKE AND MODEL                ADDRESS    PORT  VENDOR\n"
+            "SN1            Fake 1000                     192.0.2.1   631  scripted\n"
+            "SN2            Fake 2000 with a longer name  192.0.2.1  9100  scripted\n"
+            "2 printers found.\n")
+        self.assertEqual(self.error_text(), "")
+
+    def test_while_nothing_is_found_the_status_counts_down(self):
+        process = self.start_on_terminal("--seconds", "2.5")
+        self.show_until(r"^Looking for printers, 2 s left \(Ctrl-C stops\)$")
+        self.show_until(r"^Looking for printers, 1 s left \(Ctrl-C stops\)$")
+        self.assertEqual(self.finish(process), NONE_FOUND)
+        self.assertEqual(self.screen.text(), "")
+        self.assert_mentions(self.error_text(), "no printer found")
+
+    def test_text_from_devices_cannot_steer_the_terminal(self):
+        self.script(device(r"SN\x1b[2J\x1b[1;1H", model=r"\x1b]0;title\x07A\x9bB\xc2\x9bC",
+                           address=r"\x0d\x0a\x08\x0c", vendor=r"v\xff"))
+        process = self.start_on_terminal("--seconds", "1")
+        self.assertEqual(self.finish(process), FOUND)
+        self.assertRegex(self.screen.text(),
+                         "SN\ufffd\\[2J\ufffd\\[1;1H +\ufffd\\]0;title\ufffdA\ufffdB\ufffdC +"
+                         "\ufffd{4} +631  v\ufffd\n1 printer found.\n$")
+
+    def test_news_about_a_printer_replaces_its_row(self):
+        self.script("interval 700", device("SN1", address="192.0.2.1"),
+                    device("SN1", address="192.0.2.99"))
+        process = self.start_on_terminal("--seconds", "2")
+        self.show_until(r"SN1 .* 192\.0\.2\.1 ")
+        self.show_until(r"SN1 .* 192\.0\.2\.99 ")
+        self.assertEqual(self.finish(process), FOUND)
+        self.assertNotIn("192.0.2.1 ", self.screen.text())
+        self.assertEqual(len(self.screen.text().splitlines()), 3)
+
+    def test_a_table_longer_than_the_terminal_ends_complete(self):
+        self.script("until-stopped", "interval 5", *(device(f"SN{n:03}") for n in range(100)))
+        process = self.start_on_terminal("--seconds", "3", rows=12)
+        self.show_until(r"SN099 .*\n\(and 91 found before these\)\n100 printers so far")
+        self.assertEqual(self.finish(process), FOUND)
+        lines = self.screen.text().splitlines()
+        self.assertEqual(len(lines), 102)
+        self.assertEqual([line.split()[0] for line in lines[1:-1]],
+                         [f"SN{n:03}" for n in range(100)])
+
+    def test_a_narrow_terminal_cuts_while_the_scan_runs_and_wraps_at_the_end(self):
+        serial, model = "S" * 30 + "E", "Make and model that needs much room"
+        self.script("until-stopped", device(serial, model=model))
+        process = self.start_on_terminal("--seconds", "1.5", columns=70)
+        self.show_until(r"SS.* 192\.0\.2\.1 .*\n1 printer so far")
+        self.assertEqual(len(self.screen.text().splitlines()), 3)
+        self.assertLess(max(map(len, self.screen.text().splitlines())), 70)
+        self.assertEqual(self.finish(process), FOUND)
+        cells = [line[:40] for line in self.screen.text().splitlines()[1:-1]]
+        self.assertIn("E", "".join(cells))
+        words = re.sub(r"\s+", "", self.screen.text())
+        for word in ("192.0.2.1", "scripted"):
+            self.assertIn(word, words)
+
+    def test_a_terminal_that_becomes_narrower_keeps_one_table(self):
+        self.script("until-stopped", device("SN1"))
+        process = self.start_on_terminal("--seconds", "2")
+        self.show_until("1 printer so far")
+        self.resize(60, 24)
+        self.screen.columns = 60
+        self.assertEqual(self.finish(process), FOUND)
+        self.assertEqual(self.screen.text().count("SN1"), 1)
+
+    def test_ctrl_c_on_the_keyboard_stops_the_scan_and_completes_the_table(self):
+        self.script("until-stopped", device("SN1"))
+        process = self.start_on_terminal("--watch")
+        self.show_until("1 printer so far, until Ctrl-C")
+        os.write(self.master, b"\x03")
+        self.assertEqual(self.finish(process), FOUND)
+        self.assertRegex(self.screen.text(), r"\nSN1 .*\n1 printer found\.\n$")
+        self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+    def test_a_second_ctrl_c_ends_at_once(self):
+        self.script("until-stopped", "delay StopDeviceScan 30000", device("SN1"))
+        process = self.start_on_terminal("--watch")
+        self.show_until("1 printer so far")
+        os.write(self.master, b"\x03")
+        self.wait_until(lambda: self.calls_of("StopDeviceScan"), "the vendor's stop is called")
+        os.write(self.master, b"\x03")
+        self.assertEqual(self.finish(process), -signal.SIGINT)
+
+    def test_json_and_a_simple_terminal_get_lines(self):
+        self.script(device("SN1"))
+        for arguments, term, line in ((["--json"], "xterm", '{"serialNumber":"SN1"'),
+                                      ([], "dumb", "SN1 Fake 1000 "),
+                                      ([], "", "SN1 Fake 1000 ")):
+            with self.subTest(term=term, arguments=arguments):
+                process = self.start_on_terminal("--seconds", "0.5", *arguments, columns=300,
+                                                 term=term)
+                self.screen.takes_tabs = True
+                self.assertEqual(self.finish(process), FOUND)
+                self.assertTrue(self.screen.text().startswith(line), self.screen.text())
+                self.assertEqual(len(self.screen.text().splitlines()), 1)
+
+
+if __name__ == "__main__":
+    app_test.main()
