@@ -1,0 +1,17 @@
+#pragma once
+
+// The module's own diagnostics: one line an event, "driverless: ...". What keeps the module from
+// working goes to standard error; with the environment variable DRIVERLESS_LOG naming a file, that
+// and what happens on the way is appended there instead.
+
+#include <string>
+
+namespace Driverless {
+
+// Something that keeps the module from doing what it was asked to.
+void ReportProblem(const std::string& message);
+
+// Something that helps to understand what the module did.
+void ReportDetail(const std::string& message);
+
+}  // namespace Driverless

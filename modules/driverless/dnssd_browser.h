@@ -1,0 +1,53 @@
+#pragma once
+
+// Watches the network's announcements of printers through Avahi.
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "service.h"
+
+namespace Driverless {
+
+struct DnssdEvent {
+    enum class Kind {
+        Ready,        // Avahi answers; the watch begins
+        Announced,    // `id` is there; Resolved follows when its place is known
+        Resolved,     // `service` is the place and description of `id`
+        Gone,         // `id` is no longer there, or cannot be used
+        Settled,      // what the network had to announce at the beginning has come
+        Interrupted,  // Avahi ended: nothing is announced any more until it is back
+        Failed,       // the watch cannot begin, or cannot go on: `result`, `message`
+    };
+    Kind kind;
+    ServiceId id;
+    Service service;
+    int result = 0;
+    std::string message;
+};
+
+// The watch lasts as long as this object. Avahi is talked to on threads of the browser's own, so
+// that nobody waits for an Avahi or a D-Bus that does not answer.
+class DnssdBrowser {
+public:
+    // Called on one thread at a time, and possibly still once while the destructor returns.
+    using Listener = std::function<void(DnssdEvent)>;
+
+    explicit DnssdBrowser(Listener listener);
+    ~DnssdBrowser();
+
+    DnssdBrowser(const DnssdBrowser&) = delete;
+    DnssdBrowser& operator=(const DnssdBrowser&) = delete;
+
+private:
+    class Watch;
+    std::shared_ptr<Watch> watch;
+};
+
+// Looks one announced service up again; nothing when it does not answer within `patience`.
+std::optional<Service> ResolveAgain(const ServiceId& id, std::chrono::milliseconds patience);
+
+}  // namespace Driverless

@@ -1,0 +1,301 @@
+#include "ipp_query.h"
+
+#include <arpa/inet.h>
+#include <cups/cups.h>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <utility>
+
+namespace Driverless {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+// How often a query that waits looks whether it is still wanted.
+constexpr double kLookUpSeconds = 0.25;
+constexpr milliseconds kPatienceAtExit{200};
+
+struct FreeHttp {
+    void operator()(http_t* http) const { httpClose(http); }
+};
+struct FreeIpp {
+    void operator()(ipp_t* message) const { ippDelete(message); }
+};
+struct FreeAddresses {
+    void operator()(http_addrlist_t* addresses) const { httpAddrFreeList(addresses); }
+};
+using Http = std::unique_ptr<http_t, FreeHttp>;
+using Ipp = std::unique_ptr<ipp_t, FreeIpp>;
+using Addresses = std::unique_ptr<http_addrlist_t, FreeAddresses>;
+
+// Who uses TLS at this moment. Never destroyed: queries run until the process is gone.
+struct TlsUse {
+    std::mutex mutex;
+    std::condition_variable changed;
+    int users = 0;
+    bool over = false;
+};
+
+TlsUse& Tls() {
+    static TlsUse& use = *new TlsUse;
+    return use;
+}
+
+class TlsUser {
+public:
+    TlsUser() {
+        const std::lock_guard lock(Tls().mutex);
+        admitted = !Tls().over;
+        Tls().users += admitted ? 1 : 0;
+    }
+    ~TlsUser() {
+        const std::lock_guard lock(Tls().mutex);
+        Tls().users -= admitted ? 1 : 0;
+        Tls().changed.notify_all();
+    }
+    bool IsAdmitted() const { return admitted; }
+
+    TlsUser(const TlsUser&) = delete;
+    TlsUser& operator=(const TlsUser&) = delete;
+
+private:
+    bool admitted = false;
+};
+
+milliseconds Remaining(Clock::time_point deadline) {
+    return std::chrono::duration_cast<milliseconds>(deadline - Clock::now());
+}
+
+// Only an address that needs no name service: that could take any time.
+Addresses NumericAddress(const Printer& printer) {
+    in_addr address{};
+    if (printer.port == 0 || inet_pton(AF_INET, printer.address.c_str(), &address) != 1) {
+        return nullptr;
+    }
+    return Addresses(
+        httpAddrGetList(printer.address.c_str(), AF_INET, std::to_string(printer.port).c_str()));
+}
+
+// A printer that wants a password is not asked for more: nobody is there to type it.
+const char* NoPassword(const char*, http_t*, const char*, const char*, void*) {
+    return nullptr;
+}
+
+Ipp NewRequest(const Printer& printer, int minorVersion) {
+    static constexpr std::array<const char*, 7> wanted{
+        "printer-make-and-model", "printer-device-id", "printer-serial-number",
+        "printer-uuid",           "printer-state",     "printer-is-accepting-jobs",
+        "printer-name",
+    };
+    std::array<char, 1024> uri{};
+    const bool tls = printer.kind == ServiceKind::Ipps;
+    httpAssembleURI(HTTP_URI_CODING_ALL, uri.data(), static_cast<int>(uri.size()),
+                    tls ? "ipps" : "ipp", nullptr, printer.host.c_str(), printer.port,
+                    printer.resource.c_str());
+    Ipp request(ippNewRequest(IPP_OP_GET_PRINTER_ATTRIBUTES));
+    ippSetVersion(request.get(), minorVersion == 0 ? 2 : 1, minorVersion);
+    ippAddString(request.get(), IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri", nullptr, uri.data());
+    ippAddStrings(request.get(), IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
+                  static_cast<int>(wanted.size()), nullptr, wanted.data());
+    return request;
+}
+
+std::string TextOf(ipp_t* response, const char* name) {
+    ipp_attribute_t* const attribute = ippFindAttribute(response, name, IPP_TAG_ZERO);
+    const char* text = attribute == nullptr ? nullptr : ippGetString(attribute, 0, nullptr);
+    return text == nullptr ? std::string() : text;
+}
+
+PrinterAttributes AttributesOf(ipp_t* response) {
+    PrinterAttributes attributes;
+    attributes.makeAndModel = TextOf(response, "printer-make-and-model");
+    attributes.deviceId = TextOf(response, "printer-device-id");
+    attributes.serialNumber = TextOf(response, "printer-serial-number");
+    attributes.uuid = TextOf(response, "printer-uuid");
+    ipp_attribute_t* const accepts =
+        ippFindAttribute(response, "printer-is-accepting-jobs", IPP_TAG_BOOLEAN);
+    attributes.acceptsJobs = accepts == nullptr || ippGetBoolean(accepts, 0) != 0;
+    ipp_attribute_t* const printerState = ippFindAttribute(response, "printer-state", IPP_TAG_ENUM);
+    attributes.stopped =
+        printerState != nullptr && ippGetInteger(printerState, 0) == IPP_PSTATE_STOPPED;
+    return attributes;
+}
+
+IppAnswer Problem(IppAnswer::Kind kind) {
+    const char* const reason = cupsLastErrorString();
+    return {kind, {}, reason == nullptr ? "" : reason};
+}
+
+}  // namespace
+
+class IppQuery::State {
+public:
+    State(Printer asked, Clock::time_point answerDeadline)
+        : printer(std::move(asked)), deadline(answerDeadline) {}
+    ~State() {
+        if (connection >= 0) {
+            close(connection);
+        }
+    }
+
+    IppAnswer Run();
+    void Abort();
+
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+private:
+    static int GoOn(http_t* http, void* self);
+    Http Connect(http_addrlist_t* addresses);
+    IppAnswer Ask(http_t* http);
+    Ipp Exchange(http_t* http, int minorVersion);
+    bool IsOver() const { return aborted || Clock::now() >= deadline; }
+
+    const Printer printer;
+    const Clock::time_point deadline;
+    std::atomic<bool> aborted{false};
+    std::mutex mutex;
+    // A descriptor of this query's own, so that an abort never meets one that libcups has closed
+    // and somebody else opened again.
+    int connection = -1;
+};
+
+IppAnswer IppQuery::State::Run() {
+    const Addresses addresses = NumericAddress(printer);
+    if (addresses == nullptr || IsOver()) {
+        return {};
+    }
+    std::optional<TlsUser> tls;
+    if (printer.kind == ServiceKind::Ipps && !tls.emplace().IsAdmitted()) {
+        return {};
+    }
+    cupsSetPasswordCB2(NoPassword, nullptr);
+    const Http http = Connect(addresses.get());
+    return http == nullptr ? Problem(IppAnswer::Kind::NoAnswer) : Ask(http.get());
+}
+
+Http IppQuery::State::Connect(http_addrlist_t* addresses) {
+    const auto encryption =
+        printer.kind == ServiceKind::Ipps ? HTTP_ENCRYPTION_ALWAYS : HTTP_ENCRYPTION_NEVER;
+    Http http(httpConnect2(
+        printer.host.c_str(), printer.port, addresses, AF_UNSPEC, encryption, 1,
+        static_cast<int>(std::max(Remaining(deadline).count(), milliseconds::rep{1})), nullptr));
+    if (http == nullptr) {
+        return nullptr;
+    }
+    httpSetTimeout(http.get(), kLookUpSeconds, GoOn, this);
+    const std::lock_guard lock(mutex);
+    connection = fcntl(httpGetFd(http.get()), F_DUPFD_CLOEXEC, 3);
+    return aborted ? nullptr : std::move(http);
+}
+
+int IppQuery::State::GoOn(http_t*, void* self) {
+    return static_cast<const State*>(self)->IsOver() ? 0 : 1;
+}
+
+IppAnswer IppQuery::State::Ask(http_t* http) {
+    Ipp response = Exchange(http, 0);
+    if (response != nullptr &&
+        ippGetStatusCode(response.get()) == IPP_STATUS_ERROR_VERSION_NOT_SUPPORTED) {
+        response = Exchange(http, 1);
+    }
+    if (response == nullptr) {
+        const bool answered = httpGetStatus(http) >= HTTP_STATUS_OK && !IsOver();
+        return Problem(answered ? IppAnswer::Kind::NoPrinter : IppAnswer::Kind::NoAnswer);
+    }
+    if (ippGetStatusCode(response.get()) > IPP_STATUS_OK_EVENTS_COMPLETE) {
+        return Problem(IppAnswer::Kind::NoPrinter);
+    }
+    return {IppAnswer::Kind::Attributes, AttributesOf(response.get()), {}};
+}
+
+// One request and its response, without the repetitions with which libcups would follow a server
+// that redirects or wants a password.
+Ipp IppQuery::State::Exchange(http_t* http, int minorVersion) {
+    const Ipp request = NewRequest(printer, minorVersion);
+    const http_status_t status =
+        cupsSendRequest(http, request.get(), printer.resource.c_str(), ippLength(request.get()));
+    const bool sent = status <= HTTP_STATUS_CONTINUE || status == HTTP_STATUS_OK;
+    return sent && status != HTTP_STATUS_ERROR
+               ? Ipp(cupsGetResponse(http, printer.resource.c_str()))
+               : nullptr;
+}
+
+void IppQuery::State::Abort() {
+    aborted = true;
+    const std::lock_guard lock(mutex);
+    if (connection >= 0) {
+        shutdown(connection, SHUT_RDWR);
+    }
+}
+
+IppQuery::IppQuery(Printer asked, Clock::time_point answerDeadline)
+    : state(std::make_unique<State>(std::move(asked), answerDeadline)) {}
+
+IppQuery::~IppQuery() = default;
+
+IppAnswer IppQuery::Run() {
+    return state->Run();
+}
+
+void IppQuery::Abort() {
+    state->Abort();
+}
+
+namespace {
+
+// What a question and who waits for it have in common.
+struct Waiting {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::optional<IppAnswer> answer;
+};
+
+}  // namespace
+
+IppAnswer AskInTime(const Printer& printer, milliseconds patience) {
+    const auto deadline = Clock::now() + patience;
+    const auto query = std::make_shared<IppQuery>(printer, deadline);
+    const auto waiting = std::make_shared<Waiting>();
+    std::thread([query, waiting] {
+        IppAnswer answer = query->Run();
+        const std::lock_guard lock(waiting->mutex);
+        waiting->answer = std::move(answer);
+        waiting->changed.notify_all();
+    }).detach();
+    std::unique_lock lock(waiting->mutex);
+    if (!waiting->changed.wait_until(lock, deadline, [&] { return waiting->answer.has_value(); })) {
+        query->Abort();
+        return {};
+    }
+    return *std::move(waiting->answer);
+}
+
+bool AcceptsConnection(const Printer& printer, milliseconds patience) {
+    const Addresses addresses = NumericAddress(printer);
+    int connection = -1;
+    if (addresses == nullptr ||
+        httpAddrConnect2(addresses.get(), &connection, static_cast<int>(patience.count()),
+                         nullptr) == nullptr) {
+        return false;
+    }
+    close(connection);
+    return true;
+}
+
+void EndTls() {
+    std::unique_lock lock(Tls().mutex);
+    Tls().over = true;
+    Tls().changed.wait_for(lock, kPatienceAtExit, [] { return Tls().users == 0; });
+}
+
+}  // namespace Driverless

@@ -1,0 +1,60 @@
+#pragma once
+
+// Asks a printer for its attributes over IPP.
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "printer.h"
+
+namespace Driverless {
+
+using Clock = std::chrono::steady_clock;
+
+// How long a printer has for its answer.
+constexpr std::chrono::milliseconds kAnswerPatience{2000};
+
+struct IppAnswer {
+    enum class Kind {
+        NoAnswer,    // nothing there, or silence
+        NoPrinter,   // something that is no IPP printer, or none at this path
+        Attributes,  // `attributes` hold what the printer said
+    };
+    Kind kind = Kind::NoAnswer;
+    PrinterAttributes attributes;
+    std::string problem;
+};
+
+// One question to one printer.
+class IppQuery {
+public:
+    IppQuery(Printer asked, Clock::time_point answerDeadline);
+    ~IppQuery();
+
+    // Asks, and waits for the answer. TLS has patience of its own, so this may come back only
+    // seconds after the deadline: who must be on time leaves it behind on a thread of its own.
+    IppAnswer Run();
+
+    // Makes Run come back soon. From any thread.
+    void Abort();
+
+    IppQuery(const IppQuery&) = delete;
+    IppQuery& operator=(const IppQuery&) = delete;
+
+private:
+    class State;
+    std::unique_ptr<State> state;
+};
+
+// Runs a query and comes back no later than its patience allows.
+IppAnswer AskInTime(const Printer& printer, std::chrono::milliseconds patience);
+
+// Whether something accepts a connection at the printer's address.
+bool AcceptsConnection(const Printer& printer, std::chrono::milliseconds patience);
+
+// For the end of the process, which destroys what TLS stands on: from here on no query begins to
+// use it, and those that do have a moment to come to their end.
+void EndTls();
+
+}  // namespace Driverless

@@ -1,0 +1,34 @@
+#pragma once
+
+// Asks several printers at once, each on a thread that can be left behind: no printer that hangs
+// keeps the others, or the end of the scan, waiting.
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "printer_table.h"
+
+namespace Driverless {
+
+class QueryPool {
+public:
+    // Called on the pool's threads, several at once, and possibly still after the destructor.
+    using Listener =
+        std::function<void(PrinterTable::QueryId, const std::optional<PrinterAttributes>&)>;
+
+    explicit QueryPool(Listener listener);
+    ~QueryPool();
+
+    void Start(const PrinterTable::Query& query);
+    void Drop(PrinterTable::QueryId query);
+
+    QueryPool(const QueryPool&) = delete;
+    QueryPool& operator=(const QueryPool&) = delete;
+
+private:
+    struct State;
+    const std::shared_ptr<State> state;
+};
+
+}  // namespace Driverless

@@ -1,0 +1,234 @@
+#include "scan_session.h"
+
+#include <atomic>
+#include <deque>
+#include <optional>
+#include <utility>
+#include <variant>
+
+#include "diagnostics.h"
+#include "dnssd_browser.h"
+#include "host_network.h"
+#include "ipp_query.h"
+#include "known_printers.h"
+#include "printer_table.h"
+#include "query_pool.h"
+#include "results.h"
+
+namespace Driverless {
+
+namespace {
+
+// Avahi and D-Bus are on this host: who has not answered by then does not work.
+constexpr std::chrono::milliseconds kPatienceForAvahi{3000};
+
+struct Answer {
+    PrinterTable::QueryId query;
+    std::optional<PrinterAttributes> attributes;
+};
+using Message = std::variant<DnssdEvent, Answer>;
+
+int Fail(int result, const std::string& message) {
+    ReportProblem(message);
+    return result;
+}
+
+std::string Summary(const Printer& printer) {
+    return printer.makeAndModel + ", serial number " + printer.serialNumber + ", at " +
+           printer.address + ":" + std::to_string(printer.port);
+}
+
+}  // namespace
+
+// What the other threads have to say to the one in Run. Outlives the session while any of them is
+// left behind.
+class ScanSession::Inbox {
+public:
+    void Put(Message message) {
+        const std::lock_guard lock(mutex);
+        if (!closed) {
+            messages.push_back(std::move(message));
+            changed.notify_all();
+        }
+    }
+
+    // The next message; nothing when none came by `until`, or the inbox was closed.
+    std::optional<Message> Take(std::optional<Clock::time_point> until) {
+        std::unique_lock lock(mutex);
+        const auto due = [this] { return closed || !messages.empty(); };
+        if (until) {
+            changed.wait_until(lock, *until, due);
+        } else {
+            changed.wait(lock, due);
+        }
+        if (closed || messages.empty()) {
+            return std::nullopt;
+        }
+        Message message = std::move(messages.front());
+        messages.pop_front();
+        return message;
+    }
+
+    void Close() {
+        const std::lock_guard lock(mutex);
+        closed = true;
+        messages.clear();
+        changed.notify_all();
+    }
+
+    bool IsClosed() {
+        const std::lock_guard lock(mutex);
+        return closed;
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<Message> messages;
+    bool closed = false;
+};
+
+namespace {
+
+// The course of one scan: tells the table what happened, and the others what the table wants done.
+class Course {
+public:
+    // The result that ends the scan, or nothing.
+    std::optional<int> Take(const Message& message, Clock::time_point now) {
+        if (const auto* answer = std::get_if<Answer>(&message)) {
+            table.Answered(answer->query, answer->attributes);
+            return std::nullopt;
+        }
+        return Take(std::get<DnssdEvent>(message), now);
+    }
+
+    // The result for an Avahi that has not answered yet, or nothing.
+    std::optional<int> Overdue(Clock::time_point now) const {
+        if (ready || now < start + kPatienceForAvahi) {
+            return std::nullopt;
+        }
+        return Fail(kNoBrowsing, "Avahi or the system's D-Bus runs, but does not answer");
+    }
+
+    PrinterTable::Work Advance(Clock::time_point now) {
+        PrinterTable::Work work = table.Advance(now);
+        const Clock::time_point patient = start + kPatienceForAvahi;
+        if (!ready && (!work.next || patient < *work.next)) {
+            work.next = patient;
+        }
+        return work;
+    }
+
+private:
+    std::optional<int> Take(const DnssdEvent& event, Clock::time_point now) {
+        switch (event.kind) {
+            case DnssdEvent::Kind::Ready:
+                ready = true;
+                break;
+            case DnssdEvent::Kind::Announced:
+                table.Announced(event.id);
+                break;
+            case DnssdEvent::Kind::Resolved:
+                table.Resolved(event.id, event.service, now);
+                break;
+            case DnssdEvent::Kind::Gone:
+                table.Gone(event.id);
+                break;
+            case DnssdEvent::Kind::Settled:
+                return Settled();
+            case DnssdEvent::Kind::Interrupted:
+                ReportProblem("Avahi ended; printers are looked for again when it is back");
+                table.AllGone();
+                break;
+            case DnssdEvent::Kind::Failed:
+                return Fail(event.result, event.message);
+        }
+        return std::nullopt;
+    }
+
+    // A host that is on no network may still have printers of its own announced to it.
+    std::optional<int> Settled() const {
+        if (!table.IsEmpty() || IsOnNetwork()) {
+            return std::nullopt;
+        }
+        return Fail(kNoNetwork, "this host is on no network: no interface has an IPv4 address");
+    }
+
+    const Clock::time_point start = Clock::now();
+    bool ready = false;
+    PrinterTable table{kAnswerPatience};
+};
+
+}  // namespace
+
+ScanSession::ScanSession(VendorSdk::DeviceCallbackInfo* listener)
+    : info(listener), inbox(std::make_shared<Inbox>()) {}
+
+ScanSession::~ScanSession() = default;
+
+int ScanSession::Run() {
+    const auto box = inbox;
+    const DnssdBrowser browser([box](DnssdEvent event) { box->Put(std::move(event)); });
+    QueryPool queries([box](PrinterTable::QueryId query, const auto& attributes) {
+        box->Put(Answer{query, attributes});
+    });
+    Course course;
+    std::optional<Clock::time_point> next = Clock::now();
+    while (true) {
+        const std::optional<Message> message = inbox->Take(next);
+        if (inbox->IsClosed()) {
+            return kOk;
+        }
+        const auto now = Clock::now();
+        const auto result = message ? course.Take(*message, now) : course.Overdue(now);
+        if (result) {
+            return *result;
+        }
+        const PrinterTable::Work work = course.Advance(now);
+        for (const PrinterTable::Query& query : work.queries) {
+            queries.Start(query);
+        }
+        for (const PrinterTable::QueryId query : work.overdue) {
+            queries.Drop(query);
+        }
+        for (const Printer& printer : work.reports) {
+            Report(printer);
+        }
+        next = work.next;
+    }
+}
+
+void ScanSession::Report(const Printer& printer) {
+    KnownPrinters().Remember(printer);
+    ReportDetail("found " + Summary(printer));
+    const VendorSdk::DeviceInfo record = ToRecord(printer);
+    // The application may register anew at any time.
+    const auto callback = std::atomic_ref(info->callback).load();
+    if (callback != nullptr && BeginReport()) {
+        callback(&record);
+        EndReport();
+    }
+}
+
+bool ScanSession::BeginReport() {
+    const std::lock_guard lock(mutex);
+    reporting = !stopped;
+    reporter = std::this_thread::get_id();
+    return reporting;
+}
+
+void ScanSession::EndReport() {
+    const std::lock_guard lock(mutex);
+    reporting = false;
+    changed.notify_all();
+}
+
+bool ScanSession::Stop(std::chrono::milliseconds patience) {
+    inbox->Close();
+    std::unique_lock lock(mutex);
+    stopped = true;
+    const auto silent = [this] { return !reporting || reporter == std::this_thread::get_id(); };
+    return changed.wait_for(lock, patience, silent);
+}
+
+}  // namespace Driverless
