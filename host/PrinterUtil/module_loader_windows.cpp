@@ -4,10 +4,9 @@
 #include <sddl.h>
 
 #include <array>
-#include <cstring>
 #include <fstream>
 #include <memory>
-#include <vector>
+#include <optional>
 
 #include "host/common/utf8.h"
 
@@ -89,14 +88,14 @@ DWORD WritingRights(HANDLE file) {
     return either | (folder ? FILE_DELETE_CHILD : FILE_APPEND_DATA);
 }
 
-std::uint16_t MachineOfThisLibrary() {
+WORD MachineOfThisProcess() {
     const auto* image = reinterpret_cast<const char*>(GetModuleHandleW(nullptr));
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);
     return reinterpret_cast<const IMAGE_NT_HEADERS*>(image + dos->e_lfanew)->FileHeader.Machine;
 }
 
-// What the file's header says against it: the system has one message for both.
-std::string HeaderProblem(const std::filesystem::path& path) {
+// The processor that the library was built for; none when it is no library.
+std::optional<WORD> MachineOf(const std::filesystem::path& path) {
     IMAGE_DOS_HEADER dos{};
     std::ifstream file(path, std::ios::binary);
     file.read(reinterpret_cast<char*>(&dos), sizeof dos);
@@ -107,16 +106,16 @@ std::string HeaderProblem(const std::filesystem::path& path) {
     file.seekg(dos.e_lfanew);
     file.read(reinterpret_cast<char*>(&image), sizeof image);
     if (!file || dos.e_magic != IMAGE_DOS_SIGNATURE || image.signature != IMAGE_NT_SIGNATURE) {
-        return "not a library: ";
+        return std::nullopt;
     }
-    return image.header.Machine == MachineOfThisLibrary() ? "" : "built for another architecture: ";
+    return image.header.Machine;
 }
 
-std::string LoaderProblem(const std::filesystem::path& file, DWORD error) {
-    if (error == ERROR_MOD_NOT_FOUND) {
-        return "it needs another library: " + SystemMessage(error);
-    }
-    return HeaderProblem(file) + SystemMessage(error);
+std::string LoaderProblem(DWORD error) {
+    const char* hint = error == ERROR_BAD_EXE_FORMAT  ? "not a library: "
+                       : error == ERROR_MOD_NOT_FOUND ? "it needs another library: "
+                                                      : "";
+    return hint + SystemMessage(error);
 }
 
 // Keeps the system from asking the user about a module that cannot be loaded.
@@ -147,11 +146,18 @@ std::filesystem::path FinalPath(HANDLE file) {
 }  // namespace
 
 HINSTANCE LoadModule(const std::filesystem::path& file, std::string& problem) {
+    // Asked before the system is: not every one refuses it.
+    const std::optional<WORD> machine = MachineOf(file);
+    if (machine && *machine != MachineOfThisProcess()) {
+        problem = "built for another architecture: machine " + std::to_string(*machine) +
+                  " instead of " + std::to_string(MachineOfThisProcess());
+        return nullptr;
+    }
     const QuietErrors quiet;
     const HINSTANCE module = LoadLibraryExW(
         file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (module == nullptr) {
-        problem = LoaderProblem(file, GetLastError());
+        problem = LoaderProblem(GetLastError());
     }
     return module;
 }

@@ -28,9 +28,10 @@ std::string Place(const std::string& text, std::size_t byte) {
     return std::to_string(1 + std::count(begin, stop, '\n')) + ":" + std::to_string(column);
 }
 
-// The parser's message without the exception's name and the place, which lead it.
+// The parser's message without the exception's name and the place, which lead it. It quotes the
+// list, which may be no text at all.
 std::string Reason(const Json::parse_error& error) {
-    const std::string message = error.what();
+    const std::string message = Host::ToUtf8(Host::FromUtf8(error.what()));
     const std::size_t end = message.find(": ");
     return end == std::string::npos ? message : message.substr(end + 2);
 }

@@ -1,0 +1,46 @@
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "host/LogHelper/log_settings.h"
+#include "tests/host/exit_logger.h"
+
+namespace {
+
+void LogText(const wchar_t* text) {
+    std::wstringstream line;
+    line << text;
+    KzLogger::GetInstance().Log(LOG_LEVEL_DEBUG, line);
+}
+
+struct LogsInItsDestructor {
+    ~LogsInItsDestructor() {
+        LogText(L"program's destructor");
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        LogText(L"program's last line");
+    }
+};
+LogsInItsDestructor instance;
+
+}  // namespace
+
+// log_until_exit FILE MILLISECONDS
+int main(int count, char** arguments) {
+    if (count != 3) {
+        return 2;
+    }
+    LogHelper::Settings settings;
+    settings.filePath = arguments[1];
+    LogHelper::Configure(settings);
+    LogAtExit();
+    for (int thread = 0; thread < 8; ++thread) {
+        std::thread([] {
+            for (;;) {
+                LogText(L"thread");
+            }
+        }).detach();
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(arguments[2])));
+    return 0;
+}

@@ -1,0 +1,7 @@
+#include "VendorSdk/entry_points.h"
+
+VENDORSDK_EXPORT(StartDeviceScan);
+
+int StartDeviceScan(VendorSdk::DeviceCallbackInfo*) {
+    return 18;
+}
