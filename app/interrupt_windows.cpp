@@ -8,13 +8,16 @@ namespace App {
 
 namespace {
 
+constexpr UINT kEndedByControlC = 0xC000013A;  // as the system reports it
+
 std::atomic<void (*)()> notifier = nullptr;
 
 // The system calls this on a thread of its own.
 BOOL WINAPI OnConsoleEvent(DWORD event) {
     const auto notify = notifier.exchange(nullptr);
     if (notify == nullptr) {
-        return FALSE;
+        // Not the default's orderly exit, which waits for what may hang.
+        TerminateProcess(GetCurrentProcess(), kEndedByControlC);
     }
     notify();
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {

@@ -65,6 +65,8 @@ std::vector<std::string> TableView::Picture(const ScreenSize& screen,
     // shown until the scan ends.
     constexpr std::size_t otherLines = 3;
     const std::size_t room = screen.rows > otherLines ? screen.rows - otherLines : 1;
+    // A line that fills the terminal would wrap on some.
+    const std::size_t columns = screen.columns - 1;
     std::vector<std::string> lines;
     std::size_t hidden = 0;
     if (printers.size() > room) {
@@ -72,14 +74,14 @@ std::vector<std::string> TableView::Picture(const ScreenSize& screen,
         printers.erase(printers.begin(), printers.begin() + static_cast<std::ptrdiff_t>(hidden));
     }
     if (!printers.empty()) {
-        lines = TableLines(printers, screen.columns, Overflow::Cut);
+        lines = TableLines(printers, columns, Overflow::Cut);
     }
     if (hidden > 0) {
         lines.push_back("(and " + std::to_string(hidden) + " found before these)");
     }
     lines.push_back(status);
     for (std::string& line : lines) {
-        line = CutToWidth(line, screen.columns - 1);
+        line = CutToWidth(line, columns);
     }
     return lines;
 }

@@ -12,6 +12,7 @@ using Widths = std::array<std::size_t, kTableHeadings.size()>;
 
 constexpr std::size_t kPort = 3;
 constexpr std::size_t kGap = 2;
+constexpr std::size_t kNarrowest = 2;  // room for any character
 
 std::size_t WidthOfLine(const Widths& widths) {
     return std::accumulate(widths.begin(), widths.end(), kGap * (widths.size() - 1));
@@ -21,7 +22,7 @@ std::size_t WidthOfLine(const Widths& widths) {
 Widths Fit(Widths widths, std::size_t columns) {
     while (WidthOfLine(widths) > columns) {
         std::size_t& widest = *std::max_element(widths.begin(), widths.end());
-        if (widest <= 1) {
+        if (widest <= kNarrowest) {
             break;
         }
         --widest;
@@ -42,13 +43,27 @@ Widths NaturalWidths(const std::vector<TableRow>& rows) {
 std::string Line(const TableRow& row, const Widths& widths) {
     std::string line;
     for (std::size_t column = 0; column < row.size(); ++column) {
-        const std::string cell(CutToWidth(row[column], widths[column]));
-        const std::string padding(widths[column] - DisplayWidth(cell), ' ');
+        const std::string padding(widths[column] - DisplayWidth(row[column]), ' ');
         line += column == 0 ? "" : std::string(kGap, ' ');
-        line += column == kPort ? padding + cell : cell + padding;
+        line += column == kPort ? padding + row[column] : row[column] + padding;
     }
     line.erase(line.find_last_not_of(' ') + 1);
     return line;
+}
+
+// Takes from each cell what fits into one line.
+TableRow TakeLine(TableRow& rest, const Widths& widths) {
+    TableRow line;
+    for (std::size_t column = 0; column < rest.size(); ++column) {
+        line[column] = CutToWidth(rest[column], widths[column]);
+        rest[column].erase(0, line[column].size());
+    }
+    return line;
+}
+
+bool IsEmpty(const TableRow& row) {
+    return std::all_of(row.begin(), row.end(),
+                       [](const std::string& cell) { return cell.empty(); });
 }
 
 }  // namespace
@@ -58,14 +73,12 @@ std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::s
     std::vector<TableRow> rows(1);
     std::copy(kTableHeadings.begin(), kTableHeadings.end(), rows[0].begin());
     std::transform(printers.begin(), printers.end(), std::back_inserter(rows), RowOf);
-    Widths widths = NaturalWidths(rows);
-    if (overflow == Overflow::Cut) {
-        // A line that fills the last column would wrap.
-        widths = Fit(widths, columns - 1);
-    }
+    const Widths widths = Fit(NaturalWidths(rows), columns);
     std::vector<std::string> lines;
-    for (const TableRow& row : rows) {
-        lines.push_back(Line(row, widths));
+    for (TableRow& row : rows) {
+        do {
+            lines.push_back(Line(TakeLine(row, widths), widths));
+        } while (overflow == Overflow::Wrap && !IsEmpty(row));
     }
     return lines;
 }

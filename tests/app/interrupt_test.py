@@ -1,14 +1,12 @@
-"""Ending a scan before its time."""
+"""Ending a scan before its time by signals."""
 
 import signal
 import time
-import unittest
 
 import app_test
-from app_test import FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device
+from app_test import FOUND, NONE_FOUND, AppTest, device
 
 
-@unittest.skipIf(ON_WINDOWS, "signals of Linux")
 class Interrupt(AppTest):
     def start_scan(self, *arguments):
         process = self.start_app("scan", *arguments)

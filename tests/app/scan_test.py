@@ -203,8 +203,8 @@ class ScanLog(AppTest):
         self.assert_mentions(result.errors, log, "--log-file")
 
 
-@unittest.skipIf(ON_WINDOWS, "a reader that leaves is seen with the next line only")
 class ScanWithoutReader(AppTest):
+    @unittest.skipIf(ON_WINDOWS, "there a reader that leaves is seen with the next line only")
     def test_a_reader_that_leaves_ends_the_scan_quietly(self):
         self.script(device("SN1"), "until-stopped")
         process = self.start_app("scan", "--watch")
