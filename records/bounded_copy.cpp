@@ -1,7 +1,6 @@
 #include "records/bounded_copy.h"
 
 #include <cerrno>
-#include <cstring>
 
 namespace Broker {
 
@@ -18,13 +17,9 @@ int Fail(int status) {
 
 }  // namespace
 
-int BoundedCopy(void* destination, std::size_t capacity, const void* source, std::size_t count) {
+int RefuseCopy(void* destination, std::size_t capacity, const void* source) {
     if (destination == nullptr) {
         return Fail(kInvalidArgument);
-    }
-    if (source != nullptr && capacity >= count) {
-        std::memcpy(destination, source, count);
-        return 0;
     }
     std::memset(destination, 0, capacity);
     return Fail(source == nullptr ? kInvalidArgument : kOutOfRange);

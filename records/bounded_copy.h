@@ -1,8 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 
 namespace Broker {
+
+// What BoundedCopy does when it cannot copy.
+int RefuseCopy(void* destination, std::size_t capacity, const void* source);
 
 // Copies `count` bytes into a field of `capacity` bytes, with the contract of memcpy_s:
 //   - a null `destination`: 22 (EINVAL), nothing written;
@@ -10,7 +14,14 @@ namespace Broker {
 //   - else all of `capacity` is zeroed: 22 (EINVAL) for a null `source`, 34 (ERANGE) for a `count`
 //     beyond `capacity`.
 // On failure errno holds the same value.
-int BoundedCopy(void* destination, std::size_t capacity, const void* source, std::size_t count);
+inline int BoundedCopy(void* destination, std::size_t capacity, const void* source,
+                       std::size_t count) {
+    if (destination == nullptr || source == nullptr || count > capacity) {
+        return RefuseCopy(destination, capacity, source);
+    }
+    std::memcpy(destination, source, count);
+    return 0;
+}
 
 // Copies a field onto the field of the same width in the other family's record.
 template <std::size_t Width>

@@ -1,52 +1,106 @@
 #include "records/log_line.h"
 
-#include <cstring>
-#include <locale>
+#include <iterator>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "records/widening.h"
 
 namespace Broker {
 
-void LogLine::Append(std::string_view narrow) {
-    while (!narrow.empty()) {
-        if (gathered == sizeof narrowText) {
+namespace {
+
+// What the stream takes before it has to grow: more than nearly every line needs.
+constexpr std::size_t kRoom = 250;
+
+// One line in the making. Text is gathered in wide form and reaches the stream in one piece: an
+// insertion costs more than the text in it. What goes wrong on the way stays in the stream's state,
+// as with any insertion.
+class Line {
+public:
+    Line() : widen(Widening::Of(stream.getloc())) { MakeRoom(); }
+
+    void Add(std::string_view narrow) {
+        while (!narrow.empty()) {
+            const std::string_view piece = narrow.substr(0, Space());
+            Attempt([&] { widen(piece, text + gathered); });
+            gathered += piece.size();
+            narrow.remove_prefix(piece.size());
+        }
+    }
+
+    void Add(wchar_t character) {
+        Space();
+        text[gathered++] = character;
+    }
+
+    template <class Number>
+    void Add(Number value) {
+        Flush();
+        stream << value;
+    }
+
+    std::wstringstream& Finish() {
+        Flush();
+        return stream;
+    }
+
+private:
+    template <class Work>
+    void Attempt(Work work) {
+        try {
+            work();
+        } catch (...) {
+            stream.setstate(std::ios_base::badbit);
+        }
+    }
+
+    // A stream that is given a string goes on in its storage. Without it, it sees to its own.
+    void MakeRoom() {
+        try {
+            std::wstring room;
+            room.reserve(kRoom);
+            stream.str(std::move(room));
+        } catch (const std::bad_alloc&) {
+            return;
+        }
+    }
+
+    // How much text can be gathered now, at least one character.
+    std::size_t Space() {
+        if (gathered == std::size(text)) {
             Flush();
         }
-        const std::string_view piece = narrow.substr(0, sizeof narrowText - gathered);
-        std::memcpy(narrowText + gathered, piece.data(), piece.size());
-        gathered += piece.size();
-        narrow.remove_prefix(piece.size());
+        return std::size(text) - gathered;
     }
-}
 
-void LogLine::Append(std::wstring_view wide) {
-    Flush();
-    stream << wide;
-}
+    void Flush() {
+        if (stream.good()) {
+            Attempt([&] { stream.rdbuf()->sputn(text, static_cast<std::streamsize>(gathered)); });
+        }
+        gathered = 0;
+    }
 
-void LogLine::Append(std::int32_t value) {
-    Flush();
-    stream << value;
-}
+    std::wstringstream stream;
+    const Widening widen;
+    std::size_t gathered = 0;
+    wchar_t text[256];
+};
 
-void LogLine::Append(std::uint64_t value) {
-    Flush();
-    stream << value;
-}
+}  // namespace
 
-void LogLine::Append(float value) {
-    Flush();
-    stream << value;
-}
-
-void LogLine::Flush() {
-    wchar_t wide[sizeof narrowText];
-    std::use_facet<std::ctype<wchar_t>>(stream.getloc())
-        .widen(narrowText, narrowText + gathered, wide);
-    stream.write(wide, static_cast<std::streamsize>(gathered));
-    gathered = 0;
-}
-
-void LogLine::Send(LOG_MESSAGE_LEVEL level) {
-    Flush();
+void LogPieces(LOG_MESSAGE_LEVEL level, const Location& where,
+               std::initializer_list<LogPiece> pieces) {
+    Line line;
+    for (const LogPiece& piece : pieces) {
+        std::visit([&line](auto value) { line.Add(value); }, piece);
+    }
+    line.Add(L'(');
+    line.Add(where.function);
+    line.Add(where.suffix);
+    line.Add(L')');
+    std::wstringstream& stream = line.Finish();
     try {
         KzLogger::GetInstance().Log(level, stream);
     } catch (...) {

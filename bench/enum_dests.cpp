@@ -1,0 +1,4 @@
+#include <cups/cups.h>
+int main() {
+    return 0;
+}
