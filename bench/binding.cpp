@@ -21,6 +21,7 @@ using Entry = ScanInterface::VendorEntry;
 using Table = Broker::VendorTable<Entry>;
 
 constexpr int kMostVendors = 1000;
+constexpr const char* kFunction = "PrinterDeviceDiscoverSdk::ScanInterface::GetDeviceFunc";
 constexpr const char* kEntryPoints[] = {"StartDeviceScan",           "StopDeviceScan",
                                         "GetDeviceConnectState",     "BeforeConnectEventNotify",
                                         "ConnectSuccessNotifyEvent", "ConnectFailNotifyEvent"};
@@ -60,7 +61,8 @@ private:
 };
 
 void Bind(Table& table) {
-    Broker::BindVendors(table, &VendorInfo::scanModuleName, Broker::kScanEntryPoints<Entry>, HERE);
+    Broker::BindVendors(table, &VendorInfo::scanModuleName, Broker::kScanEntryPoints<Entry>,
+                        {kFunction, {}});
 }
 
 struct BoundByHand {
@@ -75,8 +77,7 @@ std::vector<BoundByHand> BindByHand(const std::vector<VendorInfo>& vendors) {
         for (std::size_t slot = 0; slot < std::size(kEntryPoints); ++slot) {
             entry.functions[slot] = dlsym(entry.module, kEntryPoints[slot]);
         }
-        Bench::LogByHand(LOG_LEVEL_WARNING, "PrinterDeviceDiscoverSdk::Bind", "productId",
-                         vendor.productId.c_str());
+        Bench::LogByHand(LOG_LEVEL_WARNING, kFunction, "productId", vendor.productId.c_str());
         bound.push_back(entry);
     }
     return bound;

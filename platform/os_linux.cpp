@@ -9,14 +9,12 @@
 namespace {
 
 // dlsym also searches the module's dependencies; the module that really holds the symbol is asked
-// for.
-bool LivesIn(HINSTANCE module, const void* symbol) {
+// for, in a way that takes no longer when many modules are loaded.
+bool LivesIn(HINSTANCE module, void* symbol) {
     link_map* own = nullptr;
-    link_map* holder = nullptr;
-    Dl_info info{};
-    return dlinfo(module, RTLD_DI_LINKMAP, &own) == 0 &&
-           dladdr1(symbol, &info, reinterpret_cast<void**>(&holder), RTLD_DL_LINKMAP) != 0 &&
-           own == holder;
+    dl_find_object holder{};
+    return dlinfo(module, RTLD_DI_LINKMAP, &own) == 0 && _dl_find_object(symbol, &holder) == 0 &&
+           own == holder.dlfo_link_map;
 }
 
 }  // namespace
