@@ -1,0 +1,632 @@
+"""The driverless module on a real network: real printers, Avahi and D-Bus in namespaces.
+
+Runs inside scripts/lab-network, on the browsing side. The environment names what is tested:
+SCAN_PROBE, DRIVERLESS_MODULE, LAB_NETWORK.
+"""
+
+import json
+import os
+import queue
+import re
+import signal
+import subprocess
+import sys
+import threading
+import time
+import unittest
+
+PROBE = os.environ["SCAN_PROBE"]
+MODULE = os.environ["DRIVERLESS_MODULE"]
+LAB = os.environ["LAB_NETWORK"]
+FAKE_PRINTER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "fake_printer.py")
+
+# Sanitizers make everything slower; nothing here measures speed.
+PATIENCE = 30
+SLACK = float(os.environ.get("NETWORK_TEST_SLACK", "1"))
+
+IPP, IPPS, PDL_DATASTREAM, LPD = 1, 2, 3, 4
+READY, NOT_READY, NO_ANSWER, UNKNOWN, NO_PRINTER, OTHER_PRINTER = 1, 2, 3, 4, 5, 6
+NO_BUS, NO_AVAHI, NO_NETWORK, BUS_LOST = 2, 3, 4, 6
+
+
+def lab(*arguments):
+    subprocess.run([LAB, *map(str, arguments)], check=True, timeout=60)
+
+
+def text_below(folder):
+    """Everything that stands in the files of a folder."""
+    paths = [os.path.join(parent, name) for parent, _, names in os.walk(folder) for name in names]
+    return "".join(open(path, encoding="utf-8").read() for path in paths)
+
+
+class Probe:
+    """A running scan_probe: commands in, events out."""
+
+    def __init__(self, through_broker=False, environment=None):
+        arguments = [PROBE] if through_broker else [PROBE, "--module", MODULE]
+        self.process = subprocess.Popen(
+            arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+            text=True, env={**os.environ, **(environment or {})})
+        self.events = queue.Queue()
+        self.seen = []
+        self.errors = []
+        self.readers = [
+            threading.Thread(target=self._read, args=(pipe, take), daemon=True)
+            for pipe, take in ((self.process.stdout, self._take_event),
+                               (self.process.stderr, self.errors.append))]
+        for reader in self.readers:
+            reader.start()
+
+    @staticmethod
+    def _read(pipe, take):
+        for line in pipe:
+            take(line)
+        take(None)
+
+    def _take_event(self, line):
+        self.events.put(json.loads(line) if line is not None else None)
+
+    def tell(self, command):
+        self.process.stdin.write(command + "\n")
+        self.process.stdin.flush()
+
+    def next(self, seconds):
+        """The next event; None when there is none in time."""
+        try:
+            event = self.events.get(timeout=max(seconds, 0))
+        except queue.Empty:
+            return None
+        if event is None:
+            raise AssertionError("scan_probe ended: " + self.diagnostics())
+        self.seen.append(event)
+        return event
+
+    def await_event(self, kind, seconds=PATIENCE, **wanted):
+        deadline = time.monotonic() + seconds
+        while (event := self.next(deadline - time.monotonic())) is not None:
+            if event["event"] == kind and all(event[k] == v for k, v in wanted.items()):
+                return event
+        raise AssertionError(f"no {kind} {wanted} in {seconds} s, but {self.seen}; "
+                             + self.diagnostics())
+
+    def ask(self, command, serial=""):
+        """The result of a command."""
+        self.tell(f"{command} {serial}".strip())
+        return self.await_event({"stop": "stopped"}.get(command, command))["result"]
+
+    def start(self):
+        self.tell("start")
+
+    def found(self, seconds):
+        """Every printer reported within that time."""
+        deadline = time.monotonic() + seconds
+        while self.next(deadline - time.monotonic()) is not None:
+            pass
+        return [event for event in self.seen if event["event"] == "found"]
+
+    def await_printers(self, count):
+        while sum(event["event"] == "found" for event in self.seen) < count:
+            self.await_event("found")
+        return [event for event in self.seen if event["event"] == "found"]
+
+    def diagnostics(self):
+        return "".join(line for line in self.errors if line is not None)
+
+    def end(self):
+        """Leaves the probe's main; its exit status."""
+        if self.process.poll() is None:
+            self.tell("exit")
+        self.process.stdin.close()
+        try:
+            status = self.process.wait(PATIENCE)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            raise
+        for reader in self.readers:
+            reader.join()
+        self.process.stdout.close()
+        self.process.stderr.close()
+        return status
+
+
+class NetworkTest(unittest.TestCase):
+    """Each test has a network with the printers it asks for, and no others."""
+
+    def setUp(self):
+        # What an earlier test's printers left in Avahi's cache would be found.
+        lab("cold")
+        self.probes = []
+        self.fakes = []
+        self.printers = set()
+
+    def tearDown(self):
+        for probe in self.probes:
+            status = probe.end()
+            self.assertEqual(status, 0, probe.diagnostics())
+        for fake in self.fakes:
+            self.end_fake(fake)
+        for number in self.printers:
+            lab("stop-printer", number)
+
+    def probe(self, **options):
+        probe = Probe(**options)
+        self.probes.append(probe)
+        probe.await_event("ready")
+        return probe
+
+    def have_printers(self, count):
+        lab("printers", count)
+        self.printers |= set(range(1, count + 1))
+
+    def start_printer(self, number, *options):
+        lab("start-printer", number, *options)
+        self.printers.add(number)
+
+    def stop_printer(self, number):
+        lab("stop-printer", number)
+        self.printers.discard(number)
+
+    def fake_printer(self, name, port, behaviour="answers", kind="_ipp._tcp", txt=(),
+                     attributes=()):
+        arguments = ["--name", name, "--port", str(port), "--type", kind, "--behaviour", behaviour]
+        for entry in txt:
+            arguments += ["--txt", entry]
+        for entry in attributes:
+            arguments += ["--attribute", entry]
+        fake = subprocess.Popen(
+            [LAB, "run-beside-printers", sys.executable, FAKE_PRINTER, *arguments], stdout=subprocess.PIPE, text=True)
+        self.fakes.append(fake)
+        for line in fake.stdout:
+            if "Established" in line:
+                return
+        self.fail(f"{name} could not be announced")
+
+    @staticmethod
+    def end_fake(fake):
+        fake.terminate()
+        fake.wait()
+        fake.stdout.close()
+
+    def assert_diagnostics(self, probe, pattern):
+        """The module wrote exactly one line, and it says this."""
+        deadline = time.monotonic() + PATIENCE
+        while not probe.errors and time.monotonic() < deadline:
+            time.sleep(0.01)
+        lines = [line for line in probe.errors if line is not None]
+        self.assertEqual(len(lines), 1, lines)
+        self.assertRegex(lines[0], "^driverless: .*" + pattern)
+
+
+UUID = "7e21a7d4-0000-4000-8000-00000000000"
+
+
+class TwentyPrinters(NetworkTest):
+    def test_all_are_found_each_once_and_ippfind_agrees(self):
+        self.have_printers(20)
+        probe = self.probe(through_broker=True)
+        probe.start()
+        probe.await_printers(20)
+        found = probe.found(3)
+        self.assertEqual(probe.ask("stop"), 0)
+
+        self.assertEqual(len(found), 20, "each once")
+        opinion = subprocess.run(
+            ["ippfind", "_ipp._tcp", "-T", "5", "--exec", "echo", "{txt_UUID} {service_port}",
+             "{txt_ty}", ";"], capture_output=True, text=True, timeout=60, check=True)
+        expected = set(opinion.stdout.splitlines())
+        self.assertEqual(len(expected), 20, opinion)
+        self.assertEqual(
+            {f"{p['serial']} {p['port']} {p['make_and_model']}" for p in found}, expected)
+        for printer in found:
+            self.assertEqual(printer["model_id"], "driverless")
+            self.assertEqual(printer["address"], "10.99.0.1")
+            self.assertEqual(printer["resource"], "/ipp/print")
+            self.assertEqual(printer["kind"], IPP)
+
+    def test_a_second_start_reports_all_of_them_again_and_each_once(self):
+        self.have_printers(5)
+        probe = self.probe()
+        probe.start()
+        first = probe.await_printers(5)
+        probe.start()
+        self.assertEqual(probe.await_event("ended")["result"], 0)
+        probe.await_printers(10)
+        self.assertEqual(len(probe.found(2)), 10)
+        self.assertEqual(len({p["serial"] for p in first}), 5)
+
+    def test_starting_and_stopping_two_hundred_times_leaves_one_scan_that_works(self):
+        self.have_printers(2)
+        probe = self.probe(through_broker=True)
+        for _ in range(200):
+            probe.tell("start")
+            probe.tell("stop")
+        for _ in range(200):
+            self.assertEqual(probe.await_event("stopped")["result"], 0)
+        probe.seen.clear()
+        probe.start()
+        probe.await_printers(2)
+        probe.found(1.5)
+        self.assertEqual(len({p["serial"] for p in probe.found(0)}), 2)
+        self.assertEqual(probe.ask("stop"), 0)
+
+
+class ComingAndGoing(NetworkTest):
+    def test_a_printer_that_is_started_later_is_found_then(self):
+        self.have_printers(1)
+        probe = self.probe(through_broker=True)
+        probe.start()
+        probe.await_printers(1)
+        self.start_printer(2)
+        self.assertEqual(probe.await_event("found")["make_and_model"], "Acme Laser 2")
+        self.assertEqual(len(probe.found(1.5)), 2)
+
+    def test_a_printer_that_is_stopped_is_no_longer_ready(self):
+        self.have_printers(2)
+        probe = self.probe(through_broker=True)
+        probe.start()
+        printers = {p["make_and_model"]: p["serial"] for p in probe.await_printers(2)}
+        for serial in printers.values():
+            self.assertEqual(probe.ask("state", serial), READY)
+        self.stop_printer(1)
+        self.assertEqual(probe.ask("state", printers["Acme Laser 1"]), NO_ANSWER)
+        self.assertEqual(probe.ask("state", printers["Acme Laser 2"]), READY)
+
+    def test_a_printer_that_comes_back_is_reported_again(self):
+        self.have_printers(2)
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(2)
+        self.stop_printer(1)
+        self.assertEqual(len(probe.found(1)), 2)
+        self.start_printer(1)
+        back = probe.await_event("found")
+        self.assertEqual(back["make_and_model"], "Acme Laser 1")
+        self.assertEqual(len(probe.found(1.5)), 3)
+        self.assertEqual(probe.ask("state", back["serial"]), READY)
+
+    def test_avahi_may_end_and_come_back(self):
+        self.have_printers(2)
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(2)
+        lab("stop-avahi")
+        self.assert_diagnostics(probe, "Avahi ended")
+        lab("start-avahi")
+        again = probe.await_printers(4)
+        self.assertEqual(len({p["serial"] for p in again}), 2)
+        self.assertEqual(probe.ask("stop"), 0)
+        self.assertEqual(probe.await_event("ended")["result"], 0)
+
+
+class WithoutServices(NetworkTest):
+    def end_of_scan(self, probe):
+        probe.start()
+        ended = probe.await_event("ended")
+        self.assertLess(ended["seconds"], 3 * SLACK)
+        return ended["result"]
+
+    def test_without_a_bus_the_scan_fails_at_once(self):
+        probe = self.probe(environment={"DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere/bus"})
+        self.assertEqual(self.end_of_scan(probe), NO_BUS)
+        self.assert_diagnostics(probe, "D-Bus")
+        self.assertEqual(probe.ask("stop"), 0)
+
+    def test_without_avahi_the_scan_fails_at_once(self):
+        lab("stop-avahi")
+        self.addCleanup(lab, "start-avahi")
+        probe = self.probe()
+        self.assertEqual(self.end_of_scan(probe), NO_AVAHI)
+        self.assert_diagnostics(probe, "Avahi does not run: start avahi-daemon")
+
+    def test_without_a_network_the_scan_fails_at_once(self):
+        subprocess.run(["ip", "link", "set", "lab0", "down"], check=True)
+        self.addCleanup(lab, "cold")
+        self.addCleanup(subprocess.run, ["ip", "route", "add", "224.0.0.0/4", "dev", "lab0"])
+        self.addCleanup(subprocess.run, ["ip", "link", "set", "lab0", "up"], check=True)
+        probe = self.probe()
+        self.assertEqual(self.end_of_scan(probe), NO_NETWORK)
+        self.assert_diagnostics(probe, "no network")
+
+    def test_the_broker_tells_its_log_what_the_module_returned(self):
+        state = os.path.join(os.environ["LAB_NETWORK_STATE"], "broker")
+        probe = self.probe(through_broker=True, environment={
+            "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere/bus", "XDG_STATE_HOME": state})
+        probe.start()
+        self.assertEqual(probe.await_event("started")["result"], 0)
+        self.assert_diagnostics(probe, "D-Bus")
+        deadline = time.monotonic() + PATIENCE
+        while time.monotonic() < deadline and not re.search(
+                rf"call Func fail, err:{NO_BUS}\b", log := text_below(state)):
+            time.sleep(0.05)
+        self.assertRegex(log, rf"call Func fail, err:{NO_BUS}\b")
+
+    def test_a_bus_that_ends_during_the_scan_ends_the_scan(self):
+        self.addCleanup(lab, "start-avahi")
+        self.have_printers(1)
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(1)
+        lab("stop-bus")
+        self.assertEqual(probe.await_event("ended")["result"], BUS_LOST)
+        self.assertIn("D-Bus ended", probe.diagnostics())
+
+    def frozen(self, which):
+        """Stops a daemon in its tracks until the test ends."""
+        with open(os.path.join(os.environ["LAB_NETWORK_STATE"], "b", which + ".pid"),
+                  encoding="ascii") as file:
+            process = int(file.read())
+        os.kill(process, signal.SIGSTOP)
+        self.addCleanup(os.kill, process, signal.SIGCONT)
+
+    def test_an_avahi_that_hangs_does_not_make_the_scan_hang(self):
+        self.frozen("avahi")
+        probe = self.probe()
+        probe.start()
+        self.assertNotEqual(probe.await_event("ended", 10 * SLACK)["result"], 0)
+        self.assert_diagnostics(probe, "does not answer")
+
+    def test_a_bus_that_hangs_does_not_make_the_scan_hang(self):
+        self.frozen("bus")
+        probe = self.probe()
+        probe.start()
+        self.assertNotEqual(probe.await_event("ended", 10 * SLACK)["result"], 0)
+
+    def test_a_scan_stops_at_once_while_avahi_hangs(self):
+        probe = self.probe()
+        probe.start()
+        self.have_printers(1)
+        probe.await_printers(1)
+        self.frozen("avahi")
+        self.assertEqual(probe.ask("stop"), 0)
+        stopped = probe.seen[-1]["seconds"]
+        ended = probe.await_event("ended", 3 * SLACK)
+        self.assertEqual(ended["result"], 0)
+        self.assertLess(ended["seconds"] - stopped, 1.5 * SLACK)
+
+
+class Stopping(NetworkTest):
+    def assert_stops_at_once(self, probe):
+        begin = time.monotonic()
+        self.assertEqual(probe.ask("stop"), 0)
+        self.assertLess(time.monotonic() - begin, 0.5 * SLACK)
+        ended = [e for e in probe.seen if e["event"] == "ended"] or [
+            probe.await_event("ended", 1 * SLACK)]
+        self.assertEqual(ended[0]["result"], 0)
+        self.assertLess(time.monotonic() - begin, 1 * SLACK)
+
+    def test_a_scan_stops_at_once(self):
+        self.have_printers(2)
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(2)
+        self.assert_stops_at_once(probe)
+        self.start_printer(3)
+        self.assertEqual(len(probe.found(1)), 2, "nothing is reported after the stop")
+
+    def test_a_scan_stops_at_once_while_printers_hang(self):
+        for number in range(3):
+            self.fake_printer(f"Silent {number}", 9000 + number, "silent",
+                              txt=[f"UUID={UUID}{number}"])
+        self.fake_printer("Silent TLS", 9010, "silent", "_ipps._tcp")
+        self.fake_printer("Drips", 9011, "drips")
+        probe = self.probe()
+        probe.start()
+        self.assertEqual(probe.found(1), [])
+        self.assert_stops_at_once(probe)
+        self.assertEqual(probe.found(3), [], "nothing is reported after the stop")
+
+    def test_a_stop_waits_for_the_report_that_is_under_way(self):
+        self.have_printers(1)
+        probe = self.probe()
+        probe.tell("callback-sleeps 700")
+        probe.start()
+        probe.await_event("found")
+        self.assertEqual(probe.ask("stop"), 0)
+        self.assertIn("callback-returns", [event["event"] for event in probe.seen])
+
+    def test_a_stop_does_not_wait_for_ever_for_a_callback(self):
+        self.have_printers(1)
+        probe = self.probe()
+        probe.tell("callback-sleeps 6000")
+        probe.start()
+        probe.await_event("found")
+        begin = time.monotonic()
+        self.assertNotEqual(probe.ask("stop"), 0)
+        self.assertLess(time.monotonic() - begin, 4 * SLACK)
+
+    def test_the_process_may_exit_in_the_middle_of_a_scan(self):
+        self.have_printers(4)
+        self.fake_printer("Silent", 9000, "silent")
+        self.fake_printer("Silent TLS", 9010, "silent", "_ipps._tcp")
+        for turn in range(40):
+            probe = Probe(through_broker=turn % 2 == 0)
+            probe.await_event("ready")
+            probe.start()
+            time.sleep(0.012 * (turn // 2))
+            self.assertEqual(probe.end(), 0, f"turn {turn}: {probe.diagnostics()}")
+
+
+class PrintersOfAllKinds(NetworkTest):
+    def found_one(self, within=5):
+        probe = self.probe()
+        probe.start()
+        printer = probe.await_event("found", within * SLACK + 1)
+        self.assertEqual(len(probe.found(1.5)), 1, "once")
+        return probe, printer
+
+    def test_the_serial_number_attribute_is_preferred(self):
+        self.fake_printer("Office", 9000, txt=[f"UUID={UUID}1", "rp=ipp/office"], attributes=[
+            "printer-serial-number=SN-4711", "printer-make-and-model=Acme Office",
+            "printer-device-id=MFG:Acme;MDL:Office;SN:other;", f"printer-uuid=urn:uuid:{UUID}1"])
+        _, printer = self.found_one()
+        self.assertEqual(printer["serial"], "SN-4711")
+        self.assertEqual(printer["make_and_model"], "Acme Office")
+        self.assertEqual(printer["resource"], "/ipp/office")
+        self.assertEqual(printer["port"], 9000)
+
+    def test_then_that_of_the_device_id(self):
+        self.fake_printer("Office", 9000, txt=[f"UUID={UUID}1"], attributes=[
+            "printer-device-id=MFG:Acme;MDL:Office;SN:AB12;"])
+        _, printer = self.found_one()
+        self.assertEqual(printer["serial"], "AB12")
+
+    def test_a_printer_that_speaks_only_the_old_version_is_asked_with_it(self):
+        self.fake_printer("Old", 9000, "old", attributes=["printer-serial-number=OLD1"])
+        _, printer = self.found_one()
+        self.assertEqual(printer["serial"], "OLD1")
+
+    def test_a_printer_with_several_services_is_one(self):
+        self.fake_printer("Office", 9000, txt=[f"UUID={UUID}1"],
+                          attributes=["printer-serial-number=SN1"])
+        self.fake_printer("Office", 9100, "closed", "_pdl-datastream._tcp", ["ty=Raw"])
+        self.fake_printer("Office", 515, "closed", "_printer._tcp", [f"UUID={UUID}1"])
+        _, printer = self.found_one()
+        self.assertEqual((printer["serial"], printer["kind"]), ("SN1", IPP))
+
+    def test_printers_without_a_uuid_are_told_apart_by_name(self):
+        for number in (1, 2):
+            self.fake_printer(f"Raw {number}", 9100 + number, "closed", "_pdl-datastream._tcp",
+                              ["ty=Acme Raw"])
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(2)
+        self.assertEqual({p["serial"] for p in probe.found(1.5)},
+                         {"Raw 1@lab-p.local", "Raw 2@lab-p.local"})
+
+    def test_a_printer_without_ipp_is_reported_from_its_announcement(self):
+        self.fake_printer("Raw", 9100, "answers", "_pdl-datastream._tcp",
+                          ["usb_MFG=Acme", "usb_MDL=Raw 9", f"UUID={UUID}5"])
+        probe, printer = self.found_one()
+        self.assertEqual(printer["kind"], PDL_DATASTREAM)
+        self.assertEqual(printer["serial"], UUID + "5")
+        self.assertEqual(printer["make_and_model"], "Acme Raw 9")
+        self.assertEqual(printer["resource"], "")
+        self.assertEqual(probe.ask("state", printer["serial"]), READY)
+        self.end_fake(self.fakes.pop())
+        self.assertEqual(probe.ask("state", printer["serial"]), NO_ANSWER)
+
+    def test_a_printer_with_only_lpd_is_reported_too(self):
+        self.fake_printer("Lines", 515, "closed", "_printer._tcp", ["ty=Acme Lines", "rp=queue"])
+        _, printer = self.found_one()
+        self.assertEqual((printer["kind"], printer["port"]), (LPD, 515))
+
+    def test_a_printer_with_only_ipps_is_asked_over_tls(self):
+        self.start_printer(1)
+        lab("cold")
+        # Another name for it, under which it has no service without TLS.
+        self.fake_printer("Only TLS", 8631, "closed", "_ipps._tcp", ["rp=ipp/print"])
+        probe = self.probe()
+        probe.start()
+        printers = {p["kind"]: p for p in probe.found(5 * SLACK)}
+        self.assertEqual(printers[IPP]["make_and_model"], "Acme Laser 1")
+        self.assertEqual(printers.keys(), {IPP}, "the same printer by its UUID")
+
+    def assert_reported_from_announcement(self, behaviour, kind="_ipp._tcp", state=NO_ANSWER):
+        self.fake_printer("Difficult", 9000, behaviour, kind, ["ty=From TXT", f"UUID={UUID}7"])
+        probe, printer = self.found_one(3.5)
+        self.assertEqual(printer["serial"], UUID + "7")
+        self.assertEqual(printer["make_and_model"], "From TXT")
+        probe.tell("state " + printer["serial"])
+        event = probe.await_event("state")
+        self.assertEqual(event["result"], state)
+        self.assertLess(event["took"], 2.2 * SLACK)
+
+    def test_a_printer_that_says_nothing_is_reported_from_its_announcement(self):
+        self.assert_reported_from_announcement("silent")
+
+    def test_a_printer_that_says_nothing_over_tls_too(self):
+        self.assert_reported_from_announcement("silent", "_ipps._tcp")
+
+    def test_a_printer_that_never_ends_its_answer_too(self):
+        self.assert_reported_from_announcement("drips")
+
+    def test_a_printer_that_redirects_for_ever_too(self):
+        self.assert_reported_from_announcement("redirects", state=NO_PRINTER)
+
+    def test_a_printer_that_wants_a_password_too(self):
+        self.assert_reported_from_announcement("wants-password", state=NO_PRINTER)
+
+    def test_a_printer_that_talks_nonsense_too(self):
+        self.assert_reported_from_announcement("garbage")
+
+    def test_a_printer_that_refuses_too(self):
+        self.assert_reported_from_announcement("refuses", state=NO_PRINTER)
+
+    def test_printers_that_hang_do_not_keep_the_others_waiting(self):
+        for number in range(8):
+            self.fake_printer(f"Silent {number}", 9000 + number, "silent")
+        self.have_printers(5)
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(5)
+        self.assertLess(probe.seen[-1]["seconds"], 1.5 * SLACK)
+        probe.await_printers(13)
+
+    def test_text_from_the_network_is_cut_and_cleaned(self):
+        self.fake_printer("Grün", 9000, attributes=[
+            "printer-make-and-model=" + "ü" * 50 + "\x1b[31m",
+            "printer-serial-number=" + "S" * 63 + "é"])
+        _, printer = self.found_one()
+        self.assertEqual(printer["make_and_model"], "ü" * 31)
+        self.assertEqual(printer["serial"], "S" * 63)
+
+
+class State(NetworkTest):
+    def known(self, *attributes):
+        self.fake_printer("Office", 9000, attributes=["printer-serial-number=S1", *attributes])
+        probe = self.probe(through_broker=True)
+        probe.start()
+        probe.await_event("found")
+        return probe
+
+    def test_a_printer_that_is_idle_is_ready(self):
+        probe = self.known("printer-state=3", "printer-is-accepting-jobs=true")
+        self.assertEqual(probe.ask("state", "S1"), READY)
+
+    def test_a_printer_that_is_stopped_is_not(self):
+        probe = self.known("printer-state=5", "printer-is-accepting-jobs=true")
+        self.assertEqual(probe.ask("state", "S1"), NOT_READY)
+
+    def test_a_printer_that_accepts_no_jobs_is_not(self):
+        probe = self.known("printer-state=3", "printer-is-accepting-jobs=false")
+        self.assertEqual(probe.ask("state", "S1"), NOT_READY)
+
+    def test_another_printer_at_the_same_address_is_noticed(self):
+        probe = self.known()
+        self.end_fake(self.fakes.pop())
+        self.fake_printer("Other", 9000, attributes=["printer-serial-number=S2"])
+        self.assertEqual(probe.ask("state", "S1"), OTHER_PRINTER)
+
+    def test_the_record_alone_is_enough(self):
+        probe = self.known()
+        record = next(event for event in probe.seen if event["event"] == "found")
+        stranger = self.probe(through_broker=True)
+        for field in ("serial", "model_id", "address", "port", "kind", "resource"):
+            stranger.tell(f"edit x {field} {record[field]}")
+        self.assertEqual(stranger.ask("state", "x"), READY)
+        self.assertEqual(stranger.ask("before", "x"), 0)
+        self.assertEqual(stranger.ask("success", "x"), 0)
+        self.assertEqual(stranger.ask("failed", "x"), 0)
+
+    def test_a_failed_connection_makes_the_module_forget_the_printer(self):
+        probe = self.known()
+        probe.tell("edit S1 port 0")
+        self.assertEqual(probe.ask("state", "S1"), READY, "remembered from the scan")
+        self.assertEqual(probe.ask("failed", "S1"), 0)
+        self.assertEqual(probe.ask("state", "S1"), UNKNOWN)
+
+    def test_before_a_connection_the_address_is_looked_up_anew(self):
+        probe = self.known()
+        self.assertEqual(probe.ask("before", "S1"), 0)
+        self.end_fake(self.fakes.pop())
+        deadline = time.monotonic() + PATIENCE
+        while (result := probe.ask("before", "S1")) == 0 and time.monotonic() < deadline:
+            time.sleep(0.1)  # Avahi's cache keeps what says good-bye for a second
+        self.assertEqual(result, NO_ANSWER)
+        self.fake_printer("Office", 9005, attributes=["printer-serial-number=S1"])
+        self.assertEqual(probe.ask("before", "S1"), 0)
+        self.assertEqual(probe.ask("state", "S1"), READY, "at its new port")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
