@@ -1,0 +1,109 @@
+#include "records/log_line.h"
+
+#include <locale>
+
+#include "tests/support/broker_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr Broker::Location kHere{"PrinterDeviceDiscoverSdk::Sample::Run", ""};
+
+class LogLineTest : public BrokerTest {};
+
+template <class... Values>
+std::string Logged(const Values&... values) {
+    Broker::Log(LOG_LEVEL_DEBUG, kHere, "message", values...);
+    const std::vector<std::string> lines = TakeLines();
+    return lines.size() == 1 ? lines[0] : "no line, or several";
+}
+
+std::string Expected(const std::string& values) {
+    return LineIs(1, "message" + values, "Sample::Run");
+}
+
+TEST_F(LogLineTest, IsTheMessageAndTheLocationInParentheses) {
+    EXPECT_EQ(Logged(), Expected(""));
+}
+
+TEST_F(LogLineTest, HasTheLocationOfTheFunctionItStandsIn) {
+    Broker::Log(LOG_LEVEL_ERROR, HERE, "message");
+    EXPECT_THAT(TakeLines()[0], testing::MatchesRegex("4 message\\(.*::TestBody\\)"));
+}
+
+TEST_F(LogLineTest, HasTheLevelItIsGiven) {
+    for (const LOG_MESSAGE_LEVEL level : {LOG_LEVEL_DEBUG, LOG_LEVEL_WARNING, LOG_LEVEL_ERROR}) {
+        Broker::Log(level, kHere, "message");
+        EXPECT_THAT(TakeLines(), ElementsAre(LineIs(level, "message", "Sample::Run")));
+    }
+    EXPECT_EQ(LOG_LEVEL_DEBUG, 1);
+    EXPECT_EQ(LOG_LEVEL_WARNING, 3);
+    EXPECT_EQ(LOG_LEVEL_ERROR, 4);
+}
+
+TEST_F(LogLineTest, HasEachValueDirectlyBehindTheOneBefore) {
+    EXPECT_EQ(
+        Logged(std::string_view("A1"), std::int32_t{-7}, std::uint64_t{8}, 1.5f, std::string("B2")),
+        Expected("A1-781.5B2"));
+}
+
+TEST_F(LogLineTest, HasNumbersInFull) {
+    EXPECT_EQ(Logged(std::int32_t{-2147483647 - 1}), Expected("-2147483648"));
+    EXPECT_EQ(Logged(std::uint64_t{18446744073709551615u}), Expected("18446744073709551615"));
+    EXPECT_EQ(Logged(-61.0f), Expected("-61"));
+    EXPECT_EQ(Logged(0.1f), Expected("0.1"));
+}
+
+TEST_F(LogLineTest, HasLongTextsInFull) {
+    for (const std::size_t length :
+         {1u, 200u, 248u, 249u, 250u, 255u, 256u, 257u, 511u, 512u, 513u, 5000u}) {
+        std::string text;
+        for (std::size_t at = 0; at < length; ++at) {
+            text += static_cast<char>('a' + at % 26);
+        }
+        EXPECT_EQ(Logged(text), Expected(text));
+        EXPECT_EQ(Logged(text, std::int32_t{5}, text), Expected(text + '5' + text));
+    }
+}
+
+TEST_F(LogLineTest, HasOneCharacterForEachByteOfNarrowText) {
+    std::string bytes;
+    std::wstring expected = L"message";
+    const auto& widener = std::use_facet<std::ctype<wchar_t>>(std::locale());
+    for (int byte = 1; byte < 256; ++byte) {
+        bytes += static_cast<char>(byte);
+        expected += widener.widen(static_cast<char>(byte));
+    }
+    Broker::Log(LOG_LEVEL_DEBUG, kHere, "message", bytes);
+    EXPECT_EQ(RecordingLog::Lines().at(0).text,
+              expected + L"(PrinterDeviceDiscoverSdk::Sample::Run)");
+}
+
+// A facet that has its say on single characters only.
+class Shouting : public std::ctype<wchar_t> {
+    wchar_t do_widen(char c) const override {
+        return c >= 'a' && c <= 'z' ? static_cast<wchar_t>(c - 'a' + 'A')
+                                    : std::ctype<wchar_t>::do_widen(c);
+    }
+};
+
+TEST_F(LogLineTest, WidensEachByteOnItsOwn) {
+    std::locale::global(std::locale(std::locale(), new Shouting));
+    EXPECT_EQ(Logged(std::string_view("abc-1")),
+              "1 MESSAGEABC-1(PRINTERDEVICEDISCOVERSDK::SAMPLE::RUN)");
+}
+
+TEST_F(LogLineTest, SurvivesALoggerThatThrows) {
+    RecordingLog::OnLine([](const RecordingLog::Line&) { throw 42; });
+    EXPECT_NO_THROW(Broker::Log(LOG_LEVEL_DEBUG, kHere, "message"));
+    EXPECT_THAT(TakeLines(), ElementsAre(Expected("")));
+}
+
+TEST_F(LogLineTest, GoesToTheLoggerOnTheCallingThread) {
+    Logged();
+    Broker::Log(LOG_LEVEL_DEBUG, kHere, "message");
+    EXPECT_EQ(RecordingLog::Lines().at(0).thread, std::this_thread::get_id());
+}
+
+}  // namespace

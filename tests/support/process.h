@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Processes and their surroundings, the same way on every system.
+namespace Process {
+
+// The folder of the running program, with a separator at its end.
+std::string OwnFolder();
+
+void SetEnvironment(const std::string& name, const std::string& value);
+
+// Runs the program of that name in the running program's folder and waits for it. Its exit status;
+// anything but 0 to 255 when it did not end by itself, -1 when it could not be started.
+int Run(const std::string& program, const std::vector<std::string>& arguments);
+
+// The name of a file that does not exist, for this process alone.
+std::string FreshFile(const std::string& purpose);
+
+// The lines of a text file; none when there is no such file.
+std::vector<std::string> LinesOf(const std::string& path);
+
+}  // namespace Process

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace Process {
+
+unsigned long OwnId();
+
+}  // namespace Process

@@ -1,0 +1,45 @@
+#include <cstdlib>
+
+#include "platform/os.h"
+#include "tests/support/process.h"
+#include "tests/support/process_system.h"
+
+namespace Process {
+
+unsigned long OwnId() {
+    return GetCurrentProcessId();
+}
+
+std::string OwnFolder() {
+    char path[MAX_PATH] = {};
+    GetModuleFileNameA(nullptr, path, MAX_PATH);
+    const std::string program = path;
+    return program.substr(0, program.rfind('\\') + 1);
+}
+
+void SetEnvironment(const std::string& name, const std::string& value) {
+    // Both the run-time library's copy, which programs read, and the system's, which children get.
+    _putenv((name + '=' + value).c_str());
+}
+
+int Run(const std::string& program, const std::vector<std::string>& arguments) {
+    std::string line = '"' + OwnFolder() + program + ".exe\"";
+    for (const std::string& argument : arguments) {
+        line += " \"" + argument + '"';
+    }
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                       &process) == 0) {
+        return -1;
+    }
+    WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD status = 0;
+    GetExitCodeProcess(process.hProcess, &status);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return static_cast<int>(status);
+}
+
+}  // namespace Process

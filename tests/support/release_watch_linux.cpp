@@ -1,0 +1,34 @@
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "tests/support/release_watch.h"
+#include "tests/support/scripted_vendors.h"
+
+namespace {
+
+int record = -1;
+
+}  // namespace
+
+namespace ReleaseWatch {
+
+void Start(const std::string& recordPath) {
+    record = open(recordPath.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+}
+
+}  // namespace ReleaseWatch
+
+// Stands before the system's own for every library of the process.
+extern "C" __attribute__((visibility("default"))) int dlclose(void* module) {
+    using Function = int(void*);
+    static auto* const system = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "dlclose"));
+    const std::string name = ScriptedVendors::NameOf(static_cast<HINSTANCE>(module));
+    if (record >= 0 && !name.empty()) {
+        const std::string line = name + '\n';
+        if (write(record, line.data(), line.size()) < 0) {
+            _exit(90);
+        }
+    }
+    return system(module);
+}
