@@ -77,9 +77,23 @@ private:
 
     void Flush() {
         if (stream.good()) {
-            Attempt([&] { stream.rdbuf()->sputn(text, static_cast<std::streamsize>(gathered)); });
+            Attempt([&] { Insert({text, gathered}); });
         }
         gathered = 0;
+    }
+
+    // A stream's buffer that is full drops the character that stands for the end of a file, which
+    // is what bytes beyond ASCII become in some locales. It is then given its text whole.
+    void Insert(std::wstring_view piece) {
+        using Traits = std::wstring_view::traits_type;
+        if (piece.find(Traits::to_char_type(Traits::eof())) == std::wstring_view::npos) {
+            stream.rdbuf()->sputn(piece.data(), static_cast<std::streamsize>(piece.size()));
+            return;
+        }
+        std::wstring whole = stream.str();
+        whole += piece;
+        stream.str(std::move(whole));
+        stream.seekp(0, std::ios_base::end);
     }
 
     std::wstringstream stream;

@@ -22,11 +22,16 @@ public:
 
     // Writes as many characters to `wide` as `narrow` has.
     void operator()(std::string_view narrow, wchar_t* wide) const {
-        if (keepsAscii) {
-            while (narrow.size() >= kBlock && WidenAscii(narrow.data(), wide)) {
-                narrow.remove_prefix(kBlock);
-                wide += kBlock;
+        if (!keepsAscii) {
+            // A facet of the application's own may have overridden this one only.
+            for (const char byte : narrow) {
+                *wide++ = facet->widen(byte);
             }
+            return;
+        }
+        while (narrow.size() >= kBlock && WidenAscii(narrow.data(), wide)) {
+            narrow.remove_prefix(kBlock);
+            wide += kBlock;
         }
         facet->widen(narrow.data(), narrow.data() + narrow.size(), wide);
     }
