@@ -24,7 +24,7 @@ public:
     void Add(std::string_view narrow) {
         while (!narrow.empty()) {
             const std::string_view piece = narrow.substr(0, Space());
-            Attempt([&] { widen(piece, text + gathered); });
+            Attempt([&] { ascii &= widen(piece, text + gathered); });
             gathered += piece.size();
             narrow.remove_prefix(piece.size());
         }
@@ -77,17 +77,20 @@ private:
 
     void Flush() {
         if (stream.good()) {
-            Attempt([&] { Insert({text, gathered}); });
+            Attempt([&] { ascii ? Insert() : InsertAny(); });
         }
         gathered = 0;
     }
 
+    void Insert() { stream.rdbuf()->sputn(text, static_cast<std::streamsize>(gathered)); }
+
     // A stream's buffer that is full drops the character that stands for the end of a file, which
     // is what bytes beyond ASCII become in some locales. It is then given its text whole.
-    void Insert(std::wstring_view piece) {
+    void InsertAny() {
         using Traits = std::wstring_view::traits_type;
+        const std::wstring_view piece(text, gathered);
         if (piece.find(Traits::to_char_type(Traits::eof())) == std::wstring_view::npos) {
-            stream.rdbuf()->sputn(piece.data(), static_cast<std::streamsize>(piece.size()));
+            Insert();
             return;
         }
         std::wstring whole = stream.str();
@@ -98,6 +101,7 @@ private:
 
     std::wstringstream stream;
     const Widening widen;
+    bool ascii = true;
     std::size_t gathered = 0;
     wchar_t text[256];
 };

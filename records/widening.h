@@ -20,26 +20,29 @@ public:
         return locale == std::locale::classic() ? classic : Widening(locale, Ascii::Unknown);
     }
 
-    // Writes as many characters to `wide` as `narrow` has.
-    void operator()(std::string_view narrow, wchar_t* wide) const {
-        if (!keepsAscii) {
-            // A facet of the application's own may have overridden this one only.
-            for (const char byte : narrow) {
-                *wide++ = facet->widen(byte);
+    // Writes as many characters to `wide` as `narrow` has. True when all are ASCII, as they were.
+    bool operator()(std::string_view narrow, wchar_t* wide) const {
+        const char* from = narrow.data();
+        const char* const end = from + narrow.size();
+        if (keepsAscii) {
+            for (; end - from >= kBlock && WidenAscii(from, wide); from += kBlock) {
+                wide += kBlock;
             }
-            return;
+            for (; from != end && static_cast<unsigned char>(*from) < 0x80; ++from) {
+                *wide++ = static_cast<wchar_t>(*from);
+            }
         }
-        while (narrow.size() >= kBlock && WidenAscii(narrow.data(), wide)) {
-            narrow.remove_prefix(kBlock);
-            wide += kBlock;
+        const bool kept = from == end;
+        for (; from != end; ++from) {
+            *wide++ = facet->widen(*from);
         }
-        facet->widen(narrow.data(), narrow.data() + narrow.size(), wide);
+        return kept;
     }
 
 private:
     enum class Ascii { Unknown, MayBeKept };
 
-    static constexpr std::size_t kBlock = 16;
+    static constexpr std::ptrdiff_t kBlock = 16;
     static constexpr std::uint64_t kBeyondAscii = 0x8080808080808080;
 
     Widening(const std::locale& locale, Ascii ascii)
@@ -65,7 +68,7 @@ private:
         }
         unsigned char block[kBlock];
         std::memcpy(block, narrow, kBlock);
-        for (std::size_t at = 0; at < kBlock; ++at) {
+        for (std::ptrdiff_t at = 0; at < kBlock; ++at) {
             wide[at] = block[at];
         }
         return true;
