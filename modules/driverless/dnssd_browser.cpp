@@ -6,10 +6,13 @@
 #include <avahi-common/error.h>
 #include <avahi-common/malloc.h>
 #include <avahi-common/thread-watch.h>
+#include <avahi-common/timeval.h>
 
+#include <algorithm>
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <utility>
 
@@ -20,9 +23,16 @@ namespace Driverless {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 // How long the end of a watch is waited for. Only an Avahi or D-Bus that hangs takes longer, and
 // then the watch ends by itself later.
 constexpr std::chrono::milliseconds kPatienceAtEnd{500};
+
+// Plain IPP is looked up first, and tells the most. The other services of a printer that has it are
+// looked up when the first rush is over, those of others in a moment.
+constexpr std::chrono::milliseconds kDelayWithoutIpp{100};
+constexpr std::chrono::milliseconds kDelayWithIpp{1000};
 
 struct FreePoll {
     void operator()(AvahiThreadedPoll* poll) const { avahi_threaded_poll_free(poll); }
@@ -92,7 +102,9 @@ DnssdEvent ConnectFailure(AvahiThreadedPoll* poll, int error) {
 // the stop of the poll are touched under the poll's lock only, which Avahi's callbacks hold.
 class DnssdBrowser::Watch {
 public:
-    explicit Watch(Listener eventListener) : listener(std::move(eventListener)) {}
+    // Watches everything, or with `lookedFor` that one service.
+    explicit Watch(Listener eventListener, std::optional<ServiceId> lookedFor = std::nullopt)
+        : listener(std::move(eventListener)), only(std::move(lookedFor)) {}
 
     void Run();
 
@@ -116,17 +128,33 @@ private:
     void WatchUntilClosed(AvahiThreadedPoll* poll);
     bool Connect(AvahiThreadedPoll* poll, AvahiClientFlags flags);
     void StartBrowsing(AvahiClient* ofClient);
+    void Disconnect();
+    void Announced(AvahiClient* ofClient, const ServiceId& id, AvahiProtocol protocol);
+    void Gone(const ServiceId& id);
+    bool HasIpp(const ServiceId& id) const;
+    void SetTimer(std::optional<Clock::time_point> time);
+    void ResolveDue();
     void Resolve(AvahiClient* ofClient, const ServiceId& id, AvahiProtocol protocol);
     void ForgetResolver(const ServiceId& id);
     void Send(Signal sent);
     Signal AwaitSignal();
 
-    const Listener listener;
+    struct Deferred {
+        AvahiProtocol protocol;
+        Clock::time_point since;
+    };
 
+    const Listener listener;
+    const std::optional<ServiceId> only;
+
+    const AvahiPoll* events = nullptr;
+    AvahiTimeout* timer = nullptr;
     std::unique_ptr<AvahiClient, FreeClient> client;
     bool browsing = false;
     std::size_t unsettled = 0;
     std::map<ServiceId, AvahiServiceResolver*> resolvers;
+    std::map<ServiceId, Deferred> deferred;
+    std::set<ServiceId> plainIpp;  // announced
 
     std::mutex mutex;
     std::condition_variable changed;
@@ -146,7 +174,7 @@ void DnssdBrowser::Watch::Run() {
         } else {
             listener(AvahiFailure(AVAHI_ERR_FAILURE));
         }
-        client.reset();
+        Disconnect();
     }
     const std::lock_guard lock(mutex);
     ended = true;
@@ -156,9 +184,7 @@ void DnssdBrowser::Watch::Run() {
 void DnssdBrowser::Watch::WatchUntilClosed(AvahiThreadedPoll* poll) {
     while (AwaitSignal() == Signal::Interrupted) {
         avahi_threaded_poll_lock(poll);
-        client.reset();
-        resolvers.clear();
-        browsing = false;
+        Disconnect();
         listener({DnssdEvent::Kind::Interrupted, {}, {}, 0, {}});
         // Avahi may come back; D-Bus does not, for who was connected to it.
         const bool waiting = Connect(poll, AVAHI_CLIENT_NO_FAIL);
@@ -169,7 +195,17 @@ void DnssdBrowser::Watch::WatchUntilClosed(AvahiThreadedPoll* poll) {
     }
 }
 
+void DnssdBrowser::Watch::Disconnect() {
+    SetTimer(std::nullopt);
+    client.reset();
+    resolvers.clear();
+    deferred.clear();
+    plainIpp.clear();
+    browsing = false;
+}
+
 bool DnssdBrowser::Watch::Connect(AvahiThreadedPoll* poll, AvahiClientFlags flags) {
+    events = avahi_threaded_poll_get(poll);
     int error = 0;
     client.reset(
         avahi_client_new(avahi_threaded_poll_get(poll), flags, ClientChanged, this, &error));
@@ -193,6 +229,10 @@ void DnssdBrowser::Watch::ClientChanged(AvahiClient* client, AvahiClientState st
 
 void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
     browsing = true;
+    if (only) {
+        Resolve(ofClient, *only, AVAHI_PROTO_INET);
+        return;
+    }
     unsettled = kServiceTypes.size();
     for (const ServiceType& type : kServiceTypes) {
         if (avahi_service_browser_new(ofClient, AVAHI_IF_UNSPEC, AVAHI_PROTO_INET, type.name,
@@ -210,13 +250,9 @@ void DnssdBrowser::Watch::Browsed(AvahiServiceBrowser* browser, AvahiIfIndex int
     auto* const watch = static_cast<Watch*>(self);
     AvahiClient* const ofClient = avahi_service_browser_get_client(browser);
     if (event == AVAHI_BROWSER_NEW) {
-        const ServiceId id{name, domain, KindOf(type), interface};
-        watch->listener({DnssdEvent::Kind::Announced, id, {}, 0, {}});
-        watch->Resolve(ofClient, id, protocol);
+        watch->Announced(ofClient, {name, domain, KindOf(type), interface}, protocol);
     } else if (event == AVAHI_BROWSER_REMOVE) {
-        const ServiceId id{name, domain, KindOf(type), interface};
-        watch->ForgetResolver(id);
-        watch->listener({DnssdEvent::Kind::Gone, id, {}, 0, {}});
+        watch->Gone({name, domain, KindOf(type), interface});
     } else if (event == AVAHI_BROWSER_ALL_FOR_NOW && watch->unsettled > 0) {
         if (--watch->unsettled == 0) {
             watch->listener({DnssdEvent::Kind::Settled, {}, {}, 0, {}});
@@ -227,6 +263,66 @@ void DnssdBrowser::Watch::Browsed(AvahiServiceBrowser* browser, AvahiIfIndex int
             watch->listener(AvahiFailure(error));
         }
     }
+}
+
+void DnssdBrowser::Watch::Announced(AvahiClient* ofClient, const ServiceId& id,
+                                    AvahiProtocol protocol) {
+    listener({DnssdEvent::Kind::Announced, id, {}, 0, {}});
+    if (id.kind == ServiceKind::Ipp) {
+        plainIpp.insert(id);
+        Resolve(ofClient, id, protocol);
+        return;
+    }
+    const auto now = Clock::now();
+    deferred.insert_or_assign(id, Deferred{protocol, now});
+    if (timer == nullptr) {
+        SetTimer(now + kDelayWithoutIpp);
+    }
+}
+
+void DnssdBrowser::Watch::Gone(const ServiceId& id) {
+    plainIpp.erase(id);
+    deferred.erase(id);
+    ForgetResolver(id);
+    listener({DnssdEvent::Kind::Gone, id, {}, 0, {}});
+}
+
+// Whether plain IPP is announced under the same name.
+bool DnssdBrowser::Watch::HasIpp(const ServiceId& id) const {
+    const auto first = plainIpp.lower_bound({id.name, id.domain, ServiceKind::Ipp, -1});
+    return first != plainIpp.end() && first->name == id.name && first->domain == id.domain;
+}
+
+void DnssdBrowser::Watch::SetTimer(std::optional<Clock::time_point> time) {
+    if (timer != nullptr) {
+        events->timeout_free(timer);
+        timer = nullptr;
+    }
+    if (time) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*time - Clock::now());
+        timeval when{};
+        avahi_elapse_time(&when, left.count() < 0 ? 0 : static_cast<unsigned>(left.count()), 0);
+        timer = events->timeout_new(
+            events, &when,
+            [](AvahiTimeout*, void* self) { static_cast<Watch*>(self)->ResolveDue(); }, this);
+    }
+}
+
+void DnssdBrowser::Watch::ResolveDue() {
+    const auto now = Clock::now();
+    std::optional<Clock::time_point> next;
+    for (auto one = deferred.begin(); one != deferred.end();) {
+        const auto& [id, waiting] = *one;
+        const auto due = waiting.since + (HasIpp(id) ? kDelayWithIpp : kDelayWithoutIpp);
+        if (due > now) {
+            next = next ? std::min(*next, due) : due;
+            ++one;
+        } else {
+            Resolve(client.get(), id, waiting.protocol);
+            one = deferred.erase(one);
+        }
+    }
+    SetTimer(next);
 }
 
 void DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id,
@@ -249,6 +345,9 @@ void DnssdBrowser::Watch::ResolvedService(AvahiServiceResolver*, AvahiIfIndex in
                                           void* self) {
     auto* const watch = static_cast<Watch*>(self);
     if (event != AVAHI_RESOLVER_FOUND) {
+        if (watch->only) {
+            watch->listener({DnssdEvent::Kind::Gone, *watch->only, {}, 0, {}});
+        }
         return;
     }
     const ServiceId id{name, domain, KindOf(type), interface};
@@ -298,6 +397,11 @@ DnssdBrowser::DnssdBrowser(Listener listener)
     std::thread([own = watch] { own->Run(); }).detach();
 }
 
+DnssdBrowser::DnssdBrowser(Listener listener, const ServiceId& only)
+    : watch(std::make_shared<Watch>(std::move(listener), only)) {
+    std::thread([own = watch] { own->Run(); }).detach();
+}
+
 DnssdBrowser::~DnssdBrowser() {
     watch->Close();
 }
@@ -314,11 +418,13 @@ struct Lookup {
 
 }  // namespace
 
-std::optional<Service> ResolveAgain(const ServiceId& id, std::chrono::milliseconds patience) {
+std::optional<Service> ResolveAgain(ServiceId id, std::chrono::milliseconds patience) {
     const auto lookup = std::make_shared<Lookup>();
-    const DnssdBrowser browser([lookup, id](DnssdEvent event) {
-        const bool found = event.kind == DnssdEvent::Kind::Resolved && event.id == id;
-        const bool failed = event.kind == DnssdEvent::Kind::Failed;
+    id.interface = AVAHI_IF_UNSPEC;  // it may have moved to another
+    const auto take = [lookup](DnssdEvent event) {
+        const bool found = event.kind == DnssdEvent::Kind::Resolved;
+        const bool failed =
+            event.kind == DnssdEvent::Kind::Failed || event.kind == DnssdEvent::Kind::Gone;
         if (found || failed) {
             const std::lock_guard lock(lookup->mutex);
             if (found) {
@@ -327,7 +433,8 @@ std::optional<Service> ResolveAgain(const ServiceId& id, std::chrono::millisecon
             lookup->ended = true;
             lookup->changed.notify_all();
         }
-    });
+    };
+    const DnssdBrowser browser(take, id);
     std::unique_lock lock(lookup->mutex);
     lookup->changed.wait_for(lock, patience, [&] { return lookup->ended; });
     return lookup->service;

@@ -37,6 +37,8 @@ public:
     using Listener = std::function<void(DnssdEvent)>;
 
     explicit DnssdBrowser(Listener listener);
+    // Looks up that one service and nothing else; Gone says that it is not announced.
+    DnssdBrowser(Listener listener, const ServiceId& only);
     ~DnssdBrowser();
 
     DnssdBrowser(const DnssdBrowser&) = delete;
@@ -48,6 +50,6 @@ private:
 };
 
 // Looks one announced service up again; nothing when it does not answer within `patience`.
-std::optional<Service> ResolveAgain(const ServiceId& id, std::chrono::milliseconds patience);
+std::optional<Service> ResolveAgain(ServiceId id, std::chrono::milliseconds patience);
 
 }  // namespace Driverless

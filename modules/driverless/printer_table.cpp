@@ -97,10 +97,14 @@ void PrinterTable::AdvanceGathering(Entry& entry, Time now, Work& work) {
 }
 
 PrinterTable::Time PrinterTable::WorthWaitingUntil(const Entry& entry) const {
-    if (!entry.asked.empty() || NextToAsk(entry, ServiceKind::Ipp) != nullptr) {
+    if (NextToAsk(entry, ServiceKind::Ipp) != nullptr) {
         return entry.since;
     }
     const bool askable = NextToAsk(entry, ServiceKind::Ipps) != nullptr;
+    if (!entry.asked.empty()) {
+        const bool hopeful = !askable && IsAnnounced(entry, ServiceKind::Ipps);
+        return hopeful ? entry.deadline : entry.since;
+    }
     if (askable && !IsAnnounced(entry, ServiceKind::Ipp)) {
         return entry.since + kPatienceForPlainIpp;
     }

@@ -130,6 +130,18 @@ TEST_F(PrinterTableTest, IppThatFails_IsFollowedByIppsWithinTheSameDeadline) {
     EXPECT_EQ(Now().reports.at(0).kind, ServiceKind::Ipps);
 }
 
+TEST_F(PrinterTableTest, IppThatFails_WaitsForIppsThatIsAnnounced) {
+    table.Announced(Id(ServiceKind::Ipps));
+    Resolve(Id(ServiceKind::Ipp));
+    table.Answered(Now().queries.at(0).id, std::nullopt);
+    const auto waiting = Now();
+    EXPECT_TRUE(waiting.reports.empty());
+    EXPECT_EQ(waiting.next, now + kPatience);
+    now += milliseconds(500);
+    Resolve(Id(ServiceKind::Ipps));
+    EXPECT_EQ(Now().queries.at(0).printer.kind, ServiceKind::Ipps);
+}
+
 TEST_F(PrinterTableTest, Ipps_WaitsALittleForPlainIpp) {
     Resolve(Id(ServiceKind::Ipps));
     const auto work = Now();
