@@ -2,7 +2,6 @@
 
 #include "host/LogHelper/log_format.h"
 #include "host/LogHelper/log_system.h"
-#include "host/common/utf8.h"
 
 namespace LogHelper {
 

@@ -1,6 +1,7 @@
 #include <system_error>
 
 #include "host/LogHelper/log_system.h"
+#include "host/common/paths.h"
 #include "host/common/utf8.h"
 #include "platform/os.h"
 

@@ -5,8 +5,8 @@
 #include "host/LogHelper/log_format.h"
 #include "host/LogHelper/log_system.h"
 #include "host/LogHelper/log_text.h"
+#include "host/common/paths.h"
 #include "host/common/user_folders.h"
-#include "host/common/utf8.h"
 
 namespace LogHelper {
 
@@ -20,14 +20,6 @@ spdlog::level::level_enum SpdlogLevel(LOG_MESSAGE_LEVEL level) {
     return static_cast<spdlog::level::level_enum>(std::clamp(static_cast<int>(level),
                                                              static_cast<int>(LOG_LEVEL_TRACE),
                                                              static_cast<int>(LOG_LEVEL_ERROR)));
-}
-
-// The file stays the same wherever the program goes.
-std::filesystem::path AbsolutePath(const std::string& utf8) {
-    const std::filesystem::path path = Host::PathFromUtf8(utf8);
-    std::error_code failure;
-    const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
-    return failure ? path : absolute;
 }
 
 }  // namespace
@@ -62,7 +54,8 @@ void LogWriter::UseFile(const Settings& settings) {
     if (!settings.file) {
         file.UseNone();
     } else if (!settings.filePath.empty()) {
-        file.Use(AbsolutePath(settings.filePath), {});
+        // The file stays the same wherever the program goes.
+        file.Use(Host::AbsolutePath(Host::PathFromUtf8(settings.filePath)), {});
     } else {
         const std::filesystem::path folder = Host::UserStateFolder();
         file.Use(folder.empty() ? folder : folder / kFileName,

@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "host/PrinterUtil/module_loader.h"
-#include "host/common/utf8.h"
+#include "host/common/paths.h"
 
 namespace PrinterUtil {
 

@@ -4,8 +4,8 @@
 
 #include "host/PrinterUtil/module_loader.h"
 #include "host/common/environment.h"
+#include "host/common/paths.h"
 #include "host/common/user_folders.h"
-#include "host/common/utf8.h"
 
 namespace PrinterUtil {
 
@@ -21,12 +21,6 @@ constexpr std::size_t kLargestList = 1024 * 1024;
 bool IsThere(const fs::path& path) {
     std::error_code failure;
     return fs::status(path, failure).type() != fs::file_type::not_found;
-}
-
-fs::path Absolute(const fs::path& path) {
-    std::error_code failure;
-    const fs::path absolute = fs::absolute(path, failure);
-    return failure ? path : absolute;
 }
 
 // Reads the file, one byte beyond the limit at most; false when that fails.
@@ -64,7 +58,7 @@ std::string Read(const fs::path& path, std::string& text) {
 
 FoundList ReadAt(const fs::path& path) {
     FoundList found;
-    found.path = Absolute(path);
+    found.path = Host::AbsolutePath(path);
     const std::string problem = Read(found.path, found.text);
     if (!problem.empty()) {
         found.problem = "vendor list " + Host::PathToUtf8(found.path) + ": " + problem;

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "host/common/paths.h"
 #include "host/common/utf8.h"
 
 namespace PrinterUtil {

@@ -2,7 +2,7 @@
 
 #include "host/PrinterUtil/vendor_list_finder.h"
 #include "host/PrinterUtil/vendor_list_parser.h"
-#include "host/common/utf8.h"
+#include "host/common/paths.h"
 
 namespace PrinterUtil {
 
@@ -13,7 +13,8 @@ VendorListState& VendorListState::GetInstance() {
 
 void VendorListState::Use(const std::string& path) {
     const std::lock_guard lock(mutex);
-    chosenPath = Host::PathFromUtf8(path);
+    // The file stays the same wherever the program goes.
+    chosenPath = Host::AbsolutePath(Host::PathFromUtf8(path));
     moduleFolder.clear();
 }
 

@@ -7,7 +7,6 @@ namespace Host {
 namespace {
 
 constexpr bool kWideIsUtf16 = sizeof(wchar_t) == 2;
-constexpr bool kPathsAreWide = std::is_same_v<std::filesystem::path::value_type, wchar_t>;
 
 constexpr bool IsLeadSurrogate(char32_t unit) {
     return unit >= 0xD800 && unit <= 0xDBFF;
@@ -124,22 +123,6 @@ std::wstring FromUtf8(std::string_view utf8) {
         AppendWide(text, NextCodePoint(utf8, at));
     }
     return text;
-}
-
-std::string PathToUtf8(const std::filesystem::path& path) {
-    if constexpr (kPathsAreWide) {
-        return ToUtf8(path.wstring());
-    } else {
-        return path.string();
-    }
-}
-
-std::filesystem::path PathFromUtf8(std::string_view utf8) {
-    if constexpr (kPathsAreWide) {
-        return FromUtf8(utf8);
-    } else {
-        return utf8;
-    }
 }
 
 }  // namespace Host

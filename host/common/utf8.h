@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -19,9 +18,5 @@ void AppendUtf8(std::string& text, char32_t codePoint);
 // Conversions that never fail: what is ill-formed becomes U+FFFD.
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view utf8);
-
-// Paths as UTF-8 text and back. Where paths are bytes, the bytes stay as they are.
-std::string PathToUtf8(const std::filesystem::path& path);
-std::filesystem::path PathFromUtf8(std::string_view utf8);
 
 }  // namespace Host

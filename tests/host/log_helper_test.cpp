@@ -194,6 +194,15 @@ TEST_F(LogHelperTest, WritesToTheFileItIsGiven) {
     EXPECT_FALSE(exists(user.LogFile()));
 }
 
+TEST_F(LogHelperTest, KeepsToARelativeFileWhereverTheProgramGoes) {
+    std::filesystem::current_path(user.Folder());
+    settings.filePath = "own.log";
+    LogHelper::Configure(settings);
+    std::filesystem::current_path(user.Folder().parent_path());
+    Log(LOG_LEVEL_DEBUG, L"text");
+    EXPECT_THAT(Lines(user.Folder() / "own.log"), ElementsAre(EndsWith(" text")));
+}
+
 TEST_F(LogHelperTest, GoesOnWithAnotherFileWhenToldSo) {
     settings.filePath = Utf8(user.Folder() / "one.log");
     LogHelper::Configure(settings);

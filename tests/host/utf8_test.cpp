@@ -1,4 +1,5 @@
 #include "host/common/utf8.h"
+#include "host/common/paths.h"
 
 #include <gtest/gtest.h>
 

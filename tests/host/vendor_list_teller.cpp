@@ -1,7 +1,7 @@
 #include <fstream>
 
 #include "host/PrinterUtil/vendor_list.h"
-#include "host/common/utf8.h"
+#include "host/common/paths.h"
 
 // vendor_list_teller OUTPUT [LIST]: writes the list's path and the names of its vendors.
 int main(int count, char** arguments) {

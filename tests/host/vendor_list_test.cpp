@@ -234,6 +234,14 @@ TEST_F(VendorListTest, ThatTheApplicationNamesComesFirst) {
     EXPECT_THAT(ProductIds(), ElementsAre("environment"));
 }
 
+TEST_F(VendorListTest, StaysTheSameWhereverTheProgramGoes) {
+    Write(user.Folder() / "chosen.json", ListOf("chosen"));
+    std::filesystem::current_path(user.Folder());
+    PrinterUtil::UseVendorList("chosen.json");
+    std::filesystem::current_path(user.Folder().parent_path());
+    EXPECT_THAT(ProductIds(), ElementsAre("chosen"));
+}
+
 TEST_F(VendorListTest, ThatWasNamedHasToBeThere) {
     WriteList(ListOf("users"));
     HostTest::SetVariable("DEVICEDISCOVER_VENDORS", user.Folder() / "no.json");
