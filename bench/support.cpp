@@ -1,7 +1,6 @@
 #include "bench/support.h"
 
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 
 #include <cstdio>
 #include <cstring>
@@ -40,11 +39,14 @@ VendorInfo Vendor(const std::string& productId, const std::string& path) {
     return vendor;
 }
 
-void* Symbol(const std::string& path, const char* name) {
-    void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* const symbol = module == nullptr ? nullptr : dlsym(module, name);
+FARPROC Symbol(const std::string& path, const char* name) {
+    HINSTANCE module = nullptr;
+    if (!VendorDllMgr::GetInstance().GetDeviceHandle(module, path)) {
+        throw std::runtime_error("cannot load " + path);
+    }
+    const FARPROC symbol = GetProcAddress(module, name);
     if (symbol == nullptr) {
-        throw std::runtime_error(dlerror());
+        throw std::runtime_error(path + " does not export " + name);
     }
     return symbol;
 }

@@ -8,6 +8,7 @@
 #include "VendorSdk/records.h"
 #include "platform/LogHelper/KzLogger.h"
 #include "platform/PrinterUtil/VendorDllMgr.h"
+#include "platform/os.h"
 
 // What the benchmark programs share.
 
@@ -20,7 +21,7 @@ std::string VendorModule();
 VendorInfo Vendor(const std::string& productId, const std::string& path);
 
 // The function that the module at `path` exports as `name`.
-void* Symbol(const std::string& path, const char* name);
+FARPROC Symbol(const std::string& path, const char* name);
 
 // A filled record that goes to the vendor "bench".
 PrinterDeviceDiscoverSdk::DeviceInfo ExampleDevice();
