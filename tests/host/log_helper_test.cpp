@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 
-#include <atomic>
+#include <algorithm>
 #include <chrono>
-#include <regex>
 #include <set>
 #include <thread>
 
@@ -25,23 +24,37 @@ constexpr const wchar_t* kWhere =
 constexpr const char* kNarrowWhere =
     "(PrinterDeviceDiscoverSdk::DiscoverNetConnInterface::PrinterAPNetConfigEvent)";
 
+// Time, zone and thread of a line with every digit as 0, and one digit for the thread.
+std::string Shape(const std::string& line) {
+    std::string shape = line.substr(0, line.find(']'));
+    std::replace_if(
+        shape.begin(), shape.end(),
+        [](char character) { return character >= '0' && character <= '9'; }, '0');
+    const std::size_t thread = std::min(shape.find('[') + 1, shape.size());
+    const std::size_t end = shape.find_first_not_of('0', thread);
+    return end == std::string::npos && thread < shape.size() ? shape.substr(0, thread + 1) : shape;
+}
+
+// What a line says behind time, zone, thread and level.
+std::string Text(const std::string& line) {
+    const std::string shape = Shape(line);
+    if (shape != "0000-00-00 00:00:00.000 +00:00 [0" &&
+        shape != "0000-00-00 00:00:00.000 -00:00 [0") {
+        return "no log line: " + line;
+    }
+    constexpr std::size_t kLevelWidth = 7;
+    return line.substr(line.find("] ") + 2 + kLevelWidth + 1);
+}
+
 class LogHelperTest : public testing::Test {
 protected:
-    // What the last line says behind time, thread and level.
     std::string LastText() {
         const std::vector<std::string> lines = Lines(user.LogFile());
-        if (lines.empty()) {
-            return "no line";
-        }
-        std::smatch match;
-        return std::regex_match(lines.back(), match, line) ? match[1].str()
-                                                           : "no log line: " + lines.back();
+        return lines.empty() ? "no line" : Text(lines.back());
     }
 
     HostTest::User user;
     LogHelper::Settings settings;
-    const std::regex line{
-        R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [+-]\d\d:\d\d \[\d+\] \w+ +(.*))"};
 };
 
 }  // namespace
@@ -290,8 +303,7 @@ TEST_F(LogHelperTest, TakesLinesFromManyThreadsWhole) {
     const std::vector<std::string> lines = Lines(user.LogFile());
     EXPECT_THAT(lines, SizeIs(kThreads * kLines));
     for (const std::string& text : lines) {
-        ASSERT_TRUE(std::regex_match(text, line)) << text;
-        ASSERT_TRUE(text.ends_with(" " + std::string(200, 'x'))) << text;
+        ASSERT_EQ(Text(text), std::string(200, 'x'));
     }
 }
 
