@@ -102,9 +102,11 @@ DnssdEvent ConnectFailure(AvahiThreadedPoll* poll, int error) {
 // the stop of the poll are touched under the poll's lock only, which Avahi's callbacks hold.
 class DnssdBrowser::Watch {
 public:
-    // Watches everything, or with `lookedFor` that one service.
-    explicit Watch(Listener eventListener, std::optional<ServiceId> lookedFor = std::nullopt)
-        : listener(std::move(eventListener)), only(std::move(lookedFor)) {}
+    explicit Watch(Listener eventListener) : listener(std::move(eventListener)) {}
+
+    // Looks that one service up, and nothing else.
+    Watch(Listener eventListener, const ServiceId& lookedFor)
+        : listener(std::move(eventListener)), only(lookedFor) {}
 
     void Run();
 
