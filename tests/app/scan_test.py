@@ -12,14 +12,14 @@ from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, AppTest, devi
 class Scan(AppTest):
     def test_a_printer_is_one_line_with_its_columns_between_tabs(self):
         self.script(device("SN1", model="Fake 1000", address="192.0.2.7", port=9100))
-        result = self.run_app("scan", "--seconds", "0.5")
+        result = self.run_app("scan", "--seconds", "1")
         self.assert_status(result, FOUND)
         self.assertEqual(result.output, "SN1\tFake 1000\t192.0.2.7\t9100\tscripted\n")
         self.assertEqual(result.errors, "")
 
     def test_what_is_not_known_is_a_dash(self):
         self.script(device("", model="", address="", port=0))
-        result = self.run_app("scan", "--seconds", "0.5")
+        result = self.run_app("scan", "--seconds", "1")
         self.assertEqual(result.output, "-\t-\t-\t-\tscripted\n")
 
     def test_no_printer_is_status_1_and_says_what_to_do(self):
@@ -48,13 +48,13 @@ class Scan(AppTest):
 
     def test_the_same_serial_number_of_two_vendors_is_two_printers(self):
         self.script(device("SN1", vendor="a"), device("SN1", vendor="b"))
-        result = self.run_app("scan", "--seconds", "0.5")
+        result = self.run_app("scan", "--seconds", "1")
         self.assertEqual(len(result.output.splitlines()), 2)
 
     def test_printers_without_serial_number_differ_by_address(self):
         self.script(device("", address="192.0.2.1"), device("", address="192.0.2.2"),
                     device("", address="192.0.2.1"))
-        result = self.run_app("scan", "--seconds", "0.5")
+        result = self.run_app("scan", "--seconds", "1")
         self.assertEqual(len(result.output.splitlines()), 2)
 
     def test_news_about_a_printer_is_another_line(self):
@@ -73,7 +73,7 @@ class Scan(AppTest):
 
     def test_control_characters_of_a_device_do_not_reach_the_output(self):
         self.script(device(r"SN\x1b[2J", model=r"A\x07\x0a\x09B\xc2\x9bC\xe2\x80\xaeD"))
-        result = self.run_app("scan", "--seconds", "0.5")
+        result = self.run_app("scan", "--seconds", "1")
         self.assertEqual(result.output,
                          "SN\ufffd[2J\tA\ufffd\ufffd\ufffdB\ufffdC\ufffdD\t192.0.2.1\t631\tscripted\n")
 
@@ -82,7 +82,7 @@ class ScanJson(AppTest):
     def test_a_printer_is_one_object(self):
         self.script(device("SN1", model=r"Dr\xc3\xbccker 7", address="192.0.2.7", port=9100,
                            service=3, resource="q"))
-        result = self.run_app("scan", "--json", "--seconds", "0.5")
+        result = self.run_app("scan", "--json", "--seconds", "1")
         self.assert_status(result, FOUND)
         self.assertEqual(json_lines(result.output), [
             {"serialNumber": "SN1", "makeAndModel": "Dr\u00fccker 7", "address": "192.0.2.7",
@@ -90,7 +90,7 @@ class ScanJson(AppTest):
 
     def test_ill_formed_and_steering_text_is_ascii_json(self):
         self.script(device(r"\xff\xfe", model=r"a\x1b]0;b\x07\xc2\x9b\x7f\xc3", service=77))
-        result = self.run_app("scan", "--json", "--seconds", "0.5")
+        result = self.run_app("scan", "--json", "--seconds", "1")
         printer, = json_lines(result.output)
         self.assertEqual(printer["serialNumber"], "\ufffd\ufffd")
         self.assertEqual(printer["makeAndModel"], "a\x1b]0;b\x07\x9b\x7f\ufffd")
@@ -100,7 +100,7 @@ class ScanJson(AppTest):
     def test_fields_without_terminator_end_with_the_field(self):
         self.script(device("S" * 64, vendor="v" * 32, model="M" * 64, address="9" * 32,
                            resource="r" * 32))
-        result = self.run_app("scan", "--json", "--seconds", "0.5")
+        result = self.run_app("scan", "--json", "--seconds", "1")
         printer, = json_lines(result.output)
         self.assertEqual([len(printer[key]) for key in
                           ("serialNumber", "vendor", "makeAndModel", "address", "resource")],
@@ -159,7 +159,7 @@ class ScanThatCannotRun(AppTest):
         self.list_file = self.vendor_list([("broken", "no_such_module"),
                                            ("scripted", "scripted_all")])
         self.script(device("SN1"))
-        result = self.run_app("scan", "--seconds", "0.5")
+        result = self.run_app("scan", "--seconds", "1")
         self.assert_status(result, FOUND)
         self.assertEqual(result.output.split("\t")[0], "SN1")
         self.assert_mentions(result.errors, "warning: vendor broken: ", "no_such_module")
@@ -178,9 +178,9 @@ class ScanThatCannotRun(AppTest):
 class ScanLog(AppTest):
     def test_log_lines_go_to_standard_error_on_request_only(self):
         self.script("result StartDeviceScan 7")
-        quiet = self.run_app("scan", "--seconds", "0.5")
+        quiet = self.run_app("scan", "--seconds", "1")
         self.assertNotIn("call Func fail", quiet.errors)
-        loud = self.run_app("scan", "--seconds", "0.5", "--log-level", "error")
+        loud = self.run_app("scan", "--seconds", "1", "--log-level", "error")
         self.assert_mentions(loud.errors, "call Func fail, err:7")
         self.assertNotIn("Start Device Scan", loud.errors)
         self.assertEqual(loud.output, "")
