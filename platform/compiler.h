@@ -17,3 +17,9 @@
 #else
 #define PLATFORM_FUNCTION_SIGNATURE __PRETTY_FUNCTION__
 #endif
+
+// Exported classes have standard-library members: both sides are built with the same run-time
+// library.
+#if defined(_MSC_VER) && !defined(__clang__)
+#pragma warning(disable : 4251)
+#endif

@@ -35,8 +35,8 @@ struct GUID {
 // the module's dependencies defines does not count. Null arguments give null. Safe from any thread.
 FARPROC GetProcAddress(HINSTANCE module, const char* name);
 
-// Gives back one reference to `module`. Returns non-zero on success, 0 for null or a module that
-// the system does not know. Safe from any thread.
+// Gives back one reference to `module`, which must hold one or be null. Returns non-zero on
+// success, 0 for null or when the system refuses. Safe from any thread.
 int FreeLibrary(HINSTANCE module);
 
 // Suspends the calling thread for at least `milliseconds`.

@@ -24,7 +24,14 @@ public:
     void Add(std::string_view narrow) {
         while (!narrow.empty()) {
             const std::string_view piece = narrow.substr(0, Space());
-            Attempt([&] { ascii &= widen(piece, text + gathered); });
+            try {
+                ascii &= widen(piece, text + gathered);
+            } catch (...) {
+                // What came before is kept.
+                Flush();
+                stream.setstate(std::ios_base::badbit);
+                return;
+            }
             gathered += piece.size();
             narrow.remove_prefix(piece.size());
         }

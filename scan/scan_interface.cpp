@@ -1,9 +1,8 @@
-#include <thread>
-
 #include "DeviceDiscover/scan.h"
 #include "records/field_text.h"
 #include "records/log_line.h"
 #include "vendor/vendor_table.h"
+#include "vendor/vendor_thread.h"
 
 namespace PrinterDeviceDiscoverSdk {
 
@@ -111,12 +110,12 @@ int ScanInterface::StartDeviceScan(const DeviceCallbackInfo& info) {
             Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
             continue;
         }
-        std::thread([entry, registration] {
+        Broker::RunDetached([entry, registration] {
             const int scanResult = entry.StartDeviceScan(registration);
             if (scanResult != 0) {
                 Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func fail, err:", scanResult);
             }
-        }).detach();
+        });
         Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK");
         result = 0;
     }

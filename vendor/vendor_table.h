@@ -54,7 +54,7 @@ bool BindVendors(VendorTable<Entry>& table, std::string VendorInfo::*moduleName,
             continue;
         }
         LookUpEntryPoints(entry, list, where);
-        Log(LOG_LEVEL_WARNING, where, "productId", vendor.productId);
+        Log(LOG_LEVEL_WARNING, where, "productId", vendor.productId.c_str());
         table.emplace(vendor.productId, entry);
     }
     return !vendors.empty();

@@ -9,9 +9,3 @@
 #else
 #define DEVICEDISCOVER_API PLATFORM_IMPORT
 #endif
-
-#if defined(_MSC_VER)
-// Exported classes have standard-library members: both sides are built with the same run-time
-// library.
-#pragma warning(disable : 4251)
-#endif

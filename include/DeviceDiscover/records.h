@@ -31,7 +31,7 @@ static_assert(offsetof(DeviceInfo, extra3) == 196);
 
 // One Wi-Fi network. Text fields are NUL-terminated narrow text.
 struct WifiConfigInfo {
-    float rssi;      // received signal strength of the access point
+    float rssi;      // received signal strength, as the vendor measures it
     char ssid[128];  // network name
     char pwd[32];    // pass phrase
 };
@@ -39,10 +39,11 @@ static_assert(sizeof(WifiConfigInfo) == 164 && alignof(WifiConfigInfo) == 4);
 static_assert(offsetof(WifiConfigInfo, rssi) == 0 && offsetof(WifiConfigInfo, ssid) == 4);
 static_assert(offsetof(WifiConfigInfo, pwd) == 132);
 
-// The application's registration for printers. `callback` is called once per reported printer, on
-// the vendors' threads and possibly on several at once; the record it is given lives only during
-// the call, and its result goes back to the vendor unchanged. A null `callback` means that nobody
-// listens.
+// The application's registration for printers; it is copied. `callback` is called once per reported
+// printer, on the vendors' threads and possibly on several at once; the record it is given lives
+// only during the call, and its result goes back to the vendor unchanged. The same printer may be
+// reported more than once. The callback must not throw: vendors' code is around it. A null
+// `callback` means that nobody listens.
 struct DeviceCallbackInfo {
     int (*callback)(const DeviceInfo* device);
     std::int32_t param;  // passed to the vendors with their registration; the library only logs it

@@ -9,14 +9,20 @@
 //
 // Results, unless said otherwise:
 //    0  success
-//   -1  nothing could be called: no vendor for the device, or its module lacks the entry point
-//   -2  not initialised: the application named no vendor (see ScanInterface::Init)
+//   -1  nothing could be called: no vendor has a module, none is the device's, or its module
+//       lacks the entry point
+//   -2  not initialised: the application named no vendor (see ScanInterface::Init); nothing
+//       else was done
 //   -3  a scan was started without a callback
 //   any other value is the vendor's own
 // Failures are logged and returned. What can be thrown is the standard library's own: out of
 // memory, and std::system_error when a thread or a lock is not to be had.
 //
-// Every operation may be called from any thread.
+// Every operation but ScanInterface::Init may be called from any thread. Start and stop hold a lock
+// while they call the vendors: neither may be called from inside a vendor's stop. Reports may still
+// be on their way when a stop returns, and vendors may go on until the process is gone, also while
+// static objects are destroyed: an application that calls back into the library from its callback
+// stops its scans, and lets its callbacks end, before it lets the process end.
 
 #include <map>
 #include <mutex>
@@ -77,8 +83,9 @@ public:
 
     // Registers `info`, replacing an earlier registration, and starts one scan in each vendor's
     // module, each on a thread of its own; does not wait for any of them. 0 when at least one was
-    // started. A second start without a stop starts every vendor again. With -1 the registration
-    // stays in place.
+    // started. -3 also when another thread stops meanwhile: vendors that were started by then run
+    // on. A second start without a stop starts every vendor again. With -1 the registration stays
+    // in place.
     int StartDeviceScan(const DeviceCallbackInfo& info);
 
     // Drops the registration, so that later reports are lost, then calls every vendor's stop. The
@@ -86,7 +93,8 @@ public:
     // when none has.
     int StopDeviceScan();
 
-    // Asks the device's vendor whether the device can be reached. 1, not 0, means yes.
+    // Asks the device's vendor whether the device can be reached and would accept a job. 1, not 0,
+    // means yes; any other value of the vendor's is its failure.
     int GetDeviceConnectState(const DeviceInfo& device);
 
     // Tell the device's vendor that the application is about to connect, has connected, or has
@@ -127,7 +135,7 @@ public:
     bool GetDeviceCallbackIsEnable();
 
     // Hands a copy of `device` to the application's callback and returns its result; 0 without a
-    // callback.
+    // callback, and for a null device, which is logged.
     int CallBackFunc(const VendorSdk::DeviceInfo* device);
 
     ScanInterfaceListener(const ScanInterfaceListener&) = delete;

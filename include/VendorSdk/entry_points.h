@@ -3,6 +3,8 @@
 // What a vendor's module may export. Each entry point is looked up by its exact name, with C
 // linkage and the platform's default calling convention; a module provides those it can serve and
 // leaves out the others. Entry points may be called from any thread, also from several at once.
+// Pointers are never null and, but for a scan's `info`, valid during the call only. Nothing may be
+// thrown. A result other than success reaches the application unchanged, unless said otherwise.
 //
 // A module declares an entry point with VENDORSDK_EXPORT, which fixes its type and exports it, and
 // then defines it as an ordinary function:
@@ -19,10 +21,12 @@ namespace VendorSdk {
 // --- Network scan -------------------------------------------------------------------------------
 
 // Looks for printers and reports each through info->callback. Runs on a thread of its own and may
-// run until StopDeviceScan. `info` lives as long as the process. 0: success.
+// run until StopDeviceScan. `info` lives as long as the process. May be called again while it runs,
+// and the process may end while it runs: nobody waits for it. 0: success; another result is only
+// logged.
 using StartDeviceScanFunction = int(DeviceCallbackInfo* info);
 
-// Ends the scan. Also called when none runs. 0: success.
+// Ends the scan and makes a running StartDeviceScan return. Also called when none runs. 0: success.
 using StopDeviceScanFunction = int();
 
 // Whether the printer can be reached and would accept a job. 1 (not 0): yes.
@@ -40,7 +44,7 @@ using ConnectFailNotifyEventFunction = int(const DeviceInfo* device);
 // --- Wi-Fi set-up through the printer's own access point ----------------------------------------
 
 // Reports each Wi-Fi network in range through info->callback. Runs on a thread of its own and may
-// run until StopAPWifiScan. `info` lives as long as the process. 0: success.
+// run until StopAPWifiScan. Otherwise as StartDeviceScan.
 using StartAPWifiScanFunction = int(WifiCallbackInfo* info);
 
 // Ends that scan and makes a running StartAPWifiScan return. 0: success.
@@ -63,12 +67,13 @@ using IsConnectCurrentWifiAPFunction = int();
 // --- USB ----------------------------------------------------------------------------------------
 
 // Writes the records of the attached printers of that product and vendor id to `devices`, which has
-// room for 64, and their number to `count`. 0: success.
+// room for 64, and their number to `count`, which is 0 at first. 0: success.
 using GetDeviceInfoByUsbFunction = int(std::uint16_t productId, std::uint16_t vendorId,
                                        DeviceInfo* devices, std::int32_t* count);
 
 // Writes the Wi-Fi networks that the printer sees to `networks`, which has room for 128, and their
-// number to `count`. `option` comes from the application as it stands. 0: success.
+// number to `count`, which is 0 at first. `option` comes from the application as it stands. 0:
+// success.
 using USBWifiScanFunction = int(const DeviceInfo* device, std::int32_t option,
                                 WifiConfigInfo* networks, std::int32_t* count);
 

@@ -14,8 +14,8 @@ struct DeviceInfo {
     std::uint16_t code1;  // between application and vendor; the broker only carries it
     std::uint16_t code2;  // between application and vendor; the broker only carries it
     char deviceSN[64];    // serial number
-    char
-        modelID[32];  // the vendor's productId: requests for the device go to the vendor named here
+    // The vendor's productId: requests for the device go to the vendor that is named here.
+    char modelID[32];
     char extra1[64];  // between application and vendor; the broker only carries it
     char extra2[32];  // between application and vendor; the broker only carries it
     char extra3[32];  // between application and vendor; the broker only carries it
@@ -28,7 +28,7 @@ static_assert(offsetof(DeviceInfo, extra3) == 196);
 
 // One Wi-Fi network.
 struct WifiConfigInfo {
-    float rssi;      // received signal strength of the access point
+    float rssi;      // received signal strength, as the vendor measures it
     char ssid[128];  // network name
     char pwd[32];    // pass phrase
 };
@@ -37,8 +37,10 @@ static_assert(offsetof(WifiConfigInfo, rssi) == 0 && offsetof(WifiConfigInfo, ss
 static_assert(offsetof(WifiConfigInfo, pwd) == 132);
 
 // Where a scan reports printers. `callback` may be called from any thread, also from several at
-// once; the record it is given must live until it returns, and its result is the application's
-// answer.
+// once, and stays callable for good: after the stop it drops what it is given and returns 0. The
+// record must live until it returns; a null one is dropped too, and logged. Its result is the
+// application's answer, with the meaning that application and vendor gave it. `param` may change
+// when the application starts again: read it once, at the start.
 struct DeviceCallbackInfo {
     int (*callback)(const DeviceInfo* device);
     std::int32_t param;  // the application's own value

@@ -18,7 +18,7 @@ struct VendorInfo {
 };
 
 // The application's vendor-module manager, of the library PrinterUtil. Whoever replaces that
-// library provides this class.
+// library provides this class. Called from any thread, also from several at once.
 class PRINTERUTIL_API VendorDllMgr {
 public:
     static VendorDllMgr& GetInstance();
@@ -28,8 +28,9 @@ public:
     int GetCurrentSupportList(std::vector<VendorInfo>& vendors);
 
     // Loads the module of that name and puts its handle into `module`. True when the handle can be
-    // used with GetProcAddress; each true result adds one reference, which the caller gives back
-    // with FreeLibrary. False, with `module` untouched, when there is no such module.
+    // used with GetProcAddress, and so not null; each true result adds one reference, which the
+    // caller gives back with FreeLibrary. False, with `module` untouched, when there is no such
+    // module.
     bool GetDeviceHandle(HINSTANCE& module, const std::string& moduleName);
 
     VendorDllMgr(const VendorDllMgr&) = delete;

@@ -18,7 +18,11 @@ import unittest
 PROBE = os.environ["SCAN_PROBE"]
 MODULE = os.environ["DRIVERLESS_MODULE"]
 LAB = os.environ["LAB_NETWORK"]
+SUPPRESSIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "tsan.supp")
 FAKE_PRINTER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "fake_printer.py")
+
+TSAN_OPTIONS = ":".join(
+    filter(None, [os.environ.get("TSAN_OPTIONS"), "suppressions=" + SUPPRESSIONS]))
 
 # Sanitizers make everything slower; nothing here measures speed.
 PATIENCE = 30
@@ -46,7 +50,7 @@ class Probe:
         arguments = [PROBE] if through_broker else [PROBE, "--module", MODULE]
         self.process = subprocess.Popen(
             arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-            text=True, env={**os.environ, **(environment or {})})
+            text=True, env={**os.environ, "TSAN_OPTIONS": TSAN_OPTIONS, **(environment or {})})
         self.events = queue.Queue()
         self.seen = []
         self.errors = []
