@@ -1,6 +1,8 @@
-// Links to the installed library by name, runs a scan and prints each printer once it is reported.
+// Links to the installed library by name, runs a scan with the vendor list that its argument names,
+// and prints each printer once it is reported.
 
 #include <DeviceDiscover/DeviceDiscover.h>
+#include <host/PrinterUtil/vendor_list.h>
 
 #include <atomic>
 #include <chrono>
@@ -21,7 +23,12 @@ int Report(const sdk::DeviceInfo* device) {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: consumer VENDOR_LIST\n");
+        return 2;
+    }
+    PrinterUtil::UseVendorList(argv[1]);
     auto& scan = sdk::DiscoverScanInterface::GetInstance();
     if (const int result = scan.StartDeviceScan({Report, 1}); result != 0) {
         std::fprintf(stderr, "consumer: StartDeviceScan: %d\n", result);
