@@ -519,6 +519,12 @@ class PrintersOfAllKinds(NetworkTest):
         _, printer = self.found_one()
         self.assertEqual((printer["kind"], printer["port"]), (LPD, 515))
 
+    def test_a_service_with_port_0_is_no_printer(self):
+        self.fake_printer("Reserved", 0, "closed", "_printer._tcp", ["ty=Acme Nothing"])
+        probe = self.probe()
+        probe.start()
+        self.assertEqual(probe.found(3), [])
+
     def test_a_printer_with_only_ipps_is_asked_over_tls(self):
         self.start_printer(1)
         lab("cold")
