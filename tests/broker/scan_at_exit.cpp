@@ -1,5 +1,5 @@
-// scan_at_exit [MILLISECONDS]: ends while scans run in three modules, each with four threads that
-// report without a pause.
+// scan_at_exit [MILLISECONDS]: ends while scans run in three modules, each with the threads that
+// its script gives it.
 //
 // The modules stay mapped when they are released, as the application's own library keeps them: the
 // threads run on while the process ends, and without that the system would unmap the code they run

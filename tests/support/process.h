@@ -12,8 +12,16 @@ std::string OwnFolder();
 void SetEnvironment(const std::string& name, const std::string& value);
 
 // Runs the program of that name in the running program's folder and waits for it. Its exit status;
-// anything but 0 to 255 when it did not end by itself, -1 when it could not be started.
-int Run(const std::string& program, const std::vector<std::string>& arguments);
+// anything but 0 to 255 when it did not end by itself: kNotStarted, kHung when it took longer than
+// `seconds` and had to be ended, else what the system says of a crash.
+constexpr int kNotStarted = -1;
+constexpr int kHung = -2;
+int Run(const std::string& program, const std::vector<std::string>& arguments, int seconds = 60);
+
+// Whether a process may hang at its end through no fault of its own. Wine ends the other threads
+// wherever they are, also inside a lock of its own library, which the last thread then waits for
+// forever. It happens when threads contend for memory, about once in a hundred times.
+bool MayHangAtItsEnd();
 
 // The name of a file that does not exist, for this process alone.
 std::string FreshFile(const std::string& purpose);

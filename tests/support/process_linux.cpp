@@ -1,9 +1,12 @@
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "tests/support/process.h"
 #include "tests/support/process_system.h"
@@ -22,7 +25,33 @@ void SetEnvironment(const std::string& name, const std::string& value) {
     setenv(name.c_str(), value.c_str(), 1);
 }
 
-int Run(const std::string& program, const std::vector<std::string>& arguments) {
+bool MayHangAtItsEnd() {
+    return false;
+}
+
+namespace {
+
+// Waits for the child, and ends it when the time is over.
+int StatusOf(pid_t child, int seconds) {
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    int status = 0;
+    for (;;) {
+        const pid_t ended = waitpid(child, &status, WNOHANG);
+        if (ended != 0) {
+            return WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status);
+        }
+        if (std::chrono::steady_clock::now() > giveUp) {
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            return kHung;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
+}  // namespace
+
+int Run(const std::string& program, const std::vector<std::string>& arguments, int seconds) {
     std::vector<std::string> words = {OwnFolder() + program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
@@ -31,12 +60,10 @@ int Run(const std::string& program, const std::vector<std::string>& arguments) {
     }
     pointers.push_back(nullptr);
     pid_t child = 0;
-    int status = 0;
-    if (posix_spawn(&child, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0 ||
-        waitpid(child, &status, 0) != child) {
-        return -1;
+    if (posix_spawn(&child, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0) {
+        return kNotStarted;
     }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status);
+    return StatusOf(child, seconds);
 }
 
 }  // namespace Process

@@ -22,7 +22,11 @@ void SetEnvironment(const std::string& name, const std::string& value) {
     _putenv((name + '=' + value).c_str());
 }
 
-int Run(const std::string& program, const std::vector<std::string>& arguments) {
+bool MayHangAtItsEnd() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
+int Run(const std::string& program, const std::vector<std::string>& arguments, int seconds) {
     std::string line = '"' + OwnFolder() + program + ".exe\"";
     for (const std::string& argument : arguments) {
         line += " \"" + argument + '"';
@@ -32,14 +36,19 @@ int Run(const std::string& program, const std::vector<std::string>& arguments) {
     PROCESS_INFORMATION process{};
     if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
                        &process) == 0) {
-        return -1;
+        return kNotStarted;
     }
-    WaitForSingleObject(process.hProcess, INFINITE);
+    const DWORD patience = static_cast<DWORD>(seconds) * 1000;
+    const bool hung = WaitForSingleObject(process.hProcess, patience) == WAIT_TIMEOUT;
+    if (hung) {
+        TerminateProcess(process.hProcess, 1);
+        WaitForSingleObject(process.hProcess, INFINITE);
+    }
     DWORD status = 0;
     GetExitCodeProcess(process.hProcess, &status);
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
-    return static_cast<int>(status);
+    return hung ? kHung : static_cast<int>(status);
 }
 
 }  // namespace Process
