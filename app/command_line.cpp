@@ -84,10 +84,16 @@ void AddSeconds(CLI::App& command, std::chrono::duration<double>& time, const st
         ->check(CheckSeconds);
 }
 
+// An empty name is most often a variable of the shell that is not set.
+std::string CheckFileName(const std::string& name) {
+    return name.empty() ? "the file name is empty; leave the option out for the default" : "";
+}
+
 void AddSettings(CLI::App& command, Settings& settings) {
     command.add_flag("--json", settings.json, "Write one JSON object a line");
     command.add_option("--vendors", settings.vendorList, "The list of supported vendors")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(CheckFileName);
     command
         .add_option("--log-level", settings.logLevel,
                     "Log from this level on, to standard error too:\n"
@@ -100,7 +106,8 @@ void AddSettings(CLI::App& command, Settings& settings) {
                          : "'" + level + "' is none of trace, debug, info, warning, error, off";
         });
     command.add_option("--log-file", settings.logFile, "Write the log to this file")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(CheckFileName);
 }
 
 CLI::App& AddCommand(CLI::App& app, const std::string& name, const std::string& description,

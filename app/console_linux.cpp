@@ -1,18 +1,77 @@
+#include <fcntl.h>
 #include <langinfo.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <climits>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 
 #include "app/console.h"
+#include "app/interrupt.h"
 #include "app/problem.h"
 
 namespace App {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kStalled = ETIMEDOUT;
+constexpr auto kPatience = std::chrono::seconds(1);
+constexpr int kPollMilliseconds = 100;
+
+// The stream as a descriptor of our own whose writes do not wait, so that Ctrl-C is seen while a
+// reader stalls. The stream itself is shared with other programs and stays as it is; it serves
+// where the system has no second one, as for sockets. Files never stall.
+int WithoutWaiting(int stream) {
+    struct stat status {};
+    if (fstat(stream, &status) != 0 || !(S_ISFIFO(status.st_mode) || isatty(stream) == 1)) {
+        return stream;
+    }
+    const std::string name = "/proc/self/fd/" + std::to_string(stream);
+    const int own = open(name.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    return own < 0 ? stream : own;
+}
+
+bool IsReady(int stream) {
+    pollfd output{stream, POLLOUT, 0};
+    return poll(&output, 1, kPollMilliseconds) > 0;
+}
+
+// The system's error number; 0 when all was written, kStalled when the program is to end and the
+// reader takes nothing.
+int WriteTo(int stream, std::string_view text) {
+    Clock::time_point patienceEnds = Clock::now() + kPatience;
+    while (!text.empty()) {
+        const ssize_t written =
+            IsReady(stream)
+                ? write(stream, text.data(), std::min<std::size_t>(text.size(), PIPE_BUF))
+                : 0;
+        if (written < 0 && errno != EAGAIN && errno != EINTR) {
+            return errno;
+        }
+        if (written > 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        }
+        const auto now = Clock::now();
+        if (written > 0 || !IsInterrupted()) {
+            patienceEnds = now + kPatience;
+        } else if (now >= patienceEnds) {
+            return kStalled;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
 
 std::vector<std::string> Arguments(int argc, char** argv) {
     return {argv + (argc > 0 ? 1 : 0), argv + argc};
@@ -29,19 +88,14 @@ void PrepareConsole() {
 }
 
 void WriteOutput(std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
-        if (written >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EPIPE) {
-            throw OutputClosed();
-        } else if (errno == EAGAIN) {
-            pollfd output{STDOUT_FILENO, POLLOUT, 0};
-            poll(&output, 1, -1);
-        } else if (errno != EINTR) {
-            throw Problem(std::string("cannot write to standard output: ") + std::strerror(errno) +
-                          "\nWrite to another place, or make room there.");
-        }
+    static const int output = WithoutWaiting(STDOUT_FILENO);
+    const int error = WriteTo(output, text);
+    if (error == EPIPE || error == kStalled) {
+        throw OutputClosed();
+    }
+    if (error != 0) {
+        throw Problem(std::string("cannot write to standard output: ") + std::strerror(error) +
+                      "\nWrite to another place, or make room there.");
     }
 }
 
@@ -51,14 +105,8 @@ bool OutputReaderIsGone() {
 }
 
 void WriteError(std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
-        if (written > 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (written == 0 || errno != EINTR) {
-            return;
-        }
-    }
+    static const int errors = WithoutWaiting(STDERR_FILENO);
+    WriteTo(errors, text);
 }
 
 bool ErrorIsTerminal() {

@@ -7,4 +7,7 @@ namespace App {
 // Requests that the program was started to ignore stay ignored.
 void NotifyOnInterrupt(void (*notify)());
 
+// Whether the first request has come.
+bool IsInterrupted();
+
 }  // namespace App

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -15,15 +16,15 @@ namespace App {
 namespace {
 
 int wakeUp[2];
-volatile std::sig_atomic_t requests = 0;
+std::atomic<bool> requested = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler uses it");
 
 void OnSignal(int signal) {
-    if (requests != 0) {
+    if (requested.exchange(true)) {
         std::signal(signal, SIG_DFL);
         raise(signal);
         return;
     }
-    requests = 1;
     const int error = errno;
     [[maybe_unused]] const ssize_t written = write(wakeUp[1], "", 1);
     errno = error;
@@ -56,6 +57,10 @@ void NotifyOnInterrupt(void (*notify)()) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         Catch(signal);
     }
+}
+
+bool IsInterrupted() {
+    return requested;
 }
 
 }  // namespace App

@@ -11,6 +11,7 @@ namespace {
 constexpr UINT kEndedByControlC = 0xC000013A;  // as the system reports it
 
 std::atomic<void (*)()> notifier = nullptr;
+std::atomic<bool> interrupted = false;
 
 // The system calls this on a thread of its own.
 BOOL WINAPI OnConsoleEvent(DWORD event) {
@@ -19,6 +20,7 @@ BOOL WINAPI OnConsoleEvent(DWORD event) {
         // Not the default's orderly exit, which waits for what may hang.
         TerminateProcess(GetCurrentProcess(), kEndedByControlC);
     }
+    interrupted = true;
     notify();
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
         // The process ends when this returns: leave it the time to stop.
@@ -32,6 +34,10 @@ BOOL WINAPI OnConsoleEvent(DWORD event) {
 void NotifyOnInterrupt(void (*notify)()) {
     notifier = notify;
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+}
+
+bool IsInterrupted() {
+    return interrupted;
 }
 
 }  // namespace App

@@ -13,10 +13,12 @@ std::string Line(const Json& object) {
     return object.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
-// The kinds of service by the numbers that stand for them in a device record.
-Json ServiceName(std::uint16_t service) {
+// The kind of service. What its number stands for is each vendor's own affair; it is known of one.
+Json Service(const Printer& printer) {
     constexpr std::array names{"ipp", "ipps", "pdl-datastream", "printer"};
-    return service >= 1 && service <= names.size() ? Json(names[service - 1U]) : Json();
+    const bool named =
+        printer.vendor == "driverless" && printer.service >= 1 && printer.service <= names.size();
+    return named ? Json(names[printer.service - 1U]) : Json(printer.service);
 }
 
 Json PrinterObject(const Printer& printer) {
@@ -26,7 +28,7 @@ Json PrinterObject(const Printer& printer) {
             {"port", printer.port},
             {"vendor", printer.vendor},
             {"resource", printer.resource},
-            {"service", ServiceName(printer.service)}};
+            {"service", Service(printer)}};
 }
 
 Json ModuleObject(const ModuleSurvey& module) {
@@ -55,8 +57,12 @@ std::string StateJson(const Printer& printer, int state) {
     return Line(object);
 }
 
-std::string VendorJson(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modules) {
-    Json object{{"productId", vendor.productId}, {"modules", Json::array()}};
+std::string VendorJson(const PrinterUtil::VendorListReport& list, const VendorInfo& vendor,
+                       const std::vector<ModuleSurvey>& modules) {
+    Json object{{"productId", vendor.productId},
+                {"vendorList", list.path},
+                {"moduleFolder", list.moduleFolder},
+                {"modules", Json::array()}};
     for (const ModuleSurvey& module : modules) {
         object["modules"].push_back(ModuleObject(module));
     }

@@ -4,6 +4,7 @@
 
 #include "app/printer.h"
 #include "app/vendor_survey.h"
+#include "host/PrinterUtil/vendor_list.h"
 
 namespace App {
 
@@ -11,6 +12,7 @@ namespace App {
 // takes a device's text for anything else; ill-formed UTF-8 becomes U+FFFD.
 std::string PrinterJson(const Printer& printer);
 std::string StateJson(const Printer& printer, int state);
-std::string VendorJson(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modules);
+std::string VendorJson(const PrinterUtil::VendorListReport& list, const VendorInfo& vendor,
+                       const std::vector<ModuleSurvey>& modules);
 
 }  // namespace App

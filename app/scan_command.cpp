@@ -72,7 +72,7 @@ ExitStatus Scan(const Settings& settings, const ScanOptions& options) {
     } catch (const OutputClosed&) {
         session.Stop();
     }
-    if (!session.Printers().GetPrinters().empty()) {
+    if (!session.Printers().GetPrinters().empty() || OutputReaderIsGone()) {
         return kFound;
     }
     Complain("no printer found.\n" + AdviceAfterScan());

@@ -1,9 +1,8 @@
 #include "app/settings.h"
 
-#include <filesystem>
-#include <fstream>
 #include <map>
 
+#include "app/log_file.h"
 #include "app/problem.h"
 #include "host/LogHelper/log_settings.h"
 #include "host/PrinterUtil/vendor_list.h"
@@ -21,9 +20,9 @@ const std::map<std::string, LOG_MESSAGE_LEVEL> kLevels{{"trace", LOG_LEVEL_TRACE
                                                        {"error", LOG_LEVEL_ERROR}};
 
 void RequireWritable(const std::string& file) {
-    const std::filesystem::path path(std::u8string(file.begin(), file.end()));
-    if (!std::ofstream(path, std::ios::app)) {
-        throw Problem("cannot write the log file " + file +
+    const std::string reason = PrepareLogFile(file);
+    if (!reason.empty()) {
+        throw Problem("cannot write the log file " + file + ": " + reason +
                       "\nName another with --log-file, in a folder that exists.");
     }
 }

@@ -63,15 +63,15 @@ ExitStatus Vendors(const Settings& settings) {
     for (const VendorInfo& vendor : list.vendors) {
         const std::vector<ModuleSurvey> modules{SurveyScanModule(vendor),
                                                 SurveyConfigurationModule(vendor)};
-        WriteOutput(settings.json ? VendorJson(vendor, modules) + "\n"
+        WriteOutput(settings.json ? VendorJson(list, vendor, modules) + "\n"
                                   : VendorText(vendor, modules));
         anyLoaded =
             anyLoaded || std::any_of(modules.begin(), modules.end(),
                                      [](const ModuleSurvey& module) { return module.IsLoaded(); });
     }
     if (!anyLoaded) {
-        throw Problem(
-            "no vendor's module can be loaded\nPut the modules where the list above says.");
+        throw Problem("no vendor's module can be loaded\nPut the modules into " +
+                      list.moduleFolder + ", or name another vendor list with --vendors FILE.");
     }
     return kFound;
 }

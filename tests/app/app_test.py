@@ -34,6 +34,7 @@ class AppTest(unittest.TestCase):
     maxDiff = None
 
     def setUp(self):
+        self.program = PROGRAM
         self.folder = tempfile.mkdtemp(prefix="devicediscover-")
         self.addCleanup(shutil.rmtree, self.folder)
         self.record_file = self.path("record")
@@ -67,13 +68,24 @@ class AppTest(unittest.TestCase):
         return self.write("vendors.json", json.dumps(
             {"moduleFolder": system_path(MODULES), "vendors": entries}))
 
+    def use_copy_without_list(self):
+        """The program is a copy of its own from now on, its libraries beside it, and no list."""
+        folder = self.path("copy")
+        os.mkdir(folder)
+        for entry in os.scandir(os.path.dirname(PROGRAM)):
+            if entry.is_file():
+                shutil.copy(entry.path, folder)
+        self.program = os.path.join(folder, os.path.basename(PROGRAM))
+        # On Windows the program's own folder comes first anyway.
+        self.environment["LD_LIBRARY_PATH"] = folder
+
     def script(self, *lines):
         """What the scripted vendors do."""
         script = self.write("script", "\n".join(lines) + "\n")
         self.environment["SCRIPTED_VENDOR_SCRIPT"] = system_path(script)
 
     def command(self, *arguments, listed=True):
-        command = ([LAUNCHER] if LAUNCHER else []) + [PROGRAM, *arguments]
+        command = ([LAUNCHER] if LAUNCHER else []) + [self.program, *arguments]
         if listed:
             command += ["--vendors", system_path(self.list_file)]
         return command

@@ -62,6 +62,12 @@ class CommandLine(AppTest):
         self.assert_refused("state", saying="SERIAL")
         self.assert_refused("vendors", "--watch", saying="--watch")
 
+    def test_an_empty_file_name_is_no_default(self):
+        for option in ("--vendors", "--log-file"):
+            with self.subTest(option):
+                self.assert_refused("scan", option, "", saying=option + ": the file name is empty")
+                self.assert_refused("vendors", option + "=", saying=option)
+
     @unittest.skipIf(ON_WINDOWS, "a device of Linux")
     def test_help_into_a_closed_pipe_is_quiet(self):
         process = self.start_app("--help")

@@ -1,5 +1,7 @@
 """Ending a scan before its time by signals."""
 
+import os
+import pty
 import signal
 import time
 
@@ -36,6 +38,46 @@ class Interrupt(AppTest):
         self.end_with(process, signal.SIGINT)
         self.assertEqual(process.returncode, NONE_FOUND)
         self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+    def stop_with_stalled_reader(self, output, reader):
+        """Ctrl-C while nobody reads the other end, which is full."""
+        self.script("until-stopped", *(device(f"SN{n}", model="M" * 63) for n in range(1000)))
+        process = self.start_app("scan", "--watch", "--json", stdout=output)
+        os.close(output)
+        self.addCleanup(os.close, reader)
+        self.wait_until(lambda: self.calls_of("StartDeviceScan"), "the vendor's scan starts")
+        time.sleep(1)
+        process.send_signal(signal.SIGINT)
+        self.wait_until(lambda: self.calls_of("StopDeviceScan"), "the vendor's scan stops")
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertEqual(process.stderr.read(), b"")
+
+    def test_one_request_stops_the_scan_while_a_pipe_s_reader_stalls(self):
+        reader, output = os.pipe()
+        self.stop_with_stalled_reader(output, reader)
+
+    def test_one_request_stops_the_scan_while_a_terminal_stalls(self):
+        reader, output = pty.openpty()
+        self.stop_with_stalled_reader(output, reader)
+
+    def test_the_output_of_others_stays_one_that_waits(self):
+        reader, output = os.pipe()
+        self.addCleanup(os.close, reader)
+        self.addCleanup(os.close, output)
+        self.script(device("SN1"))
+        process = self.start_app("scan", "--seconds", "0.5", stdout=output)
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertTrue(os.get_blocking(output))
+
+    def test_a_slow_reader_gets_everything(self):
+        self.script(*(device(f"SN{n}", model="M" * 63) for n in range(1000)), "until-stopped")
+        process = self.start_scan("--watch", "--json")
+        time.sleep(1)
+        process.send_signal(signal.SIGINT)
+        time.sleep(0.3)
+        lines = process.stdout.read().splitlines()
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertEqual(len(lines), 1000)
 
     def test_watch_goes_on_until_interrupted(self):
         self.script(device("SN1"), "until-stopped")

@@ -1,6 +1,7 @@
 """`devicediscover scan` when its output is no terminal."""
 
 import os
+import stat
 import subprocess
 import time
 import unittest
@@ -81,12 +82,22 @@ class Scan(AppTest):
 class ScanJson(AppTest):
     def test_a_printer_is_one_object(self):
         self.script(device("SN1", model=r"Dr\xc3\xbccker 7", address="192.0.2.7", port=9100,
-                           service=3, resource="q"))
+                           service=3, resource="q", vendor="driverless"))
         result = self.run_app("scan", "--json", "--seconds", "1")
         self.assert_status(result, FOUND)
         self.assertEqual(json_lines(result.output), [
             {"serialNumber": "SN1", "makeAndModel": "Dr\u00fccker 7", "address": "192.0.2.7",
-             "port": 9100, "vendor": "scripted", "resource": "q", "service": "pdl-datastream"}])
+             "port": 9100, "vendor": "driverless", "resource": "q", "service": "pdl-datastream"}])
+
+    def test_the_kind_of_service_has_a_name_where_it_is_known_only(self):
+        self.script(*(device(f"{vendor}{service}", vendor=vendor, service=service)
+                      for vendor in ("driverless", "other") for service in range(6)))
+        result = self.run_app("scan", "--json", "--seconds", "1")
+        services = {printer["serialNumber"]: printer["service"]
+                    for printer in json_lines(result.output)}
+        self.assertEqual([services[f"driverless{number}"] for number in range(6)],
+                         [0, "ipp", "ipps", "pdl-datastream", "printer", 5])
+        self.assertEqual([services[f"other{number}"] for number in range(6)], list(range(6)))
 
     def test_ill_formed_and_steering_text_is_ascii_json(self):
         self.script(device(r"\xff\xfe", model=r"a\x1b]0;b\x07\xc2\x9b\x7f\xc3", service=77))
@@ -94,7 +105,7 @@ class ScanJson(AppTest):
         printer, = json_lines(result.output)
         self.assertEqual(printer["serialNumber"], "\ufffd\ufffd")
         self.assertEqual(printer["makeAndModel"], "a\x1b]0;b\x07\x9b\x7f\ufffd")
-        self.assertIsNone(printer["service"])
+        self.assertEqual(printer["service"], 77)
         self.assertTrue(all(32 <= byte < 127 for byte in result.output.strip().encode()))
 
     def test_fields_without_terminator_end_with_the_field(self):
@@ -129,12 +140,13 @@ class ScanThatCannotRun(AppTest):
         self.assert_mentions(result.errors, app_test.system_path(self.list_file), "--vendors")
 
     def test_no_list_at_all_is_explained(self):
-        if os.path.exists(os.path.join(os.path.dirname(app_test.PROGRAM), "DeviceDiscover",
-                                       "vendors.json")):
-            self.skipTest("there is a list beside the library")
-        result = self.run_app("scan", listed=False)
-        self.assert_status(result, COULD_NOT_RUN)
-        self.assert_mentions(result.errors, "--vendors")
+        self.use_copy_without_list()
+        for command in ("scan", "vendors"):
+            result = self.run_app(command, listed=False)
+            self.assert_status(result, COULD_NOT_RUN)
+            self.assertEqual(result.output, "")
+            self.assert_mentions(result.errors, "--vendors", app_test.system_path(
+                os.path.join(os.path.dirname(self.program), "DeviceDiscover")))
 
     def test_a_malformed_list_is_named(self):
         self.list_file = self.write("broken.json", '{"vendors": [\n{"productId": }]}')
@@ -202,6 +214,21 @@ class ScanLog(AppTest):
         self.assert_status(result, COULD_NOT_RUN)
         self.assert_mentions(result.errors, log, "--log-file")
 
+    @unittest.skipIf(ON_WINDOWS, "modes of Linux")
+    def test_the_log_file_is_for_the_user_alone(self):
+        self.run_app("scan", "--seconds", "0.2", "--log-file", self.log_file, umask=0o022)
+        self.assertEqual(stat.S_IMODE(os.stat(self.log_file).st_mode), 0o600)
+
+    @unittest.skipIf(ON_WINDOWS, "pipes and devices of Linux")
+    def test_what_is_no_file_cannot_be_the_log(self):
+        os.mkfifo(self.path("pipe"))
+        for name in (self.path("pipe"), self.folder, "/dev/null"):
+            with self.subTest(name):
+                result = self.run_app("scan", "--seconds", "0.2", "--log-file", name)
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors, name, "no regular file")
+                self.assertEqual(self.records(), [])
+
 
 class ScanWithoutReader(AppTest):
     @unittest.skipIf(ON_WINDOWS, "there a reader that leaves is seen with the next line only")
@@ -209,6 +236,16 @@ class ScanWithoutReader(AppTest):
         self.script(device("SN1"), "until-stopped")
         process = self.start_app("scan", "--watch")
         self.assertTrue(process.stdout.readline().startswith(b"SN1"))
+        process.stdout.close()
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertEqual(process.stderr.read(), b"")
+        self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+    @unittest.skipIf(ON_WINDOWS, "there a reader that leaves is seen with the next line only")
+    def test_a_reader_that_leaves_before_the_first_printer_is_no_failure_either(self):
+        self.script("until-stopped")
+        process = self.start_app("scan", "--watch")
+        self.wait_until(lambda: self.calls_of("StartDeviceScan"), "the vendor's scan starts")
         process.stdout.close()
         self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
         self.assertEqual(process.stderr.read(), b"")

@@ -45,6 +45,9 @@ class Vendors(AppTest):
         self.list_file = self.vendor_list([("a", "scripted_all"), ("b", "scripted_all_b")])
         vendors = json_lines(self.run_app("vendors", "--json").output)
         self.assertEqual([vendor["productId"] for vendor in vendors], ["a", "b"])
+        for vendor in vendors:
+            self.assertEqual(vendor["vendorList"], system_path(self.list_file))
+            self.assertEqual(vendor["moduleFolder"], system_path(MODULES))
         scan, configuration = vendors[1]["modules"]
         self.assertEqual((scan["name"], scan["loaded"], scan["problem"]),
                          ("scripted_all_b", True, None))
@@ -106,10 +109,12 @@ class Vendors(AppTest):
 
     def test_no_module_at_all_is_status_3_with_the_reasons(self):
         self.list_file = self.vendor_list([("x", "no_such_module")])
-        result = self.run_app("vendors")
-        self.assert_status(result, COULD_NOT_RUN)
-        self.assert_mentions(result.output, "no_such_module", "not loaded: ")
-        self.assert_mentions(result.errors, "no vendor's module can be loaded")
+        for arguments, reason in (([], "not loaded: "), (["--json"], '"loaded":false')):
+            result = self.run_app("vendors", *arguments)
+            self.assert_status(result, COULD_NOT_RUN)
+            self.assert_mentions(result.output, "no_such_module", reason)
+            self.assert_mentions(result.errors, "no vendor's module can be loaded",
+                                 system_path(MODULES))
 
     def test_a_module_name_with_a_path_is_refused(self):
         self.list_file = self.vendor_list([("x", "../scripted_all")])
