@@ -19,6 +19,8 @@ constexpr std::size_t kRoom = 250;
 // as with any insertion.
 class Line {
 public:
+    // cppcheck-suppress uninitMemberVar ; text is written before it is read, as far as gathered
+    // says
     Line() : widen(Widening::Of(stream.getloc())) { MakeRoom(); }
 
     void Add(std::string_view narrow) {

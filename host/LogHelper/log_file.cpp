@@ -7,7 +7,7 @@ namespace LogHelper {
 
 namespace {
 
-constexpr std::size_t kLargestFile = 4 * 1024 * 1024;
+constexpr std::size_t kLargestFile = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t kOlderFiles = 3;
 constexpr std::chrono::seconds kRest(1);
 

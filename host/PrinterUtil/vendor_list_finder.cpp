@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 constexpr const char* kVariable = "DEVICEDISCOVER_VENDORS";
 constexpr const char* kProductFolder = "DeviceDiscover";
 constexpr const char* kFileName = "vendors.json";
-constexpr std::size_t kLargestList = 1024 * 1024;
+constexpr std::size_t kLargestList = std::size_t{1024} * 1024;
 
 bool IsThere(const fs::path& path) {
     std::error_code failure;

@@ -44,6 +44,8 @@ struct ServiceId {
     ServiceKind kind = ServiceKind::None;
     int interface = -1;
 
+    // The check takes the operator for a comparison with a literal 0.
+    // NOLINTNEXTLINE(modernize-use-nullptr)
     auto operator<=>(const ServiceId&) const = default;
 };
 

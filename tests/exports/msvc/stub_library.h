@@ -1,5 +1,6 @@
-// Stands for Microsoft's standard library where only names and sizes matter: its class and struct tags,
-// its template parameters, and the sizes and alignments of its release build for 64-bit Windows.
+// Stands for Microsoft's standard library where only names and sizes matter: its class and struct
+// tags, its template parameters, and the sizes and alignments of its release build for 64-bit
+// Windows.
 #pragma once
 
 using size_t = unsigned long long;
