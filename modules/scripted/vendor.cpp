@@ -103,7 +103,7 @@ void Vendor::StopScans() {
     const std::lock_guard lock(mutex);
     ++stops;
     changed.notify_all();
-    if (script.afterStop > 0 && registration != nullptr) {
+    if (script.afterStop > 0 && registration != nullptr && !script.devices.empty()) {
         std::thread([] {
             if (const Presence vendor; vendor) {
                 vendor->ReportAfterStop();
@@ -148,7 +148,7 @@ void Vendor::ReportAfterStop() {
     const Script now = script;
     const VendorSdk::DeviceCallbackInfo* const info = registration;
     lock.unlock();
-    for (int number = 0; number < now.afterStop && !now.devices.empty(); ++number) {
+    for (int number = 0; number < now.afterStop; ++number) {
         std::this_thread::sleep_for(std::max(now.interval, std::chrono::milliseconds(20)));
         Report(*info, &now.devices[static_cast<std::size_t>(number) % now.devices.size()]);
     }
