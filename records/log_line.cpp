@@ -39,6 +39,13 @@ public:
         }
     }
 
+    void Add(std::wstring_view wide) {
+        for (const wchar_t character : wide) {
+            ascii &= character < 0x80;
+            Add(character);
+        }
+    }
+
     void Add(wchar_t character) {
         Space();
         text[gathered++] = character;

@@ -11,7 +11,8 @@
 namespace Broker {
 
 // What the text of a log line is made of.
-using LogPiece = std::variant<std::string_view, std::int32_t, std::uint64_t, float>;
+using LogPiece =
+    std::variant<std::string_view, std::wstring_view, std::int32_t, std::uint64_t, float>;
 
 // Logs the pieces, one directly behind the other, and the location in parentheses. Narrow text is
 // widened byte by byte through the stream's locale, never decoded. Throws only when the stream
@@ -20,10 +21,9 @@ void LogPieces(LOG_MESSAGE_LEVEL level, const Location& where,
                std::initializer_list<LogPiece> pieces);
 
 // Logs the message and the values behind it.
-template <class... Values>
-void Log(LOG_MESSAGE_LEVEL level, const Location& where, std::string_view message,
-         const Values&... values) {
-    LogPieces(level, where, {message, LogPiece(values)...});
+template <class... Pieces>
+void Log(LOG_MESSAGE_LEVEL level, const Location& where, const Pieces&... messageAndValues) {
+    LogPieces(level, where, {LogPiece(messageAndValues)...});
 }
 
 }  // namespace Broker

@@ -2,11 +2,14 @@
 
 #include <atomic>
 
+#include "records/log_line.h"
+
 namespace Broker {
 
-// A registration is a plain record {callback, param} that vendor threads read while the application
-// sets or clears it. Each field is one atomic access: a caller of Callback() tests and calls the
-// same value.
+// What the listeners share: the application's registration, the vendors' registration whose
+// callback is the listener's relay, and the way from one to the other. A registration is a plain
+// record {callback, param} that vendor threads read while the application sets or clears it, so
+// each field is one atomic access. The lines are logged under `where`, the listener's own function.
 
 template <class Info>
 auto Callback(Info& registration) {
@@ -25,6 +28,41 @@ void Register(Info& registration, const Info& info) {
     };
     replace(registration.param, info.param);
     replace(registration.callback, info.callback);
+}
+
+template <class OwnInfo, class VendorSideInfo>
+VendorSideInfo* SetRegistration(OwnInfo& own, VendorSideInfo& vendor, const OwnInfo& info,
+                                decltype(VendorSideInfo::callback) relay, const Location& where) {
+    Log(LOG_LEVEL_DEBUG, where, "Set info", info.param);
+    Register(own, info);
+    Register(vendor, {relay, info.param});
+    return &vendor;
+}
+
+// The vendors' registration stays: what they still report finds nobody.
+template <class OwnInfo>
+void ClearRegistration(OwnInfo& own, const Location& where) {
+    Log(LOG_LEVEL_DEBUG, where, "Clear info");
+    Register(own, {});
+}
+
+// Hands the application its own copy of `record`, made by `convert` onto `start`, and returns its
+// answer; 0 when nobody listens. The callback is read once: a clear in between cannot make it a
+// null call.
+template <class OwnInfo, class VendorRecord, class OwnRecord>
+int RelayReport(OwnInfo& own, const VendorRecord* record, OwnRecord start,
+                void (*convert)(const VendorRecord&, OwnRecord&), const Location& where) {
+    const auto callback = Callback(own);
+    if (callback == nullptr) {
+        return 0;
+    }
+    if (record == nullptr) {
+        Log(LOG_LEVEL_ERROR, where, "callback record is nullptr");
+        return 0;
+    }
+    Log(LOG_LEVEL_DEBUG, where, "callback");
+    convert(*record, start);
+    return callback(&start);
 }
 
 }  // namespace Broker

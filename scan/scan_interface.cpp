@@ -1,6 +1,6 @@
 #include "DeviceDiscover/scan.h"
-#include "records/field_text.h"
 #include "records/log_line.h"
+#include "vendor/vendor_call.h"
 #include "vendor/vendor_table.h"
 #include "vendor/vendor_thread.h"
 
@@ -8,25 +8,15 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-constexpr int kNothingToCall = -1;
-constexpr int kNotInitialised = -2;
-constexpr int kNoCallback = -3;
-
 using Vendors = Broker::VendorTable<ScanInterface::VendorEntry>;
 using DeviceFunction = int(const VendorSdk::DeviceInfo*);
 using DeviceSlot = DeviceFunction* ScanInterface::VendorEntry::*;
 
-int NotInitialised(const Broker::Location& where) {
-    Broker::Log(LOG_LEVEL_ERROR, where, "NOINITOK");
-    return kNotInitialised;
-}
-
 // Finds the entry point that serves the device; null, with the reason logged, when there is none.
 DeviceFunction* FindDeviceFunction(const Vendors& vendors, DeviceSlot slot,
                                    const DeviceInfo& device, const Broker::Location& where) {
-    const auto vendor = vendors.find(std::string(Broker::FieldText(device, device.modelID)));
+    const auto vendor = Broker::FindVendor(vendors, device, where);
     if (vendor == vendors.end()) {
-        Broker::Log(LOG_LEVEL_ERROR, where, "call Func map find fail:");
         return nullptr;
     }
     DeviceFunction* const function = vendor->second.*slot;
@@ -37,8 +27,7 @@ DeviceFunction* FindDeviceFunction(const Vendors& vendors, DeviceSlot slot,
 }
 
 int CallWith(DeviceFunction& function, const DeviceInfo& device) {
-    VendorSdk::DeviceInfo vendorDevice;
-    DiscoverBasic::GetVendorSdkDeviceInfo(device, vendorDevice);
+    const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
     return function(&vendorDevice);
 }
 
@@ -47,15 +36,9 @@ int Notify(const Vendors& vendors, DeviceSlot slot, const DeviceInfo& device,
            const Broker::Location& where) {
     DeviceFunction* const function = FindDeviceFunction(vendors, slot, device, where);
     if (function == nullptr) {
-        return kNothingToCall;
+        return Broker::kNothingToCall;
     }
-    const int result = CallWith(*function, device);
-    if (result == 0) {
-        Broker::Log(LOG_LEVEL_DEBUG, where, "call Func OK");
-    } else {
-        Broker::Log(LOG_LEVEL_ERROR, where, "call Func Fail", result);
-    }
-    return result;
+    return Broker::Outcome(CallWith(*function, device), "call Func Fail", where);
 }
 
 }  // namespace
@@ -93,17 +76,17 @@ void ScanInterface::UnInit() {
 
 int ScanInterface::StartDeviceScan(const DeviceCallbackInfo& info) {
     if (!initialised) {
-        return NotInitialised(HERE);
+        return Broker::NotInitialised(HERE);
     }
     const std::lock_guard lock(mutex);
     ScanInterfaceListener& listener = ScanInterfaceListener::GetInstance();
     VendorSdk::DeviceCallbackInfo* const registration = listener.SetDeviceCallbackInfo(info);
-    int result = kNothingToCall;
+    int result = Broker::kNothingToCall;
     for (const auto& vendor : vendors) {
         // A stop clears the registration without waiting for the lock: each vendor asks again.
         if (!listener.GetDeviceCallbackIsEnable()) {
             Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Not Enable");
-            return kNoCallback;
+            return Broker::kNoCallback;
         }
         const VendorEntry& entry = vendor.second;
         if (entry.StartDeviceScan == nullptr) {
@@ -124,34 +107,29 @@ int ScanInterface::StartDeviceScan(const DeviceCallbackInfo& info) {
 
 int ScanInterface::StopDeviceScan() {
     if (!initialised) {
-        return NotInitialised(HERE);
+        return Broker::NotInitialised(HERE);
     }
     ScanInterfaceListener::GetInstance().ClearDeviceCallbackInfo();
     const std::lock_guard lock(mutex);
-    int result = kNothingToCall;
+    int result = Broker::kNothingToCall;
     for (const auto& [productId, entry] : vendors) {
         if (entry.StopDeviceScan == nullptr) {
             Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
             continue;
         }
-        result = entry.StopDeviceScan();
-        if (result == 0) {
-            Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK");
-        } else {
-            Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func fail, err:", result);
-        }
+        result = Broker::Outcome(entry.StopDeviceScan(), "call Func fail, err:", HERE);
     }
     return result;
 }
 
 int ScanInterface::GetDeviceConnectState(const DeviceInfo& device) {
     if (!initialised) {
-        return NotInitialised(HERE);
+        return Broker::NotInitialised(HERE);
     }
     DeviceFunction* const function =
         FindDeviceFunction(vendors, &VendorEntry::GetDeviceConnectState, device, HERE);
     if (function == nullptr) {
-        return kNothingToCall;
+        return Broker::kNothingToCall;
     }
     const int result = CallWith(*function, device);
     if (result == 1) {
@@ -164,21 +142,21 @@ int ScanInterface::GetDeviceConnectState(const DeviceInfo& device) {
 
 int ScanInterface::BeforeConnectEventNotify(const DeviceInfo& device) {
     if (!initialised) {
-        return NotInitialised(HERE);
+        return Broker::NotInitialised(HERE);
     }
     return Notify(vendors, &VendorEntry::BeforeConnectEventNotify, device, HERE);
 }
 
 int ScanInterface::ConnectSuccessNotifyEvent(const DeviceInfo& device) {
     if (!initialised) {
-        return NotInitialised(HERE);
+        return Broker::NotInitialised(HERE);
     }
     return Notify(vendors, &VendorEntry::ConnectSuccessNotifyEvent, device, HERE);
 }
 
 int ScanInterface::ConnectFailNotifyEvent(const DeviceInfo& device) {
     if (!initialised) {
-        return NotInitialised(HERE);
+        return Broker::NotInitialised(HERE);
     }
     return Notify(vendors, &VendorEntry::ConnectFailNotifyEvent, device, HERE);
 }

@@ -1,5 +1,4 @@
 #include "DeviceDiscover/scan.h"
-#include "records/log_line.h"
 #include "records/registration.h"
 
 namespace PrinterDeviceDiscoverSdk {
@@ -23,15 +22,11 @@ ScanInterfaceListener::ScanInterfaceListener() {
 
 VendorSdk::DeviceCallbackInfo* ScanInterfaceListener::SetDeviceCallbackInfo(
     const DeviceCallbackInfo& info) {
-    Broker::Log(LOG_LEVEL_DEBUG, HERE, "Set info", info.param);
-    Broker::Register(registration, info);
-    Broker::Register(vendorRegistration, {Relay, info.param});
-    return &vendorRegistration;
+    return Broker::SetRegistration(registration, vendorRegistration, info, Relay, HERE);
 }
 
 void ScanInterfaceListener::ClearDeviceCallbackInfo() {
-    Broker::Log(LOG_LEVEL_DEBUG, HERE, "Clear info");
-    Broker::Register(registration, {});
+    Broker::ClearRegistration(registration, HERE);
 }
 
 bool ScanInterfaceListener::GetDeviceCallbackIsEnable() {
@@ -39,18 +34,8 @@ bool ScanInterfaceListener::GetDeviceCallbackIsEnable() {
 }
 
 int ScanInterfaceListener::CallBackFunc(const VendorSdk::DeviceInfo* device) {
-    const auto callback = Broker::Callback(registration);
-    if (callback == nullptr) {
-        return 0;
-    }
-    if (device == nullptr) {
-        Broker::Log(LOG_LEVEL_ERROR, HERE, "callback device is nullptr");
-        return 0;
-    }
-    Broker::Log(LOG_LEVEL_DEBUG, HERE, "callback");
-    DeviceInfo own;
-    DiscoverBasic::GetDiscoverDeviceInfo(*device, own);
-    return callback(&own);
+    return Broker::RelayReport(registration, device, DeviceInfo{},
+                               DiscoverBasic::GetDiscoverDeviceInfo, HERE);
 }
 
 }  // namespace PrinterDeviceDiscoverSdk

@@ -2,5 +2,7 @@
 
 // The whole exported interface.
 
+#include "DeviceDiscover/hostnet.h"
+#include "DeviceDiscover/netconn.h"
 #include "DeviceDiscover/records.h"
 #include "DeviceDiscover/scan.h"

@@ -17,6 +17,17 @@ int Answer(const char* entryPoint, const Record* record) {
     return vendor ? vendor->Answer(entryPoint, record, sizeof *record) : 0;
 }
 
+// A stop is answered first: until then the scans of its kind run on.
+int Stop(const char* entryPoint, void (Vendor::*stop)()) {
+    const Presence vendor;
+    if (!vendor) {
+        return 0;
+    }
+    const int result = vendor->Answer(entryPoint, nullptr, 0);
+    ((*vendor).*stop)();
+    return result;
+}
+
 }  // namespace
 
 }  // namespace ScriptedVendor
@@ -34,13 +45,7 @@ int StartDeviceScan(VendorSdk::DeviceCallbackInfo* info) {
 
 SCRIPTED_StopDeviceScan(StopDeviceScan);
 int StopDeviceScan() {
-    const ScriptedVendor::Presence vendor;
-    if (!vendor) {
-        return 0;
-    }
-    const int result = vendor->Answer("StopDeviceScan", nullptr, 0);
-    vendor->StopScans();
-    return result;
+    return ScriptedVendor::Stop("StopDeviceScan", &ScriptedVendor::Vendor::StopScans);
 }
 
 SCRIPTED_GetDeviceConnectState(GetDeviceConnectState);
@@ -61,4 +66,37 @@ int ConnectSuccessNotifyEvent(const VendorSdk::DeviceInfo* device) {
 SCRIPTED_ConnectFailNotifyEvent(ConnectFailNotifyEvent);
 int ConnectFailNotifyEvent(const VendorSdk::DeviceInfo* device) {
     return ScriptedVendor::Answer("ConnectFailNotifyEvent", device);
+}
+
+SCRIPTED_StartAPWifiScan(StartAPWifiScan);
+int StartAPWifiScan(VendorSdk::WifiCallbackInfo* info) {
+    const ScriptedVendor::Presence vendor;
+    return vendor ? vendor->Scan(info) : 0;
+}
+
+SCRIPTED_StopAPWifiScan(StopAPWifiScan);
+int StopAPWifiScan() {
+    return ScriptedVendor::Stop("StopAPWifiScan", &ScriptedVendor::Vendor::StopWifiScans);
+}
+
+SCRIPTED_PrinterAPNetConfigEvent(PrinterAPNetConfigEvent);
+int PrinterAPNetConfigEvent(VendorSdk::WifiConfigInfo* network) {
+    return ScriptedVendor::Answer("PrinterAPNetConfigEvent", network);
+}
+
+SCRIPTED_IsLocalAreaNetworkOK(IsLocalAreaNetworkOK);
+int IsLocalAreaNetworkOK(VendorSdk::DeviceInfo* device) {
+    return ScriptedVendor::Answer("IsLocalAreaNetworkOK", device);
+}
+
+SCRIPTED_GetDeviceInfoByNet(GetDeviceInfoByNet);
+int GetDeviceInfoByNet(VendorSdk::DeviceInfo* device) {
+    const ScriptedVendor::Presence vendor;
+    return vendor ? vendor->FillDevice(device) : 0;
+}
+
+SCRIPTED_IsConnectCurrentWifiAP(IsConnectCurrentWifiAP);
+int IsConnectCurrentWifiAP() {
+    const ScriptedVendor::Presence vendor;
+    return vendor ? vendor->Answer("IsConnectCurrentWifiAP", nullptr, 0) : 0;
 }

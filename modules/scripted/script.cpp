@@ -4,6 +4,8 @@
 #include <charconv>
 #include <istream>
 #include <limits>
+#include <locale>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -132,6 +134,24 @@ VendorSdk::DeviceInfo Device(const Words& words) {
     return device;
 }
 
+float Decimal(const std::string& text) {
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    float value = 0;
+    if (!(stream >> value) || stream.peek() != std::istringstream::traits_type::eof()) {
+        Refuse(Quoted(text) + " is no number");
+    }
+    return value;
+}
+
+VendorSdk::WifiConfigInfo Network(const Words& words) {
+    VendorSdk::WifiConfigInfo network{};
+    network.rssi = Decimal(words[1]);
+    Fill(network.ssid, words[2]);
+    Fill(network.pwd, words[3]);
+    return network;
+}
+
 struct Directive {
     std::string_view name;
     std::size_t words;  // with the name
@@ -149,6 +169,8 @@ constexpr Directive kDirectives[] = {
      }},
     {"device", 8,
      [](Script& script, const Words& words) { script.devices.push_back(Device(words)); }},
+    {"network", 4,
+     [](Script& script, const Words& words) { script.networks.push_back(Network(words)); }},
     {"threads", 2,
      [](Script& script, const Words& words) { script.threads = Number(words[1], 1, 64); }},
     {"repeat", 2, [](Script& script, const Words& words) { script.repeat = Number(words[1], 0); }},

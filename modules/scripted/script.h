@@ -15,11 +15,12 @@ struct Script {
     std::map<std::string, int> results;
     std::map<std::string, std::chrono::milliseconds> delays;
     std::vector<VendorSdk::DeviceInfo> devices;
+    std::vector<VendorSdk::WifiConfigInfo> networks;
     int threads = 1;  // that report at once
-    int repeat = 1;   // how often each thread reports the devices; 0: until the scan is stopped
+    int repeat = 1;   // how often each thread reports them all; 0: until the scan is stopped
     std::chrono::milliseconds interval{0};  // between two reports of a thread
-    bool untilStopped = false;              // StartDeviceScan waits for StopDeviceScan
-    int afterStop = 0;                      // devices reported once StopDeviceScan has returned
+    bool untilStopped = false;              // a scan waits for its stop
+    int afterStop = 0;                      // reports once the stop has returned
 
     // The scripted result of an entry point, or its success.
     int ResultOf(const std::string& entryPoint) const;

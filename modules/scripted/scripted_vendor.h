@@ -25,16 +25,21 @@ struct Control {
     // were refused; each is named on standard error.
     int (*Script)(const char* lines);
 
-    // Adds a device to those that StartDeviceScan reports, byte for byte.
+    // Adds a device to those that StartDeviceScan reports, byte for byte. The first is also the one
+    // that GetDeviceInfoByNet fills in, whatever its result.
     void (*AddDevice)(const VendorSdk::DeviceInfo* device);
+
+    // Adds a network to those that StartAPWifiScan reports, byte for byte.
+    void (*AddNetwork)(const VendorSdk::WifiConfigInfo* network);
 
     // Calls of that entry point are recorded and then wait until it is unblocked.
     void (*Block)(const char* entryPoint);
     void (*Unblock)(const char* entryPoint);
 
-    // Reports `device`, which may be null, on the calling thread and returns the callback's result.
-    // Needs no running scan, only that there has been one; -1 otherwise.
+    // Report the record, which may be null, on the calling thread and return the callback's result.
+    // Need no running scan, only that there has been one; -1 otherwise.
     int (*ReportNow)(const VendorSdk::DeviceInfo* device);
+    int (*ReportNetworkNow)(const VendorSdk::WifiConfigInfo* network);
 
     std::size_t (*CallCount)();
     bool (*ReadCall)(std::size_t index, Call* call);
@@ -43,10 +48,12 @@ struct Control {
     std::size_t (*CallbackCount)();
     bool (*ReadCallbackResult)(std::size_t index, int* result);
 
-    // The registration of the last StartDeviceScan; null before the first.
+    // The registration of the last StartDeviceScan, of the last StartAPWifiScan; null before the
+    // first.
     VendorSdk::DeviceCallbackInfo* (*Registration)();
+    VendorSdk::WifiCallbackInfo* (*WifiRegistration)();
 
-    // How many calls of StartDeviceScan have not returned.
+    // How many scans of both kinds have not returned.
     int (*RunningScans)();
 
     // Wait until the entry point has been called `count` times, until `count` reports have come

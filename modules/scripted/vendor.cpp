@@ -55,7 +55,7 @@ int Vendor::Answer(const char* entryPoint, const void* argument, std::size_t siz
     if (argument != nullptr) {
         std::memcpy(call.bytes, argument, size);
     }
-    Record(std::string(entryPoint) + ' ' + Hex(call.bytes, argument == nullptr ? 0 : size));
+    WriteRecord(std::string(entryPoint) + ' ' + Hex(call.bytes, argument == nullptr ? 0 : size));
     std::unique_lock lock(mutex);
     calls.push_back(call);
     changed.notify_all();
@@ -70,29 +70,38 @@ int Vendor::Answer(const char* entryPoint, const void* argument, std::size_t siz
 }
 
 int Vendor::Scan(VendorSdk::DeviceCallbackInfo* info) {
+    return Scan(deviceScan, info);
+}
+
+int Vendor::Scan(VendorSdk::WifiCallbackInfo* info) {
+    return Scan(wifiScan, info);
+}
+
+template <class Info, class Record>
+int Vendor::Scan(ScanKind<Info, Record>& kind, Info* info) {
     std::unique_lock lock(mutex);
     // A stop that comes from now on ends this scan, also while it is still delayed.
-    const unsigned since = stops;
-    registration = info;
+    const unsigned since = kind.stops;
+    kind.registration = info;
     ++runningScans;
     lock.unlock();
 
-    const int result = Answer("StartDeviceScan", info, sizeof *info);
+    const int result = Answer(kind.entryPoint, info, sizeof *info);
     lock.lock();
     const Script now = script;
     lock.unlock();
     std::vector<std::thread> others;
     for (int thread = 1; thread < now.threads; ++thread) {
-        others.emplace_back([&] { ReportDevices(now, *info, since); });
+        others.emplace_back([&] { ReportAll(kind, now, *info, since); });
     }
-    ReportDevices(now, *info, since);
+    ReportAll(kind, now, *info, since);
     for (std::thread& other : others) {
         other.join();
     }
 
     lock.lock();
     if (now.untilStopped) {
-        changed.wait(lock, [&] { return stops != since; });
+        changed.wait(lock, [&] { return kind.stops != since; });
     }
     --runningScans;
     changed.notify_all();
@@ -100,70 +109,95 @@ int Vendor::Scan(VendorSdk::DeviceCallbackInfo* info) {
 }
 
 void Vendor::StopScans() {
+    Stop(&Vendor::deviceScan);
+}
+
+void Vendor::StopWifiScans() {
+    Stop(&Vendor::wifiScan);
+}
+
+template <class Kind>
+void Vendor::Stop(Kind Vendor::*stopped) {
     const std::lock_guard lock(mutex);
-    ++stops;
+    Kind& kind = this->*stopped;
+    ++kind.stops;
     changed.notify_all();
-    if (script.afterStop > 0 && registration != nullptr && !script.devices.empty()) {
-        std::thread([] {
+    if (script.afterStop > 0 && kind.registration != nullptr && !(script.*kind.records).empty()) {
+        std::thread([stopped] {
             if (const Presence vendor; vendor) {
-                vendor->ReportAfterStop();
+                vendor->ReportAfterStop((*vendor).*stopped);
             }
         }).detach();
     }
 }
 
-bool Vendor::IsStopped(unsigned since) {
+template <class Kind>
+bool Vendor::IsStopped(const Kind& kind, unsigned since) {
     const std::lock_guard lock(mutex);
-    return stops != since;
+    return kind.stops != since;
 }
 
-bool Vendor::PauseUnlessStopped(std::chrono::milliseconds pause, unsigned since) {
+template <class Kind>
+bool Vendor::PauseUnlessStopped(const Kind& kind, std::chrono::milliseconds pause, unsigned since) {
     std::unique_lock lock(mutex);
-    return !changed.wait_for(lock, pause, [&] { return stops != since; });
+    return !changed.wait_for(lock, pause, [&] { return kind.stops != since; });
 }
 
-void Vendor::ReportDevices(const Script& now, const VendorSdk::DeviceCallbackInfo& info,
-                           unsigned since) {
+template <class Info, class Record>
+void Vendor::ReportAll(const ScanKind<Info, Record>& kind, const Script& now, const Info& info,
+                       unsigned since) {
     bool first = true;
     for (int round = 0; now.repeat == 0 || round < now.repeat; ++round) {
-        for (const VendorSdk::DeviceInfo& device : now.devices) {
-            if (!first && now.interval.count() > 0 && !PauseUnlessStopped(now.interval, since)) {
+        for (const Record& record : now.*kind.records) {
+            if (!first && now.interval.count() > 0 &&
+                !PauseUnlessStopped(kind, now.interval, since)) {
                 return;
             }
-            if (IsStopped(since)) {
+            if (IsStopped(kind, since)) {
                 return;
             }
             first = false;
-            const VendorSdk::DeviceInfo own = device;
+            const Record own = record;
             Report(info, &own);
         }
-        if (now.devices.empty()) {
+        if ((now.*kind.records).empty()) {
             return;
         }
     }
 }
 
-void Vendor::ReportAfterStop() {
+template <class Kind>
+void Vendor::ReportAfterStop(const Kind& kind) {
     std::unique_lock lock(mutex);
     const Script now = script;
-    const VendorSdk::DeviceCallbackInfo* const info = registration;
+    const auto& info = *kind.registration;
     lock.unlock();
+    const auto& records = now.*kind.records;
     for (int number = 0; number < now.afterStop; ++number) {
         std::this_thread::sleep_for(std::max(now.interval, std::chrono::milliseconds(20)));
-        Report(*info, &now.devices[static_cast<std::size_t>(number) % now.devices.size()]);
+        Report(info, &records[static_cast<std::size_t>(number) % records.size()]);
     }
 }
 
-int Vendor::Report(const VendorSdk::DeviceCallbackInfo& info, const VendorSdk::DeviceInfo* device) {
-    const int result = info.callback(device);
-    Record("callback " + std::to_string(result));
+int Vendor::FillDevice(VendorSdk::DeviceInfo* device) {
+    // What the record holds so far means nothing: only its address is noted.
+    const int result = Answer("GetDeviceInfoByNet", device, 0);
+    const std::lock_guard lock(mutex);
+    if (!script.devices.empty()) {
+        *device = script.devices.front();
+    }
+    return result;
+}
+
+int Vendor::Note(int callbackResult) {
+    WriteRecord("callback " + std::to_string(callbackResult));
     const std::lock_guard lock(mutex);
     ++callbackCount;
     if (callbackResults.size() < kKeptCallbackResults) {
-        callbackResults.push_back(result);
+        callbackResults.push_back(callbackResult);
     }
     changed.notify_all();
-    return result;
+    return callbackResult;
 }
 
 int Vendor::Apply(std::istream& text, const std::string& sourceName) {
@@ -183,6 +217,11 @@ int Vendor::Apply(const std::string& lines) {
 void Vendor::AddDevice(const VendorSdk::DeviceInfo& device) {
     const std::lock_guard lock(mutex);
     script.devices.push_back(device);
+}
+
+void Vendor::AddNetwork(const VendorSdk::WifiConfigInfo& network) {
+    const std::lock_guard lock(mutex);
+    script.networks.push_back(network);
 }
 
 void Vendor::Block(const std::string& entryPoint) {
@@ -226,7 +265,12 @@ bool Vendor::ReadCallbackResult(std::size_t index, int& result) {
 
 VendorSdk::DeviceCallbackInfo* Vendor::Registration() {
     const std::lock_guard lock(mutex);
-    return registration;
+    return deviceScan.registration;
+}
+
+VendorSdk::WifiCallbackInfo* Vendor::WifiRegistration() {
+    const std::lock_guard lock(mutex);
+    return wifiScan.registration;
 }
 
 int Vendor::RunningScans() {
@@ -258,7 +302,7 @@ bool Vendor::WaitForRunningScans(int count, unsigned milliseconds) {
     return WaitFor(milliseconds, [&] { return runningScans == count; });
 }
 
-void Vendor::Record(const std::string& text) {
+void Vendor::WriteRecord(const std::string& text) {
     if (recordPath.empty()) {
         return;
     }

@@ -22,16 +22,24 @@ public:
     // Records the call, waits as scripted, and gives the scripted result.
     int Answer(const char* entryPoint, const void* argument, std::size_t size);
 
-    // Answers StartDeviceScan: reports the scripted devices and runs as long as the script says.
-    // All its threads have ended when it returns.
+    // Answer StartDeviceScan and StartAPWifiScan: report what is scripted and run as long as the
+    // script says. All their threads have ended when they return.
     int Scan(VendorSdk::DeviceCallbackInfo* registration);
+    int Scan(VendorSdk::WifiCallbackInfo* registration);
     void StopScans();
+    void StopWifiScans();
 
-    int Report(const VendorSdk::DeviceCallbackInfo& registration,
-               const VendorSdk::DeviceInfo* device);
+    // Answers GetDeviceInfoByNet.
+    int FillDevice(VendorSdk::DeviceInfo* device);
+
+    template <class Info, class Record>
+    int Report(const Info& registration, const Record* record) {
+        return Note(registration.callback(record));
+    }
 
     int Apply(const std::string& lines);
     void AddDevice(const VendorSdk::DeviceInfo& device);
+    void AddNetwork(const VendorSdk::WifiConfigInfo& network);
     void Block(const std::string& entryPoint);
     void Unblock(const std::string& entryPoint);
     std::size_t CallCount();
@@ -39,6 +47,7 @@ public:
     std::size_t CallbackCount();
     bool ReadCallbackResult(std::size_t index, int& result);
     VendorSdk::DeviceCallbackInfo* Registration();
+    VendorSdk::WifiCallbackInfo* WifiRegistration();
     int RunningScans();
     bool WaitForCalls(const std::string& entryPoint, std::size_t count, unsigned milliseconds);
     bool WaitForCallbacks(std::size_t count, unsigned milliseconds);
@@ -47,13 +56,32 @@ public:
     const char* Name() const { return moduleName; }
 
 private:
+    // One kind of scan: what it is called and reports, who asked for it last, and how often it has
+    // been stopped.
+    template <class Info, class Record>
+    struct ScanKind {
+        const char* entryPoint;
+        std::vector<Record> Script::*records;
+        Info* registration = nullptr;
+        unsigned stops = 0;
+    };
+
     int Apply(std::istream& text, const std::string& sourceName);
-    bool IsStopped(unsigned since);
-    bool PauseUnlessStopped(std::chrono::milliseconds pause, unsigned since);
-    void ReportDevices(const Script& now, const VendorSdk::DeviceCallbackInfo& registration,
-                       unsigned since);
-    void ReportAfterStop();
-    void Record(const std::string& text);
+    template <class Info, class Record>
+    int Scan(ScanKind<Info, Record>& kind, Info* registration);
+    template <class Kind>
+    void Stop(Kind Vendor::*kind);
+    template <class Kind>
+    bool IsStopped(const Kind& kind, unsigned since);
+    template <class Kind>
+    bool PauseUnlessStopped(const Kind& kind, std::chrono::milliseconds pause, unsigned since);
+    template <class Info, class Record>
+    void ReportAll(const ScanKind<Info, Record>& kind, const Script& now, const Info& registration,
+                   unsigned since);
+    template <class Kind>
+    void ReportAfterStop(const Kind& kind);
+    int Note(int callbackResult);
+    void WriteRecord(const std::string& text);
     template <class Condition>
     bool WaitFor(unsigned milliseconds, Condition condition);
 
@@ -67,9 +95,11 @@ private:
     std::vector<Call> calls;
     std::vector<int> callbackResults;
     std::size_t callbackCount = 0;
-    VendorSdk::DeviceCallbackInfo* registration = nullptr;
+    ScanKind<VendorSdk::DeviceCallbackInfo, VendorSdk::DeviceInfo> deviceScan{"StartDeviceScan",
+                                                                              &Script::devices};
+    ScanKind<VendorSdk::WifiCallbackInfo, VendorSdk::WifiConfigInfo> wifiScan{"StartAPWifiScan",
+                                                                              &Script::networks};
     int runningScans = 0;
-    unsigned stops = 0;
 };
 
 // The module's vendor, for the length of one call. It is made on first use and goes with the
@@ -84,6 +114,7 @@ public:
 
     explicit operator bool() const { return vendor != nullptr; }
     Vendor* operator->() const { return vendor; }
+    Vendor& operator*() const { return *vendor; }
 
 private:
     Vendor* vendor = nullptr;

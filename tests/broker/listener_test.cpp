@@ -163,7 +163,7 @@ TEST_F(Listener, SurvivesAVendorThatReportsNothing) {
     Application::AnswerWith([](const DeviceInfo&) { return 53; });
     TakeLines();
     EXPECT_EQ(It().CallBackFunc(nullptr), 0);
-    EXPECT_THAT(TakeLines(), ElementsAre(LineIs(4, "callback device is nullptr", kCallBackFunc)));
+    EXPECT_THAT(TakeLines(), ElementsAre(LineIs(4, "callback record is nullptr", kCallBackFunc)));
     EXPECT_THAT(Application::Reports(), IsEmpty());
 }
 
@@ -174,7 +174,7 @@ TEST_F(Listener, SurvivesAVendorsModuleThatReportsNothing) {
     module.AwaitCalls("StartDeviceScan", 1);
     TakeLines();
     EXPECT_EQ(module.ReportNow(nullptr), 0);
-    EXPECT_THAT(TakeLines(), ElementsAre(LineIs(4, "callback device is nullptr", kCallBackFunc)));
+    EXPECT_THAT(TakeLines(), ElementsAre(LineIs(4, "callback record is nullptr", kCallBackFunc)));
     const VendorSdk::DeviceInfo device = VendorDeviceOf("alpha");
     Application::AnswerWith([](const DeviceInfo&) { return 54; });
     EXPECT_EQ(module.ReportNow(&device), 54);

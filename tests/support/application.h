@@ -7,7 +7,8 @@
 
 #include "DeviceDiscover/DeviceDiscover.h"
 
-// The application's side of a scan: a callback that keeps what it is given.
+// The application's side of a scan, of printers or of Wi-Fi networks: callbacks that keep what they
+// are given.
 namespace Application {
 
 struct Report {
@@ -24,8 +25,17 @@ int OnOtherDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device);
 std::vector<Report> Reports();
 std::vector<Report> OtherReports();
 
+int OnNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network);
+int OnOtherNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network);
+
+std::vector<Report> NetworkReports();
+std::vector<Report> OtherNetworkReports();
+
 // What OnDevice returns, from now on, for each device; 0 at first. Called on the reporting thread
 // after the device has been kept.
 void AnswerWith(std::function<int(const PrinterDeviceDiscoverSdk::DeviceInfo&)> answer);
+
+// The same for OnNetwork.
+void AnswerNetworksWith(std::function<int(const PrinterDeviceDiscoverSdk::WifiConfigInfo&)> answer);
 
 }  // namespace Application

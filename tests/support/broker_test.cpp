@@ -86,10 +86,33 @@ std::string BytesOf(const ScriptedVendor::Call& call) {
     return {reinterpret_cast<const char*>(call.bytes), call.size};
 }
 
+PrinterDeviceDiscoverSdk::WifiConfigInfo NetworkOf(const std::string& ssid) {
+    PrinterDeviceDiscoverSdk::WifiConfigInfo network{};
+    network.rssi = -41.5F;
+    SetField(network.ssid, ssid);
+    SetField(network.pwd, "pass " + ssid);
+    // Behind the terminators, and before the last byte, which a relay sets to zero.
+    network.ssid[sizeof network.ssid - 2] = 'z';
+    network.pwd[sizeof network.pwd - 2] = 'z';
+    return network;
+}
+
+namespace {
+
+template <class To, class From>
+To SameBytes(const From& from) {
+    static_assert(sizeof(To) == sizeof(From));
+    To to;
+    std::memcpy(&to, &from, sizeof to);
+    return to;
+}
+
+}  // namespace
+
 VendorSdk::DeviceInfo VendorDeviceOf(const std::string& modelID) {
-    const PrinterDeviceDiscoverSdk::DeviceInfo device = DeviceOf(modelID);
-    VendorSdk::DeviceInfo vendorDevice;
-    static_assert(sizeof vendorDevice == sizeof device);
-    std::memcpy(&vendorDevice, &device, sizeof vendorDevice);
-    return vendorDevice;
+    return SameBytes<VendorSdk::DeviceInfo>(DeviceOf(modelID));
+}
+
+VendorSdk::WifiConfigInfo VendorNetworkOf(const std::string& ssid) {
+    return SameBytes<VendorSdk::WifiConfigInfo>(NetworkOf(ssid));
 }

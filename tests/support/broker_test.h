@@ -40,6 +40,9 @@ Lines operator+(Lines first, const Lines& second);
 // A device with that model and recognisable bytes in every other field, up to their last.
 PrinterDeviceDiscoverSdk::DeviceInfo DeviceOf(const std::string& modelID);
 
+// A network of that name, with recognisable bytes behind its texts.
+PrinterDeviceDiscoverSdk::WifiConfigInfo NetworkOf(const std::string& ssid);
+
 // The bytes of a plain record.
 template <class Record>
 std::string BytesOf(const Record& record) {
@@ -55,5 +58,6 @@ void SetField(char (&field)[Width], const std::string& text) {
     }
 }
 
-// The same record in the vendors' family.
+// The same records in the vendors' family.
 VendorSdk::DeviceInfo VendorDeviceOf(const std::string& modelID);
+VendorSdk::WifiConfigInfo VendorNetworkOf(const std::string& ssid);

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+namespace Host {
+
+// How an access point is protected: a sum of these, 0 for an open one.
+enum Protection : unsigned {
+    kWep = 1,
+    kWpaPersonal = 2,
+    kWpa2Personal = 4,
+    kWpa3Personal = 8,
+    kEnterprise = 16,
+    kOpportunistic = 32  // encrypted without a pass phrase (OWE)
+};
+inline constexpr unsigned kAnyPersonal = kWpaPersonal | kWpa2Personal | kWpa3Personal;
+
+// An access point that the host receives.
+struct AccessPoint {
+    std::string name;  // the bytes it broadcasts; empty when it hides its name
+    int quality = 0;   // 0 to 100
+    unsigned protection = 0;
+    bool infrastructure = true;  // not a network between equals, nor one that this host offers
+    std::string adapter;         // the Wi-Fi service's own names for the adapter that receives it
+    std::string identity;        // and for the access point
+};
+
+// The access point that the host is joined to.
+struct JoinedAccessPoint {
+    std::string name;
+    std::string hardwareAddress;  // "00:11:22:33:44:55", digits in upper case
+    std::wstring interfaceName;
+};
+
+}  // namespace Host

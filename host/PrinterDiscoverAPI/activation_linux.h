@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host/PrinterDiscoverAPI/network_manager_linux.h"
+
+namespace Host {
+
+// One attempt of an adapter to join a network, from its start to its outcome. An attempt that did
+// not succeed is undone.
+class Activation {
+public:
+    Activation(const NetworkManager& service, const sdbus::ObjectPath& wifiAdapter);
+    ~Activation();
+    Activation(const Activation&) = delete;
+    Activation& operator=(const Activation&) = delete;
+
+    // With a profile that the service has saved, or with one that is not to be saved.
+    void StartSaved(const sdbus::ObjectPath& profile, const sdbus::ObjectPath& accessPoint);
+    void StartNew(const ConnectionSettings& settings, const sdbus::ObjectPath& accessPoint);
+
+    // Waits for the outcome; throws WifiProblem unless it is that the network is joined.
+    void Await(NetworkManager::Clock::time_point deadline);
+
+private:
+    enum class State : std::uint32_t { kActivated = 2, kGone = 4 };
+
+    void OnDeviceState(std::uint32_t now, std::uint32_t reason);
+    std::uint32_t ActiveState() const;
+    void Undo() const;
+
+    const NetworkManager& manager;
+    const sdbus::ObjectPath adapter;
+    std::unique_ptr<sdbus::IProxy> device;
+    sdbus::ObjectPath active;
+    sdbus::ObjectPath ownProfile;  // made for this attempt; empty when none was
+    std::uint32_t reason = 0;      // the adapter's, for what became of it
+    bool hasFailed = false;
+    bool isRefused = false;  // the access point did not take the pass phrase
+    bool hasSucceeded = false;
+};
+
+}  // namespace Host

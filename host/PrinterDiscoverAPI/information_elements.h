@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string_view>
+
+namespace Host {
+
+// How an access point is protected, a sum of Protection, by the information elements of what it
+// broadcasts. `isPrivate` is its own word that there is some protection. Elements that are cut off
+// or make no sense count for nothing.
+unsigned ProtectionOf(std::string_view elements, bool isPrivate);
+
+}  // namespace Host

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/PrinterDiscoverAPI/access_point.h"
+
+namespace Host {
+
+// What a user asked to join, checked: throws WifiProblem when no network can have that name or no
+// network that pass phrase.
+class JoinRequest {
+public:
+    JoinRequest(std::wstring_view wantedSsid, std::wstring_view givenPassPhrase);
+
+    // The name as UTF-8, and the pass phrase.
+    const std::string& Name() const { return name; }
+    const std::string& PassPhrase() const { return passPhrase; }
+
+    // The strongest access point of that name that goes with the pass phrase; null when none is
+    // there. Throws WifiProblem when all that are there want something else.
+    const AccessPoint* Choose(const std::vector<AccessPoint>& accessPoints) const;
+
+    // `text` without the pass phrase.
+    std::string WithoutSecret(std::string text) const;
+
+private:
+    bool IsNamed(const AccessPoint& accessPoint) const;
+
+    std::wstring ssid;
+    std::string name;
+    std::string passPhrase;
+};
+
+}  // namespace Host

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/PrinterDiscoverAPI/access_point.h"
+
+namespace Host {
+
+// How long a scan and a joining are waited for.
+inline constexpr std::chrono::seconds kScanLimit{10};
+inline constexpr std::chrono::seconds kJoinLimit{30};
+
+// What stands in the way, in words; UTF-8.
+class WifiProblem : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// The system's Wi-Fi service, opened for one operation and used by one thread. Each operation
+// throws WifiProblem when the service cannot do it, has ended, or does not answer.
+class WifiService {
+public:
+    virtual ~WifiService() = default;
+
+    // Has every adapter scan, also for the network `name` unless that is empty, and waits until
+    // they have.
+    virtual void Scan(const std::string& name) = 0;
+
+    // What the adapters received last.
+    virtual std::vector<AccessPoint> AccessPoints() = 0;
+
+    virtual std::optional<JoinedAccessPoint> Joined() = 0;
+
+    // Joins an access point's network and waits for the outcome. Without a pass phrase a protected
+    // network is joined with what the system has saved of it. Nothing is saved.
+    virtual void Join(const AccessPoint& accessPoint, const std::string& passPhrase) = 0;
+};
+
+// Throws WifiProblem when there is no service or no adapter.
+std::unique_ptr<WifiService> OpenWifiService();
+
+}  // namespace Host

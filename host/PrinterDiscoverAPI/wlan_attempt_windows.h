@@ -1,0 +1,36 @@
+#pragma once
+
+#include "host/PrinterDiscoverAPI/access_point.h"
+#include "host/PrinterDiscoverAPI/wlan_notifications_windows.h"
+
+namespace Host {
+
+// One attempt of an adapter to join a network, from its start to its outcome. An attempt that takes
+// too long is ended.
+class WlanAttempt {
+public:
+    WlanAttempt(const WlanClient& wlan, const GUID& wifiAdapter, const AccessPoint& accessPoint);
+
+    // With the profile of that name, which the system has saved, or with one that is not to be.
+    void StartSaved(const std::wstring& profileName);
+    void StartNew(const std::wstring& profile);
+
+    // Waits for the outcome; throws WifiProblem unless it is that the network is joined.
+    void Await(WlanClient::Clock::time_point deadline);
+
+private:
+    enum class Outcome { kNone, kJoined, kFailed };
+
+    void Start(WLAN_CONNECTION_MODE mode, const std::wstring& profile);
+    Outcome OutcomeBy(const WlanNotification& notification);
+    void RequireAdapter() const;
+
+    const WlanClient& client;
+    WlanNotifications notifications;
+    const GUID adapter;
+    const std::string name;
+    DWORD reason = 0;                           // why it failed
+    WlanClient::Clock::time_point lastFailure;  // of one of its tries, if any
+};
+
+}  // namespace Host

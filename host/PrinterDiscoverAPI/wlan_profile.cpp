@@ -1,0 +1,96 @@
+#include "host/PrinterDiscoverAPI/wlan_profile.h"
+
+#include <string_view>
+
+#include "host/PrinterDiscoverAPI/network_name.h"
+#include "host/common/utf8.h"
+
+namespace Host {
+
+namespace {
+
+constexpr std::size_t kKeyDigits = 64;
+
+std::wstring Element(std::wstring_view name, std::wstring_view content) {
+    std::wstring element = L"<";
+    element.append(name).append(L">").append(content).append(L"</");
+    return element.append(name).append(L">");
+}
+
+// A control character is none that XML could hold.
+std::wstring Escaped(std::wstring_view text) {
+    std::wstring escaped;
+    for (const wchar_t character : text) {
+        if (character == L'&') {
+            escaped += L"&amp;";
+        } else if (character == L'<') {
+            escaped += L"&lt;";
+        } else if (character == L'>') {
+            escaped += L"&gt;";
+        } else {
+            escaped += character < 0x20 ? L'_' : character;
+        }
+    }
+    return escaped;
+}
+
+std::wstring Hexadecimal(std::string_view bytes) {
+    constexpr std::wstring_view kDigits = L"0123456789ABCDEF";
+    std::wstring text;
+    for (const char byte : bytes) {
+        text += kDigits[static_cast<unsigned char>(byte) >> 4];
+        text += kDigits[static_cast<unsigned char>(byte) & 0x0FU];
+    }
+    return text;
+}
+
+struct Method {
+    std::wstring_view authentication;
+    std::wstring_view encryption;
+};
+
+Method MethodOf(unsigned protection, bool hasPassPhrase) {
+    if (!hasPassPhrase) {
+        return (protection & kOpportunistic) != 0 ? Method{L"OWE", L"AES"}
+                                                  : Method{L"open", L"none"};
+    }
+    if ((protection & kWpa2Personal) != 0) {
+        return {L"WPA2PSK", L"AES"};
+    }
+    return (protection & kWpa3Personal) != 0 ? Method{L"WPA3SAE", L"AES"}
+                                             : Method{L"WPAPSK", L"TKIP"};
+}
+
+std::wstring SharedKey(const std::string& passPhrase) {
+    const bool isKey = passPhrase.size() == kKeyDigits;
+    return Element(L"sharedKey", Element(L"keyType", isKey ? L"networkKey" : L"passPhrase") +
+                                     Element(L"protected", L"false") +
+                                     Element(L"keyMaterial", Escaped(FromUtf8(passPhrase))));
+}
+
+std::wstring Security(const AccessPoint& accessPoint, const std::string& passPhrase) {
+    const Method method = MethodOf(accessPoint.protection, !passPhrase.empty());
+    std::wstring settings =
+        Element(L"authEncryption", Element(L"authentication", method.authentication) +
+                                       Element(L"encryption", method.encryption) +
+                                       Element(L"useOneX", L"false"));
+    if (!passPhrase.empty()) {
+        settings += SharedKey(passPhrase);
+    }
+    return Element(L"MSM", Element(L"security", settings));
+}
+
+}  // namespace
+
+std::wstring WlanProfile(const AccessPoint& accessPoint, const std::string& passPhrase) {
+    const std::wstring name = Element(L"name", Escaped(NetworkNameText(accessPoint.name)));
+    const std::wstring ssid = Element(L"SSID", Element(L"hex", Hexadecimal(accessPoint.name)));
+    const std::wstring wanted = Element(L"SSIDConfig", ssid + Element(L"nonBroadcast", L"true"));
+    const std::wstring connection =
+        Element(L"connectionType", L"ESS") + Element(L"connectionMode", L"manual");
+    return L"<?xml version=\"1.0\"?>"
+           L"<WLANProfile xmlns=\"http://www.microsoft.com/networking/WLAN/profile/v1\">" +
+           name + wanted + connection + Security(accessPoint, passPhrase) + L"</WLANProfile>";
+}
+
+}  // namespace Host

@@ -1,0 +1,178 @@
+#include "DeviceDiscover/netconn.h"
+#include "records/log_line.h"
+#include "vendor/vendor_call.h"
+#include "vendor/vendor_table.h"
+#include "vendor/vendor_thread.h"
+
+namespace PrinterDeviceDiscoverSdk {
+
+namespace {
+
+using Vendors = Broker::VendorTable<NetConnInterfaceItem>;
+
+// The chosen vendor's entry point; null, with the reason logged, when there is no vendor or it has
+// none.
+template <class Function>
+Function* ChosenFunction(const Vendors& vendors, Vendors::const_iterator vendor,
+                         Function* NetConnInterfaceItem::*slot, const char* missing,
+                         const Broker::Location& where) {
+    if (vendor == vendors.end()) {
+        Broker::Log(LOG_LEVEL_ERROR, where, "call Func map find fail:");
+        return nullptr;
+    }
+    Function* const function = vendor->second.*slot;
+    if (function == nullptr) {
+        Broker::Log(LOG_LEVEL_WARNING, where, missing);
+    }
+    return function;
+}
+
+}  // namespace
+
+NetConnInterface& NetConnInterface::GetInstance() {
+    static NetConnInterface instance;
+    return instance;
+}
+
+NetConnInterface::NetConnInterface() {
+    initialised = GetDeviceFunc();
+}
+
+NetConnInterface::~NetConnInterface() {
+    initialised = false;
+    UnInit();
+}
+
+bool NetConnInterface::Init() {
+    const bool bound = GetDeviceFunc();
+    if (bound) {
+        initialised = true;
+    }
+    return bound;
+}
+
+bool NetConnInterface::GetDeviceFunc() {
+    return Broker::BindVendors(vendors, &VendorInfo::vendorName,
+                               Broker::kNetConnEntryPoints<NetConnInterfaceItem>, HERE);
+}
+
+void NetConnInterface::UnInit() {
+    Broker::ReleaseVendors(vendors);
+}
+
+Vendors::iterator NetConnInterface::GetCurrentNetConnectWifiAPInterface() {
+    if (!initialised) {
+        Broker::NotInitialised(HERE);
+        return vendors.end();
+    }
+    for (auto vendor = vendors.begin(); vendor != vendors.end(); ++vendor) {
+        const auto isConnected = vendor->second.IsConnectCurrentWifiAP;
+        if (isConnected == nullptr) {
+            Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
+            continue;
+        }
+        const int result = isConnected();
+        if (result == 0) {
+            return vendor;
+        }
+        Broker::Log(LOG_LEVEL_WARNING, HERE, "call Func ret =", result);
+    }
+    Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func all fail, err:");
+    return vendors.end();
+}
+
+int NetConnInterface::StartAPWifiScan(const WifiCallbackInfo& info) {
+    if (!initialised) {
+        return Broker::NotInitialised(HERE);
+    }
+    const std::lock_guard lock(mutex);
+    NetConnInterfaceListener& listener = NetConnInterfaceListener::GetInstance();
+    VendorSdk::WifiCallbackInfo* const registration = listener.SetDeviceCallbackInfo(info);
+    if (!listener.GetDeviceCallbackIsEnable()) {
+        // What is tested is that nobody listens; the text says otherwise, and applications know it
+        // so.
+        Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Enable,please first Stop");
+        return Broker::kNoCallback;
+    }
+    const auto scan =
+        ChosenFunction(vendors, GetCurrentNetConnectWifiAPInterface(),
+                       &NetConnInterfaceItem::StartAPWifiScan, "call pFunc is nullptr, err:", HERE);
+    if (scan == nullptr) {
+        return Broker::kNothingToCall;
+    }
+    Broker::RunDetached([scan, registration] {
+        const int result = scan(registration);
+        if (result != 0) {
+            Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func fail, err:", result);
+        }
+    });
+    Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK");
+    return 0;
+}
+
+int NetConnInterface::StopAPWifiScan() {
+    if (!initialised) {
+        return Broker::NotInitialised(HERE);
+    }
+    NetConnInterfaceListener::GetInstance().ClearDeviceCallbackInfo();
+    const std::lock_guard lock(mutex);
+    const auto stop =
+        ChosenFunction(vendors, GetCurrentNetConnectWifiAPInterface(),
+                       &NetConnInterfaceItem::StopAPWifiScan, "pFunc is nullptr, err:", HERE);
+    if (stop == nullptr) {
+        return Broker::kNothingToCall;
+    }
+    return Broker::Outcome(stop(), "call Func fail, err:", HERE);
+}
+
+int NetConnInterface::PrinterAPNetConfigEvent(const WifiConfigInfo& network) {
+    if (!initialised) {
+        return Broker::NotInitialised(HERE);
+    }
+    const auto configure = ChosenFunction(vendors, GetCurrentNetConnectWifiAPInterface(),
+                                          &NetConnInterfaceItem::PrinterAPNetConfigEvent,
+                                          "pFunc is nullptr, err:", HERE);
+    if (configure == nullptr) {
+        return Broker::kNothingToCall;
+    }
+    VendorSdk::WifiConfigInfo vendorNetwork;
+    DiscoverBasic::GetVendorSdkWifoConfigInfo(network, vendorNetwork);
+    return Broker::Outcome(configure(&vendorNetwork), "call Func fail, err:", HERE);
+}
+
+int NetConnInterface::GetDeviceInfoByNet(DeviceInfo& device) {
+    if (!initialised) {
+        return Broker::NotInitialised(HERE);
+    }
+    const auto getDevice =
+        ChosenFunction(vendors, GetCurrentNetConnectWifiAPInterface(),
+                       &NetConnInterfaceItem::GetDeviceInfoByNet, "pFunc is nullptr, err:", HERE);
+    if (getDevice == nullptr) {
+        return Broker::kNothingToCall;
+    }
+    VendorSdk::DeviceInfo vendorDevice;
+    const int result = Broker::Outcome(getDevice(&vendorDevice), "call Func fail, err:", HERE);
+    if (result == 0) {
+        DiscoverBasic::GetDiscoverDeviceInfo(vendorDevice, device);
+    }
+    return result;
+}
+
+int NetConnInterface::IsLocalAreaNetworkOK(const DeviceInfo& device) {
+    if (!initialised) {
+        return Broker::NotInitialised(HERE);
+    }
+    const auto vendor = Broker::FindVendor(vendors, device, HERE);
+    if (vendor == vendors.end()) {
+        return Broker::kNothingToCall;
+    }
+    const auto isReachable = vendor->second.IsLocalAreaNetworkOK;
+    if (isReachable == nullptr) {
+        Broker::Log(LOG_LEVEL_ERROR, HERE, "call pFunc is nullptr - fail:", vendor->first);
+        return Broker::kNothingToCall;
+    }
+    VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
+    return Broker::Outcome(isReachable(&vendorDevice), "call Func Fail", HERE);
+}
+
+}  // namespace PrinterDeviceDiscoverSdk
