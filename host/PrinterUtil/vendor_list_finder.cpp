@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "host/PrinterUtil/file_trust.h"
 #include "host/PrinterUtil/module_loader.h"
 #include "host/common/environment.h"
 #include "host/common/paths.h"
@@ -33,19 +34,11 @@ bool ReadText(const fs::path& path, std::string& text) {
 }
 
 std::string Read(const fs::path& path, std::string& text) {
-    std::error_code failure;
-    const fs::file_status status = fs::status(path, failure);
-    if (status.type() == fs::file_type::not_found) {
-        return "there is no such file";
+    if (std::string problem = FileProblem(path); !problem.empty()) {
+        return problem;
     }
-    if (failure) {
-        return failure.message();
-    }
-    if (status.type() != fs::file_type::regular) {
-        return "not a regular file";
-    }
-    if (const std::string reason = WhyOthersMayChange(path); !reason.empty()) {
-        return "refused: " + reason;
+    if (std::string problem = FolderProblem(path.parent_path()); !problem.empty()) {
+        return problem;
     }
     if (!ReadText(path, text)) {
         return "the file cannot be read";

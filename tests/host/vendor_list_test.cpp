@@ -161,6 +161,14 @@ TEST_F(VendorListTest, RefusesAListThatAnyoneMayWriteTo) {
     ExpectRefused("anyone may write to it");
 }
 
+TEST_F(VendorListTest, RefusesAListInAFolderThatAnyoneMayWriteTo) {
+    WriteList(ListOf("P"));
+    HostTest::LetAnyoneWrite(ListFile().parent_path());
+    ExpectRefused("refused: its folder " + Utf8(ListFile().parent_path()) +
+                  ": anyone may write to it");
+    EXPECT_EQ(PrinterUtil::DescribeModule("plain_module").module, nullptr);
+}
+
 TEST_F(VendorListTest, LeavesOutOnlyTheVendorsWhoseEntriesAreWrong) {
     WriteList(R"({"vendors": [
         {"productId": "A", "vendorName": "v", "scanModuleName": "s"},
