@@ -49,8 +49,10 @@ def first_column(line):
 
 
 def complete_record(line):
-    """A printer counts once its own attributes are there, not only its announcement."""
+    """A printer counts with its own attributes: its serial number is not in its announcement."""
     printer = json.loads(line)
+    if not re.fullmatch(r"LAB\d{4}", printer["serialNumber"]):
+        raise RuntimeError(f"devicediscover scan reported a printer that it has not asked: {line}")
     return printer["serialNumber"] if printer["makeAndModel"] and printer["address"] else None
 
 

@@ -1,8 +1,15 @@
 #include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <climits>
+#include <stdexcept>
+#include <string>
 #include <system_error>
 
 #include "host/LogHelper/log_system.h"
@@ -13,6 +20,7 @@ namespace {
 
 constexpr mode_t kOwnFolder = 0700;
 constexpr mode_t kOwnFile = 0600;
+constexpr int kPatienceMilliseconds = 1000;
 
 [[noreturn]] void ThrowSystemError(const std::filesystem::path& path) {
     throw std::system_error(errno, std::generic_category(), path.string());
@@ -31,11 +39,89 @@ void MakeFolder(const std::filesystem::path& folder) {
     }
 }
 
+// Writing to a pipe or a socket may wait for its reader, and ends a process whose reader has gone.
+void RefuseWhatHasAReader(const std::filesystem::path& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode)) {
+        throw std::runtime_error(path.string() + ": neither a regular file nor a character device");
+    }
+}
+
+// While it lives, a write of this thread whose reader has gone fails and does nothing more. A
+// SIGPIPE that waited for the program before it still does so afterwards.
+class NoBrokenPipeSignal {
+public:
+    NoBrokenPipeSignal() {
+        sigemptyset(&brokenPipe);
+        sigaddset(&brokenPipe, SIGPIPE);
+        sigset_t pending;
+        sigpending(&pending);
+        wasPending = sigismember(&pending, SIGPIPE) == 1;
+        pthread_sigmask(SIG_BLOCK, &brokenPipe, &previous);
+    }
+    ~NoBrokenPipeSignal() {
+        constexpr timespec noWait{};
+        while (!wasPending && sigtimedwait(&brokenPipe, nullptr, &noWait) < 0 && errno == EINTR) {
+        }
+        pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    }
+    NoBrokenPipeSignal(const NoBrokenPipeSignal&) = delete;
+    NoBrokenPipeSignal& operator=(const NoBrokenPipeSignal&) = delete;
+
+private:
+    sigset_t brokenPipe;
+    sigset_t previous;
+    bool wasPending;
+};
+
+// Standard error for writes that do not wait. The stream itself is shared with other programs and
+// stays as it is; it serves where the system has no second one, or where nothing waits.
+class StandardError {
+public:
+    StandardError() {
+        struct stat status {};
+        if (fstat(STDERR_FILENO, &status) == 0 &&
+            (S_ISFIFO(status.st_mode) || isatty(STDERR_FILENO) == 1)) {
+            own = open("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+        }
+    }
+    ~StandardError() {
+        if (own >= 0) {
+            close(own);
+        }
+    }
+    StandardError(const StandardError&) = delete;
+    StandardError& operator=(const StandardError&) = delete;
+
+    int Descriptor() const { return own >= 0 ? own : STDERR_FILENO; }
+
+private:
+    int own = -1;
+};
+
+// Writes all of the text; false when it cannot be written, or not in time.
+bool WriteWithin(int milliseconds, int stream, std::string_view text) {
+    while (!text.empty()) {
+        pollfd output{stream, POLLOUT, 0};
+        const int ready = poll(&output, 1, milliseconds);
+        const ssize_t written =
+            ready > 0 ? write(stream, text.data(), std::min<std::size_t>(text.size(), PIPE_BUF))
+                      : ready;
+        if (written > 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (ready == 0 || (errno != EINTR && errno != EAGAIN)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 void PrepareFile(const std::filesystem::path& path) {
+    RefuseWhatHasAReader(path);
     MakeFolder(path.parent_path());
-    // Without waiting: the path may name a pipe that nobody reads.
+    // Without waiting, whatever the path has come to name.
     constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     const int file = open(path.c_str(), flags, kOwnFile);
     if (file < 0) {
@@ -52,14 +138,11 @@ bool IsStillThere(std::FILE* file, const std::filesystem::path& path) {
 }
 
 void WriteToStandardError(std::string_view text) noexcept {
-    while (!text.empty()) {
-        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
-        if (written > 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno != EINTR) {
-            return;
-        }
-    }
+    // A reader that stalls holds up one line; the lines after it wait no more until it reads on.
+    static std::atomic<bool> stalls = false;
+    const NoBrokenPipeSignal noSignal;
+    const StandardError errors;
+    stalls = !WriteWithin(stalls ? 0 : kPatienceMilliseconds, errors.Descriptor(), text);
 }
 
 bool OtherThreadsAreGone() noexcept {

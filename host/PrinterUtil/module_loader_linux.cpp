@@ -1,13 +1,13 @@
 #include "host/PrinterUtil/module_loader.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <system_error>
 
 namespace PrinterUtil {
@@ -22,18 +22,33 @@ Dl_info ThisLibrary() {
     return info;
 }
 
-// What the file's header says against it: the system's own message can be misleading there.
-std::string HeaderProblem(const std::filesystem::path& file) {
-    ElfW(Ehdr) header{};
-    std::ifstream(file, std::ios::binary).read(reinterpret_cast<char*>(&header), sizeof header);
-    if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) {
-        return "not a library: ";
+// Reads the file's header, as far as it has one; the system's error number when that fails.
+int ReadHeader(const std::filesystem::path& file, ElfW(Ehdr) & header) {
+    const int opened = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const int error = opened < 0 || read(opened, &header, sizeof header) < 0 ? errno : 0;
+    if (opened >= 0) {
+        close(opened);
     }
+    return error;
+}
+
+bool IsForThisProcessor(const ElfW(Ehdr) & header) {
     const auto* own = static_cast<const ElfW(Ehdr)*>(ThisLibrary().dli_fbase);
-    const bool sameKind = header.e_ident[EI_CLASS] == own->e_ident[EI_CLASS] &&
-                          header.e_ident[EI_DATA] == own->e_ident[EI_DATA] &&
-                          header.e_machine == own->e_machine;
-    return sameKind ? "" : "built for another architecture: ";
+    return header.e_ident[EI_CLASS] == own->e_ident[EI_CLASS] &&
+           header.e_ident[EI_DATA] == own->e_ident[EI_DATA] && header.e_machine == own->e_machine;
+}
+
+// What is wrong with the module itself. Its header is asked first: the system's own message can be
+// misleading there.
+std::string ModuleProblem(const std::filesystem::path& file, const std::string& message) {
+    ElfW(Ehdr) header{};
+    if (const int error = ReadHeader(file, header); error != 0) {
+        return "cannot be read: " + std::generic_category().message(error);
+    }
+    if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) {
+        return "not a library: " + message;
+    }
+    return (IsForThisProcessor(header) ? "" : "built for another architecture: ") + message;
 }
 
 // The system's message starts with the file that it is about: the module, or a library that the
@@ -42,10 +57,8 @@ std::string LoaderProblem(const std::filesystem::path& file) {
     const char* error = dlerror();
     const std::string message = error == nullptr ? "unknown error" : error;
     const std::string about = file.string() + ": ";
-    if (message.starts_with(about)) {
-        return HeaderProblem(file) + message.substr(about.size());
-    }
-    return "it needs another library: " + message;
+    return message.starts_with(about) ? ModuleProblem(file, message.substr(about.size()))
+                                      : "it needs another library: " + message;
 }
 
 }  // namespace

@@ -112,8 +112,10 @@ std::optional<WORD> MachineOf(const std::filesystem::path& path) {
 }
 
 std::string LoaderProblem(DWORD error) {
+    const bool unreadable = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
     const char* hint = error == ERROR_BAD_EXE_FORMAT  ? "not a library: "
                        : error == ERROR_MOD_NOT_FOUND ? "it needs another library: "
+                       : unreadable                   ? "cannot be read: "
                                                       : "";
     return hint + SystemMessage(error);
 }

@@ -6,7 +6,8 @@
 #include "platform/PrinterUtil/VendorDllMgr.h"
 
 // The vendor list behind VendorDllMgr, for applications that choose it or show what is wrong with
-// it. All text is UTF-8. Safe from any thread.
+// it. All text is UTF-8, but for paths on Linux, whose bytes stay as they are. Safe from any
+// thread.
 namespace PrinterUtil {
 
 // From now on the list is this file; an empty path goes back to looking for one.

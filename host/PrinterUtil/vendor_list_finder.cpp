@@ -1,7 +1,10 @@
 #include "host/PrinterUtil/vendor_list_finder.h"
 
+#include <cerrno>
 #include <fstream>
+#include <system_error>
 
+#include "host/PrinterUtil/file_trust.h"
 #include "host/PrinterUtil/module_loader.h"
 #include "host/common/environment.h"
 #include "host/common/paths.h"
@@ -23,32 +26,29 @@ bool IsThere(const fs::path& path) {
     return fs::status(path, failure).type() != fs::file_type::not_found;
 }
 
-// Reads the file, one byte beyond the limit at most; false when that fails.
-bool ReadText(const fs::path& path, std::string& text) {
+// Reads the file, one byte beyond the limit at most; the reason when that fails.
+std::string ReadText(const fs::path& path, std::string& text) {
+    errno = 0;
     std::ifstream file(path, std::ios::binary);
     text.resize(kLargestList + 1);
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    const int error = errno;
     text.resize(static_cast<std::size_t>(file.gcount()));
-    return file.eof() || (file.is_open() && file.good());
+    if (file.eof() || (file.is_open() && file.good())) {
+        return {};
+    }
+    return "cannot be read: " + std::generic_category().message(error);
 }
 
 std::string Read(const fs::path& path, std::string& text) {
-    std::error_code failure;
-    const fs::file_status status = fs::status(path, failure);
-    if (status.type() == fs::file_type::not_found) {
-        return "there is no such file";
+    if (std::string problem = FileProblem(path); !problem.empty()) {
+        return problem;
     }
-    if (failure) {
-        return failure.message();
+    if (std::string problem = FolderProblem(path.parent_path()); !problem.empty()) {
+        return problem;
     }
-    if (status.type() != fs::file_type::regular) {
-        return "not a regular file";
-    }
-    if (const std::string reason = WhyOthersMayChange(path); !reason.empty()) {
-        return "refused: " + reason;
-    }
-    if (!ReadText(path, text)) {
-        return "the file cannot be read";
+    if (std::string problem = ReadText(path, text); !problem.empty()) {
+        return problem;
     }
     if (text.size() > kLargestList) {
         return "the file has more than " + std::to_string(kLargestList) + " bytes";
@@ -66,6 +66,13 @@ FoundList ReadAt(const fs::path& path) {
     return found;
 }
 
+// The user's list, for people.
+std::string UsersList(const fs::path& folder) {
+    return folder.empty() ? "one of the user's (there is no folder for it: " +
+                                std::string(Host::UserConfigurationVariables()) + " unset)"
+                          : Host::PathToUtf8(folder / kFileName);
+}
+
 }  // namespace
 
 FoundList FindVendorList(const fs::path& chosen) {
@@ -75,19 +82,16 @@ FoundList FindVendorList(const fs::path& chosen) {
     if (const fs::path named = Host::PathFromEnvironment(kVariable); !named.empty()) {
         return ReadAt(named);
     }
-    std::string searched;
-    for (const fs::path& folder :
-         {Host::UserConfigurationFolder(), LibraryFolder() / kProductFolder}) {
+    const fs::path users = Host::UserConfigurationFolder();
+    const fs::path beside = LibraryFolder() / kProductFolder;
+    for (const fs::path& folder : {users, beside}) {
         if (!folder.empty() && IsThere(folder / kFileName)) {
             return ReadAt(folder / kFileName);
         }
-        if (!folder.empty()) {
-            searched +=
-                (searched.empty() ? "neither " : " nor ") + Host::PathToUtf8(folder / kFileName);
-        }
     }
     FoundList none;
-    none.problem = "vendor list: none found, " + searched + "; " + kVariable + " can name one";
+    none.problem = "vendor list: none found, neither " + UsersList(users) + " nor " +
+                   Host::PathToUtf8(beside / kFileName) + "; " + kVariable + " can name one";
     return none;
 }
 

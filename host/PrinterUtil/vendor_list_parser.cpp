@@ -1,6 +1,7 @@
 #include "host/PrinterUtil/vendor_list_parser.h"
 
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -93,13 +94,23 @@ std::string ModuleFolder(const Json& list, const std::filesystem::path& listFold
     return Host::PathToUtf8((listFolder / Host::PathFromUtf8(folder)).lexically_normal());
 }
 
+std::string Entry(std::size_t index) {
+    return "vendors[" + std::to_string(index) + "]";
+}
+
 void ReadVendors(const Json& vendors, const std::string& place, VendorListReport& report) {
+    std::map<std::string, std::size_t> entries;
     for (std::size_t index = 0; index < vendors.size(); ++index) {
         try {
-            report.vendors.push_back(Vendor(vendors[index]));
+            VendorInfo vendor = Vendor(vendors[index]);
+            const auto [first, isNew] = entries.emplace(vendor.productId, index);
+            if (!isNew) {
+                throw ListError("\"productId\" is that of " + Entry(first->second) +
+                                " already, which is served");
+            }
+            report.vendors.push_back(std::move(vendor));
         } catch (const ListError& error) {
-            report.problems.push_back(place + ": vendors[" + std::to_string(index) +
-                                      "]: " + error.what());
+            report.problems.push_back(place + ": " + Entry(index) + ": " + error.what());
         }
     }
 }

@@ -42,4 +42,8 @@ std::string_view UserStateVariables() {
     return kStateRule.variables;
 }
 
+std::string_view UserConfigurationVariables() {
+    return kConfigurationRule.variables;
+}
+
 }  // namespace Host

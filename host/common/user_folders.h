@@ -9,7 +9,8 @@ namespace Host {
 std::filesystem::path UserStateFolder();
 std::filesystem::path UserConfigurationFolder();
 
-// Where the system keeps such folders, for a message that says why there is none.
+// The variables that name them, for a message that says why there is none.
 std::string_view UserStateVariables();
+std::string_view UserConfigurationVariables();
 
 }  // namespace Host

@@ -71,6 +71,19 @@ void SetVariable(const std::string& name, const fs::path& value);
 void ClearVariable(const std::string& name);
 void SetUserFolders(const fs::path& state, const fs::path& configuration);
 void LetAnyoneWrite(const fs::path& path);
+// While it lives, this process cannot read the file.
+class Unreadable {
+public:
+    explicit Unreadable(const fs::path& file);
+    ~Unreadable();
+    Unreadable(const Unreadable&) = delete;
+    Unreadable& operator=(const Unreadable&) = delete;
+
+private:
+    [[maybe_unused]] void* handle = nullptr;
+};
+// How the system's reason ends.
+std::string WhyUnreadable();
 // A file that the system takes for a library of another processor.
 std::string LibraryOfAnotherArchitecture();
 // Runs the program and returns its exit status; -1 when it crashed, -2 when it did not end.

@@ -1,9 +1,11 @@
 #include <elf.h>
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <thread>
@@ -41,6 +43,22 @@ void SetUserFolders(const fs::path& state, const fs::path& configuration) {
 
 void LetAnyoneWrite(const fs::path& path) {
     fs::permissions(path, fs::perms::others_write, fs::perm_options::add);
+}
+
+// Root may read everything: it steps back for as long.
+Unreadable::Unreadable(const fs::path& file) {
+    fs::permissions(file, fs::perms::none);
+    if (geteuid() == 0) {
+        EXPECT_EQ(seteuid(12345), 0);
+    }
+}
+
+Unreadable::~Unreadable() {
+    EXPECT_EQ(seteuid(getuid()), 0);
+}
+
+std::string WhyUnreadable() {
+    return "Permission denied";
 }
 
 std::string LibraryOfAnotherArchitecture() {

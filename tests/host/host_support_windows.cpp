@@ -1,4 +1,5 @@
 #include <aclapi.h>
+#include <gtest/gtest.h>
 
 #include <cstring>
 
@@ -60,6 +61,21 @@ void LetAnyoneWrite(const fs::path& path) {
                           widened, nullptr);
     LocalFree(widened);
     LocalFree(descriptor);
+}
+
+// Nobody else may open it.
+Unreadable::Unreadable(const fs::path& file)
+    : handle(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                         FILE_ATTRIBUTE_NORMAL, nullptr)) {
+    EXPECT_NE(handle, INVALID_HANDLE_VALUE);
+}
+
+Unreadable::~Unreadable() {
+    CloseHandle(handle);
+}
+
+std::string WhyUnreadable() {
+    return "(error 32)";
 }
 
 std::string LibraryOfAnotherArchitecture() {

@@ -1,5 +1,10 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <future>
 
 #include "tests/host/host_support.h"
 
@@ -16,6 +21,63 @@ mode_t Mode(const std::filesystem::path& path) {
     struct stat status {};
     EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
     return status.st_mode & 07777;
+}
+
+// A pipe in place of standard error.
+class PipedErrors {
+public:
+    PipedErrors() {
+        EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[1]);
+    }
+    ~PipedErrors() {
+        dup2(before, STDERR_FILENO);
+        close(before);
+        CloseReader();
+    }
+    PipedErrors(const PipedErrors&) = delete;
+    PipedErrors& operator=(const PipedErrors&) = delete;
+
+    void CloseReader() {
+        if (ends[0] >= 0) {
+            close(ends[0]);
+            ends[0] = -1;
+        }
+    }
+    // Fills the pipe; writers on it wait as before.
+    void Fill() {
+        fcntl(STDERR_FILENO, F_SETFL, O_NONBLOCK);
+        while (write(STDERR_FILENO, "x", 1) == 1) {
+        }
+        fcntl(STDERR_FILENO, F_SETFL, 0);
+    }
+    // Takes all that is in the pipe.
+    std::string Drain() {
+        fcntl(ends[0], F_SETFL, O_NONBLOCK);
+        std::string text;
+        char byte = 0;
+        while (read(ends[0], &byte, 1) == 1) {
+            text += byte;
+        }
+        return text;
+    }
+
+private:
+    int before = dup(STDERR_FILENO);
+    int ends[2]{-1, -1};
+};
+
+bool BrokenPipeIsPending() {
+    sigset_t pending;
+    sigpending(&pending);
+    return sigismember(&pending, SIGPIPE) == 1;
+}
+
+bool BrokenPipeIsBlocked() {
+    sigset_t blocked;
+    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    return sigismember(&blocked, SIGPIPE) == 1;
 }
 
 class LogHelperOnLinux : public testing::Test {
@@ -81,6 +143,76 @@ TEST_F(LogHelperOnLinux, DoesNotWaitForAPipeThatNobodyReads) {
     testing::internal::CaptureStderr();
     Log(LOG_LEVEL_ERROR, L"text");
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr(Utf8(pipe)));
+}
+
+TEST_F(LogHelperOnLinux, TakesNoPipeForItsFileThoughSomebodyReadsIt) {
+    const auto pipe = user.Folder() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    settings.filePath = Utf8(pipe);
+    LogHelper::Configure(settings);
+    testing::internal::CaptureStderr();
+    Log(LOG_LEVEL_ERROR, L"text");
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                EndsWith(Utf8(pipe) + ": neither a regular file nor a character device\n"));
+    char byte = 0;
+    EXPECT_EQ(read(reader, &byte, 1), 0) << "nothing was written";
+    close(reader);
+}
+
+TEST_F(LogHelperOnLinux, TakesACharacterDeviceForItsFile) {
+    settings.filePath = "/dev/null";
+    LogHelper::Configure(settings);
+    testing::internal::CaptureStderr();
+    Log(LOG_LEVEL_ERROR, L"text");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(LogHelperOnLinux, RaisesNoSignalWhenTheReaderOfStandardErrorHasGone) {
+    settings.terminal = true;
+    LogHelper::Configure(settings);
+    signal(SIGPIPE, SIG_DFL);
+    PipedErrors errors;
+    errors.CloseReader();
+    Log(LOG_LEVEL_ERROR, L"one");
+    Log(LOG_LEVEL_ERROR, L"two");
+    EXPECT_FALSE(BrokenPipeIsPending());
+    EXPECT_FALSE(BrokenPipeIsBlocked());
+    EXPECT_THAT(Lines(user.LogFile()), ElementsAre(EndsWith(" one"), EndsWith(" two")));
+}
+
+TEST_F(LogHelperOnLinux, LeavesTheProgramTheSignalThatWaitsForIt) {
+    settings.terminal = true;
+    LogHelper::Configure(settings);
+    sigset_t brokenPipe;
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &brokenPipe, nullptr);
+    raise(SIGPIPE);
+    PipedErrors errors;
+    errors.CloseReader();
+    Log(LOG_LEVEL_ERROR, L"text");
+    EXPECT_TRUE(BrokenPipeIsPending());
+    EXPECT_TRUE(BrokenPipeIsBlocked());
+}
+
+TEST_F(LogHelperOnLinux, GoesOnWhenTheReaderOfStandardErrorStalls) {
+    settings.terminal = true;
+    LogHelper::Configure(settings);
+    PipedErrors errors;
+    errors.Fill();
+    auto logged = std::async(std::launch::async, [] {
+        for (int count = 0; count < 100; ++count) {
+            Log(LOG_LEVEL_ERROR, L"lost");
+        }
+    });
+    EXPECT_EQ(logged.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    errors.Drain();
+    logged.wait();
+    Log(LOG_LEVEL_ERROR, L"read");
+    EXPECT_THAT(errors.Drain(), EndsWith(" read\n"));
+    EXPECT_EQ(Lines(user.LogFile()).size(), 101u);
 }
 
 TEST_F(LogHelperOnLinux, StartsANewFileWhenTheFileIsRemoved) {

@@ -110,6 +110,25 @@ TEST_F(ModuleOnLinux, ListOfAnotherUserIsRefused) {
     EXPECT_THAT(Errors(), ElementsAre(HasSubstr("belongs to another user, number 12345")));
 }
 
+TEST_F(ModuleOnLinux, ListBehindALinkIsJudgedByTheFolderThere) {
+    const auto target = user.Folder() / "elsewhere" / "list.json";
+    Write(target, HostTest::ListOf("P"));
+    std::filesystem::remove(ListFile());
+    std::filesystem::create_symlink(target, ListFile());
+    EXPECT_THAT(ProductIds(), ElementsAre("P"));
+    HostTest::LetAnyoneWrite(target.parent_path());
+    EXPECT_THAT(ProductIds(), IsEmpty());
+    EXPECT_THAT(Errors(),
+                ElementsAre(HasSubstr(Utf8(target.parent_path()) + ": anyone may write to it")));
+}
+
+TEST_F(ModuleOnLinux, ListInAFolderWhereEachMayRemoveHisOwnFilesOnlyIsRefused) {
+    WriteList(HostTest::ListOf("P"));
+    ASSERT_EQ(chmod(ListFile().parent_path().c_str(), 01777), 0);
+    EXPECT_THAT(ProductIds(), IsEmpty());
+    EXPECT_THAT(Errors(), ElementsAre(HasSubstr("anyone may write to it")));
+}
+
 TEST_F(ModuleOnLinux, ListThatIsAPipeIsRefusedWithoutWaiting) {
     std::filesystem::remove(ListFile());
     ASSERT_EQ(mkfifo(ListFile().c_str(), 0600), 0);

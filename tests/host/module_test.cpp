@@ -16,6 +16,7 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 class ModuleTest : public HostTest::PrinterUtilTest {
 protected:
@@ -132,6 +133,17 @@ TEST_F(ModuleTest, ThatIsEmptyIsNamed) {
 TEST_F(ModuleTest, ThatIsAFolderIsNamed) {
     std::filesystem::create_directory(File("folder"));
     ExpectRefused("folder", "not a regular file");
+}
+
+TEST_F(ModuleTest, ThatCannotBeReadIsToldFromOneThatIsNoLibrary) {
+    ShipModule("plain_module", ModuleFolder());
+    PrinterUtil::DescribeVendorList();
+    const HostTest::Unreadable unreadable(File("plain_module"));
+    const PrinterUtil::ModuleReport report = PrinterUtil::DescribeModule("plain_module");
+    EXPECT_EQ(report.module, nullptr);
+    EXPECT_THAT(report.problem,
+                AllOf(StartsWith("module " + Utf8(File("plain_module")) + ": cannot be read: "),
+                      EndsWith(HostTest::WhyUnreadable())));
 }
 
 TEST_F(ModuleTest, OfAnotherArchitectureIsNamed) {

@@ -155,10 +155,26 @@ TEST_F(VendorListTest, RefusesAFolderInPlaceOfTheList) {
     ExpectRefused("not a regular file");
 }
 
+TEST_F(VendorListTest, SaysWhyAListCannotBeRead) {
+    WriteList(ListOf("P"));
+    const HostTest::Unreadable unreadable(ListFile());
+    EXPECT_THAT(
+        PrinterUtil::DescribeVendorList().problems,
+        ElementsAre("vendor list " + Utf8(ListFile()) + ": cannot be read: Permission denied"));
+}
+
 TEST_F(VendorListTest, RefusesAListThatAnyoneMayWriteTo) {
     WriteList(ListOf("P"));
     HostTest::LetAnyoneWrite(ListFile());
     ExpectRefused("anyone may write to it");
+}
+
+TEST_F(VendorListTest, RefusesAListInAFolderThatAnyoneMayWriteTo) {
+    WriteList(ListOf("P"));
+    HostTest::LetAnyoneWrite(ListFile().parent_path());
+    ExpectRefused("refused: its folder " + Utf8(ListFile().parent_path()) +
+                  ": anyone may write to it");
+    EXPECT_EQ(PrinterUtil::DescribeModule("plain_module").module, nullptr);
 }
 
 TEST_F(VendorListTest, LeavesOutOnlyTheVendorsWhoseEntriesAreWrong) {
@@ -186,6 +202,22 @@ TEST_F(VendorListTest, LeavesOutOnlyTheVendorsWhoseEntriesAreWrong) {
                                       where("vendors[6]: \"usbIdList\" is not a text but array"),
                                       where("vendors[7]: names no module"),
                                       where("vendors[8]: \"productId\" holds a NUL")));
+}
+
+TEST_F(VendorListTest, ServesTheFirstOfEqualVendorsAndPointsOutTheOthers) {
+    WriteList(R"({"vendors": [
+        {"productId": "A"},
+        {"productId": "A", "vendorName": "first"},
+        {"productId": "B", "vendorName": "v"},
+        {"productId": "a", "vendorName": "v"},
+        {"productId": "A", "vendorName": "second"}]})");
+    EXPECT_THAT(ProductIds(), ElementsAre("A", "B", "a"));
+    EXPECT_EQ(PrinterUtil::DescribeVendorList().vendors[0].vendorName, "first");
+    EXPECT_THAT(PrinterUtil::DescribeVendorList().problems,
+                ElementsAre(HasSubstr("vendors[0]: names no module"),
+                            "vendor list " + Utf8(ListFile()) +
+                                ": vendors[4]: \"productId\" is that of vendors[1] already, which "
+                                "is served"));
 }
 
 TEST_F(VendorListTest, IsReadAnewEachTime) {
@@ -278,4 +310,20 @@ TEST_F(VendorListTest, BesideTheLibraryComesLast) {
     WriteList(ListOf("users"));
     ASSERT_EQ(HostTest::Run(folder / program, {Utf8(output)}), 0);
     EXPECT_THAT(HostTest::Lines(output), ElementsAre("users"));
+}
+
+TEST_F(VendorListTest, IsMissedInOneLineWhereTheUserHasNoFolder) {
+    const auto program = HostTest::ProgramFileName("vendor_list_teller");
+    const auto folder = user.Folder() / "program";
+    const auto output = user.Folder() / "output";
+    HostTest::ShipLibraries(folder);
+    std::filesystem::copy_file(HostTest::ProgramFolder() / program, folder / program);
+    HostTest::SetUserFolders("", "");
+    HostTest::ClearVariable("HOME");
+    ASSERT_EQ(HostTest::Run(folder / program, {Utf8(output)}), 0);
+    const std::string beside = Utf8(folder / "DeviceDiscover" / "vendors.json");
+    EXPECT_THAT(HostTest::Lines(output),
+                ElementsAre(AllOf(
+                    HasSubstr("none found, neither one of the user's (there is no folder for it: "),
+                    HasSubstr(" unset) nor " + beside + "; "))));
 }

@@ -1,7 +1,7 @@
 """The driverless module on a real network: real printers, Avahi and D-Bus in namespaces.
 
 Runs inside scripts/lab-network, on the browsing side. The environment names what is tested:
-SCAN_PROBE, DRIVERLESS_MODULE, LAB_NETWORK.
+DEVICEDISCOVER_PROGRAM, SCAN_PROBE, DRIVERLESS_MODULE, LAB_NETWORK.
 """
 
 import json
@@ -15,6 +15,7 @@ import threading
 import time
 import unittest
 
+PROGRAM = os.environ["DEVICEDISCOVER_PROGRAM"]
 PROBE = os.environ["SCAN_PROBE"]
 MODULE = os.environ["DRIVERLESS_MODULE"]
 LAB = os.environ["LAB_NETWORK"]
@@ -23,6 +24,9 @@ FAKE_PRINTER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "fake_pr
 
 TSAN_OPTIONS = ":".join(
     filter(None, [os.environ.get("TSAN_OPTIONS"), "suppressions=" + SUPPRESSIONS]))
+ENVIRONMENT = {**os.environ, "TSAN_OPTIONS": TSAN_OPTIONS}
+# Nothing but the list beside the library says which vendors there are.
+ENVIRONMENT.pop("DEVICEDISCOVER_VENDORS", None)
 
 # Sanitizers make everything slower; nothing here measures speed.
 PATIENCE = 30
@@ -35,6 +39,15 @@ NO_BUS, NO_AVAHI, NO_NETWORK, BUS_LOST = 2, 3, 4, 6
 
 def lab(*arguments):
     subprocess.run([LAB, *map(str, arguments)], check=True, timeout=60)
+
+
+def serial_of(number):
+    """The serial number of the lab's printer of that number, which is not in its announcement."""
+    return f"LAB{number:04}"
+
+
+def port_of(number):
+    return 8630 + number
 
 
 def text_below(folder):
@@ -50,7 +63,7 @@ class Probe:
         arguments = [PROBE] if through_broker else [PROBE, "--module", MODULE]
         self.process = subprocess.Popen(
             arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-            text=True, env={**os.environ, "TSAN_OPTIONS": TSAN_OPTIONS, **(environment or {})})
+            text=True, env={**ENVIRONMENT, **(environment or {})})
         self.events = queue.Queue()
         self.seen = []
         self.errors = []
@@ -166,6 +179,10 @@ class NetworkTest(unittest.TestCase):
         lab("start-printer", number, *options)
         self.printers.add(number)
 
+    def start_silent_printer(self, number):
+        """One that announces nothing."""
+        self.start_printer(number, "-r", "off")
+
     def stop_printer(self, number):
         lab("stop-printer", number)
         self.printers.discard(number)
@@ -218,14 +235,16 @@ class TwentyPrinters(NetworkTest):
         expected = set()
         for _ in range(10):
             opinion = subprocess.run(
-                ["ippfind", "_ipp._tcp", "-T", "5", "--exec", "echo", "{txt_UUID} {service_port}",
-                 "{txt_ty}", ";"], capture_output=True, text=True, timeout=60, check=True)
+                ["ippfind", "_ipp._tcp", "-T", "5", "--exec", "echo", "{service_port} {txt_ty}",
+                 ";"], capture_output=True, text=True, timeout=60, check=True)
             expected |= set(opinion.stdout.splitlines())
             if len(expected) >= 20:
                 break
         self.assertEqual(len(expected), 20, expected)
-        self.assertEqual(
-            {f"{p['serial']} {p['port']} {p['make_and_model']}" for p in found}, expected)
+        self.assertEqual({f"{p['port']} {p['make_and_model']}" for p in found}, expected)
+        self.assertEqual({(p["serial"], p["port"]) for p in found},
+                         {(serial_of(number), port_of(number)) for number in range(1, 21)},
+                         "each printer was asked over IPP, and answered")
         for printer in found:
             self.assertEqual(printer["model_id"], "driverless")
             self.assertEqual(printer["address"], "10.99.0.1")
@@ -251,11 +270,14 @@ class TwentyPrinters(NetworkTest):
             probe.tell("stop")
         for _ in range(200):
             self.assertEqual(probe.await_event("stopped")["result"], 0)
+        # A start comes back before its thread has reached the module, which may be after the stop.
+        probe.found(1)
+        self.assertEqual(probe.ask("stop"), 0)
         probe.seen.clear()
         probe.start()
         probe.await_printers(2)
-        probe.found(1.5)
-        self.assertEqual(len({p["serial"] for p in probe.found(0)}), 2)
+        found = probe.found(1.5)
+        self.assertEqual(sorted(p["serial"] for p in found), [serial_of(1), serial_of(2)])
         self.assertEqual(probe.ask("stop"), 0)
 
 
@@ -379,6 +401,7 @@ class WithoutServices(NetworkTest):
         probe = self.probe()
         probe.start()
         self.assertNotEqual(probe.await_event("ended", 10 * SLACK)["result"], 0)
+        self.assert_diagnostics(probe, "does not answer")
 
     def test_a_scan_stops_at_once_while_avahi_hangs(self):
         probe = self.probe()
@@ -526,15 +549,25 @@ class PrintersOfAllKinds(NetworkTest):
         self.assertEqual(probe.found(3), [])
 
     def test_a_printer_with_only_ipps_is_asked_over_tls(self):
+        self.start_silent_printer(1)
+        self.fake_printer("Only TLS", port_of(1), "closed", "_ipps._tcp", ["rp=ipp/print"])
+        probe, printer = self.found_one()
+        self.assertEqual((printer["kind"], printer["port"]), (IPPS, port_of(1)))
+        self.assertEqual(printer["serial"], serial_of(1), "it answered")
+        self.assertEqual(printer["make_and_model"], "Acme Laser 1")
+        self.assertEqual(probe.ask("state", printer["serial"]), READY)
+        self.stop_printer(1)
+        self.assertEqual(probe.ask("state", printer["serial"]), NO_ANSWER)
+
+    def test_a_printer_with_another_name_for_ipps_is_one_by_its_uuid(self):
         self.start_printer(1)
         lab("cold")
-        # Another name for it, under which it has no service without TLS.
-        self.fake_printer("Only TLS", 8631, "closed", "_ipps._tcp", ["rp=ipp/print"])
+        self.fake_printer("Only TLS", port_of(1), "closed", "_ipps._tcp", ["rp=ipp/print"])
         probe = self.probe()
         probe.start()
         printers = {p["kind"]: p for p in probe.found(5 * SLACK)}
         self.assertEqual(printers[IPP]["make_and_model"], "Acme Laser 1")
-        self.assertEqual(printers.keys(), {IPP}, "the same printer by its UUID")
+        self.assertEqual(printers.keys(), {IPP})
 
     def assert_reported_from_announcement(self, behaviour, kind="_ipp._tcp", state=NO_ANSWER):
         self.fake_printer("Difficult", 9000, behaviour, kind, ["ty=From TXT", f"UUID={UUID}7"])
@@ -623,6 +656,18 @@ class State(NetworkTest):
         self.assertEqual(stranger.ask("success", "x"), 0)
         self.assertEqual(stranger.ask("failed", "x"), 0)
 
+    def test_an_address_that_nobody_has_is_answered_in_time(self):
+        probe = self.probe()
+        for kind in (IPP, IPPS, PDL_DATASTREAM, LPD):
+            with self.subTest(kind=kind):
+                for field, value in (("serial", "x"), ("address", f"10.99.0.{70 + kind}"),
+                                     ("port", 631), ("kind", kind), ("resource", "/ipp/print")):
+                    probe.tell(f"edit x {field} {value}")
+                probe.tell("state x")
+                event = probe.await_event("state")
+                self.assertEqual(event["result"], NO_ANSWER)
+                self.assertLess(event["took"], 2.2 * SLACK)
+
     def test_a_failed_connection_makes_the_module_forget_the_printer(self):
         probe = self.known()
         probe.tell("edit S1 port 0")
@@ -641,6 +686,92 @@ class State(NetworkTest):
         self.fake_printer("Office", 9005, attributes=["printer-serial-number=S1"])
         self.assertEqual(probe.ask("before", "S1"), 0)
         self.assertEqual(probe.ask("state", "S1"), READY, "at its new port")
+
+
+class Application(NetworkTest):
+    """What a person types, with what they get: the vendor list and the module beside the library."""
+
+    def devicediscover(self, *arguments):
+        return subprocess.run([PROGRAM, *arguments], env=ENVIRONMENT, timeout=60, check=False,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True)
+
+    @staticmethod
+    def seconds(number):
+        return ["--seconds", str(int(number * SLACK))]
+
+    def test_scan_finds_twenty_printers_each_once(self):
+        self.have_printers(20)
+        scan = self.devicediscover("scan", "--json", *self.seconds(4))
+        self.assertEqual((scan.returncode, scan.stderr), (0, ""))
+        printers = [json.loads(line) for line in scan.stdout.splitlines()]
+        self.assertEqual(sorted(printer["serialNumber"] for printer in printers),
+                         [serial_of(number) for number in range(1, 21)])
+        for printer in printers:
+            number = int(printer["serialNumber"].removeprefix("LAB"))
+            self.assertEqual(printer, {
+                "serialNumber": serial_of(number), "makeAndModel": f"Acme Laser {number}",
+                "address": "10.99.0.1", "port": port_of(number), "vendor": "driverless",
+                "resource": "/ipp/print", "service": "ipp"})
+
+    def test_scan_finds_none_where_there_are_none(self):
+        scan = self.devicediscover("scan", "--json", *self.seconds(1))
+        self.assertEqual((scan.returncode, scan.stdout), (1, ""))
+        self.assertIn("no printer found", scan.stderr)
+
+    def test_watch_shows_a_printer_that_appears_later(self):
+        self.have_printers(1)
+        watch = subprocess.Popen([PROGRAM, "scan", "--watch", "--json"], env=ENVIRONMENT, text=True,
+                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+        self.addCleanup(watch.stdout.close)
+        self.addCleanup(watch.wait)
+        self.addCleanup(watch.kill)
+        lines = queue.Queue()
+        threading.Thread(target=Probe._read, args=(watch.stdout, lines.put), daemon=True).start()
+        self.assertEqual(json.loads(lines.get(timeout=PATIENCE))["serialNumber"], serial_of(1))
+        time.sleep(1)
+        self.assertTrue(lines.empty(), "once")
+        self.start_printer(2)
+        self.assertEqual(json.loads(lines.get(timeout=PATIENCE))["serialNumber"], serial_of(2))
+        watch.send_signal(signal.SIGINT)
+        self.assertEqual(watch.wait(PATIENCE), 0)
+        self.assertIsNone(lines.get(timeout=PATIENCE), "nothing but the two")
+
+    def test_state_says_ready_until_the_printer_is_stopped(self):
+        self.have_printers(2)
+        before = self.devicediscover("state", serial_of(1), "--json")
+        self.assertEqual((before.returncode, before.stderr), (0, ""))
+        told = json.loads(before.stdout)
+        self.assertEqual((told["serialNumber"], told["ready"], told["state"]),
+                         (serial_of(1), True, READY))
+        self.stop_printer(1)
+        after = self.devicediscover("state", serial_of(1), *self.seconds(2))
+        self.assertEqual((after.returncode, after.stdout), (1, ""))
+        self.assertIn(f"no printer with the serial number '{serial_of(1)}' was found", after.stderr)
+        self.assertEqual(self.devicediscover("state", serial_of(2)).returncode, 0)
+
+    def test_state_says_that_a_printer_accepts_no_jobs(self):
+        self.fake_printer("Office", 9000, attributes=[
+            "printer-serial-number=S1", "printer-state=5", "printer-is-accepting-jobs=true"])
+        state = self.devicediscover("state", "S1")
+        self.assertEqual((state.returncode, state.stderr), (0, ""))
+        self.assertRegex(state.stdout, r"^S1: not ready \(state 2\)")
+
+    def test_vendors_shows_the_module_bound(self):
+        vendors = self.devicediscover("vendors", "--json")
+        self.assertEqual((vendors.returncode, vendors.stderr), (0, ""))
+        vendor = json.loads(vendors.stdout)
+        beside_library = os.path.join(os.path.dirname(PROGRAM), "DeviceDiscover")
+        self.assertEqual(vendor["productId"], "driverless")
+        self.assertEqual(vendor["vendorList"], os.path.join(beside_library, "vendors.json"))
+        scan = next(module for module in vendor["modules"] if module["use"] == "scan")
+        self.assertEqual(scan["path"], os.path.join(beside_library, "modules", "driverless_scan.so"))
+        self.assertEqual((scan["loaded"], scan["problem"]), (True, None))
+        self.assertEqual(scan["entryPoints"], {name: "bound" for name in (
+            "StartDeviceScan", "StopDeviceScan", "GetDeviceConnectState",
+            "BeforeConnectEventNotify", "ConnectSuccessNotifyEvent", "ConnectFailNotifyEvent")})
+        text = self.devicediscover("vendors")
+        self.assertEqual(text.returncode, 0)
+        self.assertEqual(len(re.findall(r"^ +\w+ +bound$", text.stdout, re.MULTILINE)), 6)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,97 @@
+"""What the benchmarks' report makes of complete, bad and missing measurements."""
+
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+REPORT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "bench", "report.py")
+VENDORS = (1, 10, 100, 1000)
+
+ALL_MET, SOME_MISSED, UNUSABLE = 0, 1, 3
+
+
+class Report(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="report-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.times = {
+            "facade": {"Facade": 100, "FacadeByHand": 200, "FacadeFloor": 90},
+            "relay": {"RelayedDevice/real_time/threads:1": 100,
+                      "RelayedDevice/real_time/threads:2": 50,
+                      "RelayedDeviceFloor/real_time/threads:1": 90},
+            "binding": {f"{what}/{vendors}/real_time": 100
+                        for what in ("Binding", "BindingByHand") for vendors in VENDORS}}
+        self.race = {tool: {"first": 1.0, "all": 1.0, "memory": 1024}
+                     for tool in ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")}
+        self.race["ippfind"].update(first=10.0, all=10.0)
+
+    def report(self):
+        for program, times in self.times.items():
+            self.write(program, {"benchmarks": [
+                dict(run_name=name, aggregate_name=aggregate, cpu_time=time, real_time=time)
+                for name, median in times.items()
+                for aggregate, time in (("mean", 10 * median), ("median", median))]})
+        if self.race is not None:
+            self.write("race", self.race)
+        return subprocess.run([REPORT, self.folder], capture_output=True, text=True, timeout=60)
+
+    def write(self, name, content):
+        with open(os.path.join(self.folder, name + ".json"), "w", encoding="utf-8") as file:
+            json.dump(content, file)
+
+    def expect_unusable(self, result, *words):
+        self.assertEqual(result.returncode, UNUSABLE, result.stdout + result.stderr)
+        self.assertEqual(result.stdout, "")
+        self.assertEqual(len(result.stderr.splitlines()), 1, result.stderr)
+        for word in words:
+            self.assertIn(word, result.stderr)
+
+    def test_targets_that_are_met_are_ok(self):
+        result = self.report()
+        self.assertEqual(result.returncode, ALL_MET, result.stderr)
+        verdicts = [line.split()[-1] for line in result.stdout.split("\n\n")[1].splitlines()]
+        self.assertEqual(verdicts, ["ok"] * 12)
+
+    def test_a_missed_target_is_over(self):
+        self.times["facade"]["Facade"] = 141
+        result = self.report()
+        self.assertEqual(result.returncode, SOME_MISSED)
+        self.assertRegex(result.stdout, r"facade / by hand +0\.70 +at most 0\.70  over\n")
+        self.assertRegex(result.stdout, r"facade / floor +1\.57 +at most 1\.60  ok\n")
+
+    def test_a_missing_median_is_named(self):
+        del self.times["binding"]["BindingByHand/100/real_time"]
+        self.expect_unusable(self.report(), "the median of BindingByHand/100/real_time is missing")
+
+    def test_a_median_that_is_no_time_is_named(self):
+        self.times["facade"]["FacadeFloor"] = 0
+        self.expect_unusable(self.report(), "the median of FacadeFloor: cpu_time is 0")
+
+    def test_a_missing_file_is_named(self):
+        del self.times["relay"]
+        self.expect_unusable(self.report(), "relay.json")
+
+    def test_a_tool_that_is_missing_from_the_scan_is_named(self):
+        del self.race["ippfind"]
+        self.expect_unusable(self.report(), "race.json", "'ippfind' is missing")
+
+    def test_a_moment_that_was_not_measured_is_named(self):
+        self.race["avahi-browse"]["all"] = None
+        self.expect_unusable(self.report(), "race.json", "'all' of avahi-browse is None")
+
+    def test_targets_that_were_left_out_are_named(self):
+        self.race = None
+        result = self.report()
+        self.assertEqual(result.returncode, ALL_MET, result.stderr)
+        rows = [line for line in result.stdout.splitlines() if line.endswith("  left out")]
+        self.assertEqual([row.split("  ")[0] for row in rows],
+                         [f"scan to {what} / {rival}" for rival in ("avahi-browse", "ippfind")
+                          for what in ("the first printer", "all 20 printers")])
+        self.assertEqual(result.stdout.count("  ok\n"), 8)
+
+
+if __name__ == "__main__":
+    unittest.main()
