@@ -39,11 +39,6 @@ int CallFacade() {
     return DiscoverScanInterface::GetInstance().GetDeviceConnectState(device);
 }
 
-void MakeEmptyLine() {
-    std::wstringstream line;
-    benchmark::DoNotOptimize(&line);
-}
-
 void Facade(benchmark::State& state) {
     for (auto _ : state) {
         benchmark::DoNotOptimize(CallFacade());
@@ -60,10 +55,10 @@ BENCHMARK(FacadeByHand);
 
 void FacadeFloor(benchmark::State& state) {
     for (auto _ : state) {
-        MakeEmptyLine();
-        MakeEmptyLine();
+        Bench::MakeEmptyLine();
+        Bench::MakeEmptyLine();
         benchmark::DoNotOptimize(vendorFunction(&vendorDevice));
-        MakeEmptyLine();
+        Bench::MakeEmptyLine();
     }
 }
 BENCHMARK(FacadeFloor);

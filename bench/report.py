@@ -11,6 +11,7 @@ import os
 import sys
 
 VENDORS = (1, 10, 100, 1000)
+CHOICES = (1, 10, 100)
 TOOLS = ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")
 
 
@@ -24,10 +25,12 @@ class Figures:
     def __init__(self, folder):
         self.folder = folder
         self.medians = {}
-        for program in ("facade", "relay", "binding"):
-            for run in self.part(self.read(program), program, "benchmarks"):
-                if run.get("aggregate_name") == "median":
-                    self.medians[self.part(run, program, "run_name")] = run
+        for program in ("facade", "relay", "binding", "access_point", "ping"):
+            self.medians.update(self.medians_of(program))
+        for vendors in CHOICES:
+            program = f"choice_{vendors}"
+            self.medians.update({f"{name}/{vendors}": run
+                                 for name, run in self.medians_of(program).items()})
         self.race = self.read("race") if os.path.exists(self.path("race")) else None
 
     def path(self, name):
@@ -45,6 +48,11 @@ class Figures:
             return results[name]
         except (KeyError, TypeError) as problem:
             raise Unusable(f"{self.path(program)}: {name!r} is missing") from problem
+
+    def medians_of(self, program):
+        return {self.part(run, program, "run_name"): run
+                for run in self.part(self.read(program), program, "benchmarks")
+                if run.get("aggregate_name") == "median"}
 
     def median(self, name, clock):
         if name not in self.medians:
@@ -95,6 +103,15 @@ def measured(figures):
     for vendors in VENDORS:
         yield f"binding: {vendors} vendors", nanoseconds(cpu(binding("Binding", vendors)))
         yield "  the same by hand", nanoseconds(cpu(binding("BindingByHand", vendors)))
+    yield "access point: one IsLocalAreaNetworkOK", nanoseconds(cpu("LocalNetwork"))
+    yield "  the same lines and call by hand", nanoseconds(cpu("LocalNetworkByHand"))
+    yield "  floor: three empty streams and the call", nanoseconds(cpu("LocalNetworkFloor"))
+    yield "access point: one relayed network", nanoseconds(cpu("RelayedNetwork"))
+    yield "  the same lines and callback by hand", nanoseconds(cpu("RelayedNetworkByHand"))
+    yield "  floor: four empty streams, one copy, the callback", nanoseconds(cpu("RelayedNetworkFloor"))
+    for vendors in CHOICES:
+        yield f"access point: the vendor among {vendors}", nanoseconds(cpu(f"Choice/{vendors}"))
+        yield "  the same by hand", nanoseconds(cpu(f"ChoiceByHand/{vendors}"))
     for tool in TOOLS if figures.race else ():
         first, last, memory = (figures.scan(tool, what) for what in ("first", "all", "memory"))
         yield (f"scan, 20 printers: {tool}",
@@ -113,6 +130,16 @@ def targets(figures):
     for vendors in VENDORS:
         ratio = cpu(binding("Binding", vendors)) / cpu(binding("BindingByHand", vendors))
         yield f"binding {vendors} / by hand", ratio, 1.10, False
+    for what, name in (("facade", "LocalNetwork"), ("relayed network", "RelayedNetwork")):
+        yield f"access point: {what} / by hand", cpu(name) / cpu(name + "ByHand"), 0.70, False
+        yield f"access point: {what} / floor", cpu(name) / cpu(name + "Floor"), 1.60, False
+    for vendors in CHOICES:
+        ratio = cpu(f"Choice/{vendors}") / cpu(f"ChoiceByHand/{vendors}")
+        yield f"access point: vendor among {vendors} / by hand", ratio, 1.15, False
+    silent = real("SilentAddress/real_time")
+    yield "ping of a silent address, ms", silent, 300, True
+    yield "ping of a silent address, ms", silent, 330, False
+    yield "ping of loopback, ms", real("Loopback/real_time"), 1, False
     for rival, limit in (("avahi-browse", 1.50), ("ippfind", 0.30)):
         for moment, what in (("first", "the first printer"), ("all", "all 20 printers")):
             ratio = None

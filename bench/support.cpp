@@ -31,6 +31,10 @@ std::string VendorModule() {
     return BENCH_VENDOR;
 }
 
+std::string VendorModuleElsewhere() {
+    return BENCH_VENDOR_ELSEWHERE;
+}
+
 VendorInfo Vendor(const std::string& productId, const std::string& path) {
     VendorInfo vendor;
     vendor.productId = productId;
@@ -61,6 +65,11 @@ PrinterDeviceDiscoverSdk::DeviceInfo ExampleDevice() {
     Fill(device.extra2, "192.168.178.123");
     Fill(device.extra3, "ipp/print");
     return device;
+}
+
+void MakeEmptyLine() {
+    std::wstringstream line;
+    benchmark::DoNotOptimize(&line);
 }
 
 void RequireSameLines(const std::function<void()>& one, const std::function<void()>& other) {

@@ -17,6 +17,9 @@ namespace Bench {
 // The file of the vendor module that all of them use.
 std::string VendorModule();
 
+// The same module, but for its answer: the host is not joined to its access point.
+std::string VendorModuleElsewhere();
+
 // A vendor named `productId` whose scan module is the file at `path`.
 VendorInfo Vendor(const std::string& productId, const std::string& path);
 
@@ -36,6 +39,9 @@ void LogByHand(LOG_MESSAGE_LEVEL level, const char* function, const char* messag
     line << L"(" << function << L")";
     KzLogger::GetInstance().Log(level, line);
 }
+
+// What everything that logs pays for one line: an empty stream, made and destroyed.
+void MakeEmptyLine();
 
 // Throws unless both write the same lines: then what is compared does the same work.
 void RequireSameLines(const std::function<void()>& one, const std::function<void()>& other);

@@ -1,5 +1,7 @@
 #include "records/log_line.h"
 
+#include <charconv>
+#include <cmath>
 #include <iterator>
 #include <new>
 #include <string>
@@ -13,6 +15,25 @@ namespace {
 
 // What the stream takes before it has to grow: more than nearly every line needs.
 constexpr std::size_t kRoom = 250;
+
+// The digits that a stream writes for `value` in the classic locale, in `room`. A stream takes
+// several times as long to write them itself. Empty for what it has to write.
+template <std::size_t Size, class Number>
+std::string_view Digits(Number value, char (&room)[Size]) {
+    const auto [end, error] = std::to_chars(room, room + Size, value);
+    return {room, error == std::errc() ? static_cast<std::size_t>(end - room) : 0};
+}
+
+template <std::size_t Size>
+std::string_view Digits(float value, char (&room)[Size]) {
+    if (!std::isfinite(value)) {
+        return {};
+    }
+    constexpr int streamPrecision = 6;
+    const auto [end, error] = std::to_chars(room, room + Size, static_cast<double>(value),
+                                            std::chars_format::general, streamPrecision);
+    return {room, error == std::errc() ? static_cast<std::size_t>(end - room) : 0};
+}
 
 // One line in the making. Text is gathered in wide form and reaches the stream in one piece: an
 // insertion costs more than the text in it. What goes wrong on the way stays in the stream's state,
@@ -53,8 +74,15 @@ public:
 
     template <class Number>
     void Add(Number value) {
-        Flush();
-        stream << value;
+        char room[32];
+        const std::string_view digits =
+            widen.IsClassic() ? Digits(value, room) : std::string_view();
+        if (digits.empty()) {
+            Flush();
+            stream << value;
+        } else {
+            Add(digits);
+        }
     }
 
     std::wstringstream& Finish() {

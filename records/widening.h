@@ -20,6 +20,9 @@ public:
         return locale == std::locale::classic() ? classic : Widening(locale, Ascii::Unknown);
     }
 
+    // Whether the locale is the classic one, in which ASCII stays what it is.
+    bool IsClassic() const { return keepsAscii; }
+
     // Writes as many characters to `wide` as `narrow` has. True when all are ASCII, as they were.
     bool operator()(std::string_view narrow, wchar_t* wide) const {
         const char* from = narrow.data();

@@ -1,4 +1,5 @@
-// A vendor with every scan entry point, each doing as little as can be.
+// A vendor with the entry points that are measured, each doing as little as can be. BENCH_CONNECTED
+// is what it says when asked whether the host is joined to its access point; 0 is yes.
 
 #include "VendorSdk/entry_points.h"
 
@@ -8,6 +9,12 @@ VENDORSDK_EXPORT(GetDeviceConnectState);
 VENDORSDK_EXPORT(BeforeConnectEventNotify);
 VENDORSDK_EXPORT(ConnectSuccessNotifyEvent);
 VENDORSDK_EXPORT(ConnectFailNotifyEvent);
+VENDORSDK_EXPORT(StartAPWifiScan);
+VENDORSDK_EXPORT(StopAPWifiScan);
+VENDORSDK_EXPORT(PrinterAPNetConfigEvent);
+VENDORSDK_EXPORT(IsLocalAreaNetworkOK);
+VENDORSDK_EXPORT(GetDeviceInfoByNet);
+VENDORSDK_EXPORT(IsConnectCurrentWifiAP);
 
 int StartDeviceScan(VendorSdk::DeviceCallbackInfo*) {
     return 0;
@@ -31,4 +38,29 @@ int ConnectSuccessNotifyEvent(const VendorSdk::DeviceInfo*) {
 
 int ConnectFailNotifyEvent(const VendorSdk::DeviceInfo*) {
     return 0;
+}
+
+int StartAPWifiScan(VendorSdk::WifiCallbackInfo*) {
+    return 0;
+}
+
+int StopAPWifiScan() {
+    return 0;
+}
+
+int PrinterAPNetConfigEvent(VendorSdk::WifiConfigInfo*) {
+    return 0;
+}
+
+int IsLocalAreaNetworkOK(VendorSdk::DeviceInfo*) {
+    return 0;
+}
+
+int GetDeviceInfoByNet(VendorSdk::DeviceInfo* device) {
+    *device = {};
+    return 0;
+}
+
+int IsConnectCurrentWifiAP() {
+    return BENCH_CONNECTED;
 }

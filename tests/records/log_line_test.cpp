@@ -1,6 +1,10 @@
 #include "records/log_line.h"
 
+#include <cstring>
+#include <limits>
 #include <locale>
+#include <random>
+#include <sstream>
 
 #include "tests/support/broker_test.h"
 
@@ -53,6 +57,71 @@ TEST_F(LogLineTest, HasNumbersInFull) {
     EXPECT_EQ(Logged(std::uint64_t{18446744073709551615u}), Expected("18446744073709551615"));
     EXPECT_EQ(Logged(-61.0f), Expected("-61"));
     EXPECT_EQ(Logged(0.1f), Expected("0.1"));
+}
+
+// What a fresh stream makes of a number.
+template <class Number>
+std::string Streamed(Number value) {
+    std::wostringstream stream;
+    stream << value;
+    return LineText({1, stream.str(), {}}).substr(2);
+}
+
+TEST_F(LogLineTest, HasNumbersAsAStreamWritesThem) {
+    using Limits = std::numeric_limits<float>;
+    for (const float value : {0.0f,
+                              -0.0f,
+                              0.1f,
+                              1e-4f,
+                              1e-5f,
+                              99999.95f,
+                              100000.0f,
+                              123456.7f,
+                              999999.5f,
+                              1e6f,
+                              1e10f,
+                              -1e-10f,
+                              Limits::min(),
+                              Limits::max(),
+                              Limits::lowest(),
+                              Limits::denorm_min(),
+                              Limits::infinity(),
+                              -Limits::infinity(),
+                              Limits::quiet_NaN(),
+                              -Limits::quiet_NaN()}) {
+        EXPECT_EQ(Logged(value), Expected(Streamed(value)));
+    }
+    std::mt19937 random(1);
+    for (int round = 0; round < 5000; ++round) {
+        const auto bits = static_cast<std::uint32_t>(random());
+        float value = 0;
+        std::memcpy(&value, &bits, sizeof value);
+        ASSERT_EQ(Logged(value), Expected(Streamed(value))) << std::hex << bits;
+        const auto whole = static_cast<std::int32_t>(bits);
+        ASSERT_EQ(Logged(whole), Expected(Streamed(whole)));
+    }
+}
+
+// A locale with a decimal comma that groups digits.
+class Grouping : public std::numpunct<wchar_t> {
+    wchar_t do_decimal_point() const override { return L','; }
+    wchar_t do_thousands_sep() const override { return L'.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST_F(LogLineTest, HasNumbersAsTheProgramsLocaleWritesThem) {
+    std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    EXPECT_EQ(Logged(-61.5f), Expected("-61,5"));
+    EXPECT_EQ(Logged(std::int32_t{1234567}), Expected("1.234.567"));
+}
+
+TEST_F(LogLineTest, HasWideTextAsItIs) {
+    EXPECT_EQ(Logged(std::wstring_view(L"A1"), std::int32_t{5}), Expected("A15"));
+    EXPECT_EQ(Logged(std::wstring_view(L"\x20AC")), Expected("<20ac>"));
+    const std::wstring wide(600, L'w');
+    EXPECT_EQ(Logged(std::wstring_view(wide)), Expected(std::string(600, 'w')));
+    Broker::Log(LOG_LEVEL_DEBUG, kHere, L"message");
+    EXPECT_THAT(TakeLines(), ElementsAre(Expected("")));
 }
 
 TEST_F(LogLineTest, HasLongTextsInFull) {
