@@ -15,7 +15,8 @@ void EndInTheMiddle(const std::string& pace) {
                           << "repeat 0\n"
                              "until-stopped\n"
                              "device \"A1B2C3\" \"alpha\" \"one\" \"two\" \"three\" 1 2\n"
-                             "device \"D4E5F6\" \"beta\" \"one\" \"two\" \"three\" 3 4\n";
+                             "device \"D4E5F6\" \"beta\" \"one\" \"two\" \"three\" 3 4\n"
+                             "network -50 \"office\" \"\"\n";
     Process::SetEnvironment("SCRIPTED_VENDOR_SCRIPT", script);
     // The thread sanitizer otherwise waits a second at every end.
     const char* const options = std::getenv("TSAN_OPTIONS");

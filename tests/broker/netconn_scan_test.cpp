@@ -81,7 +81,7 @@ TEST_F(StartAPWifiScanTest, WithoutACallbackLeavesTheNullRegistrationInPlace) {
     ASSERT_EQ(dispatcher.StartAPWifiScan({nullptr, 5}), -3);
     EXPECT_FALSE(NetConnInterfaceListener::GetInstance().GetDeviceCallbackIsEnable());
     const VendorSdk::WifiConfigInfo network = VendorNetworkOf("office");
-    EXPECT_EQ(ScriptedModule("scripted_all").ReportNow(&network), 0);
+    EXPECT_EQ(ScriptedModule("scripted_all").ReportNetworkNow(&network), 0);
     EXPECT_THAT(Application::NetworkReports(), IsEmpty());
 }
 
@@ -113,7 +113,7 @@ TEST_F(StartAPWifiScanTest, DuringAScanStartsASecondAndReplacesTheRegistration) 
     ASSERT_EQ(dispatcher.StartAPWifiScan({Application::OnOtherNetwork, 2}), 0);
     alpha.AwaitRunningScans(2);
     const VendorSdk::WifiConfigInfo network = VendorNetworkOf("office");
-    alpha.ReportNow(&network);
+    alpha.ReportNetworkNow(&network);
     EXPECT_THAT(Application::NetworkReports(), IsEmpty());
     EXPECT_THAT(Application::OtherNetworkReports(), SizeIs(1));
     dispatcher.StopAPWifiScan();

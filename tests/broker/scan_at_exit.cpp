@@ -1,5 +1,5 @@
-// scan_at_exit [MILLISECONDS]: ends while scans run in three modules, each with the threads that
-// its script gives it.
+// scan_at_exit [MILLISECONDS]: ends while scans of printers run in three modules and scans of Wi-Fi
+// networks in one of them, each with the threads that its script gives it.
 //
 // The modules stay mapped when they are released, as the application's own library keeps them: the
 // threads run on while the process ends, and without that the system would unmap the code they run
@@ -17,10 +17,16 @@
 namespace {
 
 std::atomic<long> received{0};
+std::atomic<long> networks{0};
 
 int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
     ++received;
     return device->modelID[0];
+}
+
+int OnNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network) {
+    ++networks;
+    return network->ssid[0];
 }
 
 }  // namespace
@@ -37,9 +43,13 @@ int main(int count, char** arguments) {
                 {OnDevice, 1}) != 0) {
             return 3;
         }
+        if (PrinterDeviceDiscoverSdk::DiscoverNetConnInterface::GetInstance().StartAPWifiScan(
+                {OnNetwork, 1}) != 0) {
+            return 5;
+        }
     }
     // The process ends in the middle: the vendors are at it.
-    for (int patience = 0; received < 10; ++patience) {
+    for (int patience = 0; received < 10 || networks < 10; ++patience) {
         if (patience == 30000) {
             return 4;
         }

@@ -19,7 +19,7 @@ public:
     void Unblock(const char* entryPoint) const { control->Unblock(entryPoint); }
     int ReportNow(const VendorSdk::DeviceInfo* device) const { return control->ReportNow(device); }
 
-    int ReportNow(const VendorSdk::WifiConfigInfo* network) const {
+    int ReportNetworkNow(const VendorSdk::WifiConfigInfo* network) const {
         return control->ReportNetworkNow(network);
     }
 
