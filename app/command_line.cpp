@@ -2,63 +2,26 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <functional>
 #include <sstream>
 
+#include "app/ap_command.h"
+#include "app/cancellation.h"
+#include "app/command_help.h"
 #include "app/console.h"
 #include "app/messages.h"
+#include "app/network.h"
+#include "app/ping_command.h"
+#include "app/problem.h"
 #include "app/scan_command.h"
+#include "app/setup_command.h"
 #include "app/state_command.h"
 #include "app/vendors_command.h"
+#include "app/wifi_command.h"
 
 namespace App {
 
 namespace {
-
-constexpr const char* kExitStatuses =
-    "Exit status: 0 found, 1 none found, 2 wrong arguments, 3 could not run.";
-
-constexpr const char* kExamples = R"(Examples:
-  devicediscover scan                     look for printers for 5 seconds
-  devicediscover scan --json --watch      one JSON object a line, until Ctrl-C
-  devicediscover state CN12345678         would that printer take a job?
-  devicediscover vendors                  what can each vendor's modules do?
-`devicediscover COMMAND --help` has more on each command.
-
-)";
-
-constexpr const char* kScanExamples = R"(Examples:
-  devicediscover scan                     a live table for 5 seconds
-  devicediscover scan --seconds 30        give slow printers more time
-  devicediscover scan --watch             until Ctrl-C
-  devicediscover scan --json | jq .address
-  devicediscover scan --vendors ./vendors.json --log-level debug
-
-On a terminal the printers stand in a table that is drawn anew as the scan goes
-on. Elsewhere each is a line, written when it is found: serial number, make and
-model, address, port and vendor, separated by tabs. Ctrl-C stops the scan
-properly; a second one ends the program at once.
-
-)";
-
-constexpr const char* kStateExamples = R"(Examples:
-  devicediscover state CN12345678         look for it, then ask its vendor
-  devicediscover state CN12345678 --seconds 30 --json
-
-The exit status is 0 when the printer was found, whatever its state.
-
-)";
-
-constexpr const char* kVendorsExamples = R"(Examples:
-  devicediscover vendors
-  devicediscover vendors --vendors ./vendors.json
-  devicediscover vendors --json | jq '.modules[].problem'
-
-Without --vendors the list is the one that the environment variable
-DEVICEDISCOVER_VENDORS names, else vendors.json in your configuration folder,
-else the one beside the library. The exit status is 0 when at least one module
-can be loaded.
-
-)";
 
 constexpr double kShortest = 0.1;
 constexpr double kLongest = 86400;
@@ -74,14 +37,21 @@ std::string CheckSeconds(const std::string& text) {
     return "'" + text + "' is not a number from 0.1 to 86400";
 }
 
-void AddSeconds(CLI::App& command, std::chrono::duration<double>& time, const std::string& use) {
+void AddSeconds(CLI::App& command, const std::string& name, std::chrono::duration<double>& time,
+                const std::string& use) {
+    std::ostringstream description;
+    description << use << ", from 0.1 to 86400 (default " << time.count() << ")";
     command
         .add_option_function<double>(
-            "--seconds",
-            [&time](const double& seconds) { time = std::chrono::duration<double>(seconds); },
-            use + ", from 0.1 to 86400 (default 5)")
+            name, [&time](const double& seconds) { time = std::chrono::duration<double>(seconds); },
+            description.str())
         ->type_name("N")
         ->check(CheckSeconds);
+}
+
+void AddScanOptions(CLI::App& command, ScanOptions& options) {
+    AddSeconds(command, "--seconds", options.time, "How long to look");
+    command.add_flag("--watch", options.watch, "Look until Ctrl-C")->excludes("--seconds");
 }
 
 // An empty name is most often a variable of the shell that is not set.
@@ -110,61 +80,235 @@ void AddSettings(CLI::App& command, Settings& settings) {
         ->check(CheckFileName);
 }
 
-CLI::App& AddCommand(CLI::App& app, const std::string& name, const std::string& description,
-                     const std::string& examples, Settings& settings) {
-    CLI::App& command = *app.add_subcommand(name, description);
-    command.footer(examples + kExitStatuses);
-    AddSettings(command, settings);
-    return command;
+void AddNetworkName(CLI::App& command, const std::string& option, std::string& name,
+                    const std::string& use) {
+    command.add_option(option, name, use)->type_name("NAME")->check(CheckNetworkName);
+}
+
+void AddPassPhrase(CLI::App& command, PassPhraseOptions& options) {
+    CLI::Option* const file =
+        command
+            .add_option("--pass-phrase-file", options.file,
+                        "Read the pass phrase from this file;\n-: from standard input")
+            ->type_name("FILE")
+            ->check(CheckFileName);
+    command.add_flag("--open", options.open, "The network has no pass phrase")->excludes(file);
+}
+
+// What a user might have meant as a pass phrase is not repeated.
+bool TakesPassPhrase(const CLI::App& command) {
+    return command.get_option_no_throw("--pass-phrase-file") != nullptr;
+}
+
+// The commands of the program, and what each does.
+class Commands {
+public:
+    Commands(CLI::App& application, Settings& appSettings)
+        : app(application), settings(appSettings) {}
+
+    CLI::App& Group(const std::string& name, const std::string& description, const char* help) {
+        CLI::App& group = *app.add_subcommand(name, description);
+        group.require_subcommand(1);
+        group.footer(std::string(help) + Help::kExitStatuses);
+        return group;
+    }
+
+    CLI::App& Add(CLI::App& parent, const std::string& name, const std::string& description,
+                  const std::string& help, std::function<ExitStatus()> run) {
+        CLI::App& command = *parent.add_subcommand(name, description);
+        command.footer(help);
+        AddSettings(command, settings);
+        commands.emplace_back(&command, std::move(run));
+        return command;
+    }
+
+    // Runs the command that was named.
+    ExitStatus Run() const {
+        const auto chosen = std::find_if(commands.begin(), commands.end(), [](const auto& command) {
+            return command.first->parsed();
+        });
+        return chosen->second();
+    }
+
+private:
+    CLI::App& app;
+    Settings& settings;
+    std::vector<std::pair<CLI::App*, std::function<ExitStatus()>>> commands;
+};
+
+std::string WithStatuses(const char* help) {
+    return std::string(help) + Help::kExitStatuses;
+}
+
+struct Options {
+    Settings settings;
+    ScanOptions scan;
+    StateOptions state;
+    SetupOptions setup;
+    ScanOptions networkScan;
+    CheckOptions check;
+    PassPhraseOptions passPhrase;
+    std::string network;
+    std::string address;
+};
+
+void AddPrinterCommands(CLI::App& app, Commands& commands, Options& all) {
+    AddScanOptions(
+        commands.Add(app, "scan", "Look for printers and show them as they are found.",
+                     WithStatuses(Help::kScan), [&] { return Scan(all.settings, all.scan); }),
+        all.scan);
+
+    CLI::App& state = commands.Add(
+        app, "state", "Find one printer and ask its vendor whether it would take a job.",
+        WithStatuses(Help::kState), [&] { return State(all.settings, all.state); });
+    state.add_option("SERIAL", all.state.serialNumber, "The printer's serial number")->required();
+    AddSeconds(state, "--seconds", all.state.time, "How long to look for it");
+
+    commands.Add(app, "vendors", "Show each supported vendor, its modules and their entry points.",
+                 WithStatuses(Help::kVendors), [&] { return Vendors(all.settings); });
+}
+
+void AddWifiCommands(CLI::App& app, Commands& commands, Options& all) {
+    CLI::App& wifi = commands.Group("wifi", "This computer's own Wi-Fi.", Help::kWifi);
+    commands.Add(wifi, "list", "Show the networks in range.", WithStatuses(Help::kWifiList),
+                 [&] { return WifiList(all.settings); });
+    commands.Add(wifi, "offer", "Show the networks that a printer can be put on.",
+                 WithStatuses(Help::kWifiOffer), [&] { return WifiOffer(all.settings); });
+    commands.Add(wifi, "current", "Show the network that this computer is joined to.",
+                 WithStatuses(Help::kWifiCurrent), [&] { return WifiCurrent(all.settings); });
+    CLI::App& join =
+        commands.Add(wifi, "join", "Join this computer to a network.",
+                     std::string(Help::kWifiJoin) + Help::kPassPhrase + Help::kExitStatuses,
+                     [&] { return WifiJoin(all.settings, all.network, all.passPhrase); });
+    AddNetworkName(join, "NAME", all.network, "The network's name");
+    join.get_option("NAME")->required();
+    AddPassPhrase(join, all.passPhrase);
+
+    CLI::App& ping =
+        commands.Add(app, "ping", "Ask whether a printer answers at an address.",
+                     WithStatuses(Help::kPing), [&] { return Ping(all.settings, all.address); });
+    ping.add_option("ADDRESS", all.address, "Its IPv4 address, such as 192.168.1.20")
+        ->required()
+        ->check(CLI::ValidIPV4);
+}
+
+void AddAccessPointCommands(Commands& commands, Options& all) {
+    CLI::App& ap = commands.Group(
+        "ap", "A new printer through its own Wi-Fi network, which this computer is joined to.",
+        Help::kAp);
+    AddScanOptions(commands.Add(ap, "scan", "Show the networks that the printer can be put on.",
+                                WithStatuses(Help::kApScan),
+                                [&] { return AccessPointScan(all.settings, all.networkScan); }),
+                   all.networkScan);
+    CLI::App& configure = commands.Add(
+        ap, "configure", "Put the printer on a network.",
+        std::string(Help::kApConfigure) + Help::kPassPhrase + Help::kExitStatuses,
+        [&] { return AccessPointConfigure(all.settings, all.network, all.passPhrase); });
+    AddNetworkName(configure, "--network", all.network, "The network's name");
+    configure.get_option("--network")->required();
+    AddPassPhrase(configure, all.passPhrase);
+    commands.Add(ap, "info", "Show the printer.", WithStatuses(Help::kApInfo),
+                 [&] { return AccessPointInfo(all.settings); });
+    CLI::App& check = commands.Add(ap, "check", "Ask whether a printer is on the local network.",
+                                   WithStatuses(Help::kApCheck),
+                                   [&] { return AccessPointCheck(all.settings, all.check); });
+    CLI::Option* const serial =
+        check.add_option("SERIAL", all.check.serialNumber, "The printer's serial number");
+    check.add_option("--vendor", all.check.vendor, "Its vendor's productId")
+        ->type_name("ID")
+        ->needs(serial);
+}
+
+void AddSetupCommand(CLI::App& app, Commands& commands, Options& all) {
+    CLI::App& setup =
+        commands.Add(app, "setup", "Put a new printer on a Wi-Fi network, and find it there.",
+                     std::string(Help::kPassPhrase) + Help::kSetup,
+                     [&] { return Setup(all.settings, all.setup); });
+    AddNetworkName(setup, "--network", all.setup.network, "The network to put the printer on");
+    AddPassPhrase(setup, all.setup.passPhrase);
+    setup.add_flag(
+        "--no-rejoin", [&](std::int64_t) { all.setup.rejoin = false; },
+        "Do not join this computer to that network");
+    AddSeconds(setup, "--timeout", all.setup.timeout, "How long to look for the printer there");
+    AddSeconds(setup, "--seconds", all.setup.listTime, "How long to look for networks");
+}
+
+// The innermost command that was named, and the words that name it.
+std::pair<const CLI::App*, std::string> Chosen(const CLI::App& app) {
+    const CLI::App* command = &app;
+    std::string words;
+    while (!command->get_subcommands().empty()) {
+        command = command->get_subcommands().front();
+        words += " " + command->get_name();
+    }
+    return {command, words};
+}
+
+// "scan, state or vendors"
+std::string SubcommandsOf(const CLI::App& command) {
+    std::string text;
+    const auto all = command.get_subcommands([](const CLI::App*) { return true; });
+    for (std::size_t index = 0; index < all.size(); ++index) {
+        text += (index == 0                ? ""
+                 : index + 1 == all.size() ? " or "
+                                           : ", ") +
+                all[index]->get_name();
+    }
+    return text;
 }
 
 std::string Explanation(const CLI::App& app, const CLI::ParseError& error) {
-    if (!app.get_subcommands().empty() || error.get_name() != "RequiredError") {
+    const auto [command, words] = Chosen(app);
+    if (error.get_name() == "ExtrasError" && TakesPassPhrase(*command)) {
+        return "there is an argument too many. A pass phrase is never one: give it at the prompt, "
+               "or with\n--pass-phrase-file";
+    }
+    const std::string subcommands = SubcommandsOf(*command);
+    if (subcommands.empty() || error.get_name() != "RequiredError") {
         return error.what();
     }
-    const std::vector<std::string> others = app.remaining();
+    const std::vector<std::string> others = command->remaining();
     return (others.empty() ? "a command is needed"
                            : "there is no command or option '" + others[0] + "'") +
-           ": scan, state or vendors";
+           ": " + subcommands;
 }
 
-ExitStatus WrongArguments(const CLI::App& app, const CLI::ParseError& error) {
-    const auto chosen = app.get_subcommands();
-    const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
-    Complain(Explanation(app, error) + "\nRun `devicediscover" + command +
+ExitStatus WrongArguments(const CLI::App& app, const std::string& explanation) {
+    Complain(explanation + "\nRun `devicediscover" + Chosen(app).second +
              " --help` for how it is used.");
     return kUsage;
+}
+
+ExitStatus Run(const CLI::App& app, const Commands& commands, const Settings& settings) {
+    Apply(settings);
+    try {
+        return commands.Run();
+    } catch (const Interrupted&) {
+        Complain("interrupted.");
+        return kNoneFound;
+    } catch (const WrongInput& problem) {
+        return WrongArguments(app, problem.what());
+    }
 }
 
 }  // namespace
 
 ExitStatus RunCommandLine(std::vector<std::string> arguments) {
-    Settings settings;
-    ScanOptions scanOptions;
-    StateOptions stateOptions;
-
-    CLI::App app("Finds printers through the modules of their vendors.", "devicediscover");
+    Options options;
+    CLI::App app(
+        "Finds printers, and puts them on a network, through the modules of their vendors.",
+        "devicediscover");
     app.set_version_flag("--version", "devicediscover " DEVICEDISCOVER_VERSION,
                          "Print the version and exit");
     app.require_subcommand(1);
     app.get_formatter()->column_width(34);
-    app.footer(std::string(kExamples) + kExitStatuses);
+    app.footer(WithStatuses(Help::kApplication));
 
-    CLI::App& scan = AddCommand(app, "scan", "Look for printers and show them as they are found.",
-                                kScanExamples, settings);
-    AddSeconds(scan, scanOptions.time, "How long to look");
-    scan.add_flag("--watch", scanOptions.watch, "Look until Ctrl-C")->excludes("--seconds");
-
-    CLI::App& state =
-        AddCommand(app, "state", "Find one printer and ask its vendor whether it would take a job.",
-                   kStateExamples, settings);
-    state.add_option("SERIAL", stateOptions.serialNumber, "The printer's serial number")
-        ->required();
-    AddSeconds(state, stateOptions.time, "How long to look for it");
-
-    CLI::App& vendors = AddCommand(
-        app, "vendors", "Show each supported vendor, its modules and their entry points.",
-        kVendorsExamples, settings);
+    Commands commands(app, options.settings);
+    AddPrinterCommands(app, commands, options);
+    AddWifiCommands(app, commands, options);
+    AddAccessPointCommands(commands, options);
+    AddSetupCommand(app, commands, options);
 
     try {
         std::reverse(arguments.begin(), arguments.end());
@@ -175,13 +319,9 @@ ExitStatus RunCommandLine(std::vector<std::string> arguments) {
         WriteOutput(text.str());
         return kFound;
     } catch (const CLI::ParseError& error) {
-        return WrongArguments(app, error);
+        return WrongArguments(app, Explanation(app, error));
     }
-    Apply(settings);
-    if (scan.parsed()) {
-        return Scan(settings, scanOptions);
-    }
-    return vendors.parsed() ? Vendors(settings) : State(settings, stateOptions);
+    return Run(app, commands, options.settings);
 }
 
 }  // namespace App

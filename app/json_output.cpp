@@ -69,4 +69,57 @@ std::string VendorJson(const PrinterUtil::VendorListReport& list, const VendorIn
     return Line(object);
 }
 
+std::string NetworkJson(const Network& network) {
+    return Line({{"network", network.name}, {"signal", network.signal}});
+}
+
+std::string HostNetworkJson(const HostNetwork& network) {
+    return Line({{"network", network.name},
+                 {"signal", network.signal},
+                 {"security", Json(network.security)},
+                 {"offered", network.offered}});
+}
+
+std::string AccessPointJson(const AccessPoint& accessPoint) {
+    return Line({{"network", accessPoint.network},
+                 {"hardwareAddress", accessPoint.hardwareAddress},
+                 {"interface", accessPoint.interfaceName}});
+}
+
+std::string JoinJson(const std::string& network, bool joined) {
+    return Line({{"network", network}, {"joined", joined}});
+}
+
+std::string PingJson(const std::string& address, bool answers) {
+    return Line({{"address", address}, {"answers", answers}});
+}
+
+std::string ConfigureJson(const std::string& network, int result) {
+    return Line({{"network", network}, {"configured", result == 0}, {"result", result}});
+}
+
+std::string CheckJson(const Printer& printer, int result) {
+    Json object = PrinterObject(printer);
+    object["onLocalNetwork"] = result == 0;
+    object["result"] = result;
+    return Line(object);
+}
+
+std::string StepJson(const StepEvent& event) {
+    Json object{{"step", event.step}, {"state", event.state}};
+    if (!event.network.empty()) {
+        object["network"] = event.network;
+    }
+    if (event.printer != nullptr) {
+        object["printer"] = PrinterObject(*event.printer);
+    }
+    if (event.result) {
+        object["result"] = *event.result;
+    }
+    if (!event.problem.empty()) {
+        object["problem"] = event.problem;
+    }
+    return Line(object);
+}
+
 }  // namespace App

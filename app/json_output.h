@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "app/host_wifi.h"
+#include "app/network.h"
 #include "app/printer.h"
 #include "app/vendor_survey.h"
 #include "host/PrinterUtil/vendor_list.h"
@@ -14,5 +17,24 @@ std::string PrinterJson(const Printer& printer);
 std::string StateJson(const Printer& printer, int state);
 std::string VendorJson(const PrinterUtil::VendorListReport& list, const VendorInfo& vendor,
                        const std::vector<ModuleSurvey>& modules);
+
+std::string NetworkJson(const Network& network);
+std::string HostNetworkJson(const HostNetwork& network);
+std::string AccessPointJson(const AccessPoint& accessPoint);
+std::string JoinJson(const std::string& network, bool joined);
+std::string PingJson(const std::string& address, bool answers);
+std::string ConfigureJson(const std::string& network, int result);
+std::string CheckJson(const Printer& printer, int result);
+
+// One event of a journey: how a step stands, and what is known by then.
+struct StepEvent {
+    std::string step;
+    std::string state;
+    std::string network;               // empty: left out
+    const Printer* printer = nullptr;  // null: left out
+    std::optional<int> result;
+    std::string problem;  // empty: left out
+};
+std::string StepJson(const StepEvent& event);
 
 }  // namespace App

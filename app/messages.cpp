@@ -21,8 +21,10 @@ void Warn(const std::string& text) {
     Complain("warning: " + text);
 }
 
-std::string CountOfPrinters(std::size_t count) {
-    return std::to_string(count) + (count == 1 ? " printer" : " printers");
+std::string AdviceToReadLog() {
+    const std::string log = LogHelper::LogFilePath();
+    return "The reason is in the log" + (log.empty() ? "" : " (" + log + ")") +
+           "; --log-level warning shows it as it happens.";
 }
 
 std::string AdviceAfterScan() {

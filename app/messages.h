@@ -9,8 +9,14 @@ namespace App {
 void Complain(const std::string& text);
 void Warn(const std::string& text);
 
-// "1 printer", "2 printers".
-std::string CountOfPrinters(std::size_t count);
+// "1 printer", "2 printers", or whatever it is.
+template <class Item>
+std::string CountOf(std::size_t count) {
+    return std::to_string(count) + " " + (count == 1 ? Item::kOne : Item::kMany);
+}
+
+// Where to read why something failed, and how to see it.
+std::string AdviceToReadLog();
 
 // What to do when a scan has found less than expected.
 std::string AdviceAfterScan();

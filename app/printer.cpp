@@ -25,7 +25,7 @@ Printer::Printer(const PrinterDeviceDiscoverSdk::DeviceInfo& device)
       port(device.code1),
       service(device.code2) {}
 
-bool Printer::IsSameDevice(const Printer& other) const {
+bool Printer::IsSame(const Printer& other) const {
     if (vendor != other.vendor || serialNumber != other.serialNumber) {
         return false;
     }

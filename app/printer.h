@@ -10,6 +10,9 @@ namespace App {
 // What a vendor's record says of a printer. The texts are as the device gave them, each no longer
 // than its field.
 struct Printer {
+    static constexpr const char* kOne = "printer";
+    static constexpr const char* kMany = "printers";
+
     explicit Printer(const PrinterDeviceDiscoverSdk::DeviceInfo& device);
 
     PrinterDeviceDiscoverSdk::DeviceInfo record;
@@ -22,7 +25,7 @@ struct Printer {
     std::uint16_t service;
 
     // Whether both are the same device, maybe with news about it.
-    bool IsSameDevice(const Printer& other) const;
+    bool IsSame(const Printer& other) const;
     bool operator==(const Printer& other) const;
 };
 

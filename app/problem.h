@@ -11,4 +11,10 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// What the user gave cannot be used.
+class WrongInput : public Problem {
+public:
+    using Problem::Problem;
+};
+
 }  // namespace App

@@ -1,7 +1,6 @@
 #include "app/scan_session.h"
 
-#include "app/console.h"
-#include "app/interrupt.h"
+#include "app/cancellation.h"
 #include "app/messages.h"
 #include "app/problem.h"
 #include "app/vendor_survey.h"
@@ -28,7 +27,7 @@ int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 }  // namespace
 
 ScanSession::ScanSession() {
-    NotifyOnInterrupt([] { PrinterList::GetInstance().Cancel(); });
+    CancelOnInterrupt();
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
     running = discovery.StartDeviceScan({OnDevice, 0}) == 0;
     const std::vector<std::string> problems = ScanProblems();

@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "app/console.h"
 #include "app/log_file.h"
 #include "app/problem.h"
 #include "host/LogHelper/log_settings.h"
@@ -31,6 +32,10 @@ void RequireWritable(const std::string& file) {
 
 bool Settings::LogsToTerminal() const {
     return !logLevel.empty() && logLevel != kOff;
+}
+
+bool Settings::DrawsOnTerminal() const {
+    return OutputScreen().has_value() && !(LogsToTerminal() && ErrorIsTerminal());
 }
 
 void Apply(const Settings& settings) {

@@ -16,6 +16,10 @@ struct Settings {
 
     // Whether log lines go to standard error too.
     bool LogsToTerminal() const;
+
+    // Whether standard output is a terminal on which lines can be drawn over, without log lines
+    // that would tear them.
+    bool DrawsOnTerminal() const;
 };
 
 // Hands the settings to the application's libraries, before anything else uses them. Throws Problem

@@ -8,9 +8,9 @@
 #include "app/console.h"
 #include "app/json_output.h"
 #include "app/messages.h"
+#include "app/printer_table.h"
 #include "app/problem.h"
 #include "app/scan_session.h"
-#include "app/table.h"
 #include "app/text.h"
 #include "app/vendor_survey.h"
 #include "host/PrinterUtil/vendor_list.h"
@@ -84,7 +84,7 @@ ExitStatus State(const Settings& settings, const StateOptions& options) {
     session.Stop();
     if (!printer) {
         const PrinterList& list = session.Printers();
-        return NotFound(options, list.GetPrinters().size(), list.IsCancelled());
+        return NotFound(options, list.GetItems().size(), list.IsCancelled());
     }
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
     const int state = discovery.GetDeviceConnectState(printer->record);

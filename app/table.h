@@ -1,27 +1,38 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
 
-#include "app/printer.h"
-
 namespace App {
 
-inline constexpr std::array kTableHeadings{"SERIAL NUMBER", "MAKE AND MODEL", "ADDRESS", "PORT",
-                                           "VENDOR"};
-using TableRow = std::array<std::string, kTableHeadings.size()>;
+enum class Column {
+    Whole,     // needed whole
+    Yielding,  // gives way where the terminal is too narrow
+    Number,    // needed whole, and aligned to the right
+};
 
-// The cells of a printer's row, fit for a terminal; "-" for what is not known.
-TableRow RowOf(const Printer& printer);
+struct Heading {
+    const char* text;
+    Column kind;
+};
+
+// As many cells as there are headings, each fit for a terminal.
+using TableRow = std::vector<std::string>;
+
+struct Table {
+    std::vector<Heading> headings;
+    std::vector<TableRow> rows;
+};
+
+// A text that a device may have sent as a cell; "-" for one that is not known.
+std::string Cell(const std::string& text);
 
 // What becomes of texts that a terminal is too narrow for.
 enum class Overflow { Cut, Wrap };
 
-// A table with headings for a terminal of that many columns. With Overflow::Cut each printer is one
-// line.
-std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::size_t columns,
-                                    Overflow overflow);
+// The table with its headings for a terminal of that many columns. With Overflow::Cut each row is
+// one line.
+std::vector<std::string> TableLines(const Table& table, std::size_t columns, Overflow overflow);
 
 }  // namespace App

@@ -11,7 +11,7 @@ namespace App {
 
 namespace {
 
-using Table = std::unique_ptr<libscols_table, decltype(&scols_unref_table)>;
+using SystemTable = std::unique_ptr<libscols_table, decltype(&scols_unref_table)>;
 
 void Require(bool success) {
     if (!success) {
@@ -19,25 +19,22 @@ void Require(bool success) {
     }
 }
 
-// Serial numbers and names may be long; the other columns are needed whole.
-int ColumnFlags(std::size_t column, Overflow overflow) {
-    constexpr std::size_t makeAndModel = 1;
-    constexpr std::size_t port = 3;
-    if (column <= makeAndModel) {
+int ColumnFlags(Column column, Overflow overflow) {
+    if (column == Column::Yielding) {
         return overflow == Overflow::Cut ? SCOLS_FL_TRUNC : SCOLS_FL_WRAP;
     }
-    return column == port ? SCOLS_FL_RIGHT : 0;
+    return column == Column::Number ? SCOLS_FL_RIGHT : 0;
 }
 
-Table NewTable(std::size_t columns, Overflow overflow) {
-    Table table(scols_new_table(), scols_unref_table);
+SystemTable NewTable(const std::vector<Heading>& headings, std::size_t columns, Overflow overflow) {
+    SystemTable table(scols_new_table(), scols_unref_table);
     Require(table != nullptr);
     scols_table_set_termforce(table.get(), SCOLS_TERMFORCE_ALWAYS);
     scols_table_set_termwidth(table.get(), columns);
     scols_table_set_column_separator(table.get(), "  ");
-    for (std::size_t column = 0; column < kTableHeadings.size(); ++column) {
-        Require(scols_table_new_column(table.get(), kTableHeadings[column], 0,
-                                       ColumnFlags(column, overflow)) != nullptr);
+    for (const Heading& heading : headings) {
+        Require(scols_table_new_column(table.get(), heading.text, 0,
+                                       ColumnFlags(heading.kind, overflow)) != nullptr);
     }
     return table;
 }
@@ -61,14 +58,13 @@ std::vector<std::string> SplitLines(const std::string& text) {
 
 }  // namespace
 
-std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::size_t columns,
-                                    Overflow overflow) {
-    const Table table = NewTable(columns, overflow);
-    for (const Printer& printer : printers) {
-        AddRow(table.get(), RowOf(printer));
+std::vector<std::string> TableLines(const Table& table, std::size_t columns, Overflow overflow) {
+    const SystemTable lines = NewTable(table.headings, columns, overflow);
+    for (const TableRow& row : table.rows) {
+        AddRow(lines.get(), row);
     }
     char* text = nullptr;
-    Require(scols_print_table_to_string(table.get(), &text) == 0);
+    Require(scols_print_table_to_string(lines.get(), &text) == 0);
     const std::unique_ptr<char, decltype(&std::free)> owned(text, std::free);
     return SplitLines(text);
 }

@@ -1,25 +1,32 @@
 #pragma once
 
-#include <chrono>
-#include <cstddef>
+#include <string>
+#include <vector>
 
-#include "app/console.h"
+#include "app/item_list.h"
+#include "app/messages.h"
 #include "app/scan_view.h"
+#include "app/table_drawing.h"
 
 namespace App {
 
-// A table on the terminal that is drawn anew as the scan goes on, with the scan's status below it.
-class TableView : public ScanView {
+// A table on the terminal of all that the scan has found so far.
+template <class Item>
+class TableView : public ScanView<Item> {
 public:
-    void Show(const std::vector<Printer>& news, const std::string& status) override;
-    void Finish() override;
+    void Show(const std::vector<Item>& news, const std::string& status) override {
+        drawing.Show(Contents(), !news.empty(), status);
+    }
+
+    void Finish() override {
+        const Table table = Contents();
+        drawing.Finish(table, CountOf<Item>(table.rows.size()) + " found.");
+    }
 
 private:
-    void Draw(const std::vector<std::string>& lines);
-    std::vector<std::string> Picture(const ScreenSize& screen, const std::string& status) const;
+    static Table Contents() { return TableOf(ItemList<Item>::GetInstance().GetItems()); }
 
-    std::vector<std::string> drawn;
-    std::chrono::steady_clock::time_point lastDrawn{};
+    TableDrawing drawing;
 };
 
 }  // namespace App

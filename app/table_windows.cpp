@@ -8,9 +8,8 @@ namespace App {
 
 namespace {
 
-using Widths = std::array<std::size_t, kTableHeadings.size()>;
+using Widths = std::vector<std::size_t>;
 
-constexpr std::size_t kPort = 3;
 constexpr std::size_t kGap = 2;
 constexpr std::size_t kNarrowest = 2;  // room for any character
 
@@ -31,7 +30,7 @@ Widths Fit(Widths widths, std::size_t columns) {
 }
 
 Widths NaturalWidths(const std::vector<TableRow>& rows) {
-    Widths widths{};
+    Widths widths(rows.front().size());
     for (const TableRow& row : rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
             widths[column] = std::max(widths[column], DisplayWidth(row[column]));
@@ -40,12 +39,13 @@ Widths NaturalWidths(const std::vector<TableRow>& rows) {
     return widths;
 }
 
-std::string Line(const TableRow& row, const Widths& widths) {
+std::string Line(const TableRow& row, const std::vector<Heading>& headings, const Widths& widths) {
     std::string line;
     for (std::size_t column = 0; column < row.size(); ++column) {
         const std::string padding(widths[column] - DisplayWidth(row[column]), ' ');
         line += column == 0 ? "" : std::string(kGap, ' ');
-        line += column == kPort ? padding + row[column] : row[column] + padding;
+        line +=
+            headings[column].kind == Column::Number ? padding + row[column] : row[column] + padding;
     }
     line.erase(line.find_last_not_of(' ') + 1);
     return line;
@@ -53,7 +53,7 @@ std::string Line(const TableRow& row, const Widths& widths) {
 
 // Takes from each cell what fits into one line.
 TableRow TakeLine(TableRow& rest, const Widths& widths) {
-    TableRow line;
+    TableRow line(rest.size());
     for (std::size_t column = 0; column < rest.size(); ++column) {
         line[column] = CutToWidth(rest[column], widths[column]);
         rest[column].erase(0, line[column].size());
@@ -68,16 +68,17 @@ bool IsEmpty(const TableRow& row) {
 
 }  // namespace
 
-std::vector<std::string> TableLines(const std::vector<Printer>& printers, std::size_t columns,
-                                    Overflow overflow) {
+std::vector<std::string> TableLines(const Table& table, std::size_t columns, Overflow overflow) {
     std::vector<TableRow> rows(1);
-    std::copy(kTableHeadings.begin(), kTableHeadings.end(), rows[0].begin());
-    std::transform(printers.begin(), printers.end(), std::back_inserter(rows), RowOf);
+    for (const Heading& heading : table.headings) {
+        rows[0].emplace_back(heading.text);
+    }
+    rows.insert(rows.end(), table.rows.begin(), table.rows.end());
     const Widths widths = Fit(NaturalWidths(rows), columns);
     std::vector<std::string> lines;
     for (TableRow& row : rows) {
         do {
-            lines.push_back(Line(TakeLine(row, widths), widths));
+            lines.push_back(Line(TakeLine(row, widths), table.headings, widths));
         } while (overflow == Overflow::Wrap && !IsEmpty(row));
     }
     return lines;

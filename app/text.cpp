@@ -15,6 +15,7 @@ struct Character {
 };
 
 constexpr char32_t kReplacement = 0xFFFD;
+constexpr std::string_view kReplacementText = "\xEF\xBF\xBD";
 
 // The character at the beginning of `text`, which must not be empty.
 Character FirstCharacter(std::string_view text) {
@@ -69,6 +70,17 @@ constexpr std::array kWide{Range{0x1100, 0x115F},   Range{0x2E80, 0xA4CF},  Rang
                            Range{0xFF01, 0xFF60},   Range{0xFFE0, 0xFFE6},  Range{0x1F300, 0x1F64F},
                            Range{0x1F900, 0x1F9FF}, Range{0x20000, 0x3FFFD}};
 
+// As UTF-16 where wide characters have 16 bits.
+void AppendWide(std::wstring& wide, char32_t value) {
+    constexpr char32_t firstBeyond = 0x10000;
+    if (sizeof(wchar_t) == 2 && value >= firstBeyond) {
+        wide += static_cast<wchar_t>(0xD800 + ((value - firstBeyond) >> 10));
+        wide += static_cast<wchar_t>(0xDC00 + ((value - firstBeyond) & 0x3FF));
+    } else {
+        wide += static_cast<wchar_t>(value);
+    }
+}
+
 std::size_t WidthOf(char32_t value) {
     return IsIn(kCombining, value) ? 0 : IsIn(kWide, value) ? 2 : 1;
 }
@@ -80,13 +92,39 @@ std::string DisplayText(std::string_view text) {
     while (!text.empty()) {
         const Character character = FirstCharacter(text);
         if (character.value == kReplacement || IsIn(kSteering, character.value)) {
-            shown += "\xEF\xBF\xBD";
+            shown += kReplacementText;
         } else {
             shown += text.substr(0, character.length);
         }
         text.remove_prefix(character.length);
     }
     return shown;
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const Character character = FirstCharacter(text);
+        if (character.value == kReplacement &&
+            text.substr(0, character.length) != kReplacementText) {
+            return false;
+        }
+        text.remove_prefix(character.length);
+    }
+    return true;
+}
+
+std::optional<std::wstring> Widen(std::string_view text) {
+    if (!IsUtf8(text)) {
+        return std::nullopt;
+    }
+    std::wstring wide;
+    wide.reserve(text.size());  // it is never copied on the way: a pass phrase leaves no trace
+    while (!text.empty()) {
+        const Character character = FirstCharacter(text);
+        AppendWide(wide, character.value);
+        text.remove_prefix(character.length);
+    }
+    return wide;
 }
 
 std::size_t DisplayWidth(std::string_view text) {

@@ -54,6 +54,26 @@ ModuleSurvey SurveyConfigurationModule(const VendorInfo& vendor) {
     return Survey("network configuration and USB", vendor.vendorName, kConfigurationExports);
 }
 
+ServiceSurvey SurveyConfiguration(const std::vector<std::string>& entryPoints) {
+    const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
+    ServiceSurvey survey{false, list.problems};
+    for (const VendorInfo& vendor : list.vendors) {
+        const ModuleSurvey module = SurveyConfigurationModule(vendor);
+        std::string problem = module.problem;
+        for (const std::string& name : entryPoints) {
+            if (problem.empty() && !module.Has(name)) {
+                problem = "module " + module.path + " has no entry point " + name;
+            }
+        }
+        if (problem.empty()) {
+            survey.anyVendorServes = true;
+        } else {
+            survey.problems.push_back("vendor " + vendor.productId + ": " + problem);
+        }
+    }
+    return survey;
+}
+
 std::vector<std::string> ScanProblems() {
     const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
     std::vector<std::string> problems = list.problems;

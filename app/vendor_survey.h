@@ -29,6 +29,13 @@ struct ModuleSurvey {
 ModuleSurvey SurveyScanModule(const VendorInfo& vendor);
 ModuleSurvey SurveyConfigurationModule(const VendorInfo& vendor);
 
+// Which vendors can do what the broker asks the module for network configuration for.
+struct ServiceSurvey {
+    bool anyVendorServes = false;
+    std::vector<std::string> problems;  // one line for each vendor that does not, and for the list
+};
+ServiceSurvey SurveyConfiguration(const std::vector<std::string>& entryPoints);
+
 // One line for each thing that keeps the vendor list, or a vendor's scan module, from serving
 // scans.
 std::vector<std::string> ScanProblems();

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/network_list.h"
+#include "app/printer.h"
+#include "app/secret.h"
+#include "app/settings.h"
+
+namespace App {
+
+// What a vendor answered, with what came with it.
+struct DeviceAnswer {
+    int result;
+    PrinterDeviceDiscoverSdk::DeviceInfo device;
+};
+
+// The printer whose access point the host is joined to. Each asks its vendor, may take a while, and
+// throws Interrupted.
+DeviceAnswer AskForDevice(const Settings& settings);
+int ConfigureNetwork(const Settings& settings, const std::string& network,
+                     const std::shared_ptr<Secret>& passPhrase);
+
+// Asks the vendor whether the printer is on the local network: 0 is yes.
+int CheckLocalNetwork(const Settings& settings, const PrinterDeviceDiscoverSdk::DeviceInfo& device);
+
+// What it means that the entry point's result was not 0. Throws Problem when no vendor could have
+// been asked at all.
+std::string Explanation(const Settings& settings, int result, const std::string& entryPoint);
+
+// "the vendor's result N", with the meaning where it is known.
+std::string VendorsResult(int result);
+
+// A Wi-Fi scan by the vendor of that printer, from construction to Stop. What is found goes to the
+// process's NetworkList.
+class NetworkScanSession {
+public:
+    // Throws NoScan when no scan could be started, Problem when no vendor has one.
+    explicit NetworkScanSession(const Settings& settings);
+    ~NetworkScanSession();
+
+    void Stop();
+
+    NetworkScanSession(const NetworkScanSession&) = delete;
+    NetworkScanSession& operator=(const NetworkScanSession&) = delete;
+
+private:
+    bool running = false;
+};
+
+// Why a scan was not started, though vendors could do it.
+struct NoScan {
+    std::string reason;
+};
+
+}  // namespace App

@@ -1,0 +1,135 @@
+#include "app/ap_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "app/access_point_printer.h"
+#include "app/console.h"
+#include "app/item_output.h"
+#include "app/json_output.h"
+#include "app/messages.h"
+#include "app/printer_table.h"
+#include "app/problem.h"
+#include "app/text.h"
+#include "host/PrinterUtil/vendor_list.h"
+
+namespace App {
+
+namespace {
+
+using PrinterDeviceDiscoverSdk::DeviceInfo;
+
+ExitStatus Failed(const std::string& what) {
+    Complain(what + "\n" + AdviceToReadLog());
+    return kNoneFound;
+}
+
+template <std::size_t Size>
+void Fill(char (&field)[Size], const std::string& text, const char* name) {
+    if (text.size() >= Size) {
+        throw WrongInput(fmt::format("the {} has {} bytes; a printer's has {} at most", name,
+                                     text.size(), Size - 1));
+    }
+    std::copy(text.begin(), text.end(), field);
+}
+
+DeviceInfo RecordOf(const std::string& serialNumber, const std::string& vendor) {
+    DeviceInfo record{};
+    Fill(record.deviceSN, serialNumber, "serial number");
+    Fill(record.modelID, vendor, "vendor's name");
+    return record;
+}
+
+// The printers to ask about: one, or one a vendor.
+std::vector<DeviceInfo> Candidates(const CheckOptions& options) {
+    if (!options.vendor.empty()) {
+        return {RecordOf(options.serialNumber, options.vendor)};
+    }
+    std::vector<DeviceInfo> records;
+    for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
+        records.push_back(RecordOf(options.serialNumber, vendor.productId));
+    }
+    return records;
+}
+
+void WriteCheck(const Settings& settings, const Printer& printer, int result) {
+    if (settings.json) {
+        WriteOutput(CheckJson(printer, result) + "\n");
+    } else if (result == 0) {
+        WriteOutput(fmt::format("{} is on the local network (vendor {})\n",
+                                Cell(printer.serialNumber), Cell(printer.vendor)));
+    }
+}
+
+}  // namespace
+
+ExitStatus AccessPointScan(const Settings& settings, const ScanOptions& options) {
+    try {
+        NetworkScanSession session(settings);
+        const auto view = ViewFor<Network>(settings, NetworkJson);
+        if (RunScan(session, *view, options)) {
+            return kFound;
+        }
+        return Failed("no network was reported.");
+    } catch (const NoScan& noScan) {
+        return Failed("no scan was started: " + noScan.reason);
+    }
+}
+
+ExitStatus AccessPointConfigure(const Settings& settings, const std::string& network,
+                                const PassPhraseOptions& options) {
+    options.Require();
+    const std::shared_ptr<Secret> passPhrase = GetPassPhrase(settings, options, network);
+    RequirePrinterPassPhrase(*passPhrase);
+    const int result = ConfigureNetwork(settings, network, passPhrase);
+    if (settings.json) {
+        WriteOutput(ConfigureJson(network, result) + "\n");
+    } else if (result == 0) {
+        WriteOutput("the printer was put on " + DisplayText(network) + "\n");
+    }
+    return result == 0 ? kFound
+                       : Failed("the printer was not put on " + network + ": " +
+                                Explanation(settings, result, "PrinterAPNetConfigEvent"));
+}
+
+ExitStatus AccessPointInfo(const Settings& settings) {
+    const DeviceAnswer answer = AskForDevice(settings);
+    if (answer.result != 0) {
+        return Failed("no printer: " + Explanation(settings, answer.result, "GetDeviceInfoByNet"));
+    }
+    WriteItems(settings, std::vector<Printer>{Printer(answer.device)}, PrinterJson);
+    return kFound;
+}
+
+ExitStatus AccessPointCheck(const Settings& settings, const CheckOptions& options) {
+    std::vector<DeviceInfo> candidates;
+    if (options.serialNumber.empty()) {
+        const DeviceAnswer answer = AskForDevice(settings);
+        if (answer.result != 0) {
+            return Failed("no printer to ask about: " +
+                          Explanation(settings, answer.result, "GetDeviceInfoByNet"));
+        }
+        candidates = {answer.device};
+    } else {
+        candidates = Candidates(options);
+    }
+    std::string reasons;
+    for (const DeviceInfo& candidate : candidates) {
+        const Printer printer(candidate);
+        const int result = CheckLocalNetwork(settings, candidate);
+        WriteCheck(settings, printer, result);
+        if (result == 0) {
+            return kFound;
+        }
+        reasons += fmt::format("\n  vendor {}: {}", printer.vendor,
+                               Explanation(settings, result, "IsLocalAreaNetworkOK"));
+    }
+    if (candidates.empty()) {
+        Explanation(settings, -1, "IsLocalAreaNetworkOK");
+    }
+    return Failed("the printer is not on the local network:" + reasons);
+}
+
+}  // namespace App

@@ -1,0 +1,54 @@
+#include "app/cancellation.h"
+
+#include "app/interrupt.h"
+#include "app/network_list.h"
+#include "app/printer_list.h"
+
+namespace App {
+
+void CancelOnInterrupt() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        NotifyOnInterrupt([] {
+            PrinterList::GetInstance().Cancel();
+            NetworkList::GetInstance().Cancel();
+            Cancellation::GetInstance().Cancel();
+        });
+    });
+}
+
+Cancellation& Cancellation::GetInstance() {
+    static Cancellation& cancellation = *new Cancellation;
+    return cancellation;
+}
+
+void Cancellation::Cancel() {
+    const std::lock_guard lock(mutex);
+    cancelled = true;
+    changed.notify_all();
+}
+
+void Cancellation::Check() const {
+    const std::lock_guard lock(mutex);
+    if (cancelled) {
+        throw Interrupted();
+    }
+}
+
+bool Cancellation::WaitUntil(Clock::time_point until, const std::function<bool()>& isDone) {
+    std::unique_lock lock(mutex);
+    changed.wait_until(lock, until, [&] { return cancelled || isDone(); });
+    const bool done = isDone();
+    if (!done && cancelled) {
+        throw Interrupted();
+    }
+    return done;
+}
+
+void Cancellation::Notify(const std::function<void()>& change) {
+    const std::lock_guard lock(mutex);
+    change();
+    changed.notify_all();
+}
+
+}  // namespace App

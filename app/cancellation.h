@@ -1,0 +1,79 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace App {
+
+// Thrown where the user has asked the program to end.
+struct Interrupted {};
+
+// From now on a request to end the program cancels every wait of the process. May be called again.
+void CancelOnInterrupt();
+
+// The waits of the program's own thread that a request to end the program cuts short.
+class Cancellation {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    static Cancellation& GetInstance();
+
+    void Cancel();
+
+    // Throws Interrupted when cancelled.
+    void Check() const;
+
+    // Waits until `isDone`, which is asked again after each Notify and needs no lock of its own, or
+    // until `until`; whether it is done. Throws Interrupted when cancelled before.
+    bool WaitUntil(Clock::time_point until, const std::function<bool()>& isDone);
+
+    // Runs `change`, which may make a wait's condition true.
+    void Notify(const std::function<void()>& change);
+
+private:
+    Cancellation() = default;
+
+    mutable std::mutex mutex;
+    std::condition_variable changed;
+    bool cancelled = false;
+};
+
+// Runs `work`, which may take long and cannot be cut short, on a thread of its own and waits for
+// it. `onWait` is called a few times a second. Throws Interrupted when cancelled before: then
+// `work` goes on as long as the process does, and must own all it uses.
+template <class Result>
+Result AwaitInterruptibly(std::function<Result()> work, const std::function<void()>& onWait) {
+    struct Outcome {
+        std::optional<Result> result;
+        std::exception_ptr failure;
+    };
+    constexpr auto tick = std::chrono::milliseconds(200);
+    Cancellation& cancellation = Cancellation::GetInstance();
+    cancellation.Check();
+    const auto outcome = std::make_shared<Outcome>();
+    std::thread([&cancellation, outcome, work = std::move(work)] {
+        Outcome own;
+        try {
+            own.result = work();
+        } catch (...) {
+            own.failure = std::current_exception();
+        }
+        cancellation.Notify([&] { *outcome = std::move(own); });
+    }).detach();
+    const auto isDone = [&] { return outcome->result || outcome->failure; };
+    while (!cancellation.WaitUntil(Cancellation::Clock::now() + tick, isDone)) {
+        onWait();
+    }
+    if (outcome->failure) {
+        std::rethrow_exception(outcome->failure);
+    }
+    return std::move(*outcome->result);
+}
+
+}  // namespace App

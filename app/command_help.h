@@ -1,0 +1,176 @@
+#pragma once
+
+// What the commands' help says at its end.
+
+namespace App::Help {
+
+inline constexpr const char* kExitStatuses =
+    "Exit status: 0 found, 1 none found, 2 wrong arguments, 3 could not run.";
+
+inline constexpr const char* kApplication = R"(Examples:
+  devicediscover scan                     look for printers for 5 seconds
+  devicediscover scan --json --watch      one JSON object a line, until Ctrl-C
+  devicediscover state CN12345678         would that printer take a job?
+  devicediscover vendors                  what can each vendor's modules do?
+  devicediscover setup                    put a new printer on your Wi-Fi network
+`devicediscover COMMAND --help` has more on each command.
+
+)";
+
+inline constexpr const char* kScan = R"(Examples:
+  devicediscover scan                     a live table for 5 seconds
+  devicediscover scan --seconds 30        give slow printers more time
+  devicediscover scan --watch             until Ctrl-C
+  devicediscover scan --json | jq .address
+  devicediscover scan --vendors ./vendors.json --log-level debug
+
+On a terminal the printers stand in a table that is drawn anew as the scan goes
+on. Elsewhere each is a line, written when it is found: serial number, make and
+model, address, port and vendor, separated by tabs. Ctrl-C stops the scan
+properly; a second one ends the program at once.
+
+)";
+
+inline constexpr const char* kState = R"(Examples:
+  devicediscover state CN12345678         look for it, then ask its vendor
+  devicediscover state CN12345678 --seconds 30 --json
+
+The exit status is 0 when the printer was found, whatever its state.
+
+)";
+
+inline constexpr const char* kVendors = R"(Examples:
+  devicediscover vendors
+  devicediscover vendors --vendors ./vendors.json
+  devicediscover vendors --json | jq '.modules[].problem'
+
+Without --vendors the list is the one that the environment variable
+DEVICEDISCOVER_VENDORS names, else vendors.json in your configuration folder,
+else the one beside the library. The exit status is 0 when at least one module
+can be loaded.
+
+)";
+
+inline constexpr const char* kWifi = R"(Examples:
+  devicediscover wifi list                networks in range of this computer
+  devicediscover wifi current             which of them it is joined to
+  devicediscover wifi join Office         asks for the pass phrase
+`devicediscover wifi COMMAND --help` has more on each.
+
+)";
+
+inline constexpr const char* kWifiList = R"(Examples:
+  devicediscover wifi list
+  devicediscover wifi list --json | jq -r .network
+
+Each network with its signal (0 to 100), how it is protected, and whether a
+printer can be put on it. Elsewhere than on a terminal these are separated by
+tabs. A network that hides its name is shown as -. Exit status 1: none in range.
+
+)";
+
+inline constexpr const char* kWifiOffer = R"(Examples:
+  devicediscover wifi offer               the networks to offer for a printer
+
+As `devicediscover wifi list`, without the networks that a printer cannot be put
+on. Exit status 1: there is none.
+
+)";
+
+inline constexpr const char* kWifiCurrent = R"(Examples:
+  devicediscover wifi current
+  devicediscover wifi current --json | jq -r .network
+
+The network's name, the access point's hardware address and this computer's
+interface, separated by tabs. Exit status 1: joined to none.
+
+)";
+
+inline constexpr const char* kPassPhrase =
+    R"(The pass phrase is asked for on the terminal, where it does not show, or read
+with --pass-phrase-file from a file with it as its one line or, with -, from a
+line of standard input. It is never an argument, which others could see, and
+never shown.
+
+)";
+
+inline constexpr const char* kWifiJoin = R"(Examples:
+  devicediscover wifi join Office
+  devicediscover wifi join Office --pass-phrase-file office.txt
+  pass show office | devicediscover wifi join Office --pass-phrase-file -
+  devicediscover wifi join Guests --open
+
+Exit status 1: not joined.
+
+)";
+
+inline constexpr const char* kPing = R"(Examples:
+  devicediscover ping 192.168.1.20
+
+Up to three pings of a tenth of a second; the first answer counts. Exit status 1:
+no answer.
+
+)";
+
+inline constexpr const char* kAp = R"(Examples:
+  devicediscover ap info                  whose access point is this?
+  devicediscover ap scan                  which networks does the printer report?
+  devicediscover ap configure --network Office
+  devicediscover ap check CN12345678      is it on the local network now?
+`devicediscover ap COMMAND --help` has more on each. `devicediscover setup` does
+it all in one go.
+
+)";
+
+inline constexpr const char* kApScan = R"(Examples:
+  devicediscover ap scan                  a live table for 5 seconds
+  devicediscover ap scan --json --watch   one JSON object a line, until Ctrl-C
+
+This computer must be joined to the printer's own network. The signal is as the
+printer's vendor measures it. Exit status 1: no network, or no such printer.
+
+)";
+
+inline constexpr const char* kApConfigure = R"(Examples:
+  devicediscover ap configure --network Office
+  devicediscover ap configure --network Office --pass-phrase-file office.txt
+
+This computer must be joined to the printer's own network. Exit status 1: the
+printer was not put on the network.
+
+)";
+
+inline constexpr const char* kApInfo = R"(Examples:
+  devicediscover ap info --json
+
+The printer whose own network this computer is joined to. Exit status 1: none.
+
+)";
+
+inline constexpr const char* kApCheck = R"(Examples:
+  devicediscover ap check CN12345678      asks each vendor in turn
+  devicediscover ap check CN12345678 --vendor driverless
+  devicediscover ap check                 the printer whose network this is
+
+Exit status 1: the printer is not on the local network.
+
+)";
+
+inline constexpr const char* kSetup = R"(Examples:
+  devicediscover setup                    asks for network and pass phrase
+  devicediscover setup --network Office --pass-phrase-file office.txt --json
+  devicediscover setup --no-rejoin        this computer is on that network anyway
+
+Join this computer to the new printer's own network first: `devicediscover wifi
+list` shows it, `devicediscover wifi join NAME` joins it. The steps are: which
+printer; which network, picked from a list on a terminal; its pass phrase;
+putting the printer on it; joining this computer to it; finding the printer
+there. Should one fail, it says what to do. Ctrl-C ends it between and within
+steps. With --json each step is an object when it starts and when it ends.
+
+Exit status: 0 the printer was found on the network, 1 a step failed or was
+interrupted, 2 wrong arguments or a pass phrase that cannot be one, 3 could not
+run: no vendor that could do it, or a file that cannot be read.
+)";
+
+}  // namespace App::Help

@@ -1,0 +1,129 @@
+#include "app/network_choice.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <vector>
+
+#include "app/access_point_printer.h"
+#include "app/cancellation.h"
+#include "app/console.h"
+#include "app/host_wifi.h"
+#include "app/messages.h"
+#include "app/network_list.h"
+#include "app/prompt.h"
+#include "app/scan_run.h"
+#include "app/status_line.h"
+#include "app/table.h"
+#include "app/text.h"
+
+namespace App {
+
+namespace {
+
+using Clock = NetworkList::Clock;
+
+std::vector<Network> SeenByPrinter(const Settings& settings, std::chrono::duration<double> time) {
+    NetworkList& list = NetworkList::GetInstance();
+    try {
+        NetworkScanSession session(settings);
+        StatusLine status(settings, {});
+        const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
+        constexpr auto tick = std::chrono::milliseconds(200);
+        while (Clock::now() < end) {
+            list.WaitForNews(std::min(end, Clock::now() + tick));
+            Cancellation::GetInstance().Check();
+            status.Draw(ScanStatus<Network>(list.GetItems().size(), false, end));
+        }
+    } catch (const NoScan&) {
+        return {};  // this computer's own list will do
+    }
+    return list.GetItems();
+}
+
+// The names, in the order of the networks, each once.
+std::vector<std::string> NamesToOffer(const Settings& settings, std::chrono::duration<double> time,
+                                      const std::string& leftOut) {
+    std::vector<std::string> names;
+    const auto add = [&](const std::string& name) {
+        if (name != leftOut && CheckNetworkName(name).empty() &&
+            std::find(names.begin(), names.end(), name) == names.end()) {
+            names.push_back(name);
+        }
+    };
+    for (const Network& network : SeenByPrinter(settings, time)) {
+        add(network.name);
+    }
+    if (names.empty()) {
+        for (const HostNetwork& network : NetworksToOffer(settings)) {
+            add(network.name);
+        }
+    }
+    return names;
+}
+
+void WriteList(const std::vector<std::string>& names) {
+    Table table{{{"", Column::Number}, {"NETWORK", Column::Yielding}}, {}};
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        table.rows.push_back({std::to_string(index + 1), DisplayText(names[index])});
+    }
+    std::string text;
+    const std::size_t columns = OutputScreen().value_or(ScreenSize{80, 24}).columns;
+    for (const std::string& line : TableLines(table, columns, Overflow::Wrap)) {
+        text += line + "\n";
+    }
+    WriteOutput(text);
+}
+
+// The name with that number, from 1; null when it is no such number.
+const std::string* Numbered(const std::vector<std::string>& names, const std::string& answer) {
+    std::size_t number = 0;
+    const char* const end = answer.data() + answer.size();
+    const auto read = std::from_chars(answer.data(), end, number);
+    const bool isNumber = read.ec == std::errc() && read.ptr == end;
+    return isNumber && number >= 1 && number <= names.size() ? &names[number - 1] : nullptr;
+}
+
+// Nothing: look again.
+std::optional<std::string> Pick(const Settings& settings, const std::vector<std::string>& names) {
+    const std::string question = names.empty()
+                                     ? "No network was found. Its name, or Enter to look again: "
+                                     : "Its number or name, or Enter to look again: ";
+    for (;;) {
+        const std::optional<std::string> answer = AskLine(settings, question);
+        if (!answer) {
+            return "";
+        }
+        if (answer->empty()) {
+            return std::nullopt;
+        }
+        if (const std::string* const name = Numbered(names, *answer)) {
+            return *name;
+        }
+        const bool isListed = std::find(names.begin(), names.end(), *answer) != names.end();
+        const bool isNumber = answer->find_first_not_of("0123456789") == std::string::npos;
+        const std::string problem =
+            isNumber && !isListed ? "there is no number " + *answer : CheckNetworkName(*answer);
+        if (problem.empty()) {
+            return *answer;
+        }
+        Complain(problem + ".");
+    }
+}
+
+}  // namespace
+
+std::string ChooseNetwork(const Settings& settings, std::chrono::duration<double> time,
+                          const std::string& leftOut) {
+    for (;;) {
+        const std::vector<std::string> names = NamesToOffer(settings, time, leftOut);
+        if (!names.empty()) {
+            WriteList(names);
+        }
+        if (const std::optional<std::string> picked = Pick(settings, names)) {
+            return *picked;
+        }
+    }
+}
+
+}  // namespace App

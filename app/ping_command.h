@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "app/exit_status.h"
+#include "app/settings.h"
+
+namespace App {
+
+// Whether something answers at the address; kNoneFound when nothing does.
+ExitStatus Ping(const Settings& settings, const std::string& address);
+
+}  // namespace App

@@ -1,0 +1,25 @@
+#include "app/printer_table.h"
+
+namespace App {
+
+PrinterRow RowOf(const Printer& printer) {
+    return {Cell(printer.serialNumber), Cell(printer.makeAndModel), Cell(printer.address),
+            printer.port == 0 ? "-" : std::to_string(printer.port), Cell(printer.vendor)};
+}
+
+Table TableOf(const std::vector<Printer>& printers) {
+    // Serial numbers and names may be long; the other columns are needed whole.
+    Table table{{{"SERIAL NUMBER", Column::Yielding},
+                 {"MAKE AND MODEL", Column::Yielding},
+                 {"ADDRESS", Column::Whole},
+                 {"PORT", Column::Number},
+                 {"VENDOR", Column::Whole}},
+                {}};
+    for (const Printer& printer : printers) {
+        const PrinterRow row = RowOf(printer);
+        table.rows.emplace_back(row.begin(), row.end());
+    }
+    return table;
+}
+
+}  // namespace App

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <chrono>
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "app/console.h"
+#include "app/item_list.h"
+#include "app/line_view.h"
+#include "app/messages.h"
+#include "app/settings.h"
+#include "app/table_view.h"
+
+namespace App {
+
+struct ScanOptions {
+    std::chrono::duration<double> time{5};
+    bool watch = false;  // until interrupted, whatever `time` says
+};
+
+// A table on a terminal, lines elsewhere, `json` lines on request.
+template <class Item>
+std::unique_ptr<ScanView<Item>> ViewFor(const Settings& settings,
+                                        typename LineView<Item>::Format& json) {
+    if (settings.json) {
+        return std::make_unique<LineView<Item>>(json);
+    }
+    if (settings.DrawsOnTerminal()) {
+        return std::make_unique<TableView<Item>>();
+    }
+    return std::make_unique<LineView<Item>>(TabbedLine<Item>);
+}
+
+// How a scan that ends at `end` stands.
+template <class Item>
+std::string ScanStatus(std::size_t found, bool watch,
+                       typename ItemList<Item>::Clock::time_point end) {
+    const std::string soFar =
+        found == 0 ? std::string("Looking for ") + Item::kMany : CountOf<Item>(found) + " so far";
+    if (watch) {
+        return soFar + ", until Ctrl-C";
+    }
+    const std::chrono::duration<double> left = end - ItemList<Item>::Clock::now();
+    const int seconds = static_cast<int>(std::ceil(std::max(left.count(), 0.0)));
+    return soFar + ", " + std::to_string(seconds) + " s left (Ctrl-C stops)";
+}
+
+// Shows the running scan until its time is over or it is cancelled, and stops it.
+template <class Item, class Session>
+void ShowScan(Session& session, ScanView<Item>& view, const ScanOptions& options) {
+    using Clock = typename ItemList<Item>::Clock;
+    constexpr auto tick = std::chrono::milliseconds(200);
+    ItemList<Item>& list = ItemList<Item>::GetInstance();
+    const auto end =
+        Clock::now() + std::chrono::duration_cast<typename Clock::duration>(options.time);
+    const auto isOver = [&] {
+        return list.IsCancelled() || (!options.watch && Clock::now() >= end);
+    };
+    const auto show = [&](typename Clock::time_point until) {
+        const std::vector<Item> news = list.WaitForNews(until);
+        view.Show(news, ScanStatus<Item>(list.GetItems().size(), options.watch, end));
+    };
+    show(Clock::now());
+    while (!isOver() && !OutputReaderIsGone()) {
+        const auto next = Clock::now() + tick;
+        show(options.watch ? next : std::min(next, end));
+    }
+    session.Stop();
+    show(Clock::now());
+    view.Finish();
+}
+
+// As ShowScan, quietly when the reader of the output leaves. Whether something was found, or nobody
+// wants to know any more.
+template <class Item, class Session>
+bool RunScan(Session& session, ScanView<Item>& view, const ScanOptions& options) {
+    try {
+        ShowScan(session, view, options);
+    } catch (const OutputClosed&) {
+        session.Stop();
+    }
+    return !ItemList<Item>::GetInstance().GetItems().empty() || OutputReaderIsGone();
+}
+
+}  // namespace App

@@ -1,0 +1,239 @@
+#include "app/setup_command.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "app/access_point_printer.h"
+#include "app/cancellation.h"
+#include "app/host_wifi.h"
+#include "app/messages.h"
+#include "app/network_choice.h"
+#include "app/printer_search.h"
+#include "app/problem.h"
+#include "app/prompt.h"
+#include "app/setup_progress.h"
+
+namespace App {
+
+namespace {
+
+constexpr int kJoinAttempts = 3;
+constexpr auto kJoinPause = std::chrono::seconds(2);
+
+// Why a step failed, and how to go on.
+struct StepFailed {
+    std::string problem;
+    std::optional<int> result;
+};
+
+std::string NameOf(const Printer& printer) {
+    return fmt::format("{}, serial number {}",
+                       printer.makeAndModel.empty() ? "A printer" : printer.makeAndModel,
+                       printer.serialNumber.empty() ? "not known" : printer.serialNumber);
+}
+
+// One journey, a step after the other.
+class Journey {
+public:
+    Journey(const Settings& appSettings, const SetupOptions& setupOptions)
+        : settings(appSettings), options(setupOptions), progress(appSettings) {}
+
+    ExitStatus Run();
+
+private:
+    void Steps();
+    Printer WhichPrinter();
+    std::string WhichNetwork();
+    std::shared_ptr<Secret> WhichPassPhrase(const std::string& network);
+    void Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase);
+    void Rejoin(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
+                const Printer& printer);
+    bool Join(const std::string& network, const std::shared_ptr<Secret>& passPhrase);
+    void Find(const std::string& network, const Printer& printer);
+    std::string StateOfThings() const;
+
+    const Settings& settings;
+    const SetupOptions& options;
+    SetupProgress progress;
+};
+
+ExitStatus Journey::Run() {
+    try {
+        Steps();
+        return kFound;
+    } catch (const StepFailed& failure) {
+        StepEvent event;
+        event.result = failure.result;
+        progress.Failed("failed", failure.problem, event);
+        return kNoneFound;
+    } catch (const Interrupted&) {
+        progress.Failed("interrupted", "interrupted. " + StateOfThings());
+        return kNoneFound;
+    } catch (const WrongInput& problem) {
+        progress.Failed("failed", problem.what());
+        return kUsage;
+    } catch (const Problem& problem) {
+        progress.Failed("failed", problem.what());
+        return kCouldNotRun;
+    }
+}
+
+void Journey::Steps() {
+    const Printer printer = WhichPrinter();
+    const std::string network = WhichNetwork();
+    const std::shared_ptr<Secret> passPhrase = WhichPassPhrase(network);
+    Configure(network, passPhrase);
+    Rejoin(network, passPhrase, printer);
+    Find(network, printer);
+}
+
+Printer Journey::WhichPrinter() {
+    progress.Begin(SetupStep::Printer);
+    const DeviceAnswer answer = AskForDevice(settings);
+    if (answer.result != 0) {
+        throw StepFailed{Explanation(settings, answer.result, "GetDeviceInfoByNet") +
+                             "\nThen start the set-up again; nothing was changed.",
+                         answer.result};
+    }
+    Printer printer(answer.device);
+    if (printer.serialNumber.empty()) {
+        throw StepFailed{
+            "the printer tells no serial number, and could not be found again afterwards.\n"
+            "`devicediscover ap configure` puts it on a network all the same.",
+            std::nullopt};
+    }
+    StepEvent event;
+    event.printer = &printer;
+    progress.Done(fmt::format("{}, vendor {}", NameOf(printer), printer.vendor), event);
+    return printer;
+}
+
+std::string Journey::WhichNetwork() {
+    progress.Begin(SetupStep::Network);
+    std::string network = options.network;
+    if (network.empty()) {
+        network = ChooseNetwork(settings, options.listTime, CurrentAccessPoint(settings).network);
+    }
+    if (network.empty()) {
+        throw StepFailed{"no network was picked.\nName it with --network NAME.", std::nullopt};
+    }
+    StepEvent event;
+    event.network = network;
+    progress.Done(network, event);
+    return network;
+}
+
+std::shared_ptr<Secret> Journey::WhichPassPhrase(const std::string& network) {
+    progress.Begin(SetupStep::PassPhrase);
+    std::shared_ptr<Secret> passPhrase = GetPassPhrase(settings, options.passPhrase, network);
+    RequirePrinterPassPhrase(*passPhrase);
+    progress.Done(passPhrase->View().empty() ? "None: the network is open" : "Given");
+    return passPhrase;
+}
+
+void Journey::Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase) {
+    progress.Begin(SetupStep::Configure);
+    const int result = ConfigureNetwork(settings, network, passPhrase);
+    if (result != 0) {
+        throw StepFailed{
+            fmt::format("the printer was not put on {}: {}\nCheck the network's name and pass "
+                        "phrase, join the printer's own network again should this computer\nhave "
+                        "left it, and start the set-up again. {}",
+                        network, Explanation(settings, result, "PrinterAPNetConfigEvent"),
+                        AdviceToReadLog()),
+            result};
+    }
+    StepEvent event;
+    event.network = network;
+    event.result = result;
+    progress.Done("The printer was put on " + network, event);
+}
+
+void Journey::Rejoin(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
+                     const Printer& printer) {
+    progress.Begin(SetupStep::Rejoin);
+    if (!options.rejoin) {
+        progress.Skipped("Left out, as asked for");
+        return;
+    }
+    if (!Join(network, passPhrase)) {
+        throw StepFailed{
+            fmt::format("this computer could not join {}; the printer was put on it.\nJoin it by "
+                        "hand, then `devicediscover ap check {} --vendor {}` tells whether the "
+                        "printer\nis there, and `devicediscover scan` where. {}",
+                        network, printer.serialNumber, printer.vendor, AdviceToReadLog()),
+            std::nullopt};
+    }
+    StepEvent event;
+    event.network = network;
+    progress.Done("This computer is on " + network, event);
+}
+
+bool Journey::Join(const std::string& network, const std::shared_ptr<Secret>& passPhrase) {
+    for (int attempt = 1;; ++attempt) {
+        if (CurrentAccessPoint(settings).network == network ||
+            JoinNetwork(settings, network, passPhrase)) {
+            return true;
+        }
+        if (attempt == kJoinAttempts) {
+            return false;
+        }
+        // The network may not be back in the list yet.
+        Cancellation::GetInstance().WaitUntil(Cancellation::Clock::now() + kJoinPause,
+                                              [] { return false; });
+    }
+}
+
+void Journey::Find(const std::string& network, const Printer& printer) {
+    progress.Begin(SetupStep::Find);
+    const SearchOutcome outcome = SearchPrinter(settings, printer, options.timeout);
+    if (!outcome.printer) {
+        throw StepFailed{
+            fmt::format("{} was put on {}, but was not found there within {:g} s.\nSome printers "
+                        "take longer: `devicediscover scan --watch` shows it when it is there. Is "
+                        "this computer\non the same network (`devicediscover wifi current`)?",
+                        NameOf(printer), network, options.timeout.count()),
+            std::nullopt};
+    }
+    const Printer& found = *outcome.printer;
+    const std::string place = fmt::format("{} port {}", found.address, found.port);
+    if (!outcome.isOnNetwork) {
+        throw StepFailed{
+            fmt::format("{} was found at {}, but its vendor does not find it on the local network: "
+                        "{}\nTry `devicediscover ap check {} --vendor {}` in a moment.",
+                        NameOf(found), place, VendorsResult(outcome.vendorsResult),
+                        found.serialNumber, found.vendor),
+            outcome.vendorsResult};
+    }
+    StepEvent event;
+    event.network = network;
+    event.printer = &found;
+    progress.Done(fmt::format("{}, is on {} at {}", NameOf(found), network, place), event);
+}
+
+std::string Journey::StateOfThings() const {
+    if (progress.Current() < SetupStep::Configure) {
+        return "Nothing was changed; start the set-up again when you like.";
+    }
+    if (progress.Current() == SetupStep::Configure) {
+        return "The printer may have been put on the network, or not: `devicediscover scan` on "
+               "that network\nshows it if so; else start the set-up again.";
+    }
+    return "The printer was put on the network: `devicediscover scan` on that network shows it.";
+}
+
+}  // namespace
+
+ExitStatus Setup(const Settings& settings, const SetupOptions& options) {
+    options.passPhrase.Require();
+    if (options.network.empty() && (settings.json || !settings.DrawsOnTerminal() || !CanAsk())) {
+        throw WrongInput(
+            "there is no terminal to pick the network on\nName it with --network NAME; "
+            "`devicediscover ap scan` shows which there are.");
+    }
+    CancelOnInterrupt();
+    return Journey(settings, options).Run();
+}
+
+}  // namespace App

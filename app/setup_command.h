@@ -1,0 +1,25 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "app/exit_status.h"
+#include "app/pass_phrase.h"
+#include "app/settings.h"
+
+namespace App {
+
+struct SetupOptions {
+    std::string network;  // empty: picked from a list
+    PassPhraseOptions passPhrase;
+    bool rejoin = true;
+    std::chrono::duration<double> listTime{5};  // how long to look for networks to pick from
+    std::chrono::duration<double> timeout{60};  // how long to look for the printer afterwards
+};
+
+// Puts the printer whose access point the host is joined to on a network, joins the host to it and
+// finds the printer there. kFound when all of that worked, kNoneFound when a step failed or was
+// interrupted.
+ExitStatus Setup(const Settings& settings, const SetupOptions& options);
+
+}  // namespace App

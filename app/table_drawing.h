@@ -1,0 +1,29 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "app/console.h"
+#include "app/table.h"
+
+namespace App {
+
+// A table on the terminal that is drawn anew as a scan goes on, with a status below it.
+class TableDrawing {
+public:
+    // `hasNews`: whether the table has changed since the last call.
+    void Show(const Table& table, bool hasNews, const std::string& status);
+
+    // Leaves the whole table on the terminal, and `summary` below it; nothing without rows.
+    void Finish(const Table& table, const std::string& summary);
+
+private:
+    void Draw(const std::vector<std::string>& lines);
+
+    std::vector<std::string> drawn;
+    std::chrono::steady_clock::time_point lastDrawn{};
+};
+
+}  // namespace App

@@ -1,0 +1,72 @@
+#include "app/wifi_command.h"
+
+#include "app/console.h"
+#include "app/host_wifi.h"
+#include "app/item_output.h"
+#include "app/json_output.h"
+#include "app/messages.h"
+#include "app/problem.h"
+#include "app/text.h"
+
+namespace App {
+
+namespace {
+
+ExitStatus Show(const Settings& settings, const std::vector<HostNetwork>& networks,
+                const std::string& none) {
+    if (networks.empty()) {
+        Complain(none + "\n" + AdviceToReadLog());
+        return kNoneFound;
+    }
+    WriteItems(settings, networks, HostNetworkJson);
+    return kFound;
+}
+
+}  // namespace
+
+ExitStatus WifiList(const Settings& settings) {
+    return Show(settings, NetworksInRange(settings),
+                "no network is in range, or this computer has no Wi-Fi that could tell.");
+}
+
+ExitStatus WifiOffer(const Settings& settings) {
+    return Show(settings, NetworksToOffer(settings),
+                "no network in range is one that a printer can be put on; "
+                "`devicediscover wifi list` shows all.");
+}
+
+ExitStatus WifiCurrent(const Settings& settings) {
+    const AccessPoint joined = CurrentAccessPoint(settings);
+    if (joined.network.empty() && joined.hardwareAddress.empty() && joined.interfaceName.empty()) {
+        Complain(
+            "this computer is joined to no Wi-Fi network.\n`devicediscover wifi join NAME` "
+            "joins one. Should it be joined already:\n" +
+            AdviceToReadLog());
+        return kNoneFound;
+    }
+    const std::string line = settings.json
+                                 ? AccessPointJson(joined)
+                                 : Cell(joined.network) + "\t" + Cell(joined.hardwareAddress) +
+                                       "\t" + Cell(joined.interfaceName);
+    WriteOutput(line + "\n");
+    return kFound;
+}
+
+ExitStatus WifiJoin(const Settings& settings, const std::string& network,
+                    const PassPhraseOptions& options) {
+    options.Require();
+    const bool joined = JoinNetwork(settings, network, GetPassPhrase(settings, options, network));
+    if (settings.json) {
+        WriteOutput(JoinJson(network, joined) + "\n");
+    } else if (joined) {
+        WriteOutput("joined " + DisplayText(network) + "\n");
+    }
+    if (!joined) {
+        Complain("could not join " + network +
+                 ".\nIs it in range (`devicediscover wifi list`), and is the pass phrase right? " +
+                 AdviceToReadLog());
+    }
+    return joined ? kFound : kNoneFound;
+}
+
+}  // namespace App
