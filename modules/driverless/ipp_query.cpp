@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <cups/cups.h>
 #include <fcntl.h>
+#include <string.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -11,8 +12,10 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <string_view>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace Driverless {
 
@@ -23,6 +26,9 @@ using std::chrono::milliseconds;
 // How often a query that waits looks whether it is still wanted.
 constexpr double kLookUpSeconds = 0.25;
 constexpr milliseconds kPatienceAtExit{200};
+
+constexpr const char* kWifiName = "printer-wifi-ssid";
+constexpr const char* kWifiPassword = "printer-wifi-password";
 
 struct FreeHttp {
     void operator()(http_t* http) const { httpClose(http); }
@@ -90,29 +96,102 @@ const char* NoPassword(const char*, http_t*, const char*, const char*, void*) {
     return nullptr;
 }
 
-Ipp NewRequest(const Printer& printer, int minorVersion) {
-    static constexpr std::array<const char*, 7> wanted{
+using Names = std::vector<const char*>;
+
+Names WantedAttributes(bool withWifi) {
+    Names names{
         "printer-make-and-model", "printer-device-id", "printer-serial-number",
         "printer-uuid",           "printer-state",     "printer-is-accepting-jobs",
         "printer-name",
     };
+    if (withWifi) {
+        names.insert(names.end(),
+                     {"printer-wifi-state", "printer-wifi-ssid", "printer-uri-supported"});
+    }
+    return names;
+}
+
+void AddSettings(ipp_t* request, const WifiSettings& settings) {
+    const std::string& passPhrase = settings.passPhrase.Text();
+    ippAddString(request, IPP_TAG_PRINTER, IPP_TAG_NAME, kWifiName, nullptr, settings.name.c_str());
+    ippAddOctetString(request, IPP_TAG_PRINTER, kWifiPassword, passPhrase.data(),
+                      static_cast<int>(passPhrase.size()));
+}
+
+// A message that may hold the pass phrase; it is wiped before the message goes.
+class Request {
+public:
+    explicit Request(ipp_op_t operation) : message(ippNewRequest(operation)) {}
+    ~Request() {
+        ipp_attribute_t* const attribute =
+            ippFindAttribute(message.get(), kWifiPassword, IPP_TAG_STRING);
+        int size = 0;
+        void* const secret =
+            attribute == nullptr ? nullptr : ippGetOctetString(attribute, 0, &size);
+        if (secret != nullptr) {
+            explicit_bzero(secret, static_cast<std::size_t>(size));
+        }
+    }
+    ipp_t* Get() const { return message.get(); }
+
+    Request(const Request&) = delete;
+    Request& operator=(const Request&) = delete;
+
+private:
+    const Ipp message;
+};
+
+std::string UriOf(const Printer& printer) {
     std::array<char, 1024> uri{};
     const bool tls = printer.kind == ServiceKind::Ipps;
     httpAssembleURI(HTTP_URI_CODING_ALL, uri.data(), static_cast<int>(uri.size()),
                     tls ? "ipps" : "ipp", nullptr, printer.host.c_str(), printer.port,
                     printer.resource.c_str());
-    Ipp request(ippNewRequest(IPP_OP_GET_PRINTER_ATTRIBUTES));
-    ippSetVersion(request.get(), minorVersion == 0 ? 2 : 1, minorVersion);
-    ippAddString(request.get(), IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri", nullptr, uri.data());
-    ippAddStrings(request.get(), IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
+    return uri.data();
+}
+
+void Fill(ipp_t* request, const Printer& printer, const IppQuestion& question, int minorVersion) {
+    ippSetVersion(request, minorVersion == 0 ? 2 : 1, minorVersion);
+    ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri", nullptr,
+                 UriOf(printer).c_str());
+    if (question.kind == IppQuestion::Kind::Set) {
+        AddSettings(request, question.settings);
+        return;
+    }
+    const Names wanted = WantedAttributes(question.kind == IppQuestion::Kind::AttributesWithWifi);
+    ippAddStrings(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
                   static_cast<int>(wanted.size()), nullptr, wanted.data());
-    return request;
+}
+
+ipp_op_t OperationOf(const IppQuestion& question) {
+    return question.kind == IppQuestion::Kind::Set ? IPP_OP_SET_PRINTER_ATTRIBUTES
+                                                   : IPP_OP_GET_PRINTER_ATTRIBUTES;
 }
 
 std::string TextOf(ipp_t* response, const char* name) {
     ipp_attribute_t* const attribute = ippFindAttribute(response, name, IPP_TAG_ZERO);
     const char* text = attribute == nullptr ? nullptr : ippGetString(attribute, 0, nullptr);
     return text == nullptr ? std::string() : text;
+}
+
+bool HasTlsUri(ipp_t* response) {
+    ipp_attribute_t* const uris = ippFindAttribute(response, "printer-uri-supported", IPP_TAG_URI);
+    for (int i = 0; uris != nullptr && i < ippGetCount(uris); ++i) {
+        const char* const uri = ippGetString(uris, i, nullptr);
+        if (uri != nullptr && std::string_view(uri).starts_with("ipps:")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void TakeWifi(ipp_t* response, PrinterAttributes& attributes) {
+    ipp_attribute_t* const state = ippFindAttribute(response, "printer-wifi-state", IPP_TAG_ENUM);
+    if (state != nullptr) {
+        attributes.wifiState = static_cast<WifiState>(ippGetInteger(state, 0));
+    }
+    attributes.wifiName = TextOf(response, kWifiName);
+    attributes.speaksTls = HasTlsUri(response);
 }
 
 PrinterAttributes AttributesOf(ipp_t* response) {
@@ -127,6 +206,7 @@ PrinterAttributes AttributesOf(ipp_t* response) {
     ipp_attribute_t* const printerState = ippFindAttribute(response, "printer-state", IPP_TAG_ENUM);
     attributes.stopped =
         printerState != nullptr && ippGetInteger(printerState, 0) == IPP_PSTATE_STOPPED;
+    TakeWifi(response, attributes);
     return attributes;
 }
 
@@ -135,12 +215,30 @@ IppAnswer Problem(IppAnswer::Kind kind) {
     return {kind, {}, reason == nullptr ? "" : reason};
 }
 
+// Of an HTTP server that gave no IPP answer.
+IppAnswer::Kind KindOf(http_status_t status) {
+    switch (status) {
+        case HTTP_STATUS_UNAUTHORIZED:
+        case HTTP_STATUS_FORBIDDEN:
+        case HTTP_STATUS_UPGRADE_REQUIRED:
+            return IppAnswer::Kind::Denied;
+        default:
+            return status >= HTTP_STATUS_OK ? IppAnswer::Kind::NoPrinter
+                                            : IppAnswer::Kind::NoAnswer;
+    }
+}
+
+bool IsDenied(ipp_status_t status) {
+    return status == IPP_STATUS_ERROR_FORBIDDEN || status == IPP_STATUS_ERROR_NOT_AUTHENTICATED ||
+           status == IPP_STATUS_ERROR_NOT_AUTHORIZED;
+}
+
 }  // namespace
 
 class IppQuery::State {
 public:
-    State(Printer asked, Clock::time_point answerDeadline)
-        : printer(std::move(asked)), deadline(answerDeadline) {}
+    State(Printer asked, Clock::time_point answerDeadline, IppQuestion asking)
+        : printer(std::move(asked)), deadline(answerDeadline), question(std::move(asking)) {}
     ~State() {
         if (connection >= 0) {
             close(connection);
@@ -157,11 +255,13 @@ private:
     static int GoOn(http_t* http, void* self);
     Http Connect(http_addrlist_t* addresses);
     IppAnswer Ask(http_t* http);
+    bool IsGranted(ipp_status_t status) const;
     Ipp Exchange(http_t* http, int minorVersion);
     bool IsOver() const { return aborted || Clock::now() >= deadline; }
 
     const Printer printer;
     const Clock::time_point deadline;
+    const IppQuestion question;
     std::atomic<bool> aborted{false};
     std::mutex mutex;
     // A descriptor of this query's own, so that an abort never meets one that libcups has closed
@@ -209,21 +309,28 @@ IppAnswer IppQuery::State::Ask(http_t* http) {
         response = Exchange(http, 1);
     }
     if (response == nullptr) {
-        const bool answered = httpGetStatus(http) >= HTTP_STATUS_OK && !IsOver();
-        return Problem(answered ? IppAnswer::Kind::NoPrinter : IppAnswer::Kind::NoAnswer);
+        return Problem(IsOver() ? IppAnswer::Kind::NoAnswer : KindOf(httpGetStatus(http)));
     }
-    if (ippGetStatusCode(response.get()) > IPP_STATUS_OK_EVENTS_COMPLETE) {
-        return Problem(IppAnswer::Kind::NoPrinter);
+    const ipp_status_t status = ippGetStatusCode(response.get());
+    if (!IsGranted(status)) {
+        return Problem(IsDenied(status) ? IppAnswer::Kind::Denied : IppAnswer::Kind::NoPrinter);
     }
-    return {IppAnswer::Kind::Attributes, AttributesOf(response.get()), {}};
+    return {IppAnswer::Kind::Granted, AttributesOf(response.get()), {}};
+}
+
+// A printer that ignores an attribute that was to be set says that all went well, too.
+bool IppQuery::State::IsGranted(ipp_status_t status) const {
+    return question.kind == IppQuestion::Kind::Set ? status == IPP_STATUS_OK
+                                                   : status <= IPP_STATUS_OK_EVENTS_COMPLETE;
 }
 
 // One request and its response, without the repetitions with which libcups would follow a server
 // that redirects or wants a password.
 Ipp IppQuery::State::Exchange(http_t* http, int minorVersion) {
-    const Ipp request = NewRequest(printer, minorVersion);
+    const Request request(OperationOf(question));
+    Fill(request.Get(), printer, question, minorVersion);
     const http_status_t status =
-        cupsSendRequest(http, request.get(), printer.resource.c_str(), ippLength(request.get()));
+        cupsSendRequest(http, request.Get(), printer.resource.c_str(), ippLength(request.Get()));
     const bool sent = status <= HTTP_STATUS_CONTINUE || status == HTTP_STATUS_OK;
     return sent && status != HTTP_STATUS_ERROR
                ? Ipp(cupsGetResponse(http, printer.resource.c_str()))
@@ -238,8 +345,8 @@ void IppQuery::State::Abort() {
     }
 }
 
-IppQuery::IppQuery(Printer asked, Clock::time_point answerDeadline)
-    : state(std::make_unique<State>(std::move(asked), answerDeadline)) {}
+IppQuery::IppQuery(Printer asked, Clock::time_point answerDeadline, IppQuestion question)
+    : state(std::make_unique<State>(std::move(asked), answerDeadline, std::move(question))) {}
 
 IppQuery::~IppQuery() = default;
 
@@ -262,9 +369,9 @@ struct Waiting {
 
 }  // namespace
 
-IppAnswer AskInTime(const Printer& printer, milliseconds patience) {
+IppAnswer AskInTime(const Printer& printer, milliseconds patience, IppQuestion question) {
     const auto deadline = Clock::now() + patience;
-    const auto query = std::make_shared<IppQuery>(printer, deadline);
+    const auto query = std::make_shared<IppQuery>(printer, deadline, std::move(question));
     const auto waiting = std::make_shared<Waiting>();
     std::thread([query, waiting] {
         IppAnswer answer = query->Run();

@@ -1,12 +1,14 @@
 #pragma once
 
-// Asks a printer for its attributes over IPP.
+// Asks a printer for its attributes over IPP, and gives it its Wi-Fi settings.
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "printer.h"
+#include "wifi_settings.h"
 
 namespace Driverless {
 
@@ -15,11 +17,21 @@ using Clock = std::chrono::steady_clock;
 // How long a printer has for its answer.
 constexpr std::chrono::milliseconds kAnswerPatience{2000};
 
+// How long a printer has to take its settings: some write them to slow memory first.
+constexpr std::chrono::milliseconds kSettingPatience{10000};
+
+struct IppQuestion {
+    enum class Kind { Attributes, AttributesWithWifi, Set };
+    Kind kind = Kind::Attributes;
+    WifiSettings settings;  // to be set, both at once
+};
+
 struct IppAnswer {
     enum class Kind {
-        NoAnswer,    // nothing there, or silence
-        NoPrinter,   // something that is no IPP printer, or none at this path
-        Attributes,  // `attributes` hold what the printer said
+        NoAnswer,   // nothing there, or silence
+        NoPrinter,  // no IPP printer, or none at this path, or it refuses what was asked
+        Denied,     // it wants to know who asks, or does not allow it
+        Granted,    // `attributes` hold what the printer said; it has taken what was set
     };
     Kind kind = Kind::NoAnswer;
     PrinterAttributes attributes;
@@ -29,7 +41,7 @@ struct IppAnswer {
 // One question to one printer.
 class IppQuery {
 public:
-    IppQuery(Printer asked, Clock::time_point answerDeadline);
+    IppQuery(Printer asked, Clock::time_point answerDeadline, IppQuestion question = {});
     ~IppQuery();
 
     // Asks, and waits for the answer. TLS has patience of its own, so this may come back only
@@ -48,7 +60,8 @@ private:
 };
 
 // Runs a query and comes back no later than its patience allows.
-IppAnswer AskInTime(const Printer& printer, std::chrono::milliseconds patience);
+IppAnswer AskInTime(const Printer& printer, std::chrono::milliseconds patience,
+                    IppQuestion question = {});
 
 // Whether something accepts a connection at the printer's address.
 bool AcceptsConnection(const Printer& printer, std::chrono::milliseconds patience);

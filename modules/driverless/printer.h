@@ -11,6 +11,16 @@
 
 namespace Driverless {
 
+// What a printer says of its Wi-Fi, with the numbers of the standard.
+enum class WifiState {
+    Off = 3,
+    NotConfigured = 4,
+    NotVisible = 5,
+    CannotJoin = 6,
+    Joining = 7,
+    On = 8,
+};
+
 // The attributes that a printer gave over IPP; empty where it gave none.
 struct PrinterAttributes {
     std::string makeAndModel;
@@ -19,6 +29,9 @@ struct PrinterAttributes {
     std::string uuid;
     bool acceptsJobs = true;
     bool stopped = false;
+    std::optional<WifiState> wifiState;  // none: its Wi-Fi cannot be configured
+    std::string wifiName;                // of the network it was given
+    bool speaksTls = false;              // one of its URIs is "ipps:"
 };
 
 struct Printer {

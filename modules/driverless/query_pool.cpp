@@ -37,7 +37,7 @@ void QueryPool::State::Work() {
     std::shared_ptr<IppQuery> running;
     while (Take(query, running)) {
         const IppAnswer answer = running->Run();
-        const bool answered = answer.kind == IppAnswer::Kind::Attributes;
+        const bool answered = answer.kind == IppAnswer::Kind::Granted;
         if (!answered) {
             ReportDetail(query.printer.id.name + " at " + query.printer.address + ":" +
                          std::to_string(query.printer.port) + " gives no attributes: " +

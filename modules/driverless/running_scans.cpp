@@ -12,44 +12,43 @@ namespace {
 // At exit the application's objects go one by one: nothing is reported to them any more.
 void AtExit() {
     RunningScans().StopAll(std::chrono::milliseconds(0));
+    RunningNetworkScans().StopAll(std::chrono::milliseconds(0));
     EndTls();
 }
 
 }  // namespace
 
-int ScanRegistry::Run(VendorSdk::DeviceCallbackInfo* listener) {
-    static const int registered = std::atexit(AtExit);
-    static_cast<void>(registered);
-    const auto session = std::make_shared<ScanSession>(listener);
+int ScanRegistry::Run(const void* listener, const std::shared_ptr<Scan>& scan) {
+    PrepareForExit();
     {
         const std::lock_guard lock(mutex);
-        for (const auto& other : sessions) {
-            if (other->ReportsTo(listener)) {
-                other->Stop(std::chrono::milliseconds(0));
+        for (const Running& other : running) {
+            if (other.listener == listener) {
+                other.scan->Stop(std::chrono::milliseconds(0));
             }
         }
-        sessions.push_back(session);
+        running.push_back({listener, scan});
     }
-    const int result = session->Run();
+    const int result = scan->Run();
     const std::lock_guard lock(mutex);
-    std::erase(sessions, session);
+    std::erase_if(running, [&](const Running& one) { return one.scan == scan; });
     return result;
 }
 
 bool ScanRegistry::StopAll(std::chrono::milliseconds patience) {
-    Sessions running;
+    std::vector<Running> all;
     {
         const std::lock_guard lock(mutex);
-        running = sessions;
+        all = running;
     }
     const auto deadline = std::chrono::steady_clock::now() + patience;
     bool silent = true;
-    for (const auto& session : running) {
-        session->Stop(std::chrono::milliseconds(0));
+    for (const Running& one : all) {
+        one.scan->Stop(std::chrono::milliseconds(0));
     }
-    for (const auto& session : running) {
+    for (const Running& one : all) {
         const auto left = deadline - std::chrono::steady_clock::now();
-        silent &= session->Stop(std::chrono::duration_cast<std::chrono::milliseconds>(left));
+        silent &= one.scan->Stop(std::chrono::duration_cast<std::chrono::milliseconds>(left));
     }
     return silent;
 }
@@ -57,6 +56,16 @@ bool ScanRegistry::StopAll(std::chrono::milliseconds patience) {
 ScanRegistry& RunningScans() {
     static ScanRegistry& registry = *new ScanRegistry;
     return registry;
+}
+
+ScanRegistry& RunningNetworkScans() {
+    static ScanRegistry& registry = *new ScanRegistry;
+    return registry;
+}
+
+void PrepareForExit() {
+    static const int registered = std::atexit(AtExit);
+    static_cast<void>(registered);
 }
 
 }  // namespace Driverless

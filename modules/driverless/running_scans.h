@@ -6,7 +6,7 @@
 #include <mutex>
 #include <vector>
 
-#include "scan_session.h"
+#include "scan.h"
 
 namespace Driverless {
 
@@ -14,19 +14,28 @@ class ScanRegistry {
 public:
     // Runs a scan until it is stopped. One that reports to the same listener ends first: what was
     // started again starts afresh.
-    int Run(VendorSdk::DeviceCallbackInfo* listener);
+    int Run(const void* listener, const std::shared_ptr<Scan>& scan);
 
     // Ends all scans; false when one of them is still in its listener after `patience`.
     bool StopAll(std::chrono::milliseconds patience);
 
 private:
-    using Sessions = std::vector<std::shared_ptr<ScanSession>>;
+    struct Running {
+        const void* listener;
+        std::shared_ptr<Scan> scan;
+    };
 
     std::mutex mutex;
-    Sessions sessions;
+    std::vector<Running> running;
 };
 
-// The one registry. Never destroyed: scans run until the process is gone.
+// The scans for printers and those for Wi-Fi networks. Never destroyed: scans run until the process
+// is gone.
 ScanRegistry& RunningScans();
+ScanRegistry& RunningNetworkScans();
+
+// Has the end of the process end what runs then. To be called before anything that a thread may be
+// left behind in.
+void PrepareForExit();
 
 }  // namespace Driverless

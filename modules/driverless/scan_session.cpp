@@ -1,7 +1,8 @@
 #include "scan_session.h"
 
-#include <atomic>
+#include <condition_variable>
 #include <deque>
+#include <mutex>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -161,8 +162,8 @@ private:
 
 }  // namespace
 
-ScanSession::ScanSession(VendorSdk::DeviceCallbackInfo* listener)
-    : info(listener), inbox(std::make_shared<Inbox>()) {}
+ScanSession::ScanSession(Reporter printerReporter)
+    : reporter(std::move(printerReporter)), inbox(std::make_shared<Inbox>()) {}
 
 ScanSession::~ScanSession() = default;
 
@@ -201,34 +202,12 @@ int ScanSession::Run() {
 void ScanSession::Report(const Printer& printer) {
     KnownPrinters().Remember(printer);
     ReportDetail("found " + Summary(printer));
-    const VendorSdk::DeviceInfo record = ToRecord(printer);
-    // The application may register anew at any time.
-    const auto callback = std::atomic_ref(info->callback).load();
-    if (callback != nullptr && BeginReport()) {
-        callback(&record);
-        EndReport();
-    }
-}
-
-bool ScanSession::BeginReport() {
-    const std::lock_guard lock(mutex);
-    reporting = !stopped;
-    reporter = std::this_thread::get_id();
-    return reporting;
-}
-
-void ScanSession::EndReport() {
-    const std::lock_guard lock(mutex);
-    reporting = false;
-    changed.notify_all();
+    gate.Pass([&] { reporter(printer); });
 }
 
 bool ScanSession::Stop(std::chrono::milliseconds patience) {
     inbox->Close();
-    std::unique_lock lock(mutex);
-    stopped = true;
-    const auto silent = [this] { return !reporting || reporter == std::this_thread::get_id(); };
-    return changed.wait_for(lock, patience, silent);
+    return gate.Close(patience);
 }
 
 }  // namespace Driverless

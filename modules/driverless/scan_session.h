@@ -1,32 +1,28 @@
 #pragma once
 
-// One scan: from the call of StartDeviceScan to its return.
+// One look at the network's printers.
 
-#include <chrono>
-#include <condition_variable>
+#include <functional>
 #include <memory>
-#include <mutex>
-#include <thread>
 
-#include "VendorSdk/records.h"
 #include "printer.h"
+#include "report_gate.h"
+#include "scan.h"
 
 namespace Driverless {
 
-class ScanSession {
+class ScanSession : public Scan {
 public:
-    explicit ScanSession(VendorSdk::DeviceCallbackInfo* listener);
-    ~ScanSession();
+    using Reporter = std::function<void(const Printer&)>;
 
-    // Looks for printers until it is stopped, and reports on the calling thread. Returns
-    // StartDeviceScan's result.
-    int Run();
+    // Each printer is reported on the thread in Run.
+    explicit ScanSession(Reporter printerReporter);
+    ~ScanSession() override;
 
-    // Makes Run return; no report begins any more. True once no report is under way, other than one
-    // from which this is called; false when that takes longer than `patience`.
-    bool Stop(std::chrono::milliseconds patience);
+    // Looks for printers until it is stopped; StartDeviceScan's result.
+    int Run() override;
 
-    bool ReportsTo(const VendorSdk::DeviceCallbackInfo* listener) const { return info == listener; }
+    bool Stop(std::chrono::milliseconds patience) override;
 
     ScanSession(const ScanSession&) = delete;
     ScanSession& operator=(const ScanSession&) = delete;
@@ -35,17 +31,10 @@ private:
     class Inbox;
 
     void Report(const Printer& printer);
-    bool BeginReport();
-    void EndReport();
 
-    VendorSdk::DeviceCallbackInfo* const info;
+    const Reporter reporter;
     const std::shared_ptr<Inbox> inbox;
-
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool stopped = false;
-    bool reporting = false;
-    std::thread::id reporter;
+    ReportGate gate;
 };
 
 }  // namespace Driverless

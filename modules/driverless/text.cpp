@@ -61,6 +61,30 @@ bool IsControl(std::uint32_t code) {
     return code < 0x20 || (code >= 0x7F && code <= 0x9F) || lineOrParagraph || direction;
 }
 
+char Byte(std::uint32_t value) {
+    return static_cast<char>(static_cast<unsigned char>(value));
+}
+
+void Append(std::string& utf8, std::uint32_t code) {
+    if (code < 0x80) {
+        utf8 += Byte(code);
+    } else if (code < 0x800) {
+        utf8 += Byte(0xC0U | (code >> 6U));
+        utf8 += Byte(0x80U | (code & 0x3FU));
+    } else if (code < 0x10000 && IsCharacter(code, 3)) {
+        utf8 += Byte(0xE0U | (code >> 12U));
+        utf8 += Byte(0x80U | ((code >> 6U) & 0x3FU));
+        utf8 += Byte(0x80U | (code & 0x3FU));
+    } else if (code >= 0x10000 && IsCharacter(code, 4)) {
+        utf8 += Byte(0xF0U | (code >> 18U));
+        utf8 += Byte(0x80U | ((code >> 12U) & 0x3FU));
+        utf8 += Byte(0x80U | ((code >> 6U) & 0x3FU));
+        utf8 += Byte(0x80U | (code & 0x3FU));
+    } else {
+        utf8 += kReplacement;
+    }
+}
+
 std::string Trimmed(const std::string& text) {
     const std::size_t first = text.find_first_not_of(' ');
     if (first == std::string::npos) {
@@ -103,8 +127,31 @@ void PutText(std::span<char> field, std::string_view text) {
     std::fill(std::copy(cut.begin(), cut.end(), field.begin()), field.end(), '\0');
 }
 
-std::string FieldText(std::span<const char> field) {
+std::string_view FieldView(std::span<const char> field) {
     return {field.begin(), std::find(field.begin(), field.end(), '\0')};
+}
+
+std::string FieldText(std::span<const char> field) {
+    return std::string(FieldView(field));
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const Character character = FirstCharacter(text);
+        if (!character.wellFormed) {
+            return false;
+        }
+        text.remove_prefix(character.length);
+    }
+    return true;
+}
+
+std::string ToUtf8(std::wstring_view text) {
+    std::string utf8;
+    for (const wchar_t character : text) {
+        Append(utf8, static_cast<std::uint32_t>(character));
+    }
+    return utf8;
 }
 
 std::string LowerCase(std::string_view text) {

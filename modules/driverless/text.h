@@ -22,6 +22,15 @@ void PutText(std::span<char> field, std::string_view text);
 // What the field holds before its terminator, or all of it when it has none.
 std::string FieldText(std::span<const char> field);
 
+// The same, as it stands in the record.
+std::string_view FieldView(std::span<const char> field);
+
+// Whether the text is well-formed UTF-8.
+bool IsUtf8(std::string_view text);
+
+// The system's wide text as UTF-8; what is no character becomes U+FFFD.
+std::string ToUtf8(std::wstring_view text);
+
 // ASCII letters in lower case.
 std::string LowerCase(std::string_view text);
 

@@ -1,0 +1,31 @@
+#pragma once
+
+// The host's own Wi-Fi, through the application's library for it, whose service may hang: it is
+// asked on threads that can be left behind.
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Driverless {
+
+struct HostNetwork {
+    std::string name;       // UTF-8; empty: the host is joined to none
+    std::string interface;  // of the host
+};
+
+// The network that the host is joined to; nothing when that is not known within `patience`.
+std::optional<HostNetwork> CurrentNetwork(std::chrono::milliseconds patience);
+
+struct NetworkInRange {
+    std::string name;  // UTF-8
+    int quality = 0;   // of the signal, 0 to 100
+};
+
+// The networks in range, after a fresh scan, that a printer can be put on: `take` is called once,
+// on another thread, when they are known.
+void FindNetworks(std::function<void(std::vector<NetworkInRange>)> take);
+
+}  // namespace Driverless

@@ -1,0 +1,137 @@
+#include "local_network.h"
+
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "access_point.h"
+#include "connect_state.h"
+#include "diagnostics.h"
+#include "guarded.h"
+#include "known_printers.h"
+#include "results.h"
+#include "running_scans.h"
+#include "scan_session.h"
+
+namespace Driverless {
+
+namespace {
+
+constexpr std::chrono::seconds kPatience{5};
+constexpr std::chrono::milliseconds kPatienceForWifi{1000};
+
+// Who is looked for.
+struct Wanted {
+    std::string serialNumber;
+    std::string uuid;
+    std::string notAt;  // there it answers through its own network
+
+    bool Is(const Printer& printer) const {
+        const bool same =
+            printer.serialNumber == serialNumber || (!uuid.empty() && printer.uuid == uuid);
+        return same && (notAt.empty() || printer.address != notAt);
+    }
+};
+
+Wanted WantedBy(const VendorSdk::DeviceInfo& record) {
+    const Printer printer = FromRecord(record);
+    const auto known = KnownPrinters().Find(printer.serialNumber);
+    return {printer.serialNumber, known ? known->uuid : printer.uuid,
+            AddressOnPrintersNetwork(Clock::now() + kPatienceForWifi)};
+}
+
+// What the scan's thread and the one that waits for it have in common.
+class Search {
+public:
+    explicit Search(Wanted looked) : wanted(std::move(looked)) {}
+
+    void Found(const Printer& printer) {
+        if (wanted.Is(printer)) {
+            const std::lock_guard lock(mutex);
+            candidates.push_back(printer);
+            changed.notify_all();
+        }
+    }
+
+    void Ended(int result) {
+        const std::lock_guard lock(mutex);
+        ended = result;
+        changed.notify_all();
+    }
+
+    // The next printer that may be the one; nothing when none came in time or the scan ended.
+    std::optional<Printer> Next(Clock::time_point deadline) {
+        std::unique_lock lock(mutex);
+        changed.wait_until(lock, deadline, [this] { return ended || !candidates.empty(); });
+        if (candidates.empty()) {
+            return std::nullopt;
+        }
+        Printer printer = std::move(candidates.front());
+        candidates.pop_front();
+        return printer;
+    }
+
+    // Why the scan ended by itself; nothing while it runs.
+    std::optional<int> Failure() {
+        const std::lock_guard lock(mutex);
+        return ended;
+    }
+
+private:
+    const Wanted wanted;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<Printer> candidates;
+    std::optional<int> ended;
+};
+
+// A scan on a thread of its own; it ends with this object.
+class Looking {
+public:
+    explicit Looking(std::shared_ptr<Search> search)
+        : scan(std::make_shared<ScanSession>(
+              [search](const Printer& printer) { search->Found(printer); })) {
+        std::thread([running = scan, search] {
+            search->Ended(
+                Guarded(kNoBrowsing, [&] { return RunningScans().Run(running.get(), running); }));
+        }).detach();
+    }
+    ~Looking() { scan->Stop(std::chrono::milliseconds(0)); }
+
+    Looking(const Looking&) = delete;
+    Looking& operator=(const Looking&) = delete;
+
+private:
+    const std::shared_ptr<ScanSession> scan;
+};
+
+bool Answers(const Printer& printer) {
+    const int state = ConnectState(printer);
+    return state == kReady || state == kNotReady;
+}
+
+}  // namespace
+
+int IsOnLocalNetwork(const VendorSdk::DeviceInfo& record) {
+    Wanted wanted = WantedBy(record);
+    if (wanted.serialNumber.empty()) {
+        return kNoIdentity;
+    }
+    const auto deadline = Clock::now() + kPatience;
+    const auto search = std::make_shared<Search>(std::move(wanted));
+    const Looking looking(search);
+    while (const auto printer = search->Next(deadline)) {
+        if (Answers(*printer)) {
+            return kOk;
+        }
+        ReportDetail(printer->serialNumber + " is announced at " + printer->address +
+                     ", but does not answer");
+    }
+    return search->Failure().value_or(kNotOnNetwork);
+}
+
+}  // namespace Driverless

@@ -1,0 +1,107 @@
+#include "network_scan.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "diagnostics.h"
+#include "offered_networks.h"
+#include "results.h"
+#include "text.h"
+
+namespace Driverless {
+
+namespace {
+
+// Between the end of one look and the beginning of the next.
+constexpr std::chrono::milliseconds kPause{3000};
+constexpr std::chrono::milliseconds kPatienceForCurrent{1000};
+
+VendorSdk::WifiConfigInfo ToRecord(const NetworkInRange& network) {
+    VendorSdk::WifiConfigInfo record{};
+    record.rssi = static_cast<float>(network.quality);
+    PutText(record.ssid, network.name);
+    return record;
+}
+
+}  // namespace
+
+// What a look gave, for the thread in Run. Outlives the scan while a look is left behind.
+class NetworkScan::Inbox {
+public:
+    using Networks = std::vector<NetworkInRange>;
+
+    void Put(Networks found) {
+        const std::lock_guard lock(mutex);
+        networks = std::move(found);
+        changed.notify_all();
+    }
+
+    // What the look gave; nothing when the inbox was closed.
+    std::optional<Networks> Take() {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [this] { return closed || networks.has_value(); });
+        return closed ? std::nullopt : std::exchange(networks, std::nullopt);
+    }
+
+    // False when the inbox was closed meanwhile.
+    bool Sleep(std::chrono::milliseconds time) {
+        std::unique_lock lock(mutex);
+        return !changed.wait_for(lock, time, [this] { return closed; });
+    }
+
+    void Close() {
+        const std::lock_guard lock(mutex);
+        closed = true;
+        changed.notify_all();
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::optional<Networks> networks;
+    bool closed = false;
+};
+
+NetworkScan::NetworkScan(VendorSdk::WifiCallbackInfo* listener)
+    : info(listener), inbox(std::make_shared<Inbox>()) {}
+
+NetworkScan::~NetworkScan() = default;
+
+int NetworkScan::Run() {
+    OfferedNetworks offered;
+    const auto box = inbox;
+    do {
+        const auto current = CurrentNetwork(kPatienceForCurrent);
+        FindNetworks([box](std::vector<NetworkInRange> found) { box->Put(std::move(found)); });
+        const auto networks = inbox->Take();
+        if (!networks) {
+            return kOk;
+        }
+        for (const auto& network :
+             offered.Take(*networks, current ? current->name : std::string())) {
+            Report(network);
+        }
+    } while (inbox->Sleep(kPause));
+    return kOk;
+}
+
+void NetworkScan::Report(const NetworkInRange& network) {
+    ReportDetail("in range: " + network.name);
+    const VendorSdk::WifiConfigInfo record = ToRecord(network);
+    // The application may register anew at any time.
+    const auto callback = std::atomic_ref(info->callback).load();
+    if (callback != nullptr) {
+        gate.Pass([&] { callback(&record); });
+    }
+}
+
+bool NetworkScan::Stop(std::chrono::milliseconds patience) {
+    inbox->Close();
+    return gate.Close(patience);
+}
+
+}  // namespace Driverless
