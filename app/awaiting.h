@@ -13,7 +13,6 @@ namespace App {
 // Does what may take long, while the terminal says what is waited for. As AwaitInterruptibly.
 template <class Result>
 Result Await(const Settings& settings, const std::string& what, std::function<Result()> work) {
-    CancelOnInterrupt();
     StatusLine status(settings, what);
     return AwaitInterruptibly<Result>(std::move(work), [&] { status.Draw(); });
 }

@@ -54,6 +54,7 @@ Result AwaitInterruptibly(std::function<Result()> work, const std::function<void
         std::exception_ptr failure;
     };
     constexpr auto tick = std::chrono::milliseconds(200);
+    CancelOnInterrupt();
     Cancellation& cancellation = Cancellation::GetInstance();
     cancellation.Check();
     const auto outcome = std::make_shared<Outcome>();

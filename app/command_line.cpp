@@ -259,7 +259,8 @@ std::string SubcommandsOf(const CLI::App& command) {
 
 std::string Explanation(const CLI::App& app, const CLI::ParseError& error) {
     const auto [command, words] = Chosen(app);
-    if (error.get_name() == "ExtrasError" && TakesPassPhrase(*command)) {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) &&
+        TakesPassPhrase(*command)) {
         return "there is an argument too many. A pass phrase is never one: give it at the prompt, "
                "or with\n--pass-phrase-file";
     }

@@ -2,15 +2,26 @@
 
 #include <mutex>
 
+#include "tests/support/host_script.h"
+
 namespace {
 
+using ScriptedHost::HostScript;
+
 struct State {
-    std::mutex mutex;
+    State() : script(HostScript::FromEnvironment()) {
+        pingResults = script.pingResults;
+        inRange = script.inRange;
+        joinedTo = script.joinedTo;
+    }
+
+    const HostScript script;
+    std::mutex mutex;  // guards all below
     std::vector<int> pingResults;
     std::vector<ScriptedHost::PingCall> pings;
     std::vector<PrinterWifiApiStruct::WlanInfoData> inRange;
     int scans = 0;
-    std::vector<std::wstring> joinedTo{{}, {}, {}};
+    std::vector<std::wstring> joinedTo;
     bool joins = false;
     std::vector<std::pair<std::wstring, std::wstring>> joinCalls;
 };
@@ -63,12 +74,15 @@ std::vector<std::pair<std::wstring, std::wstring>> Joins() {
 
 namespace PrinterDiscoverAPI {
 
+using ScriptedHost::Quoted;
+
 PrinterPing& PrinterPing::GetInstance() {
     static PrinterPing instance;
     return instance;
 }
 
 int PrinterPing::Ping(const char* address, PingReply* reply, std::uint32_t timeout) {
+    TheState().script.Play("Ping " + std::string(address));
     return With([&](State& state) {
         if (reply != nullptr) {
             *reply = {0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF};
@@ -85,6 +99,7 @@ PrinterWifiAPI& PrinterWifiAPI::GetInstance() {
 }
 
 void PrinterWifiAPI::ScanWifiAPBySsid(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks) {
+    TheState().script.Play("ScanWifiAPBySsid");
     With([&](State& state) {
         ++state.scans;
         networks.insert(networks.end(), state.inRange.begin(), state.inRange.end());
@@ -93,6 +108,7 @@ void PrinterWifiAPI::ScanWifiAPBySsid(std::vector<PrinterWifiApiStruct::WlanInfo
 
 void PrinterWifiAPI::QueryConnectedAP(std::wstring& ssid, std::wstring& hardwareAddress,
                                       std::wstring& interfaceName) {
+    TheState().script.Play("QueryConnectedAP");
     With([&](State& state) {
         ssid = state.joinedTo.at(0);
         hardwareAddress = state.joinedTo.at(1);
@@ -101,9 +117,16 @@ void PrinterWifiAPI::QueryConnectedAP(std::wstring& ssid, std::wstring& hardware
 }
 
 bool PrinterWifiAPI::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
+    TheState().script.Play("ConnectAP " + Quoted(ssid) + ' ' + Quoted(passPhrase));
     return With([&](State& state) {
+        const std::size_t call = state.joinCalls.size();
         state.joinCalls.emplace_back(ssid, passPhrase);
-        return state.joins;
+        const std::vector<bool>& results = state.script.joinResults;
+        const bool joined = call < results.size() ? results[call] : state.joins;
+        if (joined && !results.empty()) {
+            state.joinedTo.at(0) = ssid;
+        }
+        return joined;
     });
 }
 

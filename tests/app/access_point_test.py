@@ -1,0 +1,269 @@
+"""`devicediscover ap`."""
+
+import struct
+import time
+
+import app_test
+from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, USAGE, device, json_lines
+from host_test import PASS_PHRASE, HostTest, Terminal, reported
+
+OFFICE = ["ap", "configure", "--network", "Office"]
+
+
+class AccessPointScan(HostTest):
+    def test_each_network_is_a_line(self):
+        self.script(reported("Office", 82), reported(r"Caf\xc3\xa9", -57.5), reported("", 3))
+        result = self.run_app("ap", "scan", "--seconds", "1")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "Office\t82\nCaf\u00e9\t-57.5\n-\t3\n")
+        self.assertEqual(self.calls_of("StopAPWifiScan"), ["scripted_all"])
+
+    def test_json_comes_as_it_is_found(self):
+        self.script("interval 600", "until-stopped", reported("Office", 1), reported("Guests", 2))
+        process = self.start_app("ap", "scan", "--json", "--watch")
+        self.assertEqual(process.stdout.readline().strip(), b'{"network":"Office","signal":1.0}')
+        start = time.monotonic()
+        self.assertEqual(process.stdout.readline().strip(), b'{"network":"Guests","signal":2.0}')
+        self.assertGreater(time.monotonic() - start, 0.3)
+
+    def test_a_signal_that_is_no_number_is_json_all_the_same(self):
+        self.script(reported("Office", "nan"), reported("Office", "nan"))
+        result = self.run_app("ap", "scan", "--json", "--seconds", "1")
+        if result.errors:  # the scripted vendor does not take it
+            self.skipTest(result.errors)
+        self.assertEqual(json_lines(result.output), [{"network": "Office", "signal": None}])
+
+    def test_the_same_network_again_is_news_when_its_signal_changes(self):
+        self.script("interval 150", reported("Office", 1), reported("Office", 1),
+                    reported("Office", 2))
+        result = self.run_app("ap", "scan", "--seconds", "1.5")
+        self.assertEqual(result.output, "Office\t1\nOffice\t2\n")
+
+    def test_names_without_terminator_end_with_the_field(self):
+        self.script(reported("n" * 128))
+        network, = json_lines(self.run_app("ap", "scan", "--json", "--seconds", "1").output)
+        self.assertEqual(network["network"], "n" * 127)
+
+    def test_none_is_status_1(self):
+        result = self.run_app("ap", "scan", "--seconds", "0.3")
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(result.output, "")
+        self.assert_mentions(result.errors, "no network was reported", "log")
+        self.assertEqual(self.calls_of("StopAPWifiScan"), ["scripted_all"])
+
+    def test_a_terminal_gets_a_table_that_grows(self):
+        self.script("interval 1000", "until-stopped", reported("Office"), reported("Guests", 7))
+        terminal = Terminal(self, "ap", "scan", "--seconds", "3")
+        terminal.expect(r"1 network so far, \d s left")
+        terminal.expect(r"Office +50")
+        terminal.expect(r"2 networks found\.")
+        self.assertEqual(terminal.finish(), FOUND)
+
+    def test_ctrl_c_stops_the_vendor_s_scan(self):
+        self.script("until-stopped", reported("Office"))
+        terminal = Terminal(self, "ap", "scan", "--watch")
+        terminal.expect("1 network so far, until Ctrl-C")
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), FOUND)
+        self.assertEqual(self.calls_of("StopAPWifiScan"), ["scripted_all"])
+
+    def test_a_reader_that_leaves_ends_it_quietly(self):
+        self.script("interval 20", "repeat 0", "until-stopped",
+                    *(reported(f"n{number}", number) for number in range(50)))
+        process = self.start_app("ap", "scan", "--watch", "--json")
+        process.stdout.readline()
+        process.stdout.close()
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertEqual(process.stderr.read(), b"")
+
+
+class AccessPointInfo(HostTest):
+    def test_the_printer(self):
+        self.script(device("SN1", model="Fake 7", address="192.0.2.7", port=9100))
+        result = self.run_app("ap", "info")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1\tFake 7\t192.0.2.7\t9100\tscripted\n")
+        printer, = json_lines(self.run_app("ap", "info", "--json").output)
+        self.assertEqual((printer["serialNumber"], printer["port"]), ("SN1", 9100))
+
+    def test_the_vendor_whose_access_point_it_is_answers(self):
+        self.list_file = self.vendor_list([("a", "scripted_all"), ("b", "scripted_all_b")])
+        self.script("[scripted_all]", "result IsConnectCurrentWifiAP 1", "[scripted_all_b]",
+                    device("SN2"))
+        result = self.run_app("ap", "info")
+        self.assertEqual(result.output.split("\t")[0], "SN2")
+        self.assertEqual(self.calls_of("GetDeviceInfoByNet"), ["scripted_all_b"])
+
+    def test_elsewhere_than_on_a_printer_s_network_it_says_how_to_get_there(self):
+        self.script("result IsConnectCurrentWifiAP 1")
+        self.host('joined "Office" "00:11:22:33:44:55" "wlan0"')
+        for command in (["info"], ["scan"], ["check"],
+                        ["configure", "--network", "x", "--open"]):
+            with self.subTest(command):
+                result = self.run_app("ap", *command)
+                self.assert_status(result, NONE_FOUND)
+                self.assert_mentions(result.errors, "Office", "wifi list", "wifi join")
+        self.host()
+        result = self.run_app("ap", "info")
+        self.assert_mentions(result.errors, "joined to no Wi-Fi network")
+
+    def test_the_vendor_s_own_result_is_told(self):
+        self.script("result GetDeviceInfoByNet 77")
+        result = self.run_app("ap", "info")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "the vendor's result 77")
+
+    def test_without_a_vendor_that_could_it_could_not_run(self):
+        for vendors in ([], [("one", "scripted_none"), ("two", "no_such_module")],
+                        [("one", "scripted_without_GetDeviceInfoByNet")]):
+            with self.subTest(vendors):
+                self.list_file = self.vendor_list(vendors)
+                result = self.run_app("ap", "info")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors, "no vendor can do this", "--vendors",
+                                     *(f"vendor {name}" for name, _ in vendors))
+
+    def test_ctrl_c_ends_the_wait_for_a_slow_vendor(self):
+        self.script("delay GetDeviceInfoByNet 60000")
+        terminal = Terminal(self, "ap", "info")
+        terminal.expect(r"Asking the printer who it is, \d s")
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), NONE_FOUND)
+        terminal.expect("interrupted")
+
+
+class AccessPointConfigure(HostTest):
+    def received(self):
+        record, = self.arguments_of("PrinterAPNetConfigEvent")
+        return record
+
+    def test_the_vendor_receives_the_very_bytes(self):
+        name, pass_phrase = "Caf\u00e9 \U0001f5a8 " + "n" * 116, "p\u00e4ss " + "w" * 25
+        self.assertEqual([len(name.encode()), len(pass_phrase.encode())], [127, 31])
+        result = self.run_app("ap", "configure", "--network", name, "--pass-phrase-file",
+                              self.pass_phrase_file(pass_phrase))
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, f"the printer was put on {name}\n")
+        self.assertEqual(result.errors, "")
+        self.assertEqual(self.received(), struct.pack("<f128s32s", 0, name.encode(),
+                                                      pass_phrase.encode()))
+        self.assertNotIn(pass_phrase, self.log())
+
+    def test_from_the_prompt(self):
+        terminal = Terminal(self, *OFFICE)
+        terminal.expect("Pass phrase of Office")
+        terminal.type(PASS_PHRASE + "\r")
+        terminal.expect("the printer was put on Office")
+        self.assertEqual(terminal.finish(), FOUND)
+        self.assertEqual(self.received(),
+                         struct.pack("<f128s32s", 0, b"Office", PASS_PHRASE.encode()))
+        self.assertNotIn(PASS_PHRASE, terminal.text)
+        self.assertNotIn(PASS_PHRASE, self.log())
+
+    def test_an_open_network(self):
+        result = self.run_app(*OFFICE, "--open", "--json")
+        self.assert_status(result, FOUND)
+        self.assertEqual(json_lines(result.output),
+                         [{"network": "Office", "configured": True, "result": 0}])
+        self.assertEqual(self.received(), struct.pack("<f128s32s", 0, b"Office", b""))
+
+    def test_a_pass_phrase_that_a_printer_cannot_be_given_is_not_cut(self):
+        result = self.run_app(*OFFICE, "--pass-phrase-file", self.pass_phrase_file("w" * 32))
+        self.assert_status(result, USAGE)
+        self.assert_mentions(result.errors, "32 bytes", "31")
+        self.assertEqual(self.records(), [])
+
+    def test_a_failure_is_told_with_the_vendor_s_result(self):
+        self.script("result PrinterAPNetConfigEvent 12")
+        result = self.run_app(*OFFICE, "--json", "--pass-phrase-file", self.pass_phrase_file())
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(json_lines(result.output),
+                         [{"network": "Office", "configured": False, "result": 12}])
+        self.assert_mentions(result.errors, "not put on Office: the vendor's result 12\n", "log")
+        self.assert_not_shown(result)
+
+    def test_a_result_has_a_meaning_where_its_vendor_is_listed(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
+        for number, meaning in ((10, "refused"), (11, "does not see"), (12, "pass phrase"),
+                                (13, "in time"), (14, "not allow"), (15, "reached"),
+                                (16, "nothing was sent")):
+            self.script(f"result PrinterAPNetConfigEvent {number}")
+            result = self.run_app(*OFFICE, "--open")
+            self.assertRegex(result.errors, rf"result {number} \(of vendor driverless: .*{meaning}")
+
+    def test_wrong_arguments(self):
+        for arguments, saying in (([], "scan, configure, info or check"),
+                                  (["configure", "--open"], "--network"),
+                                  (["configure", "--network", "", "--open"], "empty"),
+                                  (["configure", "--network", "x" * 128, "--open"], "128 bytes"),
+                                  (["scan", "--seconds", "0"], "0.1 to 86400"),
+                                  (["scan", "--seconds", "1", "--watch"], "--watch"),
+                                  (["check", "--vendor", "x"], "SERIAL"),
+                                  (["check", "s" * 64], "64 bytes"),
+                                  (["check", "SN1", "--vendor", "v" * 32], "32 bytes")):
+            with self.subTest(arguments):
+                result = self.run_app("ap", *arguments)
+                self.assert_status(result, USAGE)
+                self.assertEqual(result.output, "")
+                self.assert_mentions(result.errors, saying, "--help")
+        self.assertEqual(self.records(), [])
+
+    def test_help_says_how_each_command_ends(self):
+        for command in (["ap"], ["ap", "scan"], ["ap", "configure"], ["ap", "info"],
+                        ["ap", "check"]):
+            with self.subTest(command):
+                result = self.run_app(*command, "--help", listed=False)
+                self.assert_status(result, FOUND)
+                self.assert_mentions(result.output, "Examples:", "Exit status",
+                                     "devicediscover " + " ".join(command))
+
+
+class AccessPointCheck(HostTest):
+    def test_a_printer_on_the_local_network(self):
+        result = self.run_app("ap", "check", "SN1", "--vendor", "scripted")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1 is on the local network (vendor scripted)\n")
+        record, = self.arguments_of("IsLocalAreaNetworkOK")
+        self.assertEqual(record, struct.pack("<HH64s32s128s", 0, 0, b"SN1", b"scripted", b""))
+
+    def test_a_printer_that_is_not_there(self):
+        self.script("result IsLocalAreaNetworkOK 5")
+        result = self.run_app("ap", "check", "SN1", "--vendor", "scripted", "--json")
+        self.assert_status(result, NONE_FOUND)
+        printer, = json_lines(result.output)
+        self.assertEqual((printer["serialNumber"], printer["onLocalNetwork"], printer["result"]),
+                         ("SN1", False, 5))
+        self.assert_mentions(result.errors, "vendor scripted: the vendor's result 5")
+
+    def test_each_vendor_is_asked_until_one_knows_it(self):
+        self.list_file = self.vendor_list([("a", "scripted_all"), ("b", "scripted_all_b"),
+                                           ("c", "scripted_all_c")])
+        self.script("[scripted_all]", "result IsLocalAreaNetworkOK 1")
+        result = self.run_app("ap", "check", "SN1")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1 is on the local network (vendor b)\n")
+        self.assertEqual(self.calls_of("IsLocalAreaNetworkOK"), ["scripted_all", "scripted_all_b"])
+
+    def test_without_a_serial_number_it_is_the_printer_whose_network_this_is(self):
+        self.script(device("SN7", address="192.0.2.7", service=2))
+        result = self.run_app("ap", "check")
+        self.assert_status(result, FOUND)
+        record, = self.arguments_of("IsLocalAreaNetworkOK")
+        self.assertEqual(record[:8], b"\x77\x02\x02\x00SN7\x00")
+
+    def test_a_vendor_that_is_not_listed(self):
+        result = self.run_app("ap", "check", "SN1", "--vendor", "stranger")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "stranger: no such vendor")
+
+    def test_without_a_vendor_that_could_tell_it_could_not_run(self):
+        for vendors in ([], [("one", "scripted_without_IsLocalAreaNetworkOK")]):
+            with self.subTest(vendors):
+                self.list_file = self.vendor_list(vendors)
+                result = self.run_app("ap", "check", "SN1")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors, "no vendor can do this")
+
+
+if __name__ == "__main__":
+    app_test.main()

@@ -1,0 +1,43 @@
+#pragma once
+
+// What the scripted PrinterDiscoverAPI does, as a file says it: for tests that start a program of
+// their own.
+
+#include <chrono>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
+
+namespace ScriptedHost {
+
+// The text between quotes; what is not printable ASCII is an escape sequence.
+std::string Quoted(const std::wstring& text);
+
+// One directive a line; texts are as Quoted writes them:
+//   ping <result>              what the next ping returns; 0 when there is no more such line
+//   network "<ssid>" <signal quality> <security> <exclude flag>
+//   joined "<ssid>" "<hardware address>" "<interface>"
+//   join <0 or 1>              the outcome of the next ConnectAP; the host is joined then
+//   delay <operation> <ms>     how long each call of it takes
+struct HostScript {
+    // The script that the environment variable SCRIPTED_HOST_SCRIPT names; an empty one when it
+    // names none. A line that makes no sense is named on standard error and left out.
+    static HostScript FromEnvironment();
+
+    // Appends the call, the operation's name first, to the file that SCRIPTED_HOST_RECORD names,
+    // and takes the time that the operation takes.
+    void Play(const std::string& call) const;
+
+    std::vector<int> pingResults;
+    std::vector<PrinterWifiApiStruct::WlanInfoData> inRange;
+    std::vector<std::wstring> joinedTo{{}, {}, {}};
+    std::vector<bool> joinResults;
+    std::map<std::string, std::chrono::milliseconds> delays;
+
+private:
+    bool Apply(const std::string& line);
+};
+
+}  // namespace ScriptedHost
