@@ -1,5 +1,6 @@
 #include "tests/support/recording_log.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <ios>
@@ -16,6 +17,8 @@ struct Record {
     std::function<void(const RecordingLog::Line&)> hook;
     bool discards = false;
 };
+
+std::atomic<unsigned long> instanceRequests{0};
 
 // Never destroyed: scan threads log while the process ends.
 Record& TheRecord() {
@@ -61,6 +64,10 @@ void Clear() {
     record.lines.clear();
 }
 
+unsigned long InstanceRequests() {
+    return instanceRequests;
+}
+
 std::vector<std::string> Complaints() {
     Record& record = TheRecord();
     const std::lock_guard lock(record.mutex);
@@ -89,6 +96,7 @@ void Discard() {
 }  // namespace RecordingLog
 
 KzLogger& KzLogger::GetInstance() {
+    ++instanceRequests;
     static KzLogger& logger = *new KzLogger;
     return logger;
 }

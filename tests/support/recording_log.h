@@ -21,6 +21,9 @@ struct Line {
 LOGHELPER_API std::vector<Line> Lines();
 LOGHELPER_API void Clear();
 
+// How often KzLogger::GetInstance has been asked for.
+LOGHELPER_API unsigned long InstanceRequests();
+
 // What was wrong with the streams that came: none should be anything but fresh, writable at its end
 // and of default format.
 LOGHELPER_API std::vector<std::string> Complaints();
