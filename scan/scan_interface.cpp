@@ -1,3 +1,5 @@
+#include <new>
+
 #include "DeviceDiscover/scan.h"
 #include "records/field_text.h"
 #include "records/log_line.h"
@@ -66,7 +68,13 @@ ScanInterface& ScanInterface::GetInstance() {
 }
 
 ScanInterface::ScanInterface() {
-    initialised = GetDeviceFunc();
+    try {
+        initialised = GetDeviceFunc();
+    } catch (...) {
+        // No destructor follows: the next first use begins anew.
+        UnInit();
+        throw;
+    }
 }
 
 ScanInterface::~ScanInterface() {
@@ -112,8 +120,14 @@ int ScanInterface::StartDeviceScan(const DeviceCallbackInfo& info) {
         }
         Broker::RunDetached([entry, registration] {
             const int scanResult = entry.StartDeviceScan(registration);
-            if (scanResult != 0) {
+            if (scanResult == 0) {
+                return;
+            }
+            try {
                 Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func fail, err:", scanResult);
+            } catch (const std::bad_alloc&) {
+                // Without memory for the line there is nobody to tell.
+                return;
             }
         });
         Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK");
