@@ -20,6 +20,17 @@ struct Record {
 
 std::atomic<unsigned long> instanceRequests{0};
 
+// Made before any of the broker's objects, and so destroyed after all of them.
+struct LastWords {
+    ~LastWords() {
+        if (work != nullptr) {
+            work();
+        }
+    }
+    void (*work)() = nullptr;
+};
+LastWords lastWords;
+
 // Never destroyed: scan threads log while the process ends.
 Record& TheRecord() {
     static Record& record = *new Record;
@@ -85,6 +96,10 @@ bool WaitUntil(const std::function<bool(const std::vector<Line>&)>& done, unsign
     std::unique_lock lock(record.mutex);
     return record.added.wait_for(lock, std::chrono::milliseconds(milliseconds),
                                  [&] { return done(record.lines); });
+}
+
+void AtItsEnd(void (*work)()) {
+    lastWords.work = work;
 }
 
 void Discard() {

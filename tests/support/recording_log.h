@@ -36,6 +36,9 @@ LOGHELPER_API void OnLine(std::function<void(const Line&)> hook);
 LOGHELPER_API bool WaitUntil(const std::function<bool(const std::vector<Line>&)>& done,
                              unsigned milliseconds);
 
+// Calls `work` when this library itself is at its end: the broker, which uses it, is then gone.
+LOGHELPER_API void AtItsEnd(void (*work)());
+
 // Keep nothing from now on: for tests that log more than fits.
 LOGHELPER_API void Discard();
 
