@@ -7,10 +7,12 @@ namespace {
 
 thread_local long untilFailure = 0;  // 0: none fails
 thread_local bool failed = false;
+thread_local bool staysGone = false;
 
 void* Allocate(std::size_t size) noexcept {
     if (untilFailure > 0 && --untilFailure == 0) {
         failed = true;
+        untilFailure = staysGone ? 1 : 0;
         return nullptr;
     }
     return std::malloc(size == 0 ? 1 : size);
@@ -28,8 +30,9 @@ void* AllocateOrThrow(std::size_t size) {
 
 namespace FailingMemory {
 
-FailsAt::FailsAt(long number) {
+FailsAt::FailsAt(long number, Then then) {
     failed = false;
+    staysGone = then == Then::StaysGone;
     untilFailure = number;
 }
 

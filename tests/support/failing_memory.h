@@ -3,10 +3,13 @@
 // Memory that runs out: a program that has this built in makes its own allocations fail.
 namespace FailingMemory {
 
-// While one of these lives, the allocation of that number by its own thread fails, counted from 1.
+enum class Then { Recovers, StaysGone };
+
+// While one of these lives, the allocation of that number by its own thread fails, counted from 1;
+// those after it work again, or not.
 class FailsAt {
 public:
-    explicit FailsAt(long number);
+    FailsAt(long number, Then then);
     ~FailsAt();
     FailsAt(const FailsAt&) = delete;
     FailsAt& operator=(const FailsAt&) = delete;
