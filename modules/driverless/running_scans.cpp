@@ -17,23 +17,38 @@ void AtExit() {
 
 }  // namespace
 
+// Keeps a session listed until its Run ends, also by an exception.
+class ScanRegistry::Listing {
+public:
+    Listing(ScanRegistry& inRegistry, const std::shared_ptr<ScanSession>& ofSession)
+        : registry(inRegistry), session(ofSession) {
+        const std::lock_guard lock(registry.mutex);
+        for (const auto& other : registry.sessions) {
+            if (other->ReportsToSameAs(*session)) {
+                other->Stop(std::chrono::milliseconds(0));
+            }
+        }
+        registry.sessions.push_back(session);
+    }
+    ~Listing() {
+        const std::lock_guard lock(registry.mutex);
+        std::erase(registry.sessions, session);
+    }
+
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
+
+private:
+    ScanRegistry& registry;
+    const std::shared_ptr<ScanSession> session;
+};
+
 int ScanRegistry::Run(VendorSdk::DeviceCallbackInfo* listener) {
     static const int registered = std::atexit(AtExit);
     static_cast<void>(registered);
     const auto session = std::make_shared<ScanSession>(listener);
-    {
-        const std::lock_guard lock(mutex);
-        for (const auto& other : sessions) {
-            if (other->ReportsTo(listener)) {
-                other->Stop(std::chrono::milliseconds(0));
-            }
-        }
-        sessions.push_back(session);
-    }
-    const int result = session->Run();
-    const std::lock_guard lock(mutex);
-    std::erase(sessions, session);
-    return result;
+    const Listing listing(*this, session);
+    return session->Run();
 }
 
 bool ScanRegistry::StopAll(std::chrono::milliseconds patience) {

@@ -20,6 +20,7 @@ public:
     bool StopAll(std::chrono::milliseconds patience);
 
 private:
+    class Listing;
     using Sessions = std::vector<std::shared_ptr<ScanSession>>;
 
     std::mutex mutex;

@@ -26,7 +26,7 @@ public:
     // from which this is called; false when that takes longer than `patience`.
     bool Stop(std::chrono::milliseconds patience);
 
-    bool ReportsTo(const VendorSdk::DeviceCallbackInfo* listener) const { return info == listener; }
+    bool ReportsToSameAs(const ScanSession& other) const { return info == other.info; }
 
     ScanSession(const ScanSession&) = delete;
     ScanSession& operator=(const ScanSession&) = delete;
