@@ -11,16 +11,19 @@ namespace Broker {
 // none to be had.
 //
 // The thread does not end before it is detached: the run-time library of MinGW-w64 mixes up its
-// threads when one ends while it is being detached, and one that is started next never runs.
+// threads when one ends while it is being detached, and one that is started next never runs. It
+// yields rather than waits: that run-time's waiting leaves static objects whose destruction hangs
+// when the process ends while a thread was about to wait.
 template <class Body>
 void RunDetached(Body body) {
     const auto detached = std::make_shared<std::atomic<bool>>(false);
     std::thread([body = std::move(body), detached] {
         body();
-        detached->wait(false);
+        while (!*detached) {
+            std::this_thread::yield();
+        }
     }).detach();
-    detached->store(true);
-    detached->notify_one();
+    *detached = true;
 }
 
 }  // namespace Broker
