@@ -22,8 +22,8 @@ std::vector<std::string> Arguments(int argc, char** argv);
 void PrepareConsole();
 
 // Writes all of `text` to standard output at once. Throws OutputClosed, or Problem when it cannot
-// be written. On Linux a reader that takes nothing for a second, the program having been asked to
-// end, counts as gone.
+// be written. A reader that takes nothing for a second, the program having been asked to end,
+// counts as gone.
 void WriteOutput(std::string_view text);
 
 // Whether the reader of standard output is known to have gone.

@@ -4,11 +4,25 @@
 // After the system's main header, on which it stands.
 #include <shellapi.h>
 
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "app/interrupt.h"
 #include "app/problem.h"
 
 namespace App {
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr DWORD kStalled = WAIT_TIMEOUT;
+constexpr auto kPatience = std::chrono::seconds(1);
+constexpr auto kTick = std::chrono::milliseconds(100);
+constexpr std::size_t kPartSize = 4096;
 
 std::wstring Widen(std::string_view text) {
     const int size = static_cast<int>(text.size());
@@ -32,25 +46,77 @@ bool IsConsole(HANDLE stream) {
     return GetConsoleMode(stream, &mode) != 0;
 }
 
-// The system's error number; 0 when all was written. A console takes wide text, so that no code
-// page comes between.
-DWORD WriteTo(HANDLE stream, std::string_view text) {
-    const bool console = IsConsole(stream);
-    const std::wstring wide = console ? Widen(text) : std::wstring();
-    const std::size_t total = console ? wide.size() : text.size();
-    for (std::size_t done = 0; done < total;) {
-        DWORD written = 0;
-        const DWORD left = static_cast<DWORD>(total - done);
-        const BOOL success =
-            console ? WriteConsoleW(stream, wide.data() + done, left, &written, nullptr)
-                    : WriteFile(stream, text.data() + done, left, &written, nullptr);
-        if (success == 0) {
-            return GetLastError();
-        }
-        done += written;
+// Writes to a stream from a thread of its own, so that Ctrl-C is seen while a reader stalls. The
+// thread serves until the process ends.
+class Writer {
+public:
+    explicit Writer(DWORD standardStream) : stream(GetStdHandle(standardStream)) {
+        std::thread([this] { Run(); }).detach();
     }
-    return 0;
-}
+
+    // The system's error number; 0 when all was written, kStalled when the program is to end and
+    // the reader takes nothing.
+    DWORD Write(std::string_view text) {
+        std::unique_lock lock(mutex);
+        pending.append(text);
+        error = 0;
+        changed.notify_all();
+        std::size_t leftBefore = pending.size();
+        Clock::time_point patienceEnds = Clock::now() + kPatience;
+        while (!pending.empty()) {
+            changed.wait_for(lock, kTick);
+            if (pending.size() != leftBefore || !IsInterrupted()) {
+                leftBefore = pending.size();
+                patienceEnds = Clock::now() + kPatience;
+            } else if (Clock::now() >= patienceEnds) {
+                return kStalled;
+            }
+        }
+        return error;
+    }
+
+private:
+    [[noreturn]] void Run() {
+        std::unique_lock lock(mutex);
+        for (;;) {
+            changed.wait(lock, [this] { return !pending.empty(); });
+            const bool console = IsConsole(stream);
+            const std::string part = console ? pending : pending.substr(0, kPartSize);
+            lock.unlock();
+            DWORD written = static_cast<DWORD>(part.size());
+            const DWORD result = console ? ToConsole(part) : ToStream(part, written);
+            lock.lock();
+            error = result;
+            pending.erase(0, result == 0 ? written : pending.size());
+            changed.notify_all();
+        }
+    }
+
+    DWORD ToStream(const std::string& part, DWORD& written) const {
+        const auto size = static_cast<DWORD>(part.size());
+        return WriteFile(stream, part.data(), size, &written, nullptr) == 0 ? GetLastError() : 0;
+    }
+
+    // A console takes wide text, so that no code page comes between.
+    DWORD ToConsole(const std::string& text) const {
+        const std::wstring wide = Widen(text);
+        for (std::size_t done = 0; done < wide.size();) {
+            DWORD written = 0;
+            const auto left = static_cast<DWORD>(wide.size() - done);
+            if (WriteConsoleW(stream, wide.data() + done, left, &written, nullptr) == 0) {
+                return GetLastError();
+            }
+            done += written;
+        }
+        return 0;
+    }
+
+    const HANDLE stream;
+    std::mutex mutex;  // guards what follows
+    std::condition_variable changed;
+    std::string pending;
+    DWORD error = 0;
+};
 
 }  // namespace
 
@@ -68,8 +134,9 @@ std::vector<std::string> Arguments(int, char**) {
 void PrepareConsole() {}
 
 void WriteOutput(std::string_view text) {
-    const DWORD error = WriteTo(GetStdHandle(STD_OUTPUT_HANDLE), text);
-    if (error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE) {
+    static Writer& writer = *new Writer(STD_OUTPUT_HANDLE);
+    const DWORD error = writer.Write(text);
+    if (error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE || error == kStalled) {
         throw OutputClosed();
     }
     if (error != 0) {
@@ -84,7 +151,8 @@ bool OutputReaderIsGone() {
 }
 
 void WriteError(std::string_view text) {
-    WriteTo(GetStdHandle(STD_ERROR_HANDLE), text);
+    static Writer& writer = *new Writer(STD_ERROR_HANDLE);
+    writer.Write(text);
 }
 
 bool ErrorIsTerminal() {

@@ -35,7 +35,7 @@ NetConnInterface& NetConnInterface::GetInstance() {
 }
 
 NetConnInterface::NetConnInterface() {
-    initialised = GetDeviceFunc();
+    initialised = Broker::BindFirst([this] { return GetDeviceFunc(); }, [this] { UnInit(); });
 }
 
 NetConnInterface::~NetConnInterface() {

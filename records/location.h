@@ -23,7 +23,8 @@ constexpr Location LocationOf(std::string_view signature) {
     }
     std::string_view suffix;
     for (std::string_view lambda :
-         {std::string_view("::<lambda("), std::string_view("::(anonymous class)::")}) {
+         {std::string_view("::<lambda("), std::string_view("::(anonymous class)::"),
+          std::string_view("::(lambda at ")}) {
         if (const auto at = signature.find(lambda); at != std::string_view::npos) {
             signature = signature.substr(0, at);
             suffix = "::<lambda_1>::operator ()";

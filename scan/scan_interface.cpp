@@ -49,7 +49,7 @@ ScanInterface& ScanInterface::GetInstance() {
 }
 
 ScanInterface::ScanInterface() {
-    initialised = GetDeviceFunc();
+    initialised = Broker::BindFirst([this] { return GetDeviceFunc(); }, [this] { UnInit(); });
 }
 
 ScanInterface::~ScanInterface() {

@@ -2,25 +2,34 @@
 
 #include <atomic>
 #include <memory>
+#include <new>
 #include <thread>
 #include <utility>
 
 namespace Broker {
 
 // Runs `body` on a thread of its own that nobody waits for. Throws std::system_error when there is
-// none to be had.
+// none to be had. Where the thread has no memory for a line it goes on without: there is nobody to
+// tell.
 //
 // The thread does not end before it is detached: the run-time library of MinGW-w64 mixes up its
-// threads when one ends while it is being detached, and one that is started next never runs.
+// threads when one ends while it is being detached, and one that is started next never runs. It
+// yields rather than waits: that run-time's waiting leaves static objects whose destruction hangs
+// when the process ends while a thread was about to wait.
 template <class Body>
 void RunDetached(Body body) {
     const auto detached = std::make_shared<std::atomic<bool>>(false);
     std::thread([body = std::move(body), detached] {
-        body();
-        detached->wait(false);
+        try {
+            body();
+        } catch (const std::bad_alloc&) {
+            static_cast<void>(0);
+        }
+        while (!*detached) {
+            std::this_thread::yield();
+        }
     }).detach();
-    detached->store(true);
-    detached->notify_one();
+    *detached = true;
 }
 
 }  // namespace Broker

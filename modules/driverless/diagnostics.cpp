@@ -1,9 +1,14 @@
 #include "diagnostics.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
+#include <ctime>
+#include <system_error>
 
 #include "text.h"
 
@@ -11,19 +16,45 @@ namespace Driverless {
 
 namespace {
 
-// Opened on first use and kept: lines may come until the process is gone.
-int LogFile() {
-    static const int file = [] {
-        const char* path = std::getenv("DRIVERLESS_LOG");
-        const bool named = path != nullptr && *path != '\0';
-        return named ? open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600) : -1;
-    }();
+// A pipe whose reader is gone does not end the process, whatever that has made of SIGPIPE: the
+// signal goes to the thread that writes, and is taken back there.
+void WriteLine(int file, const std::string& message) {
+    const std::string line = "driverless: " + CleanText(message) + "\n";
+    sigset_t brokenPipe;
+    sigset_t before;
+    sigset_t pending;
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    sigpending(&pending);
+    const bool alreadyPending = sigismember(&pending, SIGPIPE) == 1;
+    pthread_sigmask(SIG_BLOCK, &brokenPipe, &before);
+    if (write(file, line.data(), line.size()) < 0 && errno == EPIPE && !alreadyPending) {
+        const timespec now{};
+        sigtimedwait(&brokenPipe, nullptr, &now);
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+// A FIFO without a reader is refused at once, and one whose reader is slow loses lines: the host
+// waits for neither.
+int OpenLogFile() {
+    const char* const path = secure_getenv("DRIVERLESS_LOG");
+    if (path == nullptr || *path == '\0') {
+        return -1;
+    }
+    const int file = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC, 0600);
+    if (file < 0) {
+        const std::string reason = std::generic_category().message(errno);
+        WriteLine(STDERR_FILENO, "cannot write diagnostics to " + std::string(path) + ": " +
+                                     reason + "; they go to standard error");
+    }
     return file;
 }
 
-void WriteLine(int file, const std::string& message) {
-    const std::string line = "driverless: " + CleanText(message) + "\n";
-    [[maybe_unused]] const ssize_t written = write(file, line.data(), line.size());
+// Opened on first use and kept: lines may come until the process is gone.
+int LogFile() {
+    static const int file = OpenLogFile();
+    return file;
 }
 
 }  // namespace

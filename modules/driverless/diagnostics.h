@@ -2,7 +2,9 @@
 
 // The module's own diagnostics: one line an event, "driverless: ...". What keeps the module from
 // working goes to standard error; with the environment variable DRIVERLESS_LOG naming a file, that
-// and what happens on the way is appended there instead.
+// and what happens on the way is appended there instead; that the file cannot be opened is said
+// once, on standard error. A FIFO's reader is not waited for, and one that is gone does not end the
+// process.
 
 #include <string>
 

@@ -16,6 +16,7 @@
 #include <thread>
 #include <utility>
 
+#include "diagnostics.h"
 #include "results.h"
 #include "text.h"
 
@@ -33,6 +34,9 @@ constexpr std::chrono::milliseconds kPatienceAtEnd{500};
 // looked up when the first rush is over, those of others in a moment.
 constexpr std::chrono::milliseconds kDelayWithoutIpp{100};
 constexpr std::chrono::milliseconds kDelayWithIpp{1000};
+
+// Avahi refuses to look up many services at once for one client.
+constexpr std::chrono::milliseconds kDelayAfterRefusal{250};
 
 struct FreePoll {
     void operator()(AvahiThreadedPoll* poll) const { avahi_threaded_poll_free(poll); }
@@ -136,7 +140,8 @@ private:
     bool HasIpp(const ServiceId& id) const;
     void SetTimer(std::optional<Clock::time_point> time);
     void ResolveDue();
-    void Resolve(AvahiClient* ofClient, const ServiceId& id, AvahiProtocol protocol);
+    bool Resolve(AvahiClient* ofClient, const ServiceId& id, AvahiProtocol protocol);
+    void SayRefused(const ServiceId& id, int error, bool again);
     void ForgetResolver(const ServiceId& id);
     void Send(Signal sent);
     Signal AwaitSignal();
@@ -144,7 +149,10 @@ private:
     struct Deferred {
         AvahiProtocol protocol;
         Clock::time_point since;
+        bool refused = false;
     };
+    void Defer(const ServiceId& id, const Deferred& waiting);
+    Clock::time_point DueTime(const ServiceId& id, const Deferred& waiting) const;
 
     const Listener listener;
     const std::optional<ServiceId> only;
@@ -153,6 +161,7 @@ private:
     AvahiTimeout* timer = nullptr;
     std::unique_ptr<AvahiClient, FreeClient> client;
     bool browsing = false;
+    bool saidRefused = false;
     std::size_t unsettled = 0;
     std::map<ServiceId, AvahiServiceResolver*> resolvers;
     std::map<ServiceId, Deferred> deferred;
@@ -232,7 +241,9 @@ void DnssdBrowser::Watch::ClientChanged(AvahiClient* client, AvahiClientState st
 void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
     browsing = true;
     if (only) {
-        Resolve(ofClient, *only, AVAHI_PROTO_INET);
+        if (!Resolve(ofClient, *only, AVAHI_PROTO_INET)) {
+            listener(AvahiFailure(avahi_client_errno(ofClient)));
+        }
         return;
     }
     unsettled = kServiceTypes.size();
@@ -270,16 +281,29 @@ void DnssdBrowser::Watch::Browsed(AvahiServiceBrowser* browser, AvahiIfIndex int
 void DnssdBrowser::Watch::Announced(AvahiClient* ofClient, const ServiceId& id,
                                     AvahiProtocol protocol) {
     listener({DnssdEvent::Kind::Announced, id, {}, 0, {}});
-    if (id.kind == ServiceKind::Ipp) {
-        plainIpp.insert(id);
-        Resolve(ofClient, id, protocol);
+    if (id.kind != ServiceKind::Ipp) {
+        Defer(id, {protocol, Clock::now()});
         return;
     }
-    const auto now = Clock::now();
-    deferred.insert_or_assign(id, Deferred{protocol, now});
-    if (timer == nullptr) {
-        SetTimer(now + kDelayWithoutIpp);
+    plainIpp.insert(id);
+    if (!Resolve(ofClient, id, protocol)) {
+        SayRefused(id, avahi_client_errno(ofClient), false);
+        Defer(id, {protocol, Clock::now(), true});
     }
+}
+
+void DnssdBrowser::Watch::Defer(const ServiceId& id, const Deferred& waiting) {
+    deferred.insert_or_assign(id, waiting);
+    if (timer == nullptr) {
+        SetTimer(waiting.since + (waiting.refused ? kDelayAfterRefusal : kDelayWithoutIpp));
+    }
+}
+
+Clock::time_point DnssdBrowser::Watch::DueTime(const ServiceId& id, const Deferred& waiting) const {
+    if (waiting.refused) {
+        return waiting.since + kDelayAfterRefusal;
+    }
+    return waiting.since + (HasIpp(id) ? kDelayWithIpp : kDelayWithoutIpp);
 }
 
 void DnssdBrowser::Watch::Gone(const ServiceId& id) {
@@ -314,27 +338,45 @@ void DnssdBrowser::Watch::ResolveDue() {
     const auto now = Clock::now();
     std::optional<Clock::time_point> next;
     for (auto one = deferred.begin(); one != deferred.end();) {
-        const auto& [id, waiting] = *one;
-        const auto due = waiting.since + (HasIpp(id) ? kDelayWithIpp : kDelayWithoutIpp);
-        if (due > now) {
-            next = next ? std::min(*next, due) : due;
-            ++one;
-        } else {
-            Resolve(client.get(), id, waiting.protocol);
-            one = deferred.erase(one);
+        auto& [id, waiting] = *one;
+        if (DueTime(id, waiting) <= now) {
+            if (Resolve(client.get(), id, waiting.protocol)) {
+                one = deferred.erase(one);
+                continue;
+            }
+            SayRefused(id, avahi_client_errno(client.get()), waiting.refused);
+            waiting = {waiting.protocol, now, true};
         }
+        const auto due = DueTime(id, waiting);
+        next = next ? std::min(*next, due) : due;
+        ++one;
     }
     SetTimer(next);
 }
 
-void DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id,
+// False when Avahi refuses, now, to look it up.
+bool DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id,
                                   AvahiProtocol protocol) {
     ForgetResolver(id);
     AvahiServiceResolver* const resolver = avahi_service_resolver_new(
         ofClient, id.interface, protocol, id.name.c_str(), TypeName(id.kind), id.domain.c_str(),
         AVAHI_PROTO_INET, AvahiLookupFlags{}, ResolvedService, this);
-    if (resolver != nullptr) {
-        resolvers.emplace(id, resolver);
+    if (resolver == nullptr) {
+        return false;
+    }
+    resolvers.emplace(id, resolver);
+    return true;
+}
+
+// A problem when it happens again, and told once: what is refused one service is refused many. The
+// first time it may only be that Avahi is about to end, which is told by itself.
+void DnssdBrowser::Watch::SayRefused(const ServiceId& id, int error, bool again) {
+    const std::string message = "Avahi does not look up " + id.name + "." + TypeName(id.kind) +
+                                ", and is asked again: " + avahi_strerror(error);
+    if (again && !std::exchange(saidRefused, true)) {
+        ReportProblem(message);
+    } else {
+        ReportDetail(message);
     }
 }
 

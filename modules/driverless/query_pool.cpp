@@ -3,6 +3,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -77,9 +78,18 @@ QueryPool::~QueryPool() {
 void QueryPool::Start(const PrinterTable::Query& query) {
     const std::lock_guard lock(state->mutex);
     state->waiting.push_back(query);
-    if (state->threads < kMaxThreads) {
+    if (state->threads == kMaxThreads) {
+        return;
+    }
+    try {
         std::thread([own = state] { own->Work(); }).detach();
         ++state->threads;
+    } catch (const std::system_error& problem) {
+        // The threads that run take the query in their turn.
+        if (state->threads == 0) {
+            throw;
+        }
+        ReportDetail(std::string("no further thread for questions: ") + problem.what());
     }
 }
 

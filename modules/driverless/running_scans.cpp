@@ -18,21 +18,36 @@ void AtExit() {
 
 }  // namespace
 
-int ScanRegistry::Run(const void* listener, const std::shared_ptr<Scan>& scan) {
-    PrepareForExit();
-    {
-        const std::lock_guard lock(mutex);
-        for (const Running& other : running) {
+// Keeps a scan listed until its Run ends, also by an exception.
+class ScanRegistry::Listing {
+public:
+    Listing(ScanRegistry& inRegistry, const void* listener, const std::shared_ptr<Scan>& ofScan)
+        : registry(inRegistry), scan(ofScan) {
+        const std::lock_guard lock(registry.mutex);
+        for (const Running& other : registry.running) {
             if (other.listener == listener) {
                 other.scan->Stop(std::chrono::milliseconds(0));
             }
         }
-        running.push_back({listener, scan});
+        registry.running.push_back({listener, scan});
     }
-    const int result = scan->Run();
-    const std::lock_guard lock(mutex);
-    std::erase_if(running, [&](const Running& one) { return one.scan == scan; });
-    return result;
+    ~Listing() {
+        const std::lock_guard lock(registry.mutex);
+        std::erase_if(registry.running, [this](const Running& one) { return one.scan == scan; });
+    }
+
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
+
+private:
+    ScanRegistry& registry;
+    const std::shared_ptr<Scan> scan;
+};
+
+int ScanRegistry::Run(const void* listener, const std::shared_ptr<Scan>& scan) {
+    PrepareForExit();
+    const Listing listing(*this, listener, scan);
+    return scan->Run();
 }
 
 bool ScanRegistry::StopAll(std::chrono::milliseconds patience) {

@@ -20,6 +20,7 @@ public:
     bool StopAll(std::chrono::milliseconds patience);
 
 private:
+    class Listing;
     struct Running {
         const void* listener;
         std::shared_ptr<Scan> scan;

@@ -36,10 +36,10 @@ int Number(std::string_view text, int least = std::numeric_limits<int>::min(),
     int value = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || rest != end) {
+    if (error == std::errc::invalid_argument || rest != end) {
         Refuse(Quoted(text) + " is no number");
     }
-    if (value < least || value > most) {
+    if (error != std::errc() || value < least || value > most) {
         Refuse(Quoted(text) + " is out of range");
     }
     return value;

@@ -87,7 +87,7 @@ class Screen:
 
 
 class Terminal(AppTest):
-    def start_on_terminal(self, *arguments, columns=80, rows=24, term="xterm"):
+    def start_on_terminal(self, *arguments, columns=80, rows=24, term="xterm", errors_too=False):
         self.environment["TERM"] = term
         self.master, terminal = pty.openpty()
         self.addCleanup(os.close, self.master)
@@ -97,7 +97,7 @@ class Terminal(AppTest):
         self.addCleanup(self.errors.close)
         process = subprocess.Popen(
             self.command("scan", *arguments), env=self.environment, stdin=terminal,
-            stdout=terminal, stderr=self.errors, start_new_session=True,
+            stdout=terminal, stderr=terminal if errors_too else self.errors, start_new_session=True,
             preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
         os.close(terminal)
         self.addCleanup(process.wait)
@@ -247,6 +247,15 @@ class Terminal(AppTest):
                 self.assertEqual(self.finish(process), FOUND)
                 self.assertTrue(self.screen.text().startswith(line), self.screen.text())
                 self.assertEqual(len(self.screen.text().splitlines()), 1)
+
+    def test_log_lines_reach_the_terminal_in_any_script(self):
+        os.mkdir(self.path("\u00e9\u20ac\u0416"))
+        self.write("vendors.json", '{"moduleFolder": "\u00e9\u20ac\u0416", "vendors":'
+                   ' [{"productId": "P", "scanModuleName": "absent"}]}')
+        process = self.start_on_terminal("--log-level", "error", columns=250, errors_too=True)
+        self.show_until(r"\] error +module .*[/\\]\u00e9\u20ac\u0416[/\\]absent\.(so|dll): "
+                        r"there is no such file\(VendorDllMgr::GetDeviceHandle\)")
+        self.finish(process)
 
 
 if __name__ == "__main__":

@@ -242,6 +242,28 @@ TEST_F(Binding, IsTriedAgainByInit) {
     EXPECT_EQ(scan.StopDeviceScan(), 0);
 }
 
+TEST_F(Binding, ByInitOfAListWhoseVendorsAreAllPassedOverCountsToo) {
+    ScanInterface& scan = ScanInterface::GetInstance();
+    EXPECT_EQ(scan.StopDeviceScan(), -2);
+    Support({Vendor("alpha", "no_such_module"), Vendor("beta", "scripted_broken")});
+    TakeLines();
+    EXPECT_TRUE(scan.Init());
+    EXPECT_THAT(TakeLines(), IsEmpty());
+    EXPECT_EQ(scan.StopDeviceScan(), -1);
+    EXPECT_EQ(scan.StartDeviceScan({[](const DeviceInfo*) { return 0; }, 1}), -1);
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), -1);
+}
+
+TEST_F(Binding, OfAModuleWithoutAHandleFindsNoEntryPoint) {
+    ScriptedVendors::GiveNull("scripted_all");
+    Support({Vendor("alpha", "scripted_all"), Vendor("beta", "scripted_all_b")});
+    ScanInterface& scan = ScanInterface::GetInstance();
+    EXPECT_EQ(TakeLines(), BindingLinesWithoutAnything("alpha") + BindingLines("beta"));
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), -1);
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("beta")), 1);
+    EXPECT_EQ(scan.StopDeviceScan(), 0);
+}
+
 TEST_F(Binding, AgainWithAnEmptyListChangesNothing) {
     Support({Vendor("alpha", "scripted_all")});
     ScanInterface& scan = ScanInterface::GetInstance();

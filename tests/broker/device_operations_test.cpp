@@ -217,6 +217,25 @@ TEST_P(DeviceOperation, OfTheFreeFunctionsBindsTheVendors) {
     EXPECT_EQ(BytesOf(ScriptedModule("scripted_all").Calls().at(0)), BytesOf(device));
 }
 
+TEST_P(DeviceOperation, MayComeFirst) {
+    Support({Vendor("alpha", "scripted_all")});
+    EXPECT_EQ(Call(DeviceOf("alpha")), Success());
+    EXPECT_EQ(TakeLines(), BindingLines("alpha") + ResultLines(Success()));
+    EXPECT_THAT(ScriptedModule("scripted_all").CallNames(), ElementsAre(Name()));
+}
+
+// Looked at while the line is logged: what has been done by then, and what has not.
+TEST_P(DeviceOperation, LogsTheDeviceBeforeAndTheResultAfterTheVendorsCall) {
+    Bind({Vendor("alpha", "scripted_all")});
+    const ScriptedModule module("scripted_all");
+    std::vector<std::size_t> calls;
+    RecordingLog::OnLine(
+        [&](const RecordingLog::Line&) { calls.push_back(module.Calls().size()); });
+    EXPECT_EQ(CallFacade(DeviceOf("alpha")), Success());
+    RecordingLog::OnLine({});
+    EXPECT_THAT(calls, ElementsAre(0u, 0u, 1u));
+}
+
 TEST_P(DeviceOperation, LeavesTheListenerAlone) {
     Bind({Vendor("alpha", "scripted_all")});
     Call(DeviceOf("alpha"));

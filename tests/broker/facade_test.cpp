@@ -43,6 +43,22 @@ TEST_F(Facade, LogsStartAndStopAndForwardsThem) {
                             LineIs(4, "call Func fail, err:12", "ScanInterface::StopDeviceScan")));
 }
 
+std::vector<std::string> FirstStartLines() {
+    return BindingLines("alpha") +
+           Lines({ClearLine(),
+                  LineIs(1, "Set info3", "ScanInterfaceListener::SetDeviceCallbackInfo"),
+                  LineIs(1, "call Func OK", "ScanInterface::StartDeviceScan")});
+}
+
+TEST_F(Facade, MayBeCalledForAStartFirst) {
+    Support({Vendor("alpha", "scripted_all")});
+    EXPECT_EQ(DiscoverScanInterface::GetInstance().StartDeviceScan({Application::OnDevice, 3}), 0);
+    EXPECT_EQ(TakeOwnLines(),
+              Lines({LineIs(1, "Start Device Scan", "DiscoverScanInterface::StartDeviceScan")}) +
+                  FirstStartLines());
+    ScriptedModule("scripted_all").AwaitCalls("StartDeviceScan", 1);
+}
+
 TEST_F(Facade, ReturnsTheDispatchersRefusals) {
     DiscoverScanInterface& facade = DiscoverScanInterface::GetInstance();
     EXPECT_EQ(facade.StartDeviceScan({Application::OnDevice, 3}), -2);
@@ -71,6 +87,14 @@ TEST_F(FreeFunctions, StartAndStopLogNoLineOfTheirOwn) {
     EXPECT_EQ(StopDeviceScan(), 12);
     EXPECT_THAT(TakeOwnLines(), ElementsAre(ClearLine(), LineIs(4, "call Func fail, err:12",
                                                                 "ScanInterface::StopDeviceScan")));
+}
+
+TEST_F(FreeFunctions, MayBeCalledForAStartFirst) {
+    Support({Vendor("alpha", "scripted_all")});
+    const DeviceCallbackInfo info{Application::OnDevice, 3};
+    EXPECT_EQ(StartDeviceScan(&info), 0);
+    EXPECT_EQ(TakeOwnLines(), FirstStartLines());
+    ScriptedModule("scripted_all").AwaitCalls("StartDeviceScan", 1);
 }
 
 TEST_F(FreeFunctions, ReturnWhatTheFacadeReturns) {

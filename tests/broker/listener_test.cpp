@@ -133,6 +133,67 @@ TEST_F(Listener, DropsReportsAfterAClear) {
     EXPECT_THAT(Application::Reports(), IsEmpty());
 }
 
+// The callback is read once, so that a clear that comes between finds no half of a report.
+TEST_F(Listener, FinishesTheReportDuringWhichItIsCleared) {
+    It().SetDeviceCallbackInfo({Application::OnDevice, 1});
+    Application::AnswerWith([](const DeviceInfo&) { return 53; });
+    int clears = 0;
+    RecordingLog::OnLine([&clears](const RecordingLog::Line& line) {
+        if (line.text.starts_with(L"callback(")) {
+            ++clears;
+            It().ClearDeviceCallbackInfo();
+        }
+    });
+    const VendorSdk::DeviceInfo device = VendorDeviceOf("alpha");
+    EXPECT_EQ(It().CallBackFunc(&device), 53);
+    EXPECT_FALSE(It().GetDeviceCallbackIsEnable());
+    EXPECT_EQ(It().CallBackFunc(&device), 0);
+    RecordingLog::OnLine({});
+    EXPECT_EQ(clears, 1);
+    ASSERT_THAT(Application::Reports(), SizeIs(1));
+    EXPECT_EQ(Application::Reports().at(0).bytes, BytesOf(device));
+}
+
+TEST_F(Listener, FinishesTheReportDuringWhichItsCallbackIsReplaced) {
+    It().SetDeviceCallbackInfo({Application::OnDevice, 1});
+    RecordingLog::OnLine([](const RecordingLog::Line& line) {
+        if (line.text.starts_with(L"callback(")) {
+            It().SetDeviceCallbackInfo({Application::OnOtherDevice, 2});
+        }
+    });
+    const VendorSdk::DeviceInfo device = VendorDeviceOf("alpha");
+    It().CallBackFunc(&device);
+    RecordingLog::OnLine({});
+    EXPECT_THAT(Application::Reports(), SizeIs(1));
+    EXPECT_THAT(Application::OtherReports(), IsEmpty());
+}
+
+TEST_F(Listener, LogsAReportBeforeItIsCopied) {
+    It().SetDeviceCallbackInfo({Application::OnDevice, 1});
+    VendorSdk::DeviceInfo device = VendorDeviceOf("alpha");
+    RecordingLog::OnLine([&device](const RecordingLog::Line& line) {
+        if (line.text.starts_with(L"callback(")) {
+            device = VendorDeviceOf("beta");
+        }
+    });
+    It().CallBackFunc(&device);
+    RecordingLog::OnLine({});
+    ASSERT_THAT(Application::Reports(), SizeIs(1));
+    EXPECT_EQ(Application::Reports().at(0).bytes, BytesOf(VendorDeviceOf("beta")));
+}
+
+TEST_F(Listener, LogsAChangeOfTheRegistrationBeforeItIsMade) {
+    It();
+    std::vector<bool> enabled;
+    RecordingLog::OnLine([&enabled](const RecordingLog::Line&) {
+        enabled.push_back(It().GetDeviceCallbackIsEnable());
+    });
+    It().SetDeviceCallbackInfo({Application::OnDevice, 1});
+    It().ClearDeviceCallbackInfo();
+    RecordingLog::OnLine({});
+    EXPECT_THAT(enabled, ElementsAre(false, true));
+}
+
 TEST_F(Listener, LogsEveryClear) {
     It();
     TakeLines();

@@ -103,6 +103,55 @@ TEST_F(Locking, AStopWaitsForAStart) {
     EXPECT_EQ(beta.CallNames(), std::vector<std::string>{"StopDeviceScan"});
 }
 
+TEST_F(Locking, AStartWaitsForAStart) {
+    std::promise<void> inside;
+    std::promise<void> release;
+    RecordingLog::OnLine(
+        [&, once = std::make_shared<std::atomic<bool>>(false)](const RecordingLog::Line& line) {
+            if (line.text.starts_with(L"call Func OK") && !once->exchange(true)) {
+                inside.set_value();
+                release.get_future().wait();
+            }
+        });
+    std::future<int> first = StartElsewhere();
+    inside.get_future().wait();
+    TakeLines();
+    std::future<int> second = StartElsewhere();
+    EXPECT_EQ(second.wait_for(kAWhile), std::future_status::timeout);
+    EXPECT_THAT(TakeLines(), IsEmpty());
+    EXPECT_FALSE(IsDone(first));
+    release.set_value();
+    EXPECT_EQ(first.get(), 0);
+    EXPECT_EQ(second.get(), 0);
+    RecordingLog::OnLine({});
+    alpha.AwaitCalls("StartDeviceScan", 2);
+    beta.AwaitCalls("StartDeviceScan", 2);
+    alpha.AwaitRunningScans(0);
+    beta.AwaitRunningScans(0);
+}
+
+TEST_F(Locking, AStopDoesNotWaitForScans) {
+    alpha.Block("StartDeviceScan");
+    ASSERT_EQ(Scan().StartDeviceScan({Application::OnDevice, 1}), 0);
+    alpha.AwaitCalls("StartDeviceScan", 1);
+    EXPECT_EQ(Scan().StopDeviceScan(), 0);
+    EXPECT_EQ(alpha.RunningScans(), 1);
+    alpha.Unblock("StartDeviceScan");
+    alpha.AwaitRunningScans(0);
+    beta.AwaitRunningScans(0);
+}
+
+TEST_F(Locking, AnInitWaitsForNothing) {
+    // With lists that change nothing: the stop is in the middle of the table.
+    std::future<int> stop = StopInsideAVendor();
+    EXPECT_TRUE(Scan().Init());
+    Support({});
+    EXPECT_FALSE(Scan().Init());
+    EXPECT_FALSE(IsDone(stop));
+    alpha.Unblock("StopDeviceScan");
+    EXPECT_EQ(stop.get(), 0);
+}
+
 TEST_F(Locking, AStopThatWaitsForTheLockDropsReportsAlready) {
     std::future<int> first = StopInsideAVendor();
     ScanInterfaceListener& listener = ScanInterfaceListener::GetInstance();

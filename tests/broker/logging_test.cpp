@@ -58,18 +58,49 @@ TEST_F(Logging, ALoggerThatThrowsChangesNothing) {
 }
 
 TEST_F(Logging, ALoggerThatThrowsSomethingOddChangesNothing) {
-    RecordingLog::OnLine([](const RecordingLog::Line&) { throw 42; });
+    static std::atomic<int> thrown{0};
+    RecordingLog::OnLine([](const RecordingLog::Line&) {
+        ++thrown;
+        throw 42;
+    });
     EveryOperationWorks();
+    EXPECT_GT(thrown, 20);
+}
+
+TEST_F(Logging, AsksForTheLoggerAnewForEveryLine) {
+    std::vector<unsigned long> requests;
+    RecordingLog::OnLine([&requests](const RecordingLog::Line&) {
+        requests.push_back(RecordingLog::InstanceRequests());
+    });
+    Support({Vendor("alpha", "scripted_none")});
+    DiscoverScanInterface& facade = DiscoverScanInterface::GetInstance();
+    facade.StartDeviceScan({Application::OnDevice, 1});
+    facade.GetDeviceConnectState(DeviceOf("alpha"));
+    const VendorSdk::DeviceInfo device = VendorDeviceOf("alpha");
+    ScanInterfaceListener::GetInstance().CallBackFunc(&device);
+    facade.StopDeviceScan();
+    WifiConfigInfo network;
+    DiscoverBasic::GetDiscoverWifoConfigInfo({}, network);
+    RecordingLog::OnLine({});
+    ASSERT_GT(requests.size(), 20u);
+    EXPECT_EQ(requests.size(), RecordingLog::Lines().size());
+    for (std::size_t line = 0; line < requests.size(); ++line) {
+        EXPECT_EQ(requests[line], line + 1) << LineText(RecordingLog::Lines().at(line));
+    }
 }
 
 TEST_F(Logging, ALoggerMayCallOperationsOnDevices) {
     // Not from the lines of such a call itself.
+    static std::atomic<int> calls{0};
     RecordingLog::OnLine([](const RecordingLog::Line& line) {
         if (line.text.starts_with(L"call Func OK(") || line.text.starts_with(L"callback(")) {
+            ++calls;
             EXPECT_EQ(ScanInterface::GetInstance().ConnectFailNotifyEvent(DeviceOf("nobody")), -1);
         }
     });
     EveryOperationWorks();
+    // The start of one scan and its one report.
+    EXPECT_EQ(calls, 2);
 }
 
 // Widens every letter to the Greek block and every digit to the fullwidth ones.

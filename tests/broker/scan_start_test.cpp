@@ -164,6 +164,8 @@ TEST_F(StartDeviceScanTest, EndsWhenTheCallbackGoesBetweenTwoVendors) {
     ScanInterface& scan =
         ScanWith({Vendor("alpha", "scripted_all"), Vendor("beta", "scripted_all_b"),
                   Vendor("gamma", "scripted_all_c")});
+    const ScriptedModule alpha("scripted_all");
+    alpha.Script("until-stopped");
     const std::thread::id own = std::this_thread::get_id();
     RecordingLog::OnLine([own](const RecordingLog::Line& line) {
         if (line.thread == own && line.text.starts_with(L"call Func OK")) {
@@ -175,12 +177,19 @@ TEST_F(StartDeviceScanTest, EndsWhenTheCallbackGoesBetweenTwoVendors) {
     EXPECT_THAT(TakeOwnLines(),
                 ElementsAre(ClearLine(), SetLine("1"), LineIs(1, "call Func OK", kStart),
                             ClearLine(), LineIs(4, "GetDeviceCallback Is Not Enable", kStart)));
-    ScriptedModule("scripted_all").AwaitCalls("StartDeviceScan", 1);
+    alpha.AwaitRunningScans(1);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     EXPECT_THAT(ScriptedModule("scripted_all_b").Calls(), IsEmpty());
     EXPECT_THAT(ScriptedModule("scripted_all_c").Calls(), IsEmpty());
+    // The scan that was started goes on, and reaches whoever registers next.
+    EXPECT_EQ(alpha.RunningScans(), 1);
+    ScanInterfaceListener::GetInstance().SetDeviceCallbackInfo({Application::OnDevice, 1});
+    Application::AnswerWith([](const DeviceInfo&) { return 8; });
+    const VendorSdk::DeviceInfo device = VendorDeviceOf("alpha");
+    EXPECT_EQ(alpha.ReportNow(&device), 8);
     // The lock is free again.
     EXPECT_EQ(scan.StopDeviceScan(), 0);
+    alpha.AwaitRunningScans(0);
 }
 
 TEST_F(StartDeviceScanTest, LogsAVendorsFailureFromTheVendorsThread) {

@@ -56,6 +56,20 @@ TEST_F(StopDeviceScanTest, ReturnsTheLastVendorsResult) {
                                          LineIs(1, "call Func OK", kStop)));
 }
 
+TEST_F(StopDeviceScanTest, ClearsFirstAndLogsEachVendorBeforeItCallsTheNext) {
+    ScanInterface& scan =
+        ScanWith({Vendor("alpha", "scripted_all"), Vendor("beta", "scripted_all_b")});
+    const ScriptedModule alpha("scripted_all");
+    const ScriptedModule beta("scripted_all_b");
+    std::vector<std::size_t> calls;
+    RecordingLog::OnLine([&](const RecordingLog::Line&) {
+        calls.push_back(alpha.Calls().size() * 10 + beta.Calls().size());
+    });
+    EXPECT_EQ(scan.StopDeviceScan(), 0);
+    RecordingLog::OnLine({});
+    EXPECT_THAT(calls, ElementsAre(0u, 10u, 11u));
+}
+
 TEST_F(StopDeviceScanTest, PassesAnyResultThrough) {
     ScanInterface& scan = ScanWith({Vendor("alpha", "scripted_all")});
     for (const int result : {1, -1, -2, -3, 2147483647, -2147483647 - 1}) {

@@ -135,9 +135,17 @@ TEST_F(ScriptedVendorTest, NamesLinesThatMakeNoSense) {
     for (std::string line; std::getline(lines, line);) {
         each.push_back(line);
     }
-    ASSERT_THAT(each, SizeIs(11));
-    EXPECT_THAT(each[0], testing::HasSubstr("scripted_all: script:1: unknown directive \"dance\""));
-    EXPECT_THAT(each[2], testing::HasSubstr("script:4: \"NoSuchEntry\" is no entry point"));
+    const std::string start = "scripted_all: script:";
+    EXPECT_THAT(
+        each,
+        ElementsAre(
+            start + "1: unknown directive \"dance\"", start + "3: result takes 2 values, not 1",
+            start + "4: \"NoSuchEntry\" is no entry point", start + "5: \"four\" is no number",
+            start + "6: \"4000000000\" is out of range", start + "7: a quotation mark is missing",
+            start + "8: unknown escape \\q", start + "9: \\x needs two hexadecimal digits",
+            start + "10: \"a modelID of far too many letters\" is longer than its field of "
+                    "32 bytes",
+            start + "11: \"65536\" is out of range", start + "12: \"0\" is out of range"));
 }
 
 TEST_F(ScriptedVendorTest, ReportsAsOftenAsScriptedAndPausesBetween) {
@@ -164,6 +172,22 @@ TEST_F(ScriptedVendorTest, StopsReportingWhenStopped) {
     EXPECT_EQ(module.RunningScans(), 1);
     EXPECT_EQ(ScanInterface::GetInstance().StopDeviceScan(), 0);
     module.AwaitRunningScans(0);
+}
+
+TEST_F(ScriptedVendorTest, ReportsAfterAStopOnlyOnceItHasReturned) {
+    Support({Vendor("alpha", "scripted_all")});
+    const ScriptedModule module("scripted_all");
+    module.Script("after-stop 2\ninterval 300");
+    module.AddDevice(VendorDeviceOf("alpha"));
+    Scan();
+    module.AwaitCallbacks(1);
+    module.AwaitRunningScans(0);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(ScanInterface::GetInstance().StopDeviceScan(), 0);
+    EXPECT_THAT(module.CallbackResults(), SizeIs(1));
+    module.AwaitCallbacks(3);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(600));
+    EXPECT_THAT(module.CallbackResults(), SizeIs(3));
 }
 
 TEST_F(ScriptedVendorTest, TakesItsTime) {

@@ -132,7 +132,9 @@ TEST_F(Stress, ReportsDuringStartsStopsAndClears) {
             }
             return;
         }
-        for (int round = 0; round < 200; ++round) {
+        // On a busy machine the reporting threads may be late.
+        const auto bothHappened = [&] { return delivered > 0 && dropped > 0; };
+        for (int round = 0; round < 200 || (!bothHappened() && round < 20000); ++round) {
             Facade().StartDeviceScan({OnDevice, 1});
             ScanInterfaceListener::GetInstance().ClearDeviceCallbackInfo();
             Facade().StopDeviceScan();
@@ -141,7 +143,8 @@ TEST_F(Stress, ReportsDuringStartsStopsAndClears) {
         done = true;
     });
     EXPECT_EQ(received, delivered);
-    EXPECT_GT(delivered + dropped, 0);
+    EXPECT_GT(delivered, 0);
+    EXPECT_GT(dropped, 0);
     Facade().StopDeviceScan();
     for (const ScriptedModule& module : modules) {
         module.AwaitRunningScans(0);

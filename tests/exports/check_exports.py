@@ -4,7 +4,9 @@
 usage: check_exports.py elf LIBRARY LIST     names that a built libDeviceDiscover.so exports
        check_exports.py pe LIBRARY LIST      names that a built DeviceDiscover.dll exports
        check_exports.py msvc SOURCE LIST     decorated names and sizes that an MSVC application links
-                                             to, from the headers below SOURCE, through Clang
+                                             to, and the names that the library itself asks of the
+                                             application's libraries ("import"), from the headers
+                                             below SOURCE, through Clang
        --update as the last argument writes the list anew
 
 Exit status: 0 the same, 1 different, 2 wrong arguments, 3 a tool failed.
@@ -69,6 +71,22 @@ def is_exported(node):
     return any(inner.get("kind") == "DLLExportAttr" for inner in node.get("inner", []))
 
 
+def imported_functions(node, in_imported_class=False):
+    """What the application's libraries provide; nobody else makes or destroys their objects."""
+    kind = node.get("kind", "")
+    imported = any(inner.get("kind") == "DLLImportAttr" for inner in node.get("inner", []))
+    if kind == "CXXRecordDecl":
+        in_imported_class = imported
+    if kind in ("FunctionDecl", "CXXMethodDecl"):
+        wanted = (imported or in_imported_class) and not (
+            node.get("explicitlyDeleted") or node.get("isImplicit"))
+        if wanted and "mangledName" in node:
+            yield node["mangledName"]
+        return
+    for inner in node.get("inner", []):
+        yield from imported_functions(inner, in_imported_class)
+
+
 def complete_destructor(name):
     """MSVC links to ??1; Clang's tree names the variant that also destroys virtual bases."""
     return re.sub(r"^\?\?_D(.*)XXZ$", r"??1\1@XZ", name)
@@ -104,6 +122,7 @@ def msvc_names(source):
         code = clang(source, "-S", "-emit-llvm", "-o", "-", probe)
     sizes = dict(re.findall(r"@size_(\d+) = .*constant i64 (\d+)", code))
     names = sorted(set(exported_functions(tree)))
+    names += [f"import {name}" for name in sorted(set(imported_functions(tree)))]
     return names + [f"sizeof {name} {sizes[str(number)]}" for number, name in enumerate(SIZED)]
 
 

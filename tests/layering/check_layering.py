@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks who includes whom, and who knows an operating system.
+"""Checks who includes whom, and who knows an operating system or a compiler.
 
 usage: check_layering.py [SOURCE]    SOURCE: the top of the project (default: that of this script)
 
@@ -34,17 +34,29 @@ MAY_INCLUDE = {
     "kit": ["include/VendorSdk/", "vendor/", "platform/os.h"],
 }
 INCLUDE_FOLDERS = ["", "include/"]
+COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
 SOURCE_FILE = re.compile(r"\.(h|hpp|c|cpp|inc)$")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 
 OS_WORDS = re.compile(
-    r"\b(_WIN32|_WIN64|__MINGW\w*|WIN32|__linux__|__unix__|__APPLE__)\b"
-    r"|#\s*include\s*<(windows|winsock2|unistd|dlfcn|link|fcntl|poll|signal|termios|pwd"
-    r"|sys/\w+|net/\w+|netinet/\w+|arpa/\w+)\.h>")
+    r"\b(_WIN32|_WIN64|WIN32|__MINGW\w*|__linux\w*|__unix\w*|__APPLE__|_POSIX\w*|_GNU_SOURCE)\b")
+# What only one system has, by the names of its headers.
+OS_HEADER = re.compile(
+    r"^(windows|winsock2?|ws2tcpip|win\w+|sddl|aclapi|shellapi|shlobj|iphlpapi|psapi|tlhelp32|io|conio"
+    r"|direct|process|unistd|dlfcn|link|elf|fcntl|poll|pthread|sched|semaphore|signal|spawn|termios|pty"
+    r"|pwd|grp|glob|dirent|strings|langinfo|netdb|ifaddrs|syslog|ucontext|execinfo|features"
+    r"|(sys|net|netinet|arpa|linux|asm|bits|winrt|gnu)/\w+)\.h$", re.IGNORECASE)
+SYSTEM_INCLUDE = re.compile(r"^\s*#\s*include\s+<([^>]+)>", re.MULTILINE)
 MAY_KNOW_THE_OS = re.compile(
     r"(_linux|_windows)\.(cpp|h)$|^platform/(os|compiler)\.h$|^include/VendorSdk/entry_points\.h$"
     # A module for one system only.
     r"|^modules/driverless/")
+
+COMPILER_WORDS = re.compile(
+    r"\b(__attribute__|__declspec|__builtin_\w+|__asm\w*|__pragma|__extension__|__has_\w*attribute"
+    r"|__forceinline|__restrict\w*|__PRETTY_FUNCTION__|__FUNCSIG__|__FUNCTION__"
+    r"|_MSC_\w+|__GNUC\w*__|__clang\w*__|__INTEL\w*)\b|#\s*pragma\s+(?!once\b)\w+")
+MAY_KNOW_THE_COMPILER = re.compile(r"^platform/compiler\.h$|^include/VendorSdk/entry_points\.h$")
 
 
 def layer_of(path):
@@ -73,10 +85,14 @@ def complaints(top, path):
         allowed = [layer + "/"] + MAY_INCLUDE[layer]
         if not any(target.startswith(prefix) for prefix in allowed):
             yield f"{path}: {layer}/ must not include {target}"
+    code = COMMENT.sub("", text)
     if not MAY_KNOW_THE_OS.search(path):
-        code = re.sub(r"//.*", "", text)
-        for match in OS_WORDS.finditer(code):
-            yield f"{path}: knows an operating system: {match.group(0)}"
+        headers = [name for name in SYSTEM_INCLUDE.findall(code) if OS_HEADER.search(name)]
+        for word in [match.group(0) for match in OS_WORDS.finditer(code)] + headers:
+            yield f"{path}: knows an operating system: {word}"
+    if not MAY_KNOW_THE_COMPILER.search(path):
+        for match in COMPILER_WORDS.finditer(code):
+            yield f"{path}: knows a compiler: {match.group(0)}"
 
 
 def main(arguments):

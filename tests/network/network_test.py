@@ -50,10 +50,15 @@ def port_of(number):
     return 8630 + number
 
 
+def text_of(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
 def text_below(folder):
     """Everything that stands in the files of a folder."""
     paths = [os.path.join(parent, name) for parent, _, names in os.walk(folder) for name in names]
-    return "".join(open(path, encoding="utf-8").read() for path in paths)
+    return "".join(text_of(path) for path in paths)
 
 
 class Probe:
@@ -187,6 +192,20 @@ class NetworkTest(unittest.TestCase):
         lab("stop-printer", number)
         self.printers.discard(number)
 
+    def limit_avahi(self, objects):
+        """Starts Avahi afresh, with so many objects for each client."""
+        path = os.path.join(os.environ["LAB_NETWORK_STATE"], "b", "avahi.conf")
+        with open(path, encoding="utf-8") as file:
+            before = file.read()
+
+        def configure(text):
+            with open(path, "w", encoding="utf-8") as changed:
+                changed.write(text)
+            lab("cold")
+
+        self.addCleanup(configure, before)
+        configure(before.replace("[server]\n", f"[server]\nobjects-per-client-max={objects}\n"))
+
     def fake_printer(self, name, port, behaviour="answers", kind="_ipp._tcp", txt=(),
                      attributes=()):
         arguments = ["--name", name, "--port", str(port), "--type", kind, "--behaviour", behaviour]
@@ -279,6 +298,85 @@ class TwentyPrinters(NetworkTest):
         found = probe.found(1.5)
         self.assertEqual(sorted(p["serial"] for p in found), [serial_of(1), serial_of(2)])
         self.assertEqual(probe.ask("stop"), 0)
+
+
+    def test_all_are_found_by_an_avahi_that_looks_up_few_at_once(self):
+        self.have_printers(12)
+        self.limit_avahi(7)
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(12)
+        found = probe.found(1.5)
+        self.assertEqual(sorted(p["serial"] for p in found),
+                         [serial_of(number) for number in range(1, 13)])
+        self.assert_diagnostics(probe, "Avahi does not look up .*asked again: Too many objects")
+
+
+class Diagnostics(NetworkTest):
+    def scan_with_log(self, path, **options):
+        probe = self.probe(environment={"DRIVERLESS_LOG": path}, **options)
+        probe.start()
+        return probe
+
+    def log_path(self, name):
+        path = os.path.join(os.environ["LAB_NETWORK_STATE"], name)
+        if os.path.exists(path):
+            os.remove(path)
+        return path
+
+    def assert_log(self, path, pattern):
+        deadline = time.monotonic() + PATIENCE
+        pattern = re.compile(pattern, re.MULTILINE)
+        while time.monotonic() < deadline and not pattern.search(text_of(path)):
+            time.sleep(0.05)
+        self.assertRegex(text_of(path), pattern)
+
+    def test_a_file_tells_what_was_found(self):
+        self.have_printers(1)
+        path = self.log_path("driverless.log")
+        probe = self.scan_with_log(path)
+        probe.await_printers(1)
+        self.assert_log(path, rf"^driverless: found Acme Laser 1, serial number {serial_of(1)}, at "
+                              r"10\.99\.0\.1:8631$")
+        self.assertEqual(os.stat(path).st_mode & 0o777, 0o600)
+        self.assertEqual(probe.diagnostics(), "")
+
+    def test_a_file_that_cannot_be_opened_is_named_once(self):
+        self.have_printers(3)
+        probe = self.scan_with_log("/nowhere/driverless.log")
+        probe.await_printers(3)
+        self.assert_diagnostics(
+            probe, "cannot write diagnostics to /nowhere/driverless.log: No such file")
+
+    def test_a_fifo_that_nobody_reads_keeps_no_scan_waiting(self):
+        self.have_printers(1)
+        path = self.log_path("driverless.fifo")
+        os.mkfifo(path)
+        probe = self.scan_with_log(path)
+        probe.await_printers(1)
+        self.assert_diagnostics(probe, f"cannot write diagnostics to {path}")
+
+    def test_a_reader_that_goes_does_not_end_the_process(self):
+        # Without Avahi and libcups at work the process has SIGPIPE as it started.
+        path = self.log_path("driverless.fifo")
+        os.mkfifo(path)
+        reader = os.open(path, os.O_RDONLY | os.O_NONBLOCK)
+        probe = self.probe(environment={"DRIVERLESS_LOG": path})
+        probe.tell("start-without-callback")
+        self.assertNotEqual(probe.await_event("ended")["result"], 0)
+        self.assertIn(b"without a callback", os.read(reader, 1000))
+        os.close(reader)
+        probe.tell("start-without-callback")
+        self.assertNotEqual(probe.await_event("ended")["result"], 0)
+        # A signal that was only held back would come now.
+        probe.tell("start-without-callback")
+        self.assertNotEqual(probe.await_event("ended")["result"], 0)
+
+    def test_a_closed_standard_error_does_not_end_the_process(self):
+        probe = self.probe()
+        probe.tell("close-standard-error")
+        probe.tell("start-without-callback")
+        self.assertNotEqual(probe.await_event("ended")["result"], 0)
 
 
 class ComingAndGoing(NetworkTest):

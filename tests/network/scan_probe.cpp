@@ -3,14 +3,17 @@
 // what was found, what was returned, and the seconds since the last start.
 //
 //   start               StartDeviceScan; with --module on a thread of its own
+//   start-without-callback   the same, with a registration that has no callback
 //   stop                StopDeviceScan
 //   state SERIAL        GetDeviceConnectState for a printer that was found
 //   before SERIAL, success SERIAL, failed SERIAL   the three notifications
 //   edit SERIAL FIELD VALUE   changes the record that the commands above use
+//   close-standard-error   makes standard error a pipe that nobody reads
 //   callback-sleeps MS  how long the callback takes from now on
 //   exit                leaves main, in the middle of whatever runs
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -89,6 +92,7 @@ int ReportFromBroker(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 
 struct Operations {
     std::function<void()> start;
+    std::function<void()> startWithoutCallback;
     std::function<int()> stop;
     std::map<std::string, std::function<int(const Device&)>> ofDevice;
 };
@@ -106,6 +110,10 @@ Operations OfBroker() {
     Operations operations;
     operations.start = [] {
         const int result = Facade::GetInstance().StartDeviceScan({ReportFromBroker, 7});
+        Write({{"event", "started"}, {"result", result}});
+    };
+    operations.startWithoutCallback = [] {
+        const int result = Facade::GetInstance().StartDeviceScan({nullptr, 7});
         Write({{"event", "started"}, {"result", result}});
     };
     operations.stop = [] { return Facade::GetInstance().StopDeviceScan(); };
@@ -140,6 +148,11 @@ Operations OfModule(const char* path) {
             const int result = start(&info);
             Write({{"event", "ended"}, {"result", result}});
         }).detach();
+    };
+    operations.startWithoutCallback = [start] {
+        VendorSdk::DeviceCallbackInfo info{};
+        const int result = start(&info);
+        Write({{"event", "ended"}, {"result", result}});
     };
     operations.stop = EntryPoint<VendorSdk::StopDeviceScanFunction>(module, "StopDeviceScan");
     const auto ofDevice = [module](const char* name) {
@@ -184,6 +197,15 @@ void Edit(const std::string& serial, const std::string& field, const std::string
     }
 }
 
+void ReplaceStandardError() {
+    int pipe[2];
+    if (::pipe(pipe) != 0 || dup2(pipe[1], STDERR_FILENO) < 0) {
+        std::exit(3);
+    }
+    close(pipe[0]);
+    close(pipe[1]);
+}
+
 void Obey(const Operations& operations, const std::string& line) {
     std::istringstream words(line);
     std::string command;
@@ -192,6 +214,10 @@ void Obey(const Operations& operations, const std::string& line) {
     if (command == "start") {
         started = Now();
         operations.start();
+    } else if (command == "start-without-callback") {
+        operations.startWithoutCallback();
+    } else if (command == "close-standard-error") {
+        ReplaceStandardError();
     } else if (command == "stop") {
         const int result = operations.stop();
         Write({{"event", "stopped"}, {"result", result}});

@@ -1,5 +1,6 @@
 #include "records/location.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -83,6 +84,68 @@ TEST(Location, HasNothingOfTheParameters) {
 TEST(Location, OfALambdaIsTheFunctionAroundItAndTheLambdasOwnName) {
     EXPECT_EQ(Sample::Facade().InLambda(1), "Sample::Facade::InLambda::<lambda_1>::operator ()");
 }
+
+namespace Sample {
+
+// What the compiler itself says of a function.
+struct Raw {
+    static std::string_view Run(const Vendor&, int) { return PLATFORM_FUNCTION_SIGNATURE; }
+    static std::string_view InLambda(int value) {
+        return [value]() -> std::string_view {
+            return value == 0 ? std::string_view() : PLATFORM_FUNCTION_SIGNATURE;
+        }();
+    }
+};
+
+}  // namespace Sample
+
+// A compiler that says something else has to be taught to LocationOf first.
+TEST(Location, IsReadFromTextsThatAreKnown) {
+    EXPECT_THAT(
+        std::string(Sample::Raw::Run({}, 1)),
+        testing::AnyOf("static std::string_view Sample::Raw::Run(const Sample::Vendor&, int)",
+                       "static std::string_view Sample::Raw::Run(const Sample::Vendor &, int)",
+                       "Sample::Raw::Run"));
+    EXPECT_THAT(std::string(Sample::Raw::InLambda(1)),
+                testing::AnyOf("Sample::Raw::InLambda(int)::<lambda()>",
+                               "auto Sample::Raw::InLambda(int)::(anonymous class)::operator()() "
+                               "const",
+                               "Sample::Raw::InLambda::<lambda_1>::operator ()"));
+}
+
+constexpr bool Is(const Broker::Location& where, std::string_view function,
+                  std::string_view suffix = {}) {
+    return where.function == function && where.suffix == suffix;
+}
+
+constexpr std::string_view kLambda = "::<lambda_1>::operator ()";
+
+// Clang: blanks before * and &, the class of a lambda without a name or, later, with its place.
+using Broker::CompiledLocationOf;
+static_assert(Is(CompiledLocationOf("A::B::B()"), "A::B::B"));
+static_assert(Is(CompiledLocationOf("A::B::~B()"), "A::B::~B"));
+static_assert(Is(CompiledLocationOf("int A::B::Run(const A::C &, int)"), "A::B::Run"));
+static_assert(Is(CompiledLocationOf("static A::B &A::B::GetInstance()"), "A::B::GetInstance"));
+static_assert(Is(CompiledLocationOf("A::C *A::B::Run() const"), "A::B::Run"));
+static_assert(Is(CompiledLocationOf("std::vector<std::pair<int, C>> A::B::Run()"), "A::B::Run"));
+static_assert(Is(CompiledLocationOf("int A::Run(int (*)(const A::C *))"), "A::Run"));
+static_assert(Is(CompiledLocationOf("std::string A::Run(const std::string &)"), "A::Run"));
+static_assert(Is(CompiledLocationOf("int A::(anonymous namespace)::Run(unsigned long)"),
+                 "A::(anonymous namespace)::Run"));
+static_assert(Is(CompiledLocationOf("auto A::B::Run(int)::(anonymous class)::operator()() const"),
+                 "A::B::Run", kLambda));
+static_assert(
+    Is(CompiledLocationOf("auto A::B::Run(int)::(anonymous class)::operator()(int) const"),
+       "A::B::Run", kLambda));
+static_assert(Is(CompiledLocationOf("auto A::B::Run(int)::(lambda at a/b c.cpp:12:9)::operator()() "
+                                    "const"),
+                 "A::B::Run", kLambda));
+
+// GCC: a lambda by its parameters.
+static_assert(Is(CompiledLocationOf("static A::B& A::B::GetInstance()"), "A::B::GetInstance"));
+static_assert(Is(CompiledLocationOf("A::B::Run(int)::<lambda(int)>"), "A::B::Run", kLambda));
+static_assert(Is(CompiledLocationOf("int A::{anonymous}::Run(long unsigned int)"),
+                 "A::{anonymous}::Run"));
 
 TEST(Location, ReadsEveryCompilersRendering) {
     EXPECT_EQ(TextOf("A::B::Run"), "A::B::Run");

@@ -128,6 +128,23 @@ TEST_F(Conversion, TowardsTheApplicationLogsTheNetwork) {
     EXPECT_EQ(BytesOf(own), BytesOf(vendors));
 }
 
+// Each line comes behind what it tells of and before what the next one tells of; the terminators
+// come last.
+TEST_F(Conversion, TowardsTheApplicationLogsEachFieldOnceItIsCopied) {
+    const auto vendors = Filled<VendorSdk::WifiConfigInfo>('x');
+    auto own = Filled<WifiConfigInfo>('-');
+    std::vector<std::string> states;
+    RecordingLog::OnLine([&](const RecordingLog::Line&) { states.push_back(BytesOf(own)); });
+    DiscoverBasic::GetDiscoverWifoConfigInfo(vendors, own);
+    RecordingLog::OnLine({});
+    const auto state = [](std::size_t copied) {
+        return std::string(copied, 'x') + std::string(sizeof own - copied, '-');
+    };
+    EXPECT_THAT(states, ElementsAre(state(4), state(4 + 128), state(4 + 128 + 32)));
+    EXPECT_EQ(own.ssid[127], '\0');
+    EXPECT_EQ(own.pwd[31], '\0');
+}
+
 TEST_F(Conversion, TowardsTheVendorIsSilent) {
     WifiConfigInfo own{};
     own.rssi = 3.25f;

@@ -1,5 +1,6 @@
 #include "tests/support/recording_log.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <ios>
@@ -16,6 +17,19 @@ struct Record {
     std::function<void(const RecordingLog::Line&)> hook;
     bool discards = false;
 };
+
+std::atomic<unsigned long> instanceRequests{0};
+
+// Made before any of the broker's objects, and so destroyed after all of them.
+struct LastWords {
+    ~LastWords() {
+        if (work != nullptr) {
+            work();
+        }
+    }
+    void (*work)() = nullptr;
+};
+LastWords lastWords;
 
 // Never destroyed: scan threads log while the process ends.
 Record& TheRecord() {
@@ -61,6 +75,10 @@ void Clear() {
     record.lines.clear();
 }
 
+unsigned long InstanceRequests() {
+    return instanceRequests;
+}
+
 std::vector<std::string> Complaints() {
     Record& record = TheRecord();
     const std::lock_guard lock(record.mutex);
@@ -80,6 +98,10 @@ bool WaitUntil(const std::function<bool(const std::vector<Line>&)>& done, unsign
                                  [&] { return done(record.lines); });
 }
 
+void AtItsEnd(void (*work)()) {
+    lastWords.work = work;
+}
+
 void Discard() {
     Record& record = TheRecord();
     const std::lock_guard lock(record.mutex);
@@ -89,6 +111,7 @@ void Discard() {
 }  // namespace RecordingLog
 
 KzLogger& KzLogger::GetInstance() {
+    ++instanceRequests;
     static KzLogger& logger = *new KzLogger;
     return logger;
 }

@@ -21,6 +21,9 @@ struct Line {
 LOGHELPER_API std::vector<Line> Lines();
 LOGHELPER_API void Clear();
 
+// How often KzLogger::GetInstance has been asked for.
+LOGHELPER_API unsigned long InstanceRequests();
+
 // What was wrong with the streams that came: none should be anything but fresh, writable at its end
 // and of default format.
 LOGHELPER_API std::vector<std::string> Complaints();
@@ -32,6 +35,9 @@ LOGHELPER_API void OnLine(std::function<void(const Line&)> hook);
 // Waits until `done` holds for the lines so far; false when that takes longer than `milliseconds`.
 LOGHELPER_API bool WaitUntil(const std::function<bool(const std::vector<Line>&)>& done,
                              unsigned milliseconds);
+
+// Calls `work` when this library itself is at its end: the broker, which uses it, is then gone.
+LOGHELPER_API void AtItsEnd(void (*work)());
 
 // Keep nothing from now on: for tests that log more than fits.
 LOGHELPER_API void Discard();

@@ -6,7 +6,10 @@
 namespace ReleaseWatch {
 
 // From now on each release appends a line to the file: the name of the module, as the scripted
-// PrinterUtil gave it out.
-void Start(const std::string& recordPath);
+// PrinterUtil gave it out, and what `ask` says just before.
+void Start(const std::string& recordPath, int (*ask)());
+
+// Appends a line of the caller's.
+void Note(const std::string& line);
 
 }  // namespace ReleaseWatch

@@ -8,12 +8,21 @@
 namespace {
 
 int record = -1;
+int (*question)() = nullptr;
 
 }  // namespace
 
 namespace ReleaseWatch {
 
-void Start(const std::string& recordPath) {
+void Note(const std::string& line) {
+    const std::string whole = line + '\n';
+    if (write(record, whole.data(), whole.size()) < 0) {
+        _exit(90);
+    }
+}
+
+void Start(const std::string& recordPath, int (*ask)()) {
+    question = ask;
     record = open(recordPath.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
 }
 
@@ -25,10 +34,7 @@ extern "C" __attribute__((visibility("default"))) int dlclose(void* module) {
     static auto* const system = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "dlclose"));
     const std::string name = ScriptedVendors::NameOf(static_cast<HINSTANCE>(module));
     if (record >= 0 && !name.empty()) {
-        const std::string line = name + '\n';
-        if (write(record, line.data(), line.size()) < 0) {
-            _exit(90);
-        }
+        ReleaseWatch::Note(name + ' ' + std::to_string(question()));
     }
     return system(module);
 }

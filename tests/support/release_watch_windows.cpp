@@ -7,11 +7,10 @@
 namespace {
 
 HANDLE record = INVALID_HANDLE_VALUE;
+int (*question)() = nullptr;
 
 BOOL WINAPI NotedFreeLibrary(HMODULE module) {
-    const std::string line = ScriptedVendors::NameOf(module) + '\n';
-    DWORD written = 0;
-    WriteFile(record, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    ReleaseWatch::Note(ScriptedVendors::NameOf(module) + ' ' + std::to_string(question()));
     return FreeLibrary(module);
 }
 
@@ -45,7 +44,14 @@ ULONG_PTR* ImportOfFreeLibrary(HMODULE library) {
 
 namespace ReleaseWatch {
 
-void Start(const std::string& recordPath) {
+void Note(const std::string& line) {
+    const std::string whole = line + '\n';
+    DWORD written = 0;
+    WriteFile(record, whole.data(), static_cast<DWORD>(whole.size()), &written, nullptr);
+}
+
+void Start(const std::string& recordPath, int (*ask)()) {
+    question = ask;
     record = CreateFileA(recordPath.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr,
                          OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     ULONG_PTR* const place = ImportOfFreeLibrary(GetModuleHandleW(L"DeviceDiscover.dll"));

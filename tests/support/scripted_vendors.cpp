@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <set>
 
 #include "platform/PrinterUtil/PrinterUtil.h"
 #include "tests/support/module_files.h"
@@ -13,6 +14,7 @@ struct State {
     std::vector<VendorInfo> vendors;
     int result = 0;
     bool keepsMapped = true;
+    std::set<std::string> nulls;
     std::vector<std::string> requests;
     std::map<std::string, HINSTANCE> given;
 };
@@ -42,6 +44,12 @@ void KeepMapped(bool keep) {
     State& state = TheState();
     const std::lock_guard lock(state.mutex);
     state.keepsMapped = keep;
+}
+
+void GiveNull(const std::string& moduleName) {
+    State& state = TheState();
+    const std::lock_guard lock(state.mutex);
+    state.nulls.insert(moduleName);
 }
 
 std::vector<std::string> Requests() {
@@ -97,11 +105,17 @@ bool VendorDllMgr::GetDeviceHandle(HINSTANCE& module, const std::string& moduleN
     State& state = TheState();
     const std::lock_guard lock(state.mutex);
     state.requests.push_back("GetDeviceHandle " + moduleName);
+    if (state.nulls.contains(moduleName)) {
+        module = nullptr;
+        return true;
+    }
+    // What may lack memory comes before the module is loaded: no reference is lost on the way.
+    HINSTANCE& given = state.given[moduleName];
     const HINSTANCE loaded = ModuleFiles::Load(moduleName, state.keepsMapped);
     if (loaded == nullptr) {
         return false;
     }
-    state.given[moduleName] = loaded;
+    given = loaded;
     module = loaded;
     return true;
 }

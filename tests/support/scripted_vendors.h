@@ -22,6 +22,9 @@ PRINTERUTIL_API VendorInfo Vendor(const std::string& productId, const std::strin
 // difference: the system ends the other threads before it releases anything.
 PRINTERUTIL_API void KeepMapped(bool keep);
 
+// From now on GetDeviceHandle says that it has the module of that name, and gives a null handle.
+PRINTERUTIL_API void GiveNull(const std::string& moduleName);
+
 // The calls of VendorDllMgr in order: "GetCurrentSupportList", or "GetDeviceHandle <module>".
 PRINTERUTIL_API std::vector<std::string> Requests();
 

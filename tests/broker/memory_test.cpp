@@ -1,0 +1,171 @@
+// Memory that runs out at each point in turn: nothing crashes, nothing hangs, no lock stays held
+// and no module's reference is lost. The broker's sources are built into this program, so that its
+// allocations are the program's.
+
+#include <new>
+
+#include "tests/support/application.h"
+#include "tests/support/broker_test.h"
+#include "tests/support/failing_memory.h"
+#include "vendor/vendor_table.h"
+
+namespace {
+
+using namespace PrinterDeviceDiscoverSdk;
+using FailingMemory::Then;
+using ScriptedVendors::Support;
+using ScriptedVendors::Vendor;
+
+constexpr const char* kModules[] = {"scripted_all", "scripted_all_b"};
+constexpr long kMostAllocations = 2000;
+
+// Not a BrokerTest: a stream without memory is not in order when the logger gets it.
+class Memory : public testing::Test {
+protected:
+    void SetUp() override {
+        ScriptedVendors::KeepMapped(false);
+        // Too long for a string's own room.
+        Support({Vendor(kAlpha, kModules[0]), Vendor(kBeta, kModules[1])});
+        HoldModules();
+    }
+
+    // A loaded module is not initialised again, which could not stand a failure.
+    static void HoldModules() {
+        for (const char* name : kModules) {
+            ASSERT_NE(ScriptedVendors::Load(name), nullptr);
+        }
+    }
+
+    // Does `work` again and again, each time with another allocation failing, until it needs no
+    // more of them; `check` looks at what is left of each failure. How many there were.
+    template <class Work, class Check>
+    static long FailEach(Work work, Check check, Then then = Then::Recovers) {
+        for (long number = 1; number < kMostAllocations; ++number) {
+            bool thrown = false;
+            {
+                const FailingMemory::FailsAt failure(number, then);
+                try {
+                    work();
+                } catch (const std::bad_alloc&) {
+                    thrown = true;
+                }
+            }
+            if (!FailingMemory::HasFailed()) {
+                EXPECT_FALSE(thrown);
+                return number - 1;
+            }
+            check(number, thrown);
+        }
+        ADD_FAILURE() << "no end of allocations";
+        return kMostAllocations;
+    }
+
+    // How many references there are to the modules beside the test's own, which are taken anew.
+    static int ForeignReferences() {
+        int references = 0;
+        for (const char* name : kModules) {
+            references += ScriptedVendors::ReleaseAll(name) - 1;
+        }
+        HoldModules();
+        return references;
+    }
+
+    static constexpr char kAlpha[] = "alpha, which is too long";
+    static constexpr char kBeta[] = "beta, which is too long too";
+};
+
+TEST_F(Memory, ThatRunsOutWhileBindingLosesNoModule) {
+    using Entry = ScanInterface::VendorEntry;
+    long thrown = 0;
+    const long failures = FailEach(
+        [] {
+            Broker::VendorTable<Entry> table;
+            try {
+                Broker::BindVendors(table, &VendorInfo::scanModuleName,
+                                    Broker::kScanEntryPoints<Entry>, {"Test", ""});
+            } catch (...) {
+                Broker::ReleaseVendors(table);
+                throw;
+            }
+            Broker::ReleaseVendors(table);
+        },
+        [&thrown](long number, bool hasThrown) {
+            thrown += hasThrown ? 1 : 0;
+            EXPECT_EQ(ForeignReferences(), 0) << "allocation " << number;
+        });
+    EXPECT_EQ(ForeignReferences(), 0);
+    EXPECT_GT(failures, 10);
+    EXPECT_GT(thrown, 4);
+}
+
+TEST_F(Memory, ThatRunsOutOnTheFirstUseLeavesTheNextOneToBeginAnew) {
+    // For good, so that a line that does without its memory is no way past the next allocation.
+    long thrown = 0;
+    const long failures = FailEach([] { ScanInterface::GetInstance(); },
+                                   [&thrown](long number, bool hasThrown) {
+                                       // Once the dispatcher is there, its modules are its own.
+                                       if (hasThrown) {
+                                           ++thrown;
+                                           EXPECT_EQ(ForeignReferences(), 0)
+                                               << "allocation " << number;
+                                       }
+                                   },
+                                   Then::StaysGone);
+    EXPECT_GT(failures, 15);
+    // All but what the last line would have liked to have.
+    EXPECT_GE(thrown, failures - 1);
+    EXPECT_EQ(ScanInterface::GetInstance().StopDeviceScan(), 0);
+    EXPECT_EQ(ScanInterface::GetInstance().GetDeviceConnectState(DeviceOf(kBeta)), 1);
+}
+
+TEST_F(Memory, ThatRunsOutDuringInitLeavesTheDispatcherUsable) {
+    Support({});
+    ScanInterface& scan = ScanInterface::GetInstance();
+    ASSERT_EQ(scan.StopDeviceScan(), -2);
+    Support({Vendor(kAlpha, kModules[0]), Vendor(kBeta, kModules[1])});
+    bool bound = false;
+    const long failures = FailEach(
+        [&] { bound = scan.Init(); },
+        [&](long number, bool thrown) { EXPECT_TRUE(thrown || bound) << "allocation " << number; });
+    EXPECT_GT(failures, 10);
+    EXPECT_TRUE(bound);
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf(kAlpha)), 1);
+    EXPECT_EQ(scan.StopDeviceScan(), 0);
+}
+
+TEST_F(Memory, ThatRunsOutDuringAStartFreesTheLock) {
+    ScanInterface& scan = ScanInterface::GetInstance();
+    int result = -1;
+    long thrown = 0;
+    const long failures = FailEach(
+        [&] {
+            result = scan.StartDeviceScan({Application::OnDevice, 1});
+        },
+        [&](long number, bool hasThrown) {
+            thrown += hasThrown ? 1 : 0;
+            EXPECT_TRUE(hasThrown || result == 0) << "allocation " << number;
+            EXPECT_EQ(scan.StopDeviceScan(), 0) << "allocation " << number;
+        });
+    EXPECT_GT(failures, 4);
+    EXPECT_GT(thrown, 1);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(scan.StopDeviceScan(), 0);
+    for (const char* name : kModules) {
+        ScriptedModule(name).AwaitCalls("StartDeviceScan", 1);
+        ScriptedModule(name).AwaitRunningScans(0);
+    }
+}
+
+TEST_F(Memory, ThatRunsOutDuringOtherOperationsIsForgottenByTheNext) {
+    ScanInterface& scan = ScanInterface::GetInstance();
+    DiscoverScanInterface& facade = DiscoverScanInterface::GetInstance();
+    int result = -1;
+    FailEach([&] { result = facade.StopDeviceScan(); },
+             [&](long, bool) { EXPECT_EQ(scan.StopDeviceScan(), 0); });
+    EXPECT_EQ(result, 0);
+    FailEach([&] { result = facade.GetDeviceConnectState(DeviceOf(kAlpha)); },
+             [&](long, bool) { EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf(kAlpha)), 1); });
+    EXPECT_EQ(result, 1);
+}
+
+}  // namespace

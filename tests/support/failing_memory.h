@@ -1,0 +1,21 @@
+#pragma once
+
+// Memory that runs out: a program that has this built in makes its own allocations fail.
+namespace FailingMemory {
+
+enum class Then { Recovers, StaysGone };
+
+// While one of these lives, the allocation of that number by its own thread fails, counted from 1;
+// those after it work again, or not.
+class FailsAt {
+public:
+    FailsAt(long number, Then then);
+    ~FailsAt();
+    FailsAt(const FailsAt&) = delete;
+    FailsAt& operator=(const FailsAt&) = delete;
+};
+
+// Whether the allocation has failed that was to fail last.
+bool HasFailed();
+
+}  // namespace FailingMemory

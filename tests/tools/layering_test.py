@@ -1,0 +1,72 @@
+"""What the check of the layers finds, and what it lets pass."""
+
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+CHECK = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "layering",
+                     "check_layering.py")
+
+
+class Layering(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="layering-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.write("include/VendorSdk/records.h", "#pragma once\n#include <cstdint>\n")
+        self.write("host/PrinterUtil/vendor_list.h", "#pragma once\n")
+
+    def write(self, name, text):
+        path = os.path.join(self.folder, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text)
+
+    def check(self, name, text):
+        """The complaints about a file of that name."""
+        self.write(name, text)
+        result = subprocess.run([CHECK, self.folder], capture_output=True, text=True, timeout=60)
+        os.remove(os.path.join(self.folder, name))
+        *complaints, _ = result.stdout.splitlines()
+        self.assertEqual(result.returncode, 1 if complaints else 0, result.stdout + result.stderr)
+        return complaints
+
+    def test_what_knows_nothing_passes(self):
+        self.assertEqual(self.check("scan/x.cpp", '#include "include/VendorSdk/records.h"\n'
+                                    "#include <csignal>\n#include <semaphore>\n#include <string.h>\n"
+                                    "#pragma once\n// __declspec, windows.h\n/* _MSC_VER\n */\n"), [])
+
+    def test_a_header_of_another_layer_is_named(self):
+        self.assertEqual(self.check("scan/x.cpp", '#include "host/PrinterUtil/vendor_list.h"\n'),
+                         ["scan/x.cpp: scan/ must not include host/PrinterUtil/vendor_list.h"])
+
+    def test_headers_of_one_system_are_named(self):
+        for header in ("windows.h", "Windows.h", "winsock2.h", "shellapi.h", "unistd.h", "dlfcn.h",
+                       "pthread.h", "sys/stat.h", "linux/if.h", "signal.h", "poll.h"):
+            self.assertEqual(self.check("host/PrinterUtil/x.cpp", f"#  include <{header}>\n"),
+                             [f"host/PrinterUtil/x.cpp: knows an operating system: {header}"])
+
+    def test_words_of_one_system_are_named(self):
+        for word in ("_WIN32", "__linux__", "__unix__", "__APPLE__", "__MINGW32__"):
+            self.assertEqual(self.check("app/x.cpp", f"#if defined({word})\n#endif\n"),
+                             [f"app/x.cpp: knows an operating system: {word}"])
+
+    def test_a_system_s_own_files_may_know_it(self):
+        for name in ("app/x_linux.cpp", "host/LogHelper/x_windows.cpp", "platform/os.h"):
+            self.assertEqual(self.check(name, "#include <unistd.h>\n#include <windows.h>\n"
+                                        "#ifdef _WIN32\n#endif\n"), [])
+
+    def test_words_of_a_compiler_are_named_everywhere(self):
+        for word in ("__attribute__", "__declspec", "_MSC_VER", "__GNUC__", "__clang__",
+                     "__builtin_expect", "__PRETTY_FUNCTION__", "#pragma warning"):
+            for name in ("records/x.h", "app/x_linux.cpp", "host/LogHelper/x_windows.cpp"):
+                self.assertEqual(self.check(name, f"{word} (x)\n"),
+                                 [f"{name}: knows a compiler: {word}"])
+
+    def test_one_header_may_know_the_compilers(self):
+        self.assertEqual(self.check("platform/compiler.h", "#ifdef _MSC_VER\n#endif\n"), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
