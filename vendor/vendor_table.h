@@ -72,8 +72,8 @@ bool BindVendors(VendorTable<Entry>& table, std::string VendorInfo::*moduleName,
     return !vendors.empty();
 }
 
-// The binding in a dispatcher's constructor. No destructor follows one that throws: what it has bound
-// is released, and the next first use begins anew.
+// The binding in a dispatcher's constructor. No destructor follows one that throws: what it has
+// bound is released, and the next first use begins anew.
 template <class Bind, class Release>
 bool BindFirst(Bind bind, Release release) {
     try {

@@ -83,17 +83,22 @@ bool IsBetter(const AccessPoint& one, const AccessPoint& other, bool hasPassPhra
 JoinRequest::JoinRequest(std::wstring_view wantedSsid, std::wstring_view givenPassPhrase)
     : ssid(wantedSsid), name(CheckedName(ssid)), passPhrase(CheckedPassPhrase(givenPassPhrase)) {}
 
-bool JoinRequest::IsNamed(const AccessPoint& accessPoint) const {
-    return accessPoint.name == name ||
-           (!IsText(accessPoint.name) && NetworkNameText(accessPoint.name) == ssid);
+bool JoinRequest::HasName(const AccessPoint& accessPoint) const {
+    return accessPoint.name == name;
+}
+
+bool JoinRequest::IsShownAlike(const AccessPoint& accessPoint) const {
+    return !IsText(accessPoint.name) && NetworkNameText(accessPoint.name) == ssid;
 }
 
 const AccessPoint* JoinRequest::Choose(const std::vector<AccessPoint>& accessPoints) const {
     const bool hasPassPhrase = !passPhrase.empty();
+    const bool isThere = std::any_of(accessPoints.begin(), accessPoints.end(),
+                                     [this](const AccessPoint& one) { return HasName(one); });
     const AccessPoint* best = nullptr;
     std::string obstacle;
     for (const AccessPoint& accessPoint : accessPoints) {
-        if (!IsNamed(accessPoint)) {
+        if (isThere ? !HasName(accessPoint) : !IsShownAlike(accessPoint)) {
             continue;
         }
         const std::string its = Obstacle(accessPoint, hasPassPhrase);

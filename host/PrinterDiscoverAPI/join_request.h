@@ -19,14 +19,16 @@ public:
     const std::string& PassPhrase() const { return passPhrase; }
 
     // The strongest access point of that name that goes with the pass phrase; null when none is
-    // there. Throws WifiProblem when all that are there want something else.
+    // there. Where none has the name, one whose name is no text counts by how it is shown. Throws
+    // WifiProblem when all that are there want something else.
     const AccessPoint* Choose(const std::vector<AccessPoint>& accessPoints) const;
 
     // `text` without the pass phrase.
     std::string WithoutSecret(std::string text) const;
 
 private:
-    bool IsNamed(const AccessPoint& accessPoint) const;
+    bool HasName(const AccessPoint& accessPoint) const;
+    bool IsShownAlike(const AccessPoint& accessPoint) const;
 
     std::wstring ssid;
     std::string name;

@@ -29,6 +29,11 @@ bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> name
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
+// The service's own words, of which only the first line is for people.
+std::string MessageOf(const sdbus::Error& error) {
+    return error.getMessage().substr(0, error.getMessage().find('\n'));
+}
+
 bool IsNotRunning(const sdbus::Error& error) {
     return IsOneOf(BusErrorOf(error), {"ServiceUnknown", "NameHasNoOwner"}) ||
            BusErrorOf(error).starts_with("Spawn.");
@@ -66,12 +71,12 @@ std::string DescribeError(const sdbus::Error& error) {
         return "NetworkManager has ended or does not answer";
     }
     if (IsBusLost(error)) {
-        return "the connection to the system bus was lost: " + error.getMessage();
+        return "the connection to the system bus was lost: " + MessageOf(error);
     }
     if (IsDenied(error)) {
-        return "NetworkManager does not allow it: " + error.getMessage();
+        return "NetworkManager does not allow it: " + MessageOf(error);
     }
-    return "NetworkManager says: " + error.getMessage();
+    return "NetworkManager says: " + MessageOf(error);
 }
 
 NetworkManager::NetworkManager() {
@@ -79,7 +84,7 @@ NetworkManager::NetworkManager() {
         bus = sdbus::createSystemBusConnection();
         bus->setMethodCallTimeout(kCallLimit);
     } catch (const sdbus::Error& error) {
-        throw WifiProblem("the system bus cannot be reached: " + error.getMessage());
+        throw WifiProblem("the system bus cannot be reached: " + MessageOf(error));
     }
 }
 

@@ -178,7 +178,7 @@ std::optional<std::size_t> IpHeaderLength(const unsigned char* bytes, std::size_
     if (size < kShortestIpHeader) {
         return std::nullopt;
     }
-    const std::size_t length = (bytes[0] & 0x0FU) * 4U;
+    const std::size_t length = (bytes[0] & 0x0FU) * std::size_t{4};
     if (bytes[0] >> 4 != 4 || length < kShortestIpHeader || length > size) {
         return std::nullopt;
     }
@@ -247,11 +247,13 @@ private:
         }
     }
 
-    // The kernel has chosen those errors that are about this socket's requests.
+    // The kernel has chosen those errors that are about this socket's id; they come with the
+    // address that the request went to.
     void ReadErrors() {
         ReceivedPacket packet;
         while (verdict == Verdict::kNone && Receive(socket, MSG_ERRQUEUE, packet)) {
-            if (packet.error != 0 && IsRequest(packet.bytes, packet.size)) {
+            if (packet.error != 0 && packet.source.s_addr == target.s_addr &&
+                IsRequest(packet.bytes, packet.size)) {
                 verdict = Verdict::kRefused;
             }
         }
@@ -280,7 +282,7 @@ private:
 
     void ExamineReply(const ReceivedPacket& packet, const unsigned char* bytes, std::size_t size) {
         if (packet.source.s_addr != target.s_addr || size != sizeof request ||
-            !IsOurs(bytes, size)) {
+            !IsOurs(bytes, size) || !IsWhole(bytes)) {
             return;
         }
         const auto took =
@@ -302,6 +304,13 @@ private:
         if (IsRequest(quoted + *ipHeader, size - *ipHeader)) {
             verdict = Verdict::kRefused;
         }
+    }
+
+    // Raw sockets are handed damaged packets, too. A checksum over itself is zero.
+    static bool IsWhole(const unsigned char* reply) {
+        EchoPacket packet;
+        std::memcpy(&packet, reply, sizeof packet);
+        return Checksum(packet) == 0;
     }
 
     bool IsRequest(const unsigned char* bytes, std::size_t size) const {

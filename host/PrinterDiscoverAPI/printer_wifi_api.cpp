@@ -1,5 +1,5 @@
-#include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/join_request.h"
@@ -76,11 +76,13 @@ void PrinterWifiAPI::QueryConnectedAP(std::wstring& ssid, std::wstring& hardware
 }
 
 bool PrinterWifiAPI::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
+    const std::wstring name = std::move(ssid);
+    const std::wstring secret = std::move(passPhrase);
     try {
-        TryJoin(Host::JoinRequest(ssid, passPhrase));
+        TryJoin(Host::JoinRequest(name, secret));
         return true;
     } catch (const Host::WifiProblem& problem) {
-        ReportProblem(LOG_LEVEL_ERROR, L"cannot join \"" + ssid + L'"', problem.what(),
+        ReportProblem(LOG_LEVEL_ERROR, L"cannot join \"" + name + L'"', problem.what(),
                       L"PrinterWifiAPI::ConnectAP");
         return false;
     }

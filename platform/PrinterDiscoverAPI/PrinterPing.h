@@ -22,9 +22,11 @@ public:
     static PrinterPing& GetInstance();
 
     // Sends one ICMP echo request to `address`, IPv4 in dotted text, and waits up to `timeout`
-    // milliseconds for its reply. Non-zero when the target answered, with `reply` filled; 0, with
-    // `reply` untouched, when it did not or could not be asked. A null `address` gives 0; `reply`
-    // may be null. Any number of threads may ping at the same time.
+    // milliseconds for its reply; nothing but that reply counts. Non-zero when the target answered,
+    // with `reply` filled; 0, with `reply` untouched, when it did not, when the network said that
+    // it will not, or when it could not be asked: why not is logged, and once for all when this
+    // program may not ping. A null `address` gives 0; `reply` may be null. Any number of threads
+    // may ping at the same time.
     int Ping(const char* address, PingReply* reply, std::uint32_t timeout);
 
     PrinterPing(const PrinterPing&) = delete;

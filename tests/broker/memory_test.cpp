@@ -118,6 +118,41 @@ TEST_F(Memory, ThatRunsOutOnTheFirstUseLeavesTheNextOneToBeginAnew) {
     EXPECT_EQ(ScanInterface::GetInstance().GetDeviceConnectState(DeviceOf(kBeta)), 1);
 }
 
+TEST_F(Memory, ThatRunsOutOnTheFirstUseOfAccessPointsLeavesTheNextOneToBeginAnew) {
+    long thrown = 0;
+    const long failures = FailEach([] { NetConnInterface::GetInstance(); },
+                                   [&thrown](long number, bool hasThrown) {
+                                       if (hasThrown) {
+                                           ++thrown;
+                                           EXPECT_EQ(ForeignReferences(), 0)
+                                               << "allocation " << number;
+                                       }
+                                   },
+                                   Then::StaysGone);
+    EXPECT_GE(thrown, failures - 1);
+    EXPECT_EQ(NetConnInterface::GetInstance().StopAPWifiScan(), 0);
+}
+
+TEST_F(Memory, ThatRunsOutDuringTheStartOfAWifiScanFreesTheLock) {
+    NetConnInterface& dispatcher = NetConnInterface::GetInstance();
+    int result = -1;
+    long thrown = 0;
+    FailEach(
+        [&] {
+            result = dispatcher.StartAPWifiScan({Application::OnNetwork, 1});
+        },
+        [&](long number, bool hasThrown) {
+            thrown += hasThrown ? 1 : 0;
+            EXPECT_TRUE(hasThrown || result == 0) << "allocation " << number;
+            EXPECT_EQ(dispatcher.StopAPWifiScan(), 0) << "allocation " << number;
+        });
+    EXPECT_GT(thrown, 1);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(dispatcher.StopAPWifiScan(), 0);
+    ScriptedModule(kModules[0]).AwaitCalls("StartAPWifiScan", 1);
+    ScriptedModule(kModules[0]).AwaitRunningScans(0);
+}
+
 TEST_F(Memory, ThatRunsOutDuringInitLeavesTheDispatcherUsable) {
     Support({});
     ScanInterface& scan = ScanInterface::GetInstance();
@@ -166,6 +201,23 @@ TEST_F(Memory, ThatRunsOutDuringOtherOperationsIsForgottenByTheNext) {
     FailEach([&] { result = facade.GetDeviceConnectState(DeviceOf(kAlpha)); },
              [&](long, bool) { EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf(kAlpha)), 1); });
     EXPECT_EQ(result, 1);
+}
+
+TEST_F(Memory, ThatRunsOutDuringAccessPointOperationsIsForgottenByTheNext) {
+    NetConnInterface& dispatcher = NetConnInterface::GetInstance();
+    DiscoverNetConnInterface& facade = DiscoverNetConnInterface::GetInstance();
+    const WifiConfigInfo network = NetworkOf("office");
+    int result = -1;
+    FailEach([&] { result = facade.PrinterAPNetConfigEvent(network); },
+             [&](long, bool) { EXPECT_EQ(dispatcher.PrinterAPNetConfigEvent(network), 0); });
+    EXPECT_EQ(result, 0);
+    DeviceInfo device{};
+    FailEach([&] { result = facade.GetDeviceInfoByNet(device); },
+             [&](long, bool) { EXPECT_EQ(dispatcher.GetDeviceInfoByNet(device), 0); });
+    EXPECT_EQ(result, 0);
+    FailEach([&] { result = facade.IsLocalAreaNetworkOK(DeviceOf(kAlpha)); },
+             [&](long, bool) { EXPECT_EQ(dispatcher.IsLocalAreaNetworkOK(DeviceOf(kAlpha)), 0); });
+    EXPECT_EQ(result, 0);
 }
 
 }  // namespace

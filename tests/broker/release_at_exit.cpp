@@ -1,6 +1,7 @@
-// release_at_exit RECORD: binds a list of vendors with everything a list can hold and ends; RECORD
-// then names the modules that the broker gave back, in order, each with what the dispatcher
-// answered at that moment, and then what every operation does once the dispatcher is gone.
+// release_at_exit scan|access-point RECORD: that family's dispatcher binds a list of vendors with
+// everything a list can hold and ends; RECORD then names the modules that the broker gave back, in
+// order, each with what the dispatcher answered at that moment, and then what every operation does
+// once the dispatcher is gone.
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "tests/support/recording_log.h"
@@ -17,7 +18,7 @@ void NoteResult(const char* operation, int result) {
                        std::string(text.begin(), text.begin() + 8));
 }
 
-void CallEverything() {
+void CallEveryScanOperation() {
     RecordingLog::Clear();
     const DeviceCallbackInfo info{};
     DeviceInfo device{};
@@ -31,18 +32,36 @@ void CallEverything() {
     ReleaseWatch::Note(std::to_string(RecordingLog::Lines().size()) + " lines");
 }
 
+int StopAccessPointScan() {
+    return NetConnInterface::GetInstance().StopAPWifiScan();
+}
+
+void CallEveryAccessPointOperation() {
+    RecordingLog::Clear();
+    NetConnInterface& dispatcher = NetConnInterface::GetInstance();
+    DeviceInfo device{};
+    device.modelID[0] = 'a';
+    NoteResult("StartAPWifiScan", dispatcher.StartAPWifiScan({}));
+    NoteResult("StopAPWifiScan", dispatcher.StopAPWifiScan());
+    NoteResult("PrinterAPNetConfigEvent", dispatcher.PrinterAPNetConfigEvent({}));
+    NoteResult("GetDeviceInfoByNet", dispatcher.GetDeviceInfoByNet(device));
+    NoteResult("IsLocalAreaNetworkOK", dispatcher.IsLocalAreaNetworkOK(device));
+    ReleaseWatch::Note(std::to_string(RecordingLog::Lines().size()) + " lines");
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
     using ScriptedVendors::Vendor;
-    if (count != 2) {
+    if (count != 3) {
         return 2;
     }
-    ReleaseWatch::Start(arguments[1], StopDeviceScan);
-    RecordingLog::AtItsEnd(CallEverything);
+    const bool ofScan = std::string(arguments[1]) == "scan";
+    ReleaseWatch::Start(arguments[2], ofScan ? StopDeviceScan : StopAccessPointScan);
+    RecordingLog::AtItsEnd(ofScan ? CallEveryScanOperation : CallEveryAccessPointOperation);
     ScriptedVendors::KeepMapped(false);
     ScriptedVendors::Support({Vendor("gamma", "scripted_all"), Vendor("beta", "no_such_module"),
                               Vendor("alpha", "scripted_all_b"), Vendor("gamma", "scripted_all_c"),
                               Vendor("delta", "scripted_all"), Vendor("epsilon", "scripted_none")});
-    return StopDeviceScan();
+    return ofScan ? StopDeviceScan() : StopAccessPointScan();
 }

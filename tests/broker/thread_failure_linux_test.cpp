@@ -116,4 +116,22 @@ TEST_F(WithoutThreads, AStartThroughTheFacadeThrowsToo) {
     EXPECT_THAT(TakeLines(), SizeIs(2));
 }
 
+TEST_F(WithoutThreads, AStartOfAWifiScanThrowsAndFreesTheLockAndStaysRegistered) {
+    NetConnInterface& dispatcher = NetConnInterface::GetInstance();
+    NetConnInterfaceListener& listener = NetConnInterfaceListener::GetInstance();
+    TakeLines();
+    threadsLeft = 0;
+    EXPECT_THROW(dispatcher.StartAPWifiScan({Application::OnNetwork, 1}), std::system_error);
+    threadsLeft = -1;
+    EXPECT_THAT(
+        TakeLines(),
+        ElementsAre(LineIs(1, "Set info1", "NetConnInterfaceListener::SetDeviceCallbackInfo")));
+    EXPECT_TRUE(listener.GetDeviceCallbackIsEnable());
+    EXPECT_EQ(dispatcher.StopAPWifiScan(), 0);
+    EXPECT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 1}), 0);
+    alpha.AwaitCalls("StartAPWifiScan", 1);
+    EXPECT_EQ(dispatcher.StopAPWifiScan(), 0);
+    alpha.AwaitRunningScans(0);
+}
+
 }  // namespace

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <string>
+
+#include "tests/host/printer_discover_api/logged.h"
+#include "tests/host/printer_discover_api/networks.h"
+
+namespace HostTest {
+
+using PrinterDiscoverAPI::PrinterWifiAPI;
+
+inline Networks Scan() {
+    Networks networks;
+    PrinterWifiAPI::GetInstance().ScanWifiAPBySsid(networks);
+    return networks;
+}
+
+struct Connected {
+    std::wstring ssid = L"before";
+    std::wstring hardwareAddress = L"before";
+    std::wstring interfaceName = L"before";
+};
+
+inline Connected QueryConnected() {
+    Connected connected;
+    PrinterWifiAPI::GetInstance().QueryConnectedAP(connected.ssid, connected.hardwareAddress,
+                                                   connected.interfaceName);
+    return connected;
+}
+
+inline bool Connect(const std::wstring& ssid, const std::wstring& passPhrase) {
+    return PrinterWifiAPI::GetInstance().ConnectAP(ssid, passPhrase);
+}
+
+inline double SecondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// None of the lines so far holds the text.
+inline void ExpectNeverLogged(const std::wstring& secret) {
+    for (const RecordingLog::Line& line : RecordingLog::Lines()) {
+        EXPECT_EQ(line.text.find(secret), std::wstring::npos) << testing::PrintToString(line.text);
+    }
+}
+
+}  // namespace HostTest
