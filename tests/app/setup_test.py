@@ -195,7 +195,7 @@ class SetupThatFails(SetupTest):
 
     def test_a_printer_that_is_gone_by_then(self):
         self.list_file = self.vendor_list(
-            [("scripted", "scripted_without_PrinterAPNetConfigEvent"), ("b", "scripted_all_b")])
+            [("scripted", "scripted_without_PrinterAPNetConfigEvent"), ("z", "scripted_all_b")])
         event = self.assert_failed("configure", saying=("not put on Office", "vendor scripted",
                                                         "PrinterAPNetConfigEvent"))
         self.assertEqual(event["result"], -1)
@@ -278,7 +278,7 @@ class SetupOnTerminal(SetupTest):
                     reported("", 60), reported("Guests", 40), reported("Office", 30))
         terminal = self.start()
         terminal.expect(r"\[1/6\] Which printer\n +Fake 7, serial number SN1")
-        terminal.expect(r"1 +Office *\n +2 +Guests *\n")
+        terminal.expect(r"1 +Office *\n *2 +Guests *\n")
         terminal.expect("Its number or name, or Enter to look again: ")
         terminal.type("2\r")
         terminal.expect("Pass phrase of Guests")
