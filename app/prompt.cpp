@@ -43,6 +43,7 @@ bool CanAsk() {
 }
 
 std::optional<std::string> AskLine(const Settings& settings, const std::string& question) {
+    CancelOnInterrupt();
     WritePrompt(settings, question);
     const std::shared_ptr<Secret> line = ReadLineInterruptibly();
     if (line == nullptr) {
@@ -53,6 +54,8 @@ std::optional<std::string> AskLine(const Settings& settings, const std::string& 
 }
 
 std::shared_ptr<Secret> AskSecret(const Settings& settings, const std::string& question) {
+    // First of all: nobody else would show typing again.
+    CancelOnInterrupt();
     const HiddenTyping hidden;
     WritePrompt(settings, question);
     // The end of the line does not show either.

@@ -7,6 +7,7 @@
 
 #include "app/console.h"
 #include "app/messages.h"
+#include "app/problem.h"
 #include "app/text.h"
 
 namespace App {
@@ -63,13 +64,16 @@ void SetupProgress::Report(const std::string& state, const std::string& text, St
 }
 
 void SetupProgress::Write(const std::string& line) {
-    if (readerHasGone) {
+    if (outputIsLost) {
         return;
     }
     try {
         WriteOutput(line + "\n");
     } catch (const OutputClosed&) {
-        readerHasGone = true;
+        outputIsLost = true;
+    } catch (const Problem& problem) {
+        outputIsLost = true;
+        Warn(problem.what());
     }
 }
 

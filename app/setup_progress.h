@@ -11,8 +11,8 @@ namespace App {
 // The steps of the journey, in order.
 enum class SetupStep : std::size_t { Printer, Network, PassPhrase, Configure, Rejoin, Find };
 
-// Shows on standard output how the journey gets on. When whoever read it has gone, the journey goes
-// on without.
+// Shows on standard output how the journey gets on. When whoever read it has gone, or nothing can
+// be written any more, the journey goes on without.
 class SetupProgress {
 public:
     explicit SetupProgress(const Settings& appSettings) : settings(appSettings) {}
@@ -32,7 +32,7 @@ private:
 
     const Settings& settings;
     SetupStep current = SetupStep::Printer;
-    bool readerHasGone = false;
+    bool outputIsLost = false;
 };
 
 }  // namespace App

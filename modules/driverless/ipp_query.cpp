@@ -221,6 +221,7 @@ IppAnswer::Kind KindOf(http_status_t status) {
         case HTTP_STATUS_UNAUTHORIZED:
         case HTTP_STATUS_FORBIDDEN:
         case HTTP_STATUS_UPGRADE_REQUIRED:
+        case HTTP_STATUS_CUPS_AUTHORIZATION_CANCELED:
             return IppAnswer::Kind::Denied;
         default:
             return status >= HTTP_STATUS_OK ? IppAnswer::Kind::NoPrinter

@@ -92,7 +92,7 @@ private:
 // A scan on a thread of its own; it ends with this object.
 class Looking {
 public:
-    explicit Looking(std::shared_ptr<Search> search)
+    explicit Looking(const std::shared_ptr<Search>& search)
         : scan(std::make_shared<ScanSession>(
               [search](const Printer& printer) { search->Found(printer); })) {
         std::thread([running = scan, search] {

@@ -37,7 +37,10 @@ std::string MakeAndModel(const ServiceId& id, const Service& service,
                          const PrinterAttributes& attributes) {
     return FirstOf({CleanText(attributes.makeAndModel), TxtValue(service, "ty"),
                     Joined(TxtValue(service, "usb_mfg"), TxtValue(service, "usb_mdl")),
-                    WithoutParentheses(TxtValue(service, "product")), CleanText(id.name)});
+                    WithoutParentheses(TxtValue(service, "product")),
+                    Joined(DeviceIdValue(attributes.deviceId, "MFG", "MANUFACTURER"),
+                           DeviceIdValue(attributes.deviceId, "MDL", "MODEL")),
+                    CleanText(id.name)});
 }
 
 std::string Resource(const Service& service) {

@@ -32,7 +32,7 @@ def reported(name, rssi=50, pwd=""):
 class Terminal:
     """A program on a terminal: what it wrote, without what steers the terminal."""
 
-    def __init__(self, test, *arguments, columns=100, rows=40, **options):
+    def __init__(self, test, *arguments, columns=200, rows=40, **options):
         test.environment["TERM"] = "xterm"
         self.test = test
         self.master, terminal = pty.openpty()
@@ -55,7 +55,7 @@ class Terminal:
     def text(self):
         text = re.sub(r"\x1b\[[?;\d]*[A-Za-z]|\x1b\][^\x07]*\x07", "",
                       self.raw.decode("utf-8", "replace"))
-        return text.replace("\r\n", "\n")
+        return re.sub(r"\r+\n", "\n", text)
 
     def show(self, seconds=0.05):
         if select.select([self.master], [], [], seconds)[0]:

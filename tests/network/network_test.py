@@ -64,8 +64,11 @@ def text_below(folder):
 class Probe:
     """A running scan_probe: commands in, events out."""
 
+    COMMAND = [PROBE]
+    MODULE_ARGUMENTS = ["--module", MODULE]
+
     def __init__(self, through_broker=False, environment=None):
-        arguments = [PROBE] if through_broker else [PROBE, "--module", MODULE]
+        arguments = self.COMMAND + ([] if through_broker else self.MODULE_ARGUMENTS)
         self.process = subprocess.Popen(
             arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
             text=True, env={**ENVIRONMENT, **(environment or {})})

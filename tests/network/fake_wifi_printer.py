@@ -1,0 +1,135 @@
+"""A printer in its own network that behaves as a test wants it to. Writes one line an event:
+"ready", "given NAME PASS-PHRASE tls|plain" in hexadecimal digits.
+
+usage: fake_wifi_printer.py [--address ADDRESS] [--behaviour BEHAVIOUR] [--certificate FILE]
+                            [--state NUMBER] [--network NAME]
+
+behaviours: joins (default), hesitates (keeps its old state and network for a moment, then joins),
+stays (takes the settings, and keeps its state and network), leaves (goes when it has taken them,
+without an answer), ignores, wants-password, forbids, not-authorized, no-wifi, silent. With a
+certificate it also takes TLS, and says so.
+"""
+
+import argparse
+import socket
+import ssl
+import struct
+import threading
+import time
+
+from fake_printer import attribute, http_response, ipp_response, read_request
+
+GET_PRINTER_ATTRIBUTES, SET_PRINTER_ATTRIBUTES = 0x000B, 0x0013
+OK, IGNORED, NOT_AUTHORIZED = 0x0000, 0x0001, 0x0403
+BEGINS_GROUP, ENUM, NAME, URI = 0x10, 0x23, 0x42, 0x45
+ON = 8
+
+
+class Printer:
+    def __init__(self, options):
+        self.options = options
+        self.state = options.state
+        self.network = options.network.encode()
+
+    def attributes(self):
+        if self.options.behaviour == "no-wifi":
+            return b""
+        uris = [b"ipp://printer/ipp/print"]
+        if self.options.certificate:
+            uris.append(b"ipps://printer/ipp/print")
+        return (attribute(ENUM, "printer-wifi-state", struct.pack(">i", self.state))
+                + attribute(NAME, "printer-wifi-ssid", self.network)
+                + b"".join(attribute(URI, "" if i else "printer-uri-supported", uri)
+                           for i, uri in enumerate(uris)))
+
+    def take(self, settings):
+        """What a printer does that was told to join a network."""
+        if self.options.behaviour == "hesitates":
+            time.sleep(1.5)
+        if self.options.behaviour != "stays":
+            self.network = settings["printer-wifi-ssid"]
+            self.state = ON
+
+
+def settings_in(request):
+    """The attributes of a request, each with its last value."""
+    found, at = {}, 8
+    while at < len(request) and request[at] != 3:
+        if request[at] < BEGINS_GROUP:
+            at += 1
+            continue
+        length = struct.unpack_from(">H", request, at + 1)[0]
+        name = request[at + 3:at + 3 + length].decode()
+        at += 3 + length
+        length = struct.unpack_from(">H", request, at)[0]
+        found[name] = request[at + 2:at + 2 + length]
+        at += 2 + length
+    return found
+
+
+def answer(printer, request, over_tls):
+    behaviour = printer.options.behaviour
+    version, request_id = request[0:2], request[4:8]
+    operation = struct.unpack_from(">H", request, 2)[0]
+    status, attributes = OK, printer.attributes()
+    if operation == SET_PRINTER_ATTRIBUTES:
+        settings = settings_in(request)
+        print("given", settings["printer-wifi-ssid"].hex() or "-",
+              settings["printer-wifi-password"].hex() or "-", "tls" if over_tls else "plain",
+              flush=True)
+        if behaviour == "wants-password":
+            return http_response(b"", "401 Unauthorized", ['WWW-Authenticate: Basic realm="x"'])
+        if behaviour == "forbids":
+            return http_response(b"", "403 Forbidden")
+        status = {"ignores": IGNORED, "not-authorized": NOT_AUTHORIZED}.get(behaviour, OK)
+        attributes = b""
+        if status == OK:
+            threading.Thread(target=printer.take, args=(settings,), daemon=True).start()
+    body = ipp_response(version, status, request_id, [])
+    return http_response(body[:-1] + attributes + body[-1:])
+
+
+def serve(connection, printer, certificate):
+    over_tls = certificate is not None and connection.recv(1, socket.MSG_PEEK) == b"\x16"
+    if over_tls:
+        connection = certificate.wrap_socket(connection, server_side=True)
+    if printer.options.behaviour == "silent":
+        connection.recv(1 << 20)
+        time.sleep(3600)
+    while (request := read_request(connection)) is not None:
+        reply = answer(printer, request, over_tls)
+        if printer.options.behaviour == "leaves" and printer.network:
+            time.sleep(3600)
+        connection.sendall(reply)
+
+
+def serve_quietly(*arguments):
+    try:
+        serve(*arguments)
+    except OSError:
+        pass
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--address", default="")
+    parser.add_argument("--behaviour", default="joins")
+    parser.add_argument("--certificate")
+    parser.add_argument("--state", type=int, default=4)
+    parser.add_argument("--network", default="")
+    options = parser.parse_args()
+    certificate = None
+    if options.certificate:
+        certificate = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        certificate.load_cert_chain(options.certificate)
+    printer = Printer(options)
+    listener = socket.create_server((options.address, 631))
+    print("ready", flush=True)
+    while True:
+        connection, _ = listener.accept()
+        threading.Thread(target=serve_quietly, args=(connection, printer, certificate),
+                         daemon=True).start()
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,616 @@
+"""Putting a printer on Wi-Fi through its own network: a printer that speaks the standard, this
+host's Wi-Fi as a simulated NetworkManager tells of it, and the real module between them.
+
+Runs inside scripts/lab-network, on the browsing side, which stands for the printer's own network
+and, when the host's Wi-Fi says so, for the local network. The environment names what is tested:
+SET_UP_PROBE, SET_UP_MODULE, WIFI_PRINTER, and what network_test.py needs.
+"""
+
+import json
+import os
+import queue
+import signal
+import subprocess
+import sys
+import threading
+import time
+import unittest
+
+from network_test import (LAB, NO_AVAHI, NO_BUS, PATIENCE, SLACK, Probe, lab,
+                          text_below)
+
+PRINTER = os.environ["WIFI_PRINTER"]
+STATE = os.environ["LAB_NETWORK_STATE"]
+HERE = os.path.dirname(os.path.abspath(__file__))
+FAKE_PRINTER = os.path.join(HERE, "fake_wifi_printer.py")
+
+OK = 0
+NOT_PRINTERS_NETWORK, NO_WIFI_ANSWER = 7, 8
+REFUSED, NOT_VISIBLE, CANNOT_JOIN, TIMED_OUT, NOT_ALLOWED, NOT_REACHED, NOT_VALID = range(10, 17)
+NOT_ON_NETWORK = 17
+STILL_REPORTING = 1
+
+OWN_NETWORK = "DIRECT-a1-Acme Laser"
+PASS_PHRASE = "correct-horse battery"
+NAME, SERIAL = "Café Ω", "RADIO1"
+
+NM = "/org/freedesktop/NetworkManager"
+ADAPTER = NM + "/Devices/wifi0"
+WPA = 0x100
+
+
+class SetUpProbe(Probe):
+    """A running set_up_probe."""
+
+    COMMAND = [os.environ["SET_UP_PROBE"]]
+    MODULE_ARGUMENTS = ["--module", os.environ["SET_UP_MODULE"]]
+
+    def command(self, what, **values):
+        self.tell(json.dumps({"do": what, **values}))
+
+    def asked(self, what, **values):
+        """The event that answers a command."""
+        self.command(what, **values)
+        return self.await_event(what, 2 * PATIENCE)
+
+    def result(self, what, **values):
+        return self.asked(what, **values)["result"]
+
+    def configure(self, name, pass_phrase):
+        self.command("configure", name=name.encode().hex(), passPhrase=pass_phrase.encode().hex())
+
+    def configured(self, name, pass_phrase):
+        self.configure(name, pass_phrase)
+        event = self.await_event("configure", 2 * PATIENCE)
+        assert event["untouched"], "the caller's record stays as it is"
+        return event
+
+    def end_of_scan(self):
+        """The result of a scan that was stopped; its end may come before the stop's."""
+        ended = [event for event in self.seen if event["event"] == "ended"]
+        return (ended[0] if ended else self.await_event("ended", SLACK))["result"]
+
+    def end(self):
+        if self.process.poll() is None:
+            self.command("exit")
+        return super().end()
+
+
+class Lines:
+    """A process that writes one line an event."""
+
+    def __init__(self, arguments):
+        self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE,
+                                        stderr=subprocess.DEVNULL, text=True)
+        self.lines = queue.Queue()
+        self.seen = []
+        self.reader = threading.Thread(target=self._read, daemon=True)
+        self.reader.start()
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.lines.put(line.strip())
+        self.lines.put(None)
+
+    def await_line(self, wanted, seconds=PATIENCE):
+        deadline = time.monotonic() + seconds
+        while True:
+            line = self.lines.get(timeout=max(0.01, deadline - time.monotonic()))
+            self.seen.append(line)
+            if line == wanted:
+                return
+            assert line is not None, f"it ended: {self.seen}"
+
+    def all(self):
+        while not self.lines.empty():
+            self.seen.append(self.lines.get())
+        return self.seen
+
+    def given(self):
+        """What the printer was given: names and pass phrases as text, and what else it says."""
+        def text(digits):
+            return "" if digits == "-" else bytes.fromhex(digits).decode()
+        calls = [line.split() for line in self.all() if line and line.startswith("given ")]
+        return [(text(call[1]), text(call[2]), *call[3:]) for call in calls]
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+        self.reader.join()
+        self.process.stdout.close()
+
+
+class HostWifi:
+    """A simulated NetworkManager on the browsing side's bus, with one adapter."""
+
+    def __init__(self, adapter="lab0"):
+        self.process = subprocess.Popen(
+            ["/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "networkmanager"],
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        deadline = time.monotonic() + PATIENCE
+        while not self._answers():
+            assert time.monotonic() < deadline, "the simulated NetworkManager does not answer"
+            time.sleep(0.02)
+        self.points = 0
+        self.paths = {}
+        self._tell("AddWiFiDevice", "string:wifi0", "string:" + adapter, "int32:100")
+
+    @staticmethod
+    def _answers():
+        return subprocess.run(
+            ["dbus-send", "--system", "--print-reply", "--dest=org.freedesktop.NetworkManager", NM,
+             "org.freedesktop.NetworkManager.GetDevices"], check=False, capture_output=True,
+            timeout=PATIENCE).returncode == 0
+
+    @staticmethod
+    def _tell(method, *arguments):
+        subprocess.run(
+            ["dbus-send", "--system", "--print-reply", "--dest=org.freedesktop.NetworkManager", NM,
+             "org.freedesktop.DBus.Mock." + method, *arguments], check=True, capture_output=True,
+            timeout=PATIENCE)
+
+    def have_network(self, name, signal, security=WPA):
+        self.points += 1
+        point = f"ap{self.points}"
+        self.paths[name] = f"{NM}/AccessPoint/{point}"
+        self._tell("AddAccessPoint", "string:" + ADAPTER, "string:" + point, "string:" + name,
+                   f"string:00:11:22:33:44:{self.points:02X}", "uint32:2", "uint32:2437",
+                   "uint32:54000", f"byte:{signal}", f"uint32:{security}")
+
+    def set_signal(self, name, signal):
+        self._tell("SetProperty", "string:" + self.paths[name],
+                   "string:org.freedesktop.NetworkManager.AccessPoint", "string:Strength",
+                   f"variant:byte:{signal}")
+
+    def join(self, name):
+        point = os.path.basename(self.paths[name])
+        profile = f"{NM}/Settings/{point}"
+        self._tell("AddWiFiConnection", "string:" + ADAPTER, "string:" + point, "string:" + name,
+                   "string:")
+        self._tell("AddActiveConnection", "array:string:" + ADAPTER, "string:" + profile,
+                   "string:" + self.paths[name], "string:" + point, "uint32:2")
+
+    def rejoin(self, name):
+        point = os.path.basename(self.paths[name])
+        self._tell("SetDeviceActive", "string:" + ADAPTER,
+                   f"string:{NM}/ActiveConnection/{point}")
+
+    def leave(self):
+        self._tell("SetDeviceDisconnected", "string:" + ADAPTER)
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+
+
+class SetUpTest(unittest.TestCase):
+    def setUp(self):
+        self.running = []
+        self.wifi = None
+        self.addCleanup(self.end_all)
+
+    def end_all(self):
+        for one in reversed(self.running):
+            one.end()
+
+    def have_wifi(self, joined=OWN_NETWORK):
+        self.wifi = HostWifi()
+        self.running.append(self.wifi)
+        if joined:
+            self.wifi.have_network(joined, 90)
+            self.wifi.join(joined)
+
+    def printer(self, *arguments):
+        folder = os.path.join(STATE, "wifi-printer")
+        os.makedirs(folder, exist_ok=True)
+        printer = Lines([LAB, "run-beside-printers", "unshare", "-u", PRINTER, folder, "10.99.0.1",
+                         "--network", f"{NAME}={PASS_PHRASE}", "--network", "Open=", *arguments])
+        self.running.append(printer)
+        printer.await_line("ready")
+        return printer
+
+    def fake(self, *arguments):
+        printer = Lines([LAB, "run-beside-printers", sys.executable, FAKE_PRINTER, *arguments])
+        self.running.append(printer)
+        printer.await_line("ready")
+        return printer
+
+    def probe(self, **options):
+        probe = SetUpProbe(**options)
+        self.addCleanup(self.end_probe, probe)
+        probe.await_event("ready")
+        return probe
+
+    def end_probe(self, probe):
+        self.assertEqual(probe.end(), 0, probe.diagnostics())
+
+
+class RealPrinter(SetUpTest):
+    """With a printer that implements the standard's Wi-Fi attributes."""
+
+    def begin(self, *arguments, **options):
+        self.have_wifi()
+        return self.printer(*arguments), self.probe(**options)
+
+    def test_a_printer_in_its_own_network_is_recognised_and_described(self):
+        _, probe = self.begin()
+        self.assertEqual(probe.result("connected"), OK)
+        event = probe.asked("describe")
+        self.assertEqual(event["result"], OK)
+        self.assertEqual(
+            {key: event[key] for key in
+             ("serial", "modelId", "makeAndModel", "address", "resource", "port", "kind")},
+            {"serial": SERIAL, "modelId": "driverless", "makeAndModel": "Acme Radio Laser",
+             "address": "10.99.0.1", "resource": "/ipp/print", "port": 631, "kind": 1})
+        self.assertNotIn("ff", [event["bytes"][i:i + 2] for i in range(0, 2 * 228, 2)],
+                         "every byte is written")
+
+    def test_the_right_pass_phrase_is_given_as_it_is_and_the_printer_joins(self):
+        printer, probe = self.begin()
+        event = probe.configured(NAME, PASS_PHRASE)
+        self.assertEqual(event["result"], OK)
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+        self.assertEqual(printer.all()[-1], "state 8")
+        self.assertLess(event["took"], 3 * SLACK)
+
+    def test_through_the_broker_it_is_the_same(self):
+        state = os.path.join(STATE, "broker")
+        printer, probe = self.begin(through_broker=True, environment={"XDG_STATE_HOME": state})
+        event = probe.asked("describe")
+        self.assertEqual((event["result"], event["serial"]), (OK, SERIAL))
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+        self.assertEqual(probe.configured(NAME, "wrong-horse battery")["result"], CANNOT_JOIN)
+        self.assertIn(f"call Func fail, err:{CANNOT_JOIN}", text_below(state))
+
+    def test_a_wrong_pass_phrase_is_told_from_an_unknown_network(self):
+        printer, probe = self.begin()
+        self.assertEqual(probe.configured(NAME, "wrong-horse battery")["result"], CANNOT_JOIN)
+        self.assertEqual(probe.configured("Nowhere", PASS_PHRASE)["result"], NOT_VISIBLE)
+        self.assertEqual(probe.configured(NAME, "wrong-horse again")["result"], CANNOT_JOIN)
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
+        self.assertEqual(printer.given(), [(NAME, "wrong-horse battery"), ("Nowhere", PASS_PHRASE),
+                                           (NAME, "wrong-horse again"), (NAME, PASS_PHRASE)])
+
+    def test_an_open_network_is_given_without_a_pass_phrase(self):
+        printer, probe = self.begin()
+        self.assertEqual(probe.configured("Open", "")["result"], OK)
+        self.assertEqual(printer.given(), [("Open", "")])
+
+    def test_what_the_standard_forbids_is_not_sent(self):
+        printer, probe = self.begin()
+        for name, pass_phrase in ((NAME, "1234567"), ("", PASS_PHRASE), ("n" * 33, PASS_PHRASE)):
+            event = probe.configured(name, pass_phrase)
+            self.assertEqual(event["result"], NOT_VALID)
+            self.assertLess(event["took"], 0.2 * SLACK)
+        self.assertEqual(printer.given(), [])
+
+    def test_the_longest_name_and_pass_phrase_arrive_whole(self):
+        printer, probe = self.begin()
+        self.assertEqual(probe.configured("n" * 32, "p" * 31)["result"], NOT_VISIBLE)
+        self.assertEqual(printer.given(), [("n" * 32, "p" * 31)])
+
+    def test_a_printer_that_refuses_is_told_from_one_that_cannot_join(self):
+        printer, probe = self.begin("--refuses")
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], REFUSED)
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+
+    def test_a_printer_that_dies_while_it_joins_is_waited_for_in_vain(self):
+        self.have_wifi()
+        printer = self.printer("--joins-in", "60000")
+        probe = self.probe(environment={"DRIVERLESS_JOIN_SECONDS": "4"})
+        probe.configure(NAME, PASS_PHRASE)
+        printer.await_line("state 7")
+        printer.end()
+        self.running.remove(printer)
+        event = probe.await_event("configure")
+        self.assertEqual(event["result"], TIMED_OUT)
+        self.assertLess(event["took"], 8 * SLACK)
+
+    def test_a_printer_that_closes_its_network_for_good_has_joined(self):
+        printer, probe = self.begin("--joins-in", "60000")
+        probe.configure(NAME, PASS_PHRASE)
+        printer.await_line("state 7")
+        self.wifi.leave()
+        printer.end()
+        self.running.remove(printer)
+        event = probe.await_event("configure")
+        self.assertEqual(event["result"], OK)
+        self.assertGreater(event["took"], 9)
+
+    def test_a_printer_that_opens_its_network_again_says_how_it_went(self):
+        printer, probe = self.begin("--joins-in", "5000")
+        probe.configure(NAME, "wrong-horse battery")
+        printer.await_line("state 7")
+        self.wifi.leave()
+        lab("run", "ip", "link", "set", "lab0", "down")
+        time.sleep(3)
+        lab("run", "ip", "link", "set", "lab0", "up")
+        self.wifi.rejoin(OWN_NETWORK)
+        self.assertEqual(probe.await_event("configure")["result"], CANNOT_JOIN)
+
+    def test_a_printer_that_trusts_nobody_here_cannot_be_configured(self):
+        printer, probe = self.begin("--beside-bridge")
+        self.assertEqual(probe.result("connected"), NOT_REACHED)
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], NOT_REACHED)
+        self.assertEqual(printer.given(), [])
+
+    def test_the_pass_phrase_is_in_no_log(self):
+        log = os.path.join(STATE, "module-log")
+        state = os.path.join(STATE, "secrets")
+        _, probe = self.begin(through_broker=True, environment={
+            "DRIVERLESS_LOG": log, "XDG_STATE_HOME": state})
+        for pass_phrase in (PASS_PHRASE, "wrong-horse battery"):
+            probe.configured(NAME, pass_phrase)
+        self.assertEqual(probe.configured(NAME, "seven77")["result"], NOT_VALID)
+        with open(log, encoding="utf-8") as file:
+            said = file.read()
+        self.assertIn(NAME, said)
+        said += text_below(state) + probe.diagnostics()
+        for pass_phrase in (PASS_PHRASE, "wrong-horse", "seven77"):
+            self.assertNotIn(pass_phrase, said)
+
+
+class OtherPrinters(SetUpTest):
+    """With printers that are difficult."""
+
+    def begin(self, behaviour, *arguments, environment=None):
+        self.have_wifi()
+        return (self.fake("--behaviour", behaviour, *arguments),
+                self.probe(environment=environment))
+
+    def assert_result(self, behaviour, result):
+        printer, probe = self.begin(behaviour)
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], result)
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE, "plain")])
+
+    def test_a_printer_that_wants_a_password_does_not_allow_it(self):
+        self.assert_result("wants-password", NOT_ALLOWED)
+
+    def test_a_printer_that_forbids_it_does_not_allow_it(self):
+        self.assert_result("forbids", NOT_ALLOWED)
+
+    def test_a_printer_that_says_so_itself_does_not_allow_it(self):
+        self.assert_result("not-authorized", NOT_ALLOWED)
+
+    def test_a_printer_that_ignores_an_attribute_has_refused(self):
+        self.assert_result("ignores", REFUSED)
+
+    def test_a_printer_that_speaks_tls_is_given_the_pass_phrase_over_it(self):
+        certificate = os.path.join(STATE, "certificate.pem")
+        subprocess.run(
+            ["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=printer",
+             "-keyout", certificate, "-out", certificate + ".public"], check=True,
+            capture_output=True, timeout=PATIENCE)
+        with open(certificate + ".public", encoding="ascii") as public:
+            with open(certificate, "a", encoding="ascii") as both:
+                both.write(public.read())
+        printer, probe = self.begin("joins", "--certificate", certificate)
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE, "tls")])
+
+    def test_a_failure_of_an_earlier_attempt_is_not_taken_for_the_outcome(self):
+        _, probe = self.begin("hesitates", "--state", "6", "--network", NAME)
+        event = probe.configured(NAME, PASS_PHRASE)
+        self.assertEqual(event["result"], OK)
+        self.assertGreater(event["took"], 1.4)
+
+    def test_a_printer_that_stays_on_another_network_has_not_joined(self):
+        _, probe = self.begin("stays", "--state", "8", "--network", "Office",
+                              environment={"DRIVERLESS_JOIN_SECONDS": "4"})
+        event = probe.configured(NAME, PASS_PHRASE)
+        self.assertEqual(event["result"], TIMED_OUT)
+        self.assertGreater(event["took"], 3.9)
+
+    def test_a_printer_without_wifi_is_not_one_to_set_up(self):
+        _, probe = self.begin("no-wifi")
+        self.assertEqual(probe.result("connected"), NOT_REACHED)
+        event = probe.asked("describe")
+        self.assertEqual(event["result"], NOT_REACHED)
+        self.assertEqual(event["bytes"], "ff" * 228, "nothing is written")
+
+    def test_a_gateway_that_says_nothing_is_asked_for_two_seconds(self):
+        _, probe = self.begin("silent")
+        event = probe.asked("connected")
+        self.assertEqual(event["result"], NOT_REACHED)
+        self.assertLess(event["took"], 2.2 * SLACK)
+
+    def test_in_another_network_nobody_is_asked(self):
+        self.have_wifi("HomeNet")
+        self.fake("--behaviour", "silent")
+        probe = self.probe()
+        event = probe.asked("connected")
+        self.assertEqual(event["result"], NOT_PRINTERS_NETWORK)
+        self.assertLess(event["took"], 0.2 * SLACK)
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], NOT_REACHED)
+
+    def test_further_networks_can_be_named(self):
+        self.have_wifi("HomeNet")
+        self.fake()
+        probe = self.probe(environment={"DEVICEDISCOVER_PRINTER_NETWORKS": "Other;Home*"})
+        self.assertEqual(probe.result("connected"), OK)
+
+    def test_the_gateway_is_that_of_the_default_route(self):
+        self.have_wifi()
+        lab("run-beside-printers", "ip", "addr", "add", "10.99.0.9/24", "dev", "lab0")
+        self.addCleanup(lab, "run-beside-printers", "ip", "addr", "del", "10.99.0.9/24", "dev",
+                        "lab0")
+        self.fake("--address", "10.99.0.9")
+        probe = self.probe()
+        self.assertEqual(probe.result("connected"), NOT_REACHED)
+        lab("run", "ip", "route", "add", "default", "via", "10.99.0.9", "dev", "lab0")
+        self.addCleanup(lab, "run", "ip", "route", "del", "default")
+        event = probe.asked("describe")
+        self.assertEqual((event["result"], event["address"]), (OK, "10.99.0.9"))
+
+    def test_a_wifi_service_that_hangs_is_asked_for_two_seconds(self):
+        self.have_wifi()
+        self.fake()
+        probe = self.probe()
+        self.wifi.process.send_signal(signal.SIGSTOP)
+        self.addCleanup(self.wifi.process.send_signal, signal.SIGCONT)
+        event = probe.asked("connected")
+        self.assertEqual(event["result"], NO_WIFI_ANSWER)
+        self.assertLess(event["took"], 2.2 * SLACK)
+
+
+class NetworksInRange(SetUpTest):
+    def begin(self, **options):
+        self.have_wifi()
+        self.wifi.have_network("HomeNet", 80)
+        self.wifi.have_network(NAME, 60, 0)
+        self.wifi.have_network("DIRECT-b2-Camera", 70)
+        return self.probe(**options)
+
+    @staticmethod
+    def networks(probe, seconds):
+        deadline = time.monotonic() + seconds
+        while probe.next(deadline - time.monotonic()) is not None:
+            pass
+        return [(event["name"], event["signal"]) for event in probe.seen
+                if event["event"] == "network"]
+
+    def test_each_is_reported_once_and_printers_own_are_not(self):
+        probe = self.begin()
+        probe.command("start")
+        self.assertEqual(sorted(self.networks(probe, 5)), [(NAME, 60), ("HomeNet", 80)])
+        for event in probe.seen:
+            self.assertEqual(set(event.get("rest", "0")), {"0"}, "no byte is left over")
+        self.assertEqual(probe.result("stop"), OK)
+        self.assertEqual(probe.end_of_scan(), OK)
+
+    def test_a_network_is_reported_again_when_its_signal_changed(self):
+        probe = self.begin()
+        probe.command("start")
+        self.assertEqual(len(self.networks(probe, 2)), 2)
+        self.wifi.set_signal("HomeNet", 75)
+        self.wifi.set_signal(NAME, 30)
+        self.wifi.have_network("Late", 20)
+        self.assertEqual(sorted(self.networks(probe, 5)[2:]), [(NAME, 30), ("Late", 20)])
+        self.assertEqual(probe.result("stop"), OK)
+
+    def test_nothing_is_reported_after_the_stop(self):
+        probe = self.begin()
+        probe.command("callback-sleeps", milliseconds=500)
+        probe.command("start")
+        probe.await_event("network")
+        self.assertEqual(probe.result("stop"), OK)
+        self.assertIn("callback-returns", [event["event"] for event in probe.seen],
+                      "the stop waits for the report that is under way")
+        self.assertEqual(len(self.networks(probe, 2)), 1)
+
+    def test_a_second_start_takes_the_place_of_the_first(self):
+        probe = self.begin()
+        probe.command("start")
+        self.assertEqual(len(self.networks(probe, 2)), 2)
+        probe.command("start")
+        self.assertEqual(probe.await_event("ended")["result"], OK)
+        self.assertEqual(len(self.networks(probe, 2)), 4)
+        self.assertEqual(probe.result("stop"), OK)
+
+    def test_through_the_broker_it_is_the_same(self):
+        self.fake()
+        probe = self.begin(through_broker=True)
+        probe.command("start")
+        self.assertEqual(probe.await_event("started")["result"], OK)
+        self.assertEqual(sorted(self.networks(probe, 3)), [(NAME, 60), ("HomeNet", 80)])
+        self.assertEqual(probe.result("stop"), OK)
+
+    def test_the_process_may_exit_in_the_middle_of_a_scan(self):
+        self.fake()
+        self.have_wifi()
+        for turn in range(24):
+            probe = SetUpProbe(through_broker=turn % 2 == 0)
+            probe.await_event("ready")
+            probe.command("start")
+            time.sleep(0.01 * (turn // 2))
+            self.assertEqual(probe.end(), 0, f"turn {turn}: {probe.diagnostics()}")
+
+    def test_the_service_may_end_in_the_middle_of_a_scan(self):
+        probe = self.begin()
+        probe.command("start")
+        self.assertEqual(len(self.networks(probe, 1)), 2)
+        self.wifi.end()
+        self.assertEqual(len(self.networks(probe, 4)), 2)
+        self.assertEqual(probe.result("stop"), OK)
+        self.assertEqual(probe.end_of_scan(), OK)
+
+
+class LocalNetwork(SetUpTest):
+    def setUp(self):
+        super().setUp()
+        lab("cold")
+
+    def announce(self, name="Radio", port=631):
+        announcement = subprocess.Popen(
+            [LAB, "run-beside-printers", "setpriv", "--pdeathsig", "KILL", "avahi-publish", "-s",
+             name, "_ipp._tcp", str(port), "rp=ipp/print"], stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT, text=True)
+        self.addCleanup(announcement.stdout.close)
+        self.addCleanup(announcement.wait)
+        self.addCleanup(announcement.kill)
+        for line in announcement.stdout:
+            if "Established" in line:
+                return
+        self.fail("it could not be announced")
+
+    def test_a_printer_that_joined_is_found_when_the_host_is_there_too(self):
+        self.have_wifi()
+        self.printer()
+        probe = self.probe(through_broker=True)
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
+        self.announce()
+        self.assertEqual(probe.result("present", serial=SERIAL), NOT_ON_NETWORK,
+                         "it is only seen in its own network")
+        self.wifi.leave()
+        self.wifi.have_network(NAME, 60)
+        self.wifi.join(NAME)
+        event = probe.asked("present", serial=SERIAL)
+        self.assertEqual(event["result"], OK)
+        self.assertLess(event["took"], 3 * SLACK)
+
+    def test_another_printer_is_not_it(self):
+        self.have_wifi(None)
+        self.printer()
+        self.announce()
+        probe = self.probe()
+        event = probe.asked("present", serial="OTHER")
+        self.assertEqual(event["result"], NOT_ON_NETWORK)
+        self.assertLess(event["took"], 6 * SLACK)
+        self.assertEqual(probe.result("present", serial=SERIAL), OK)
+
+    def test_a_printer_is_known_by_its_uuid_too(self):
+        self.have_wifi()
+        self.printer()
+        probe = self.probe()
+        uuid = self.uuid()
+        self.wifi.leave()
+        self.announce()
+        self.assertEqual(probe.result("present", serial=uuid), OK)
+
+    @staticmethod
+    def uuid():
+        told = subprocess.run(
+            ["ipptool", "-tv", "ipp://10.99.0.1/ipp/print", "get-printer-attributes.test"],
+            capture_output=True, text=True, timeout=PATIENCE, check=False).stdout
+        return told.split("printer-uuid (uri) = urn:uuid:")[1].split()[0]
+
+    def test_an_announcement_without_a_printer_is_not_enough(self):
+        self.have_wifi(None)
+        self.announce()
+        probe = self.probe()
+        self.assertEqual(probe.result("present", serial="Radio@lab-p.local"), NOT_ON_NETWORK)
+
+    def test_it_says_when_it_cannot_look(self):
+        probe = self.probe(environment={"DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere/bus"})
+        self.assertEqual(probe.result("present", serial=SERIAL), NO_BUS)
+        lab("stop-avahi")
+        self.addCleanup(lab, "start-avahi")
+        probe = self.probe()
+        event = probe.asked("present", serial=SERIAL)
+        self.assertEqual(event["result"], NO_AVAHI)
+        self.assertLess(event["took"], 3 * SLACK)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
