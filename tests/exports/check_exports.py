@@ -26,7 +26,12 @@ SIZED = [
     "PrinterDeviceDiscoverSdk::WifiCallbackInfo", "PrinterDeviceDiscoverSdk::ScanInterface",
     "PrinterDeviceDiscoverSdk::ScanInterface::VendorEntry",
     "PrinterDeviceDiscoverSdk::ScanInterfaceListener",
-    "PrinterDeviceDiscoverSdk::DiscoverScanInterface", "VendorInfo",
+    "PrinterDeviceDiscoverSdk::DiscoverScanInterface",
+    "PrinterDeviceDiscoverSdk::NetConnInterface", "PrinterDeviceDiscoverSdk::NetConnInterfaceItem",
+    "PrinterDeviceDiscoverSdk::NetConnInterfaceListener",
+    "PrinterDeviceDiscoverSdk::DiscoverNetConnInterface", "DeviceDiscover::PrinterNetInterface",
+    "DeviceDiscover::PrinterWifiInterface", "PrinterDiscoverAPI::PingReply",
+    "PrinterWifiApiStruct::WlanInfoData", "VendorInfo",
 ]
 
 
@@ -87,22 +92,29 @@ def imported_functions(node, in_imported_class=False):
         yield from imported_functions(inner, in_imported_class)
 
 
-def complete_destructor(name):
-    """MSVC links to ??1; Clang's tree names the variant that also destroys virtual bases."""
-    return re.sub(r"^\?\?_D(.*)XXZ$", r"??1\1@XZ", name)
+def destructor_name(node):
+    """MSVC links to ??1; Clang's tree names the variant that also destroys virtual bases, and gives a
+    virtual one the access letters of one that is not."""
+    name = re.sub(r"^\?\?_D(.*)XXZ$", r"??1\1@XZ", node["mangledName"])
+    if node.get("virtual"):
+        for plain, virtual in (("QEAA", "UEAA"), ("IEAA", "MEAA"), ("AEAA", "EEAA")):
+            name = re.sub(plain + "@XZ$", virtual + "@XZ", name)
+    return name
 
 
 def exported_functions(node, in_exported_class=False):
     kind = node.get("kind", "")
     if kind == "CXXRecordDecl":
         in_exported_class = is_exported(node)
+        if in_exported_class and node.get("definitionData", {}).get("isPolymorphic"):
+            yield f"virtual table of {node['name']}"
     if kind in ("FunctionDecl", "CXXMethodDecl", "CXXConstructorDecl", "CXXDestructorDecl"):
         wanted = (is_exported(node) or in_exported_class) and not (
             node.get("explicitlyDeleted") or node.get("pure") or
             (kind == "CXXDestructorDecl" and node.get("isImplicit")))
         # A defaulted operation that turns out deleted has no definition to export.
         if wanted and "mangledName" in node:
-            yield complete_destructor(node["mangledName"])
+            yield destructor_name(node) if kind == "CXXDestructorDecl" else node["mangledName"]
         return
     for inner in node.get("inner", []):
         yield from exported_functions(inner, in_exported_class)
@@ -114,6 +126,7 @@ def msvc_names(source):
         with open(probe, "w", encoding="utf-8") as file:
             file.write('#include "DeviceDiscover/DeviceDiscover.h"\n')
             file.write('#include "platform/LogHelper/KzLogger.h"\n')
+            file.write('#include "platform/PrinterDiscoverAPI/PrinterPing.h"\n')
             file.write('#include "platform/PrinterUtil/PrinterUtil.h"\n')
             file.write('#include "platform/PrinterUtil/VendorDllMgr.h"\n')
             for number, name in enumerate(SIZED):

@@ -22,7 +22,10 @@ class allocator;
 template <class Value = void>
 struct less;
 template <class First, class Second>
-struct pair;
+struct pair {
+    First first;
+    Second second;
+};
 
 // A class of `size` bytes that can be made, copied and destroyed.
 #define STUB_VALUE(name, size)           \
@@ -47,10 +50,19 @@ class vector {
     STUB_VALUE(vector, 24);
 };
 
+// The iterator of a map has its name from these.
+template <class Value>
+struct _Tree_simple_types;
+template <class Types>
+class _Tree_val;
+template <class Tree>
+class _Tree_iterator;
+
 template <class Key, class Value, class Compare = less<Key>,
           class Allocator = allocator<pair<const Key, Value>>>
 class map {
     STUB_VALUE(map, 16);
+    using iterator = _Tree_iterator<_Tree_val<_Tree_simple_types<pair<const Key, Value>>>>;
 };
 
 class mutex {
