@@ -448,10 +448,11 @@ class OtherPrinters(SetUpTest):
         self.fake()
         probe = self.probe()
         self.wifi.process.send_signal(signal.SIGSTOP)
-        self.addCleanup(self.wifi.process.send_signal, signal.SIGCONT)
         event = probe.asked("connected")
         self.assertEqual(event["result"], NO_WIFI_ANSWER)
         self.assertLess(event["took"], 2.2 * SLACK)
+        self.wifi.process.send_signal(signal.SIGCONT)
+        self.assertEqual(probe.result("connected"), OK)
 
 
 class NetworksInRange(SetUpTest):
