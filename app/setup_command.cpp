@@ -82,9 +82,10 @@ ExitStatus Journey::Run() {
 void Journey::Steps() {
     const Printer printer = WhichPrinter();
     const std::string network = WhichNetwork();
-    const std::shared_ptr<Secret> passPhrase = WhichPassPhrase(network);
+    std::shared_ptr<Secret> passPhrase = WhichPassPhrase(network);
     Configure(network, passPhrase);
     Rejoin(network, passPhrase, printer);
+    passPhrase.reset();  // nothing needs it any more
     Find(network, printer);
 }
 

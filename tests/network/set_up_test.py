@@ -301,6 +301,7 @@ class RealPrinter(SetUpTest):
         probe = self.probe(environment={"DRIVERLESS_JOIN_SECONDS": "4"})
         probe.configure(NAME, PASS_PHRASE)
         printer.await_line("state 7")
+        time.sleep(0.5)  # so that its answer is through
         printer.end()
         self.running.remove(printer)
         event = probe.await_event("configure")
@@ -523,6 +524,8 @@ class NetworksInRange(SetUpTest):
         for turn in range(24):
             probe = SetUpProbe(through_broker=turn % 2 == 0)
             probe.await_event("ready")
+            if turn % 2:
+                self.assertEqual(probe.result("connected"), OK)
             probe.command("start")
             time.sleep(0.01 * (turn // 2))
             self.assertEqual(probe.end(), 0, f"turn {turn}: {probe.diagnostics()}")
