@@ -1,0 +1,416 @@
+"""A new printer from its own network onto the office's, as a person goes about it: the application
+with the list and the modules beside it, a printer that speaks the standard, and this host's Wi-Fi
+as a simulated NetworkManager tells of it.
+
+Runs inside scripts/lab-network, on the browsing side. The network there is first the printer's own;
+when the application has joined the office's network it is that one, where both sides have other
+addresses. The environment names what set_up_test.py needs, and NETWORK_MANAGER_MOCK.
+"""
+
+import json
+import os
+import re
+import subprocess
+import tempfile
+import threading
+import time
+import unittest
+
+from network_test import ENVIRONMENT, LAB, PATIENCE, PROGRAM, SLACK, lab, text_below
+from set_up_test import (CANNOT_JOIN, NAME, NM, NOT_VALID, NOT_VISIBLE, OWN_NETWORK, PASS_PHRASE,
+                         PRINTER, SERIAL, STATE, TIMED_OUT, Lines)
+
+MOCK = os.environ["NETWORK_MANAGER_MOCK"]
+WRONG, TOO_SHORT = "wrong-horse battery", "seven77"
+STEPS = ["printer", "network", "passPhrase", "configure", "rejoin", "find"]
+
+DISCONNECTED, PRIVACY, INFRASTRUCTURE, PSK = 30, 1, 2, 0x100
+THERE, OFFICE = "10.99.0.", "10.98.0."
+
+
+class HostWifi:
+    """A simulated NetworkManager whose networks want pass phrases, with one adapter."""
+
+    def __init__(self):
+        self.process = subprocess.Popen(
+            ["/usr/bin/python3", "-m", "dbusmock", "--system", "--template", MOCK],
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        deadline = time.monotonic() + PATIENCE
+        while self._call("org.freedesktop.NetworkManager.GetDevices").returncode != 0:
+            assert time.monotonic() < deadline, "the simulated NetworkManager does not answer"
+            time.sleep(0.02)
+        self.points = 0
+        self.adapter = self._tell("AddAdapter", "string:lab0", f"int32:{DISCONNECTED}")
+
+    @staticmethod
+    def _call(method, *arguments):
+        return subprocess.run(
+            ["dbus-send", "--system", "--print-reply=literal",
+             "--dest=org.freedesktop.NetworkManager", NM, method, *arguments], check=False,
+            capture_output=True, text=True, timeout=PATIENCE)
+
+    def _tell(self, method, *arguments):
+        answer = self._call("org.freedesktop.DBus.Mock." + method, *arguments)
+        assert answer.returncode == 0, answer.stderr
+        return answer.stdout.strip()
+
+    def have_network(self, name, signal, pass_phrase=""):
+        self.points += 1
+        digits = ",".join(str(byte) for byte in name.encode())
+        point = self._tell(
+            "AddNetwork", "string:" + self.adapter, "string:now", "array:byte:" + digits,
+            f"string:00:11:22:33:44:{self.points:02X}", f"uint32:{INFRASTRUCTURE}",
+            f"byte:{signal}", f"uint32:{PRIVACY if pass_phrase else 0}", "uint32:0",
+            f"uint32:{PSK if pass_phrase else 0}")
+        self._tell("SetPassPhrase", "string:" + point, "string:" + pass_phrase, "string:join")
+
+    def joinings(self):
+        """The pass phrases of the attempts so far; nothing for an open network."""
+        said = self._tell("Joinings")
+        return [(re.findall(r"\bpsk\s+variant\s+(.*?)\s*\)", attempt) or [""])[0]
+                for attempt in said.split("struct {")[1:]]
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+
+
+class Ended:
+    """What became of a run of the application."""
+
+    def __init__(self, status, output, errors):
+        self.status, self.output, self.errors = status, output, errors
+
+    def objects(self):
+        return [json.loads(line) for line in self.output.splitlines()]
+
+    def __str__(self):
+        return f"status {self.status}\n{self.output}\n{self.errors}"
+
+
+class JourneyTest(unittest.TestCase):
+    def setUp(self):
+        lab("cold")
+        self.running = []
+        self.addCleanup(self.end_all)
+        # Networks in range first: nobody is joined to one that is not.
+        self.wifi = HostWifi()
+        self.running.append(self.wifi)
+        self.wifi.have_network(OWN_NETWORK, 90)
+        self.wifi.have_network(NAME, 60, PASS_PHRASE)
+        self.wifi.have_network("HomeNet", 80, "somebody else's")
+        self.state = tempfile.mkdtemp(dir=STATE)
+        self.given = []
+
+    def end_all(self):
+        for one in reversed(self.running):
+            one.end()
+
+    def end(self, one):
+        self.running.remove(one)
+        one.end()
+
+    def printer(self, *arguments):
+        folder = os.path.join(self.state, "printer")
+        os.makedirs(folder)
+        printer = Lines([LAB, "run-beside-printers", "unshare", "-u", PRINTER, folder, "0.0.0.0",
+                         "--network", f"{NAME}={PASS_PHRASE}", *arguments])
+        self.running.append(printer)
+        printer.await_line("ready")
+        return printer
+
+    def devicediscover(self, *arguments, secret="", on_line=lambda line: None, **environment):
+        """Runs the application to its end, and looks at each line when it comes."""
+        errors_path = os.path.join(self.state, "errors")
+        with open(errors_path, "w", encoding="utf-8") as errors:
+            process = subprocess.Popen(
+                [PROGRAM, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                stderr=errors, text=True,
+                env={**ENVIRONMENT, "XDG_STATE_HOME": os.path.join(self.state, "log"),
+                     **environment})
+        watchdog = threading.Timer(2 * PATIENCE * SLACK, process.kill)
+        watchdog.start()
+        try:
+            with process.stdin, process.stdout:
+                process.stdin.write(secret + "\n")
+                process.stdin.close()
+                lines = []
+                for line in process.stdout:
+                    lines.append(line)
+                    on_line(line)
+            process.wait()
+        finally:
+            watchdog.cancel()
+            process.kill()
+        with open(errors_path, encoding="utf-8") as errors:
+            ended = Ended(process.returncode, "".join(lines), errors.read())
+        self.given += [secret] if secret else []
+        self.assert_secret(ended)
+        return ended
+
+    def assert_secret(self, ended):
+        """No pass phrase shows, not in the log file either, where its place is masked."""
+        log = text_below(os.path.join(self.state, "log"))
+        for secret in self.given:
+            for text in (ended.output, ended.errors, log):
+                self.assertNotIn(secret, text)
+                self.assertNotIn(secret.encode().hex(), text)
+
+    def log(self):
+        return text_below(os.path.join(self.state, "log"))
+
+    def join_the_printers_network(self):
+        joined = self.devicediscover("wifi", "join", OWN_NETWORK, "--open")
+        self.assertEqual(joined.status, 0, str(joined))
+
+    # --- the office ---
+
+    def move_to_office(self):
+        """Both sides have left the printer's network; what they find now is the office's."""
+        for side, host in (("run-beside-printers", "1"), ("run", "2")):
+            self.move(side, host, THERE, OFFICE)
+            self.addCleanup(self.move, side, host, OFFICE, THERE)
+
+    @staticmethod
+    def move(side, host, old, new):
+        # In this order, lest the device is without an address and forgets its routes.
+        lab(side, "ip", "addr", "add", f"{new}{host}/24", "dev", "lab0")
+        lab(side, "ip", "addr", "del", f"{old}{host}/24", "dev", "lab0")
+
+    def announce(self):
+        announcement = Lines(
+            [LAB, "run-beside-printers", "setpriv", "--pdeathsig", "KILL", "stdbuf", "-oL", "-eL",
+             "sh", "-c", "exec avahi-publish -s Radio _ipp._tcp 631 rp=ipp/print 2>&1"])
+        self.running.append(announcement)
+        announcement.await_line("Established under name 'Radio'")
+
+    def arrive(self):
+        self.move_to_office()
+        self.announce()
+
+    # --- set-up ---
+
+    def set_up(self, pass_phrase, *arguments, network=NAME, at=None, **environment):
+        """Runs `setup`; `at` says what happens when a step starts."""
+        def on_line(line):
+            for step, action in (at or {}).items():
+                if (f'"step":"{step}","state":"started"' in line
+                        or line.startswith(f"[{STEPS.index(step) + 1}/")):
+                    action()
+        return self.devicediscover(
+            "setup", "--network", network, "--pass-phrase-file", "-", *arguments,
+            secret=pass_phrase, on_line=on_line, **environment)
+
+    def assert_steps(self, ended, failed=None):
+        """Each step starts and is done, up to the one that failed; returns the last object."""
+        objects = ended.objects()
+        done = STEPS[:STEPS.index(failed)] if failed else STEPS
+        expected = [(step, state) for step in done for state in ("started", "done")]
+        expected += [(failed, "started"), (failed, "failed")] if failed else []
+        self.assertEqual([(one["step"], one["state"]) for one in objects], expected, str(ended))
+        return objects[-1]
+
+    def assert_masked_log(self):
+        lines = [line for line in self.log().splitlines() if re.search(r"\bpwd", line)]
+        self.assertTrue(lines, "the pass phrase's line is in the log")
+        for line in lines:
+            self.assertRegex(line, r"\bpwd\*\*\*\(")
+
+
+class Journey(JourneyTest):
+    """The whole of it, in one command."""
+
+    def setUp(self):
+        super().setUp()
+        self.join_the_printers_network()
+
+    def assert_not_joined(self):
+        self.assertEqual(len(self.wifi.joinings()), 1, "only the printer's own network")
+
+    def test_the_right_pass_phrase_ends_with_the_printers_place(self):
+        printer = self.printer()
+        ended = self.set_up(PASS_PHRASE, at={"find": self.arrive})
+        self.assertEqual((ended.status, ended.errors), (0, ""), str(ended))
+        self.assertEqual(ended.output.splitlines()[-1],
+                         f"      Acme Radio Laser, serial number {SERIAL}, is on {NAME} at "
+                         f"{OFFICE}1 port 631")
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+        self.assertEqual(self.wifi.joinings(), ["", PASS_PHRASE])
+        self.assert_masked_log()
+
+    def test_json_says_the_same(self):
+        printer = self.printer()
+        ended = self.set_up(PASS_PHRASE, "--json", at={"find": self.arrive})
+        self.assertEqual((ended.status, ended.errors), (0, ""), str(ended))
+        last = self.assert_steps(ended)
+        there = {"serialNumber": SERIAL, "makeAndModel": "Acme Radio Laser",
+                 "address": OFFICE + "1", "port": 631, "vendor": "driverless",
+                 "resource": "/ipp/print", "service": "ipp"}
+        self.assertEqual(last, {"step": "find", "state": "done", "network": NAME,
+                                "printer": there})
+        self.assertEqual(ended.objects()[1]["printer"], {**there, "address": THERE + "1"})
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+
+    def test_with_everything_shown_the_pass_phrase_is_not(self):
+        printer = self.printer()
+        log = os.path.join(self.state, "module-log")
+        ended = self.set_up(PASS_PHRASE, "--log-level", "trace", at={"find": self.arrive},
+                            DRIVERLESS_LOG=log)
+        self.assertEqual(ended.status, 0, str(ended))
+        self.assertRegex(ended.errors, r"\bpwd\*\*\*\(")
+        with open(log, encoding="utf-8") as file:
+            said = file.read()
+        self.assertIn(NAME, said)
+        self.assertNotIn(PASS_PHRASE, said)
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+
+    def test_a_wrong_pass_phrase_is_named_and_a_second_attempt_succeeds(self):
+        printer = self.printer()
+        ended = self.set_up(WRONG, "--json")
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertEqual(self.assert_steps(ended, "configure")["result"], CANNOT_JOIN)
+        self.assertIn(f"step 4 of 6, Putting the printer on the network: the printer was not put "
+                      f"on {NAME}: the vendor's result 12", ended.errors)
+        self.assertIn("cannot join the network: is the pass phrase right?", ended.errors)
+        self.assertEqual(printer.given(), [(NAME, WRONG)])
+        self.assert_not_joined()
+        self.assert_masked_log()
+
+        again = self.set_up(PASS_PHRASE, "--json", at={"find": self.arrive})
+        self.assertEqual(again.status, 0, str(again))
+        self.assertEqual(printer.given(), [(NAME, WRONG), (NAME, PASS_PHRASE)])
+
+    def test_a_network_that_the_printer_does_not_see_is_named(self):
+        printer = self.printer()
+        ended = self.set_up(PASS_PHRASE, "--json", network="Nowhere")
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertEqual(self.assert_steps(ended, "configure")["result"], NOT_VISIBLE)
+        self.assertIn("the printer was not put on Nowhere: the vendor's result 11", ended.errors)
+        self.assertIn("does not see the network", ended.errors)
+        self.assertEqual(printer.given(), [("Nowhere", PASS_PHRASE)])
+        self.assert_not_joined()
+
+    def test_too_short_a_pass_phrase_is_not_sent(self):
+        printer = self.printer()
+        ended = self.set_up(TOO_SHORT, "--json")
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertEqual(self.assert_steps(ended, "configure")["result"], NOT_VALID)
+        self.assertIn("the vendor's result 16", ended.errors)
+        self.assertIn("not valid; nothing was sent", ended.errors)
+        self.assertEqual(printer.given(), [])
+        self.assert_not_joined()
+        self.assert_masked_log()
+
+    def test_a_printer_that_goes_while_it_joins_is_waited_for_in_vain(self):
+        printer = self.printer("--joins-in", "60000")
+
+        def go():
+            printer.await_line("state 7")
+            time.sleep(0.5)  # so that its answer is through
+            self.end(printer)
+        ended = self.set_up(PASS_PHRASE, "--json", at={"configure": go},
+                            DRIVERLESS_JOIN_SECONDS="4")
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertEqual(self.assert_steps(ended, "configure")["result"], TIMED_OUT)
+        self.assertIn("the printer did not join the network in time", ended.errors)
+        self.assert_not_joined()
+
+    def test_a_printer_that_goes_before_it_is_asked_who_it_is_is_none(self):
+        self.end(self.printer())
+        ended = self.set_up(PASS_PHRASE, "--json")
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assert_steps(ended, "printer")
+        self.assertIn("step 1 of 6, Which printer: ", ended.errors)
+        self.assertIn(OWN_NETWORK, ended.errors)
+        self.assertIn("nothing was changed", ended.errors)
+
+    def test_a_printer_that_goes_before_the_office_is_not_found_there(self):
+        printer = self.printer()
+
+        def go():
+            self.move_to_office()
+            self.end(printer)
+        ended = self.set_up(PASS_PHRASE, "--json", "--timeout", "2", at={"find": go})
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assert_steps(ended, "find")
+        self.assertIn("was put on " + NAME + ", but was not found there within 2 s", ended.errors)
+
+    def test_a_computer_that_cannot_join_says_that_the_printer_has(self):
+        self.wifi.have_network("Annex", 50, "only for computers")
+        printer = self.printer("--network", "Annex=only for printers")
+        ended = self.set_up("only for printers", "--json", network="Annex")
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assert_steps(ended, "rejoin")
+        self.assertIn("this computer could not join Annex; the printer was put on it", ended.errors)
+        self.assertIn(f"devicediscover ap check {SERIAL} --vendor driverless", ended.errors)
+        self.assertEqual(printer.given(), [("Annex", "only for printers")])
+
+    def test_in_the_office_already_there_is_no_printer_to_set_up(self):
+        self.printer()
+        office = self.devicediscover("wifi", "join", NAME, "--pass-phrase-file", "-",
+                                     secret=PASS_PHRASE)
+        self.assertEqual(office.status, 0, str(office))
+        ended = self.set_up(PASS_PHRASE)
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertIn(f"this computer's Wi-Fi network, {NAME}, is not the access point",
+                      ended.errors)
+
+
+class JourneySteps(JourneyTest):
+    """The same, a command a step."""
+
+    def json(self, *arguments, **options):
+        ended = self.devicediscover(*arguments, "--json", **options)
+        self.assertEqual((ended.status, ended.errors), (0, ""), str(ended))
+        return ended.objects()
+
+    def test_the_printer_goes_from_its_network_to_the_office(self):
+        printer = self.printer()
+        self.assertEqual(self.json("wifi", "join", OWN_NETWORK, "--open"),
+                         [{"network": OWN_NETWORK, "joined": True}])
+        described = {"serialNumber": SERIAL, "makeAndModel": "Acme Radio Laser",
+                     "address": THERE + "1", "port": 631, "vendor": "driverless",
+                     "resource": "/ipp/print", "service": "ipp"}
+        self.assertEqual(self.json("ap", "info"), [described])
+        self.assertEqual(
+            sorted((one["network"], one["signal"])
+                   for one in self.json("ap", "scan", "--seconds", str(int(2 * SLACK)))),
+            [(NAME, 60), ("HomeNet", 80)])
+
+        early = self.devicediscover("ap", "check", "--json")
+        self.assertEqual(early.status, 1, str(early))
+        self.assertIn("the printer is not on the local network", early.errors)
+
+        self.assertEqual(
+            self.json("ap", "configure", "--network", NAME, "--pass-phrase-file", "-",
+                      secret=PASS_PHRASE),
+            [{"network": NAME, "configured": True, "result": 0}])
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+        self.json("wifi", "join", NAME, "--pass-phrase-file", "-", secret=PASS_PHRASE)
+        self.arrive()
+        check, = self.json("ap", "check", SERIAL)
+        self.assertEqual((check["serialNumber"], check["onLocalNetwork"], check["result"]),
+                         (SERIAL, True, 0))
+        other = self.devicediscover("ap", "check", "OTHER", "--vendor", "driverless")
+        self.assertEqual((other.status, other.output), (1, ""), str(other))
+        self.assertIn("vendor driverless: the vendor's result 17", other.errors)
+        self.assert_masked_log()
+
+    def test_the_hosts_networks_are_told(self):
+        listed = {one["network"]: one["signal"] for one in self.json("wifi", "list")}
+        self.assertEqual(listed, {OWN_NETWORK: 90, NAME: 60, "HomeNet": 80})
+        self.assertEqual(self.devicediscover("wifi", "current").status, 1)
+        self.json("wifi", "join", OWN_NETWORK, "--open")
+        self.assertEqual(self.json("wifi", "current"), [
+            {"network": OWN_NETWORK, "hardwareAddress": "00:11:22:33:44:01", "interface": "lab0"}])
+
+    def test_a_host_that_is_there_answers_a_ping(self):
+        self.assertEqual(self.json("ping", THERE + "1"), [{"address": THERE + "1",
+                                                           "answers": True}])
+        silent = self.devicediscover("ping", THERE + "77", "--json")
+        self.assertEqual((silent.status, silent.objects()),
+                         (1, [{"address": THERE + "77", "answers": False}]))
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
