@@ -62,7 +62,8 @@ std::string NoPrinterToAsk(const Settings& settings, const ServiceSurvey& survey
     const std::string network = CurrentAccessPoint(settings).network;
     return (network.empty() ? "this computer is joined to no Wi-Fi network"
                             : "this computer's Wi-Fi network, " + network +
-                                  ", is not the access point of any supported vendor's printer") +
+                                  ", is not the access point of any supported vendor's printer, or "
+                                  "the printer does not answer") +
            Lines(survey.problems) +
            "\nSwitch the printer's Wi-Fi set-up on, look for its network with `devicediscover wifi "
            "list`, and join\nit with `devicediscover wifi join NAME`.";

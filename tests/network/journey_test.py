@@ -7,11 +7,16 @@ when the application has joined the office's network it is that one, where both 
 addresses. The environment names what set_up_test.py needs, and NETWORK_MANAGER_MOCK.
 """
 
+import fcntl
 import json
 import os
+import pty
 import re
+import select
+import signal
 import subprocess
 import tempfile
+import termios
 import threading
 import time
 import unittest
@@ -88,12 +93,59 @@ class Ended:
         return f"status {self.status}\n{self.output}\n{self.errors}"
 
 
+class Terminal:
+    """The application on a terminal."""
+
+    def __init__(self, arguments, environment):
+        self.master, terminal = pty.openpty()
+        self.process = subprocess.Popen(
+            [PROGRAM, *arguments], stdin=terminal, stdout=terminal, stderr=terminal,
+            start_new_session=True, env={**environment, "TERM": "xterm"},
+            preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+        os.close(terminal)
+        self.raw = b""
+        self.seen = 0
+
+    @property
+    def text(self):
+        plain = re.sub(r"\x1b\[[?;\d]*[A-Za-z]", "", self.raw.decode("utf-8", "replace"))
+        return re.sub(r"\r+\n", "\n", plain)
+
+    def show(self):
+        """Whether there may be more."""
+        try:
+            if select.select([self.master], [], [], 0.05)[0]:
+                self.raw += os.read(self.master, 65536)
+            return True
+        except OSError:  # nobody has the other end open any more
+            return False
+
+    def expect(self, pattern):
+        deadline = time.monotonic() + PATIENCE
+        while not (match := re.search(pattern, self.text[self.seen:])):
+            assert self.show() and time.monotonic() < deadline, f"no {pattern!r}: {self.text}"
+        self.seen += match.end()
+
+    def answer(self, question, text):
+        self.expect(question)
+        os.write(self.master, text.encode() + b"\r")
+
+    def status(self):
+        while self.show():
+            pass
+        return self.process.wait(PATIENCE)
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+        os.close(self.master)
+
+
 class JourneyTest(unittest.TestCase):
     def setUp(self):
         lab("cold")
         self.running = []
         self.addCleanup(self.end_all)
-        # Networks in range first: nobody is joined to one that is not.
         self.wifi = HostWifi()
         self.running.append(self.wifi)
         self.wifi.have_network(OWN_NETWORK, 90)
@@ -119,15 +171,14 @@ class JourneyTest(unittest.TestCase):
         printer.await_line("ready")
         return printer
 
-    def devicediscover(self, *arguments, secret="", on_line=lambda line: None, **environment):
+    def devicediscover(self, *arguments, secret="", on_line=lambda line, process: None, **environment):
         """Runs the application to its end, and looks at each line when it comes."""
+        self.given += [secret] if secret else []
         errors_path = os.path.join(self.state, "errors")
         with open(errors_path, "w", encoding="utf-8") as errors:
             process = subprocess.Popen(
                 [PROGRAM, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                stderr=errors, text=True,
-                env={**ENVIRONMENT, "XDG_STATE_HOME": os.path.join(self.state, "log"),
-                     **environment})
+                stderr=errors, text=True, env=self.environment(**environment))
         watchdog = threading.Timer(2 * PATIENCE * SLACK, process.kill)
         watchdog.start()
         try:
@@ -137,24 +188,25 @@ class JourneyTest(unittest.TestCase):
                 lines = []
                 for line in process.stdout:
                     lines.append(line)
-                    on_line(line)
+                    on_line(line, process)
             process.wait()
         finally:
             watchdog.cancel()
             process.kill()
         with open(errors_path, encoding="utf-8") as errors:
             ended = Ended(process.returncode, "".join(lines), errors.read())
-        self.given += [secret] if secret else []
-        self.assert_secret(ended)
+        self.assert_secret(ended.output, ended.errors)
         return ended
 
-    def assert_secret(self, ended):
-        """No pass phrase shows, not in the log file either, where its place is masked."""
-        log = text_below(os.path.join(self.state, "log"))
+    def environment(self, **more):
+        return {**ENVIRONMENT, "XDG_STATE_HOME": os.path.join(self.state, "log"), **more}
+
+    def assert_secret(self, *texts):
+        """No pass phrase that was given so far shows, in the log file neither."""
         for secret in self.given:
-            for text in (ended.output, ended.errors, log):
+            for text in (*texts, self.log()):
                 self.assertNotIn(secret, text)
-                self.assertNotIn(secret.encode().hex(), text)
+                self.assertNotIn(json.dumps(secret)[1:-1], text)
 
     def log(self):
         return text_below(os.path.join(self.state, "log"))
@@ -192,11 +244,11 @@ class JourneyTest(unittest.TestCase):
 
     def set_up(self, pass_phrase, *arguments, network=NAME, at=None, **environment):
         """Runs `setup`; `at` says what happens when a step starts."""
-        def on_line(line):
+        def on_line(line, process):
             for step, action in (at or {}).items():
                 if (f'"step":"{step}","state":"started"' in line
                         or line.startswith(f"[{STEPS.index(step) + 1}/")):
-                    action()
+                    action(process)
         return self.devicediscover(
             "setup", "--network", network, "--pass-phrase-file", "-", *arguments,
             secret=pass_phrase, on_line=on_line, **environment)
@@ -229,7 +281,7 @@ class Journey(JourneyTest):
 
     def test_the_right_pass_phrase_ends_with_the_printers_place(self):
         printer = self.printer()
-        ended = self.set_up(PASS_PHRASE, at={"find": self.arrive})
+        ended = self.set_up(PASS_PHRASE, at={"find": lambda _: self.arrive()})
         self.assertEqual((ended.status, ended.errors), (0, ""), str(ended))
         self.assertEqual(ended.output.splitlines()[-1],
                          f"      Acme Radio Laser, serial number {SERIAL}, is on {NAME} at "
@@ -240,7 +292,7 @@ class Journey(JourneyTest):
 
     def test_json_says_the_same(self):
         printer = self.printer()
-        ended = self.set_up(PASS_PHRASE, "--json", at={"find": self.arrive})
+        ended = self.set_up(PASS_PHRASE, "--json", at={"find": lambda _: self.arrive()})
         self.assertEqual((ended.status, ended.errors), (0, ""), str(ended))
         last = self.assert_steps(ended)
         there = {"serialNumber": SERIAL, "makeAndModel": "Acme Radio Laser",
@@ -254,7 +306,7 @@ class Journey(JourneyTest):
     def test_with_everything_shown_the_pass_phrase_is_not(self):
         printer = self.printer()
         log = os.path.join(self.state, "module-log")
-        ended = self.set_up(PASS_PHRASE, "--log-level", "trace", at={"find": self.arrive},
+        ended = self.set_up(PASS_PHRASE, "--log-level", "trace", at={"find": lambda _: self.arrive()},
                             DRIVERLESS_LOG=log)
         self.assertEqual(ended.status, 0, str(ended))
         self.assertRegex(ended.errors, r"\bpwd\*\*\*\(")
@@ -263,6 +315,50 @@ class Journey(JourneyTest):
         self.assertIn(NAME, said)
         self.assertNotIn(PASS_PHRASE, said)
         self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+
+    def test_on_a_terminal_it_asks_and_the_pass_phrase_does_not_show(self):
+        printer = self.printer()
+        terminal = Terminal(["setup", "--seconds", "2"], self.environment())
+        self.running.append(terminal)
+        self.given.append(PASS_PHRASE)
+        terminal.expect(r"\[2/6\]")
+        terminal.expect("NETWORK")
+        terminal.answer("Its number or name", NAME)
+        self.assertIn("HomeNet", terminal.text)
+        self.assertNotIn(OWN_NETWORK, terminal.text)
+        terminal.answer("Pass phrase of " + NAME, PASS_PHRASE)
+        terminal.expect(r"\[6/6\]")
+        self.arrive()
+        terminal.expect(f"is on {NAME} at {re.escape(OFFICE)}1 port 631")
+        self.assertEqual(terminal.status(), 0, terminal.text)
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+        self.assert_secret(terminal.raw.decode())
+        self.assert_masked_log()
+
+    def test_a_pass_phrase_may_hold_any_characters(self):
+        difficult = " p\u00e4ss(phrase) \"\\'%s "
+        self.wifi.have_network("Annex", 50, difficult)
+        printer = self.printer("--network", "Annex=" + difficult)
+        ended = self.set_up(difficult, "--json", network="Annex",
+                            at={"find": lambda _: self.arrive()})
+        self.assertEqual(ended.status, 0, str(ended))
+        self.assertEqual(printer.given(), [("Annex", difficult)])
+        self.assert_masked_log()
+
+    def test_an_interrupt_while_the_printer_joins_says_how_things_stand(self):
+        printer = self.printer("--joins-in", "60000")
+        interrupted = []
+
+        def interrupt(process):
+            printer.await_line("state 7")
+            interrupted.append(time.monotonic())
+            process.send_signal(signal.SIGINT)
+        ended = self.set_up(PASS_PHRASE, at={"configure": interrupt})
+        self.assertLess(time.monotonic() - interrupted[0], 2 * SLACK)
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertIn("interrupted. The printer may have been put on the network, or not",
+                      ended.errors)
+        self.assert_not_joined()
 
     def test_a_wrong_pass_phrase_is_named_and_a_second_attempt_succeeds(self):
         printer = self.printer()
@@ -276,7 +372,7 @@ class Journey(JourneyTest):
         self.assert_not_joined()
         self.assert_masked_log()
 
-        again = self.set_up(PASS_PHRASE, "--json", at={"find": self.arrive})
+        again = self.set_up(PASS_PHRASE, "--json", at={"find": lambda _: self.arrive()})
         self.assertEqual(again.status, 0, str(again))
         self.assertEqual(printer.given(), [(NAME, WRONG), (NAME, PASS_PHRASE)])
 
@@ -304,7 +400,7 @@ class Journey(JourneyTest):
     def test_a_printer_that_goes_while_it_joins_is_waited_for_in_vain(self):
         printer = self.printer("--joins-in", "60000")
 
-        def go():
+        def go(_):
             printer.await_line("state 7")
             time.sleep(0.5)  # so that its answer is through
             self.end(printer)
@@ -321,13 +417,14 @@ class Journey(JourneyTest):
         self.assertEqual(ended.status, 1, str(ended))
         self.assert_steps(ended, "printer")
         self.assertIn("step 1 of 6, Which printer: ", ended.errors)
-        self.assertIn(OWN_NETWORK, ended.errors)
+        self.assertIn(f"{OWN_NETWORK}, is not the access point of any supported vendor's printer, "
+                      "or the printer does not answer", ended.errors)
         self.assertIn("nothing was changed", ended.errors)
 
     def test_a_printer_that_goes_before_the_office_is_not_found_there(self):
         printer = self.printer()
 
-        def go():
+        def go(_):
             self.move_to_office()
             self.end(printer)
         ended = self.set_up(PASS_PHRASE, "--json", "--timeout", "2", at={"find": go})
