@@ -31,6 +31,7 @@ STEPS = ["printer", "network", "passPhrase", "configure", "rejoin", "find"]
 
 DISCONNECTED, PRIVACY, INFRASTRUCTURE, PSK = 30, 1, 2, 0x100
 THERE, OFFICE = "10.99.0.", "10.98.0."
+BOTH = PRINTERS_SIDE, HOSTS_SIDE = ("run-beside-printers", "1"), ("run", "2")
 
 
 class HostWifi:
@@ -74,6 +75,15 @@ class HostWifi:
         said = self._tell("Joinings")
         return [(re.findall(r"\bpsk\s+variant\s+(.*?)\s*\)", attempt) or [""])[0]
                 for attempt in said.split("struct {")[1:]]
+
+    def leave(self):
+        """What happens when the network that the host is joined to is closed."""
+        active = self._call("org.freedesktop.DBus.Properties.Get",
+                            "string:org.freedesktop.NetworkManager", "string:ActiveConnections")
+        path = re.search(NM + r"/ActiveConnection/\d+", active.stdout)[0]
+        answer = self._call("org.freedesktop.NetworkManager.DeactivateConnection",
+                            "objpath:" + path)
+        assert answer.returncode == 0, answer.stderr
 
     def end(self):
         self.process.kill()
@@ -217,9 +227,9 @@ class JourneyTest(unittest.TestCase):
 
     # --- the office ---
 
-    def move_to_office(self):
-        """Both sides have left the printer's network; what they find now is the office's."""
-        for side, host in (("run-beside-printers", "1"), ("run", "2")):
+    def move_to_office(self, *sides):
+        """These have left the printer's network; what they find now is the office's."""
+        for side, host in sides:
             self.move(side, host, THERE, OFFICE)
             self.addCleanup(self.move, side, host, OFFICE, THERE)
 
@@ -236,8 +246,8 @@ class JourneyTest(unittest.TestCase):
         self.running.append(announcement)
         announcement.await_line("Established under name 'Radio'")
 
-    def arrive(self):
-        self.move_to_office()
+    def arrive(self, *sides):
+        self.move_to_office(*(sides or BOTH))
         self.announce()
 
     # --- set-up ---
@@ -411,6 +421,20 @@ class Journey(JourneyTest):
         self.assertIn("the printer did not join the network in time", ended.errors)
         self.assert_not_joined()
 
+    def test_a_printer_that_closes_its_own_network_for_the_offices_is_followed(self):
+        printer = self.printer("--joins-in", "60000")
+
+        def close(_):
+            printer.await_line("state 7")
+            self.move_to_office(PRINTERS_SIDE)
+            self.wifi.leave()
+        ended = self.set_up(PASS_PHRASE, "--json", at={
+            "configure": close, "find": lambda _: self.arrive(HOSTS_SIDE)})
+        self.assertEqual(ended.status, 0, str(ended))
+        self.assertEqual(self.assert_steps(ended)["printer"]["address"], OFFICE + "1")
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+        self.assertEqual(self.wifi.joinings(), ["", PASS_PHRASE])
+
     def test_a_printer_that_goes_before_it_is_asked_who_it_is_is_none(self):
         self.end(self.printer())
         ended = self.set_up(PASS_PHRASE, "--json")
@@ -425,7 +449,7 @@ class Journey(JourneyTest):
         printer = self.printer()
 
         def go(_):
-            self.move_to_office()
+            self.move_to_office(*BOTH)
             self.end(printer)
         ended = self.set_up(PASS_PHRASE, "--json", "--timeout", "2", at={"find": go})
         self.assertEqual(ended.status, 1, str(ended))
