@@ -181,7 +181,8 @@ class JourneyTest(unittest.TestCase):
         printer.await_line("ready")
         return printer
 
-    def devicediscover(self, *arguments, secret="", on_line=lambda line, process: None, **environment):
+    def devicediscover(self, *arguments, secret="", on_line=lambda line, process: None,
+                       **environment):
         """Runs the application to its end, and looks at each line when it comes."""
         self.given += [secret] if secret else []
         errors_path = os.path.join(self.state, "errors")
@@ -316,8 +317,8 @@ class Journey(JourneyTest):
     def test_with_everything_shown_the_pass_phrase_is_not(self):
         printer = self.printer()
         log = os.path.join(self.state, "module-log")
-        ended = self.set_up(PASS_PHRASE, "--log-level", "trace", at={"find": lambda _: self.arrive()},
-                            DRIVERLESS_LOG=log)
+        ended = self.set_up(PASS_PHRASE, "--log-level", "trace", DRIVERLESS_LOG=log,
+                            at={"find": lambda _: self.arrive()})
         self.assertEqual(ended.status, 0, str(ended))
         self.assertRegex(ended.errors, r"\bpwd\*\*\*\(")
         with open(log, encoding="utf-8") as file:
