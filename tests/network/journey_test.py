@@ -190,7 +190,7 @@ class JourneyTest(unittest.TestCase):
             process = subprocess.Popen(
                 [PROGRAM, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                 stderr=errors, text=True, env=self.environment(**environment))
-        watchdog = threading.Timer(2 * PATIENCE * SLACK, process.kill)
+        watchdog = threading.Timer(4 * PATIENCE * SLACK, process.kill)
         watchdog.start()
         try:
             with process.stdin, process.stdout:
