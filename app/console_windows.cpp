@@ -136,7 +136,8 @@ void PrepareConsole() {}
 void WriteOutput(std::string_view text) {
     static Writer& writer = *new Writer(STD_OUTPUT_HANDLE);
     const DWORD error = writer.Write(text);
-    if (error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE || error == kStalled) {
+    if (error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE || error == ERROR_PIPE_NOT_CONNECTED ||
+        error == kStalled) {
         throw OutputClosed();
     }
     if (error != 0) {

@@ -83,9 +83,14 @@ NetworkManager::NetworkManager() {
     try {
         bus = sdbus::createSystemBusConnection();
         bus->setMethodCallTimeout(kCallLimit);
+        use.Of(bus->getEventLoopPollData().fd);
     } catch (const sdbus::Error& error) {
         throw WifiProblem("the system bus cannot be reached: " + MessageOf(error));
     }
+}
+
+NetworkManager::~NetworkManager() {
+    use.Of(-1);
 }
 
 std::unique_ptr<sdbus::IProxy> NetworkManager::Object(const std::string& path) const {

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "host/PrinterDiscoverAPI/bus_use_linux.h"
+
 namespace Host {
 
 using Properties = std::map<std::string, sdbus::Variant>;
@@ -26,17 +28,17 @@ T ValueOr(const Properties& properties, const char* name, T fallback) {
 
 namespace NetworkManagerName {
 
-inline const std::string kService = "org.freedesktop.NetworkManager";
-inline const std::string kDevice = kService + ".Device";
-inline const std::string kWireless = kService + ".Device.Wireless";
-inline const std::string kAccessPoint = kService + ".AccessPoint";
-inline const std::string kActive = kService + ".Connection.Active";
-inline const std::string kSaved = kService + ".Settings.Connection";
+inline constexpr const char* kService = "org.freedesktop.NetworkManager";
+inline constexpr const char* kDevice = "org.freedesktop.NetworkManager.Device";
+inline constexpr const char* kWireless = "org.freedesktop.NetworkManager.Device.Wireless";
+inline constexpr const char* kAccessPoint = "org.freedesktop.NetworkManager.AccessPoint";
+inline constexpr const char* kActive = "org.freedesktop.NetworkManager.Connection.Active";
+inline constexpr const char* kSaved = "org.freedesktop.NetworkManager.Settings.Connection";
 
 }  // namespace NetworkManagerName
 
-// A path that says: no object.
-inline const sdbus::ObjectPath kNoObject = "/";
+// A path that says: no object. Never destroyed, as threads may still ask while the process ends.
+inline const sdbus::ObjectPath& kNoObject = *new sdbus::ObjectPath("/");
 
 // What a failed call says about the one who was called.
 bool IsServiceLost(const sdbus::Error& error);   // it is gone or does not answer
@@ -51,6 +53,9 @@ public:
 
     // Throws WifiProblem when there is no bus.
     NetworkManager();
+    ~NetworkManager();
+    NetworkManager(const NetworkManager&) = delete;
+    NetworkManager& operator=(const NetworkManager&) = delete;
 
     std::unique_ptr<sdbus::IProxy> Object(const std::string& path) const;
     std::unique_ptr<sdbus::IProxy> Manager() const;
@@ -62,6 +67,7 @@ public:
 private:
     bool DeliverSignals() const;
 
+    BusUse use;
     std::unique_ptr<sdbus::IConnection> bus;
 };
 
