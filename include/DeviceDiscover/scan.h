@@ -18,11 +18,12 @@
 // Failures are logged and returned. What can be thrown is the standard library's own: out of
 // memory, and std::system_error when a thread or a lock is not to be had.
 //
-// Every operation but ScanInterface::Init may be called from any thread. Start and stop hold a lock
-// while they call the vendors: neither may be called from inside a vendor's stop. Reports may still
-// be on their way when a stop returns, and vendors may go on until the process is gone, also while
-// static objects are destroyed: an application that calls back into the library from its callback
-// stops its scans, and lets its callbacks end, before it lets the process end.
+// Every operation but ScanInterface::Init may be called from any thread. Start and stop hold a
+// lock, a stop also while it calls the vendors: neither may be called from inside a vendor's stop,
+// and a stop from inside a report waits for itself where a vendor's stop waits for its reports.
+// Reports may still be on their way when a stop returns, and vendors may go on until the process is
+// gone, also while static objects are destroyed: an application that calls back into the library
+// from its callback stops its scans, and lets its callbacks end, before it lets the process end.
 
 #include <map>
 #include <mutex>

@@ -26,7 +26,8 @@ namespace VendorSdk {
 // logged.
 using StartDeviceScanFunction = int(DeviceCallbackInfo* info);
 
-// Ends the scan and makes a running StartDeviceScan return. Also called when none runs. 0: success.
+// Ends the scan and makes a running StartDeviceScan return. Also called when none runs. 0: success;
+// of several vendors only the last one's result reaches the application, each failure the log.
 using StopDeviceScanFunction = int();
 
 // Whether the printer can be reached and would accept a job. 1 (not 0): yes.
@@ -54,7 +55,7 @@ using StopAPWifiScanFunction = int();
 // 0: success.
 using PrinterAPNetConfigEventFunction = int(WifiConfigInfo* network);
 
-// Whether that printer is on the local network. 0: yes.
+// Whether the printer of `device` is on the local network, whatever the host is joined to. 0: yes.
 using IsLocalAreaNetworkOKFunction = int(DeviceInfo* device);
 
 // Fills every field of `device` with the record of the printer whose access point the host is

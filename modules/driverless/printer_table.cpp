@@ -212,6 +212,11 @@ void PrinterTable::Merge(Entries::iterator into, Entries::iterator from) {
     }
     into->services.merge(from->services);
     into->asked.merge(from->asked);
+    if (!into->attributes && into->phase != Phase::Reported) {
+        into->attributes = from->attributes;
+        into->source = from->source;
+        into->phase = from->attributes ? Phase::Known : into->phase;
+    }
     entries.erase(from);
 }
 

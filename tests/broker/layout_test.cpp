@@ -148,6 +148,10 @@ TEST_F(Layout, OfTheListenerIsTheApplicationsRegistrationAndTheVendors) {
     std::memcpy(&own, bytes, sizeof own);
     EXPECT_EQ(own.callback, &Application::OnDevice);
     EXPECT_EQ(own.param, 77);
+    listener.ClearDeviceCallbackInfo();
+    std::memcpy(&own, bytes, sizeof own);
+    EXPECT_EQ(own.callback, nullptr);
+    EXPECT_EQ(own.param, 0);
 }
 
 }  // namespace

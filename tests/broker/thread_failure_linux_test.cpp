@@ -99,7 +99,7 @@ TEST_F(WithoutThreads, AStartLeavesTheScansRunningThatItHasStarted) {
 
 TEST_F(WithoutThreads, AStartFreesTheLock) {
     EXPECT_EQ(StartWith(2), std::errc::resource_unavailable_try_again);
-    EXPECT_EQ(ScanInterface::GetInstance().StartDeviceScan({Application::OnDevice, 2}), 0);
+    EXPECT_EQ(ScanInterface::GetInstance().StartDeviceScan({Application::OnDevice, 1}), 0);
     gamma.AwaitCalls("StartDeviceScan", 1);
     alpha.AwaitCalls("StartDeviceScan", 2);
     EXPECT_EQ(ScanInterface::GetInstance().StopDeviceScan(), 0);

@@ -101,6 +101,20 @@ TEST_F(PrinterTableTest, PrintersThatTurnOutToBeOne_AreReportedOnce) {
     EXPECT_TRUE(table.IsEmpty());
 }
 
+TEST_F(PrinterTableTest, PrintersThatTurnOutToBeOne_KeepWhatOneOfThemAnswered) {
+    Resolve(Id(ServiceKind::PdlDatastream, "Raw port"));
+    Resolve(Id(ServiceKind::Ipps, "Another name"), "", "other.local");
+    const auto asking = After(kPatienceForPlainIpp);
+    ASSERT_EQ(asking.queries.size(), 1u);
+    PrinterAttributes attributes = Attributes();
+    attributes.serialNumber = "SN7";
+    table.Answered(asking.queries[0].id, attributes);
+    const auto work = Now();
+    ASSERT_EQ(work.reports.size(), 1u);
+    EXPECT_EQ(work.reports[0].serialNumber, "SN7");
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty());
+}
+
 TEST_F(PrinterTableTest, NoAnswer_IsReportedFromTheAnnouncementAtTheDeadline) {
     Resolve(Id(ServiceKind::Ipp));
     const auto query = Now().queries.at(0).id;

@@ -74,6 +74,7 @@ class Probe:
             text=True, env={**ENVIRONMENT, **(environment or {})})
         self.events = queue.Queue()
         self.seen = []
+        self.ended = []
         self.errors = []
         self.readers = [
             threading.Thread(target=self._read, args=(pipe, take), daemon=True)
@@ -107,8 +108,13 @@ class Probe:
         return event
 
     def await_event(self, kind, seconds=PATIENCE, **wanted):
+        # The end of a scan and the answer to its stop come in any order.
+        if kind == "ended" and self.ended:
+            return self.ended.pop(0)
         deadline = time.monotonic() + seconds
         while (event := self.next(deadline - time.monotonic())) is not None:
+            if event["event"] == "ended" != kind:
+                self.ended.append(event)
             if event["event"] == kind and all(event[k] == v for k, v in wanted.items()):
                 return event
         raise AssertionError(f"no {kind} {wanted} in {seconds} s, but {self.seen}; "
@@ -120,6 +126,7 @@ class Probe:
         return self.await_event({"stop": "stopped"}.get(command, command))["result"]
 
     def start(self):
+        self.ended.clear()
         self.tell("start")
 
     def found(self, seconds):
