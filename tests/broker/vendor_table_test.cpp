@@ -141,7 +141,7 @@ TEST_F(VendorTables, OfTheScanLogWhatAModuleLacksInSlotOrder) {
 }
 
 TEST_F(VendorTables, OfTheNetworkLogWhatAModuleLacksInSlotOrder) {
-    EntryOf("scripted_all", Broker::kNetConnEntryPoints<NetConnEntry>, &VendorInfo::vendorName);
+    EntryOf("scripted_none", Broker::kNetConnEntryPoints<NetConnEntry>, &VendorInfo::vendorName);
     EXPECT_THAT(TakeLines(), ElementsAre(Logged(4, "startApWifiScan is nullptr, err:"),
                                          Logged(4, "stopApWifiScan is nullptr, err:"),
                                          Logged(4, "printerApNetConfigEvent is nullptr, err:"),

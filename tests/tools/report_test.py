@@ -23,7 +23,13 @@ class Report(unittest.TestCase):
                       "RelayedDevice/real_time/threads:2": 50,
                       "RelayedDeviceFloor/real_time/threads:1": 90},
             "binding": {f"{what}/{vendors}/real_time": 100
-                        for what in ("Binding", "BindingByHand") for vendors in VENDORS}}
+                        for what in ("Binding", "BindingByHand") for vendors in VENDORS},
+            "access_point": {f"{what}{beside}": time
+                             for what in ("LocalNetwork", "RelayedNetwork")
+                             for beside, time in (("", 100), ("ByHand", 200), ("Floor", 90))},
+            "ping": {"SilentAddress/real_time": 301.5, "Loopback/real_time": 0.05},
+            **{f"choice_{vendors}": {"Choice": 100, "ChoiceByHand": 100}
+               for vendors in (1, 10, 100)}}
         self.race = {tool: {"first": 1.0, "all": 1.0, "memory": 1024}
                      for tool in ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")}
         self.race["ippfind"].update(first=10.0, all=10.0)
@@ -53,7 +59,7 @@ class Report(unittest.TestCase):
         result = self.report()
         self.assertEqual(result.returncode, ALL_MET, result.stderr)
         verdicts = [line.split()[-1] for line in result.stdout.split("\n\n")[1].splitlines()]
-        self.assertEqual(verdicts, ["ok"] * 12)
+        self.assertEqual(verdicts, ["ok"] * 22)
 
     def test_a_missed_target_is_over(self):
         self.times["facade"]["Facade"] = 141
@@ -61,6 +67,13 @@ class Report(unittest.TestCase):
         self.assertEqual(result.returncode, SOME_MISSED)
         self.assertRegex(result.stdout, r"facade / by hand +0\.70 +at most 0\.70  over\n")
         self.assertRegex(result.stdout, r"facade / floor +1\.57 +at most 1\.60  ok\n")
+
+    def test_a_ping_that_gives_up_early_or_late_is_over(self):
+        for milliseconds, row in ((299, "at least 300.00"), (331, "at most 330.00")):
+            self.times["ping"]["SilentAddress/real_time"] = milliseconds
+            result = self.report()
+            self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
+            self.assertRegex(result.stdout, rf"ping of a silent address, ms +{milliseconds}\.00 +{row}  over\n")
 
     def test_a_missing_median_is_named(self):
         del self.times["binding"]["BindingByHand/100/real_time"]
@@ -90,7 +103,7 @@ class Report(unittest.TestCase):
         self.assertEqual([row.split("  ")[0] for row in rows],
                          [f"scan to {what} / {rival}" for rival in ("avahi-browse", "ippfind")
                           for what in ("the first printer", "all 20 printers")])
-        self.assertEqual(result.stdout.count("  ok\n"), 8)
+        self.assertEqual(result.stdout.count("  ok\n"), 18)
 
 
 if __name__ == "__main__":
