@@ -12,10 +12,23 @@ constexpr std::size_t kLongestName = 32;
 constexpr std::size_t kShortestPassPhrase = 8;
 constexpr std::size_t kLongestPassPhrase = 63;
 
+constexpr std::string_view kMask = "***";
+
 }  // namespace
 
 PassPhrase::~PassPhrase() {
     explicit_bzero(text.data(), text.size());
+}
+
+std::string PassPhrase::MaskedIn(std::string words) const {
+    if (text.empty()) {
+        return words;
+    }
+    for (std::size_t at = words.find(text); at != std::string::npos;
+         at = words.find(text, at + kMask.size())) {
+        words.replace(at, text.size(), kMask);
+    }
+    return words;
 }
 
 std::string ProblemWith(const WifiSettings& settings) {

@@ -18,6 +18,9 @@ public:
 
     const std::string& Text() const { return text; }
 
+    // `words` of somebody else's, who may quote the pass phrase, without it.
+    std::string MaskedIn(std::string words) const;
+
 private:
     std::string text;
 };

@@ -58,8 +58,9 @@ std::optional<int> Send(const AccessPoint& accessPoint, const WifiSettings& sett
         (answer.kind == IppAnswer::Kind::NoAnswer && HasLeft(accessPoint.network))) {
         return std::nullopt;
     }
-    ReportProblem("the printer at " + accessPoint.printer.address + " does not take the network: " +
-                  (answer.problem.empty() ? "no answer" : answer.problem));
+    ReportProblem(
+        "the printer at " + accessPoint.printer.address + " does not take the network: " +
+        (answer.problem.empty() ? "no answer" : settings.passPhrase.MaskedIn(answer.problem)));
     switch (answer.kind) {
         case IppAnswer::Kind::Denied:
             return kNotAllowed;

@@ -174,6 +174,13 @@ TEST_F(JoinWatchTest, GoesOnWhenThePrintersNetworkComesBack) {
     EXPECT_EQ(Says(watch, WifiState::CannotJoin, seconds(13)), kCannotJoin);
 }
 
+TEST(PassPhrase, IsMaskedInTheWordsOfOthers) {
+    const PassPhrase secret("horse.*1");
+    EXPECT_EQ(secret.MaskedIn("horse.*1, horse.*1horse.*1 and horse1"), "***, ****** and horse1");
+    EXPECT_EQ(PassPhrase("********").MaskedIn("********"), "***");
+    EXPECT_EQ(PassPhrase().MaskedIn("no pass phrase"), "no pass phrase");
+}
+
 using Networks = std::vector<NetworkInRange>;
 
 std::string Names(const Networks& networks) {

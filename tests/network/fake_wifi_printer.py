@@ -6,8 +6,9 @@ usage: fake_wifi_printer.py [--address ADDRESS] [--behaviour BEHAVIOUR] [--certi
 
 behaviours: joins (default), hesitates (keeps its old state and network for a moment, then joins),
 stays (takes the settings, and keeps its state and network), leaves (goes when it has taken them,
-without an answer), ignores, wants-password, forbids, not-authorized, no-wifi, silent. With a
-certificate it also takes TLS, and says so.
+without an answer), ignores, talkative (refuses, and says what it was given),
+wants-password, forbids, not-authorized, no-wifi, silent. With a certificate it also takes TLS, and
+says so.
 """
 
 import argparse
@@ -20,8 +21,8 @@ import time
 from fake_printer import attribute, http_response, ipp_response, read_request
 
 GET_PRINTER_ATTRIBUTES, SET_PRINTER_ATTRIBUTES = 0x000B, 0x0013
-OK, IGNORED, NOT_AUTHORIZED = 0x0000, 0x0001, 0x0403
-BEGINS_GROUP, ENUM, NAME, URI = 0x10, 0x23, 0x42, 0x45
+OK, IGNORED, NOT_AUTHORIZED, NOT_SUPPORTED = 0x0000, 0x0001, 0x0403, 0x040B
+BEGINS_GROUP, ENUM, TEXT, NAME, URI = 0x10, 0x23, 0x41, 0x42, 0x45
 ON = 8
 
 
@@ -71,7 +72,7 @@ def answer(printer, request, over_tls):
     behaviour = printer.options.behaviour
     version, request_id = request[0:2], request[4:8]
     operation = struct.unpack_from(">H", request, 2)[0]
-    status, attributes = OK, printer.attributes()
+    status, message, attributes = OK, b"", printer.attributes()
     if operation == SET_PRINTER_ATTRIBUTES:
         settings = settings_in(request)
         print("given", settings["printer-wifi-ssid"].hex() or "-",
@@ -81,12 +82,16 @@ def answer(printer, request, over_tls):
             return http_response(b"", "401 Unauthorized", ['WWW-Authenticate: Basic realm="x"'])
         if behaviour == "forbids":
             return http_response(b"", "403 Forbidden")
-        status = {"ignores": IGNORED, "not-authorized": NOT_AUTHORIZED}.get(behaviour, OK)
+        status = {"ignores": IGNORED, "not-authorized": NOT_AUTHORIZED,
+                  "talkative": NOT_SUPPORTED}.get(behaviour, OK)
+        if behaviour == "talkative":
+            secret = settings["printer-wifi-password"]
+            message = attribute(TEXT, "status-message", b"not '" + secret + b"', not " + secret)
         attributes = b""
         if status == OK:
             threading.Thread(target=printer.take, args=(settings,), daemon=True).start()
     body = ipp_response(version, status, request_id, [])
-    return http_response(body[:-1] + attributes + body[-1:])
+    return http_response(body[:-2] + message + body[-2:-1] + attributes + body[-1:])
 
 
 def serve(connection, printer, certificate):

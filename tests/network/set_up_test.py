@@ -17,7 +17,7 @@ import time
 import unittest
 
 from network_test import (LAB, NO_AVAHI, NO_BUS, PATIENCE, SLACK, Probe, lab,
-                          text_below)
+                          text_below, text_of)
 
 PRINTER = os.environ["WIFI_PRINTER"]
 STATE = os.environ["LAB_NETWORK_STATE"]
@@ -376,6 +376,18 @@ class OtherPrinters(SetUpTest):
 
     def test_a_printer_that_ignores_an_attribute_has_refused(self):
         self.assert_result("ignores", REFUSED)
+
+    def test_a_printer_that_quotes_the_pass_phrase_brings_it_into_no_log(self):
+        log = os.path.join(STATE, "talkative-log")
+        self.have_wifi()
+        self.fake("--behaviour", "talkative")
+        for environment in ({}, {"DRIVERLESS_LOG": log}):
+            probe = self.probe(environment=environment)
+            self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], REFUSED)
+            self.assertEqual(probe.end(), 0)
+            said = probe.diagnostics() if not environment else text_of(log)
+            self.assertIn("not '***', not ***", said)
+            self.assertNotIn(PASS_PHRASE, said)
 
     def test_a_printer_that_speaks_tls_is_given_the_pass_phrase_over_it(self):
         certificate = os.path.join(STATE, "certificate.pem")
