@@ -248,12 +248,14 @@ public:
 
     IppAnswer Run();
     void Abort();
+    bool IsSent() const { return wholeSent; }
 
     State(const State&) = delete;
     State& operator=(const State&) = delete;
 
 private:
     static int GoOn(http_t* http, void* self);
+    IppAnswer ConnectAndAsk();
     Http Connect(http_addrlist_t* addresses);
     IppAnswer Ask(http_t* http);
     bool IsGranted(ipp_status_t status) const;
@@ -264,6 +266,7 @@ private:
     const Clock::time_point deadline;
     const IppQuestion question;
     std::atomic<bool> aborted{false};
+    std::atomic<bool> wholeSent{false};
     std::mutex mutex;
     // A descriptor of this query's own, so that an abort never meets one that libcups has closed
     // and somebody else opened again.
@@ -271,6 +274,12 @@ private:
 };
 
 IppAnswer IppQuery::State::Run() {
+    IppAnswer answer = ConnectAndAsk();
+    answer.sent = wholeSent;
+    return answer;
+}
+
+IppAnswer IppQuery::State::ConnectAndAsk() {
     const Addresses addresses = NumericAddress(printer);
     if (addresses == nullptr || IsOver()) {
         return {};
@@ -332,6 +341,8 @@ Ipp IppQuery::State::Exchange(http_t* http, int minorVersion) {
     Fill(request.Get(), printer, question, minorVersion);
     const http_status_t status =
         cupsSendRequest(http, request.Get(), printer.resource.c_str(), ippLength(request.Get()));
+    // A printer that has it all may close the connection before libcups sees to the answer.
+    wholeSent = wholeSent || ippGetState(request.Get()) == IPP_STATE_DATA;
     const bool sent = status <= HTTP_STATUS_CONTINUE || status == HTTP_STATUS_OK;
     return sent && status != HTTP_STATUS_ERROR
                ? Ipp(cupsGetResponse(http, printer.resource.c_str()))
@@ -359,6 +370,10 @@ void IppQuery::Abort() {
     state->Abort();
 }
 
+bool IppQuery::IsSent() const {
+    return state->IsSent();
+}
+
 namespace {
 
 // What a question and who waits for it have in common.
@@ -383,7 +398,9 @@ IppAnswer AskInTime(const Printer& printer, milliseconds patience, IppQuestion q
     std::unique_lock lock(waiting->mutex);
     if (!waiting->changed.wait_until(lock, deadline, [&] { return waiting->answer.has_value(); })) {
         query->Abort();
-        return {};
+        IppAnswer none;
+        none.sent = query->IsSent();
+        return none;
     }
     return *std::move(waiting->answer);
 }

@@ -36,6 +36,7 @@ struct IppAnswer {
     Kind kind = Kind::NoAnswer;
     PrinterAttributes attributes;
     std::string problem;
+    bool sent = false;  // the whole question went out
 };
 
 // One question to one printer.
@@ -50,6 +51,9 @@ public:
 
     // Makes Run come back soon. From any thread.
     void Abort();
+
+    // Whether the whole question has gone out by now. From any thread.
+    bool IsSent() const;
 
     IppQuery(const IppQuery&) = delete;
     IppQuery& operator=(const IppQuery&) = delete;

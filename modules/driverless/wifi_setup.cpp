@@ -49,13 +49,17 @@ Printer WithTlsIfSpoken(const AccessPoint& accessPoint) {
     return printer;
 }
 
-// The result of a refusal; nothing when the printer took the settings. One that closes its network
-// at once, before its answer is through, took them too.
+// One that closes its network at once, before its answer is through, took the settings too.
+bool IsTaken(const IppAnswer& answer, const std::string& network) {
+    return answer.kind == IppAnswer::Kind::Granted ||
+           (answer.kind == IppAnswer::Kind::NoAnswer && answer.sent && HasLeft(network));
+}
+
+// The result of a refusal; nothing when the printer took the settings.
 std::optional<int> Send(const AccessPoint& accessPoint, const WifiSettings& settings) {
     const IppAnswer answer = AskInTime(WithTlsIfSpoken(accessPoint), kSettingPatience,
                                        {IppQuestion::Kind::Set, settings});
-    if (answer.kind == IppAnswer::Kind::Granted ||
-        (answer.kind == IppAnswer::Kind::NoAnswer && HasLeft(accessPoint.network))) {
+    if (IsTaken(answer, accessPoint.network)) {
         return std::nullopt;
     }
     ReportProblem(

@@ -1,5 +1,5 @@
 """A printer in its own network that behaves as a test wants it to. Writes one line an event:
-"ready", "given NAME PASS-PHRASE tls|plain" in hexadecimal digits.
+"ready", "given NAME PASS-PHRASE tls|plain" in hexadecimal digits, "vanishes".
 
 usage: fake_wifi_printer.py [--address ADDRESS] [--behaviour BEHAVIOUR] [--certificate FILE]
                             [--state NUMBER] [--network NAME]
@@ -7,8 +7,8 @@ usage: fake_wifi_printer.py [--address ADDRESS] [--behaviour BEHAVIOUR] [--certi
 behaviours: joins (default), hesitates (keeps its old state and network for a moment, then joins),
 stays (takes the settings, and keeps its state and network), leaves (goes when it has taken them,
 without an answer), ignores, talkative (refuses, and says what it was given),
-wants-password, forbids, not-authorized, no-wifi, silent. With a certificate it also takes TLS, and
-says so.
+wants-password, forbids, not-authorized, no-wifi, silent, vanishes (describes itself once, after a
+moment, and is not there for more). With a certificate it also takes TLS, and says so.
 """
 
 import argparse
@@ -78,6 +78,9 @@ def answer(printer, request, over_tls):
         print("given", settings["printer-wifi-ssid"].hex() or "-",
               settings["printer-wifi-password"].hex() or "-", "tls" if over_tls else "plain",
               flush=True)
+        if behaviour == "leaves":
+            printer.options.behaviour = "silent"
+            time.sleep(3600)
         if behaviour == "wants-password":
             return http_response(b"", "401 Unauthorized", ['WWW-Authenticate: Basic realm="x"'])
         if behaviour == "forbids":
@@ -94,7 +97,7 @@ def answer(printer, request, over_tls):
     return http_response(body[:-2] + message + body[-2:-1] + attributes + body[-1:])
 
 
-def serve(connection, printer, certificate):
+def serve(connection, listener, printer, certificate):
     over_tls = certificate is not None and connection.recv(1, socket.MSG_PEEK) == b"\x16"
     if over_tls:
         connection = certificate.wrap_socket(connection, server_side=True)
@@ -103,8 +106,10 @@ def serve(connection, printer, certificate):
         time.sleep(3600)
     while (request := read_request(connection)) is not None:
         reply = answer(printer, request, over_tls)
-        if printer.options.behaviour == "leaves" and printer.network:
-            time.sleep(3600)
+        if printer.options.behaviour == "vanishes":
+            listener.shutdown(socket.SHUT_RDWR)
+            print("vanishes", flush=True)
+            time.sleep(1)
         connection.sendall(reply)
 
 
@@ -131,8 +136,11 @@ def main():
     listener = socket.create_server((options.address, 631))
     print("ready", flush=True)
     while True:
-        connection, _ = listener.accept()
-        threading.Thread(target=serve_quietly, args=(connection, printer, certificate),
+        try:
+            connection, _ = listener.accept()
+        except OSError:
+            time.sleep(3600)
+        threading.Thread(target=serve_quietly, args=(connection, listener, printer, certificate),
                          daemon=True).start()
 
 

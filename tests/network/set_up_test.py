@@ -377,6 +377,25 @@ class OtherPrinters(SetUpTest):
     def test_a_printer_that_ignores_an_attribute_has_refused(self):
         self.assert_result("ignores", REFUSED)
 
+    def test_a_printer_that_leaves_without_an_answer_has_taken_the_network(self):
+        printer, probe = self.begin("leaves")
+        probe.configure(NAME, PASS_PHRASE)
+        printer.await_line(f"given {NAME.encode().hex()} {PASS_PHRASE.encode().hex()} plain")
+        self.wifi.leave()
+        event = probe.await_event("configure", 2 * PATIENCE)
+        self.assertEqual(event["result"], OK)
+        self.assertGreater(event["took"], 19)
+
+    def test_a_printer_that_is_gone_before_it_is_given_the_network_has_not_taken_it(self):
+        printer, probe = self.begin("vanishes")
+        probe.configure(NAME, PASS_PHRASE)
+        printer.await_line("vanishes")
+        self.wifi.leave()
+        event = probe.await_event("configure")
+        self.assertEqual(event["result"], NOT_REACHED)
+        self.assertLess(event["took"], 5 * SLACK)
+        self.assertEqual(printer.given(), [])
+
     def test_a_printer_that_quotes_the_pass_phrase_brings_it_into_no_log(self):
         log = os.path.join(STATE, "talkative-log")
         self.have_wifi()
