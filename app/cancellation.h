@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
@@ -52,25 +53,43 @@ Result AwaitInterruptibly(std::function<Result()> work, const std::function<void
     struct Outcome {
         std::optional<Result> result;
         std::exception_ptr failure;
+        std::atomic<bool> mayEnd = false;
     };
     constexpr auto tick = std::chrono::milliseconds(200);
     CancelOnInterrupt();
     Cancellation& cancellation = Cancellation::GetInstance();
     cancellation.Check();
     const auto outcome = std::make_shared<Outcome>();
-    std::thread([&cancellation, outcome, work = std::move(work)] {
-        Outcome own;
+    std::thread worker([&cancellation, outcome, work = std::move(work)] {
+        std::optional<Result> result;
+        std::exception_ptr failure;
         try {
-            own.result = work();
+            result = work();
         } catch (...) {
-            own.failure = std::current_exception();
+            failure = std::current_exception();
         }
-        cancellation.Notify([&] { *outcome = std::move(own); });
-    }).detach();
+        cancellation.Notify([&] {
+            outcome->result = std::move(result);
+            outcome->failure = failure;
+        });
+        while (!outcome->mayEnd) {
+            std::this_thread::yield();
+        }
+    });
     const auto isDone = [&] { return outcome->result || outcome->failure; };
-    while (!cancellation.WaitUntil(Cancellation::Clock::now() + tick, isDone)) {
-        onWait();
+    try {
+        while (!cancellation.WaitUntil(Cancellation::Clock::now() + tick, isDone)) {
+            onWait();
+        }
+    } catch (...) {
+        // It does not end before it is detached: the run-time library of MinGW-w64 mixes up its
+        // threads when one ends meanwhile, and one that is started next never runs.
+        worker.detach();
+        outcome->mayEnd = true;
+        throw;
     }
+    outcome->mayEnd = true;
+    worker.join();
     if (outcome->failure) {
         std::rethrow_exception(outcome->failure);
     }
