@@ -1,10 +1,13 @@
 #include "wifi_setup.h"
 
 #include <cstdlib>
+#include <future>
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "access_point.h"
 #include "diagnostics.h"
@@ -21,6 +24,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kLookAgain{250};
 constexpr std::chrono::milliseconds kStatePatience{1000};
+// A fresh look at what is in range takes its time.
+constexpr std::chrono::milliseconds kScanPatience{12000};
 
 constexpr long kDefaultLimit = 30;
 constexpr long kLongestLimit = 600;
@@ -34,10 +39,20 @@ std::chrono::seconds JoinLimit() {
     return std::chrono::seconds(valid ? seconds : kDefaultLimit);
 }
 
-// Whether the host is known to have left the network.
+bool SeesNetworks() {
+    const auto answer = std::make_shared<std::promise<bool>>();
+    std::future<bool> seen = answer->get_future();
+    FindNetworks([answer](const std::vector<NetworkInRange>& networks) {
+        answer->set_value(!networks.empty());
+    });
+    return seen.wait_for(kScanPatience) == std::future_status::ready && seen.get();
+}
+
+// Whether the host is known to have left the network. One whose Wi-Fi is off or has ended is joined
+// to nothing, too, but sees nothing either.
 bool HasLeft(const std::string& network) {
     const auto current = CurrentNetwork(kStatePatience);
-    return current && current->name != network;
+    return current && current->name != network && (!current->name.empty() || SeesNetworks());
 }
 
 // The pass phrase goes encrypted wherever the printer can take it so.

@@ -178,6 +178,11 @@ class HostWifi:
     def leave(self):
         self._tell("SetDeviceDisconnected", "string:" + ADAPTER)
 
+    def switch_off(self):
+        self.leave()
+        self._tell("SetProperty", "string:" + NM, "string:org.freedesktop.NetworkManager",
+                   "string:WirelessEnabled", "variant:boolean:false")
+
     def end(self):
         self.process.kill()
         self.process.wait()
@@ -318,6 +323,32 @@ class RealPrinter(SetUpTest):
         event = probe.await_event("configure")
         self.assertEqual(event["result"], OK)
         self.assertGreater(event["took"], 9)
+
+    def assert_not_left(self, printer, probe):
+        """Nothing is known of a printer whose host has lost its own Wi-Fi."""
+        printer.end()
+        self.running.remove(printer)
+        event = probe.await_event("configure")
+        self.assertEqual(event["result"], TIMED_OUT)
+        self.assertLess(event["took"], 8 * SLACK)
+
+    def test_a_host_whose_wifi_service_ends_has_not_left(self):
+        printer, probe = self.begin("--joins-in", "60000",
+                                    environment={"DRIVERLESS_JOIN_SECONDS": "4"})
+        probe.configure(NAME, PASS_PHRASE)
+        printer.await_line("state 7")
+        time.sleep(0.5)  # so that its answer is through
+        self.wifi.end()
+        self.assert_not_left(printer, probe)
+
+    def test_a_host_whose_wifi_is_switched_off_has_not_left(self):
+        printer, probe = self.begin("--joins-in", "60000",
+                                    environment={"DRIVERLESS_JOIN_SECONDS": "4"})
+        probe.configure(NAME, PASS_PHRASE)
+        printer.await_line("state 7")
+        time.sleep(0.5)  # so that its answer is through
+        self.wifi.switch_off()
+        self.assert_not_left(printer, probe)
 
     def test_a_printer_that_opens_its_network_again_says_how_it_went(self):
         printer, probe = self.begin("--joins-in", "5000")
