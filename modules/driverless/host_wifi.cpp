@@ -2,7 +2,7 @@
 
 #include <condition_variable>
 #include <cstdlib>
-#include <memory>
+#include <future>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -16,13 +16,6 @@ namespace {
 
 using PrinterDiscoverAPI::PrinterWifiAPI;
 
-// What a question and who waits for it have in common.
-struct Waiting {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::optional<HostNetwork> network;
-};
-
 constexpr std::chrono::milliseconds kPatienceAtExit{300};
 
 // Who uses the library at this moment. Never destroyed: threads run until the process is gone.
@@ -33,13 +26,13 @@ public:
     template <typename Function>
     void With(Function function) {
         if (Enter()) {
+            const Leaving leaving{*this};
             // The end of the process takes things down in the reverse order of their making: what
             // was made when the library was loaded, and what its first use makes.
             static const int afterLoading = std::atexit(EndUse);
             function();
             static const int afterFirstUse = std::atexit(EndUse);
             static_cast<void>(afterLoading + afterFirstUse);
-            Leave();
         }
     }
 
@@ -49,6 +42,11 @@ public:
     }
 
 private:
+    struct Leaving {
+        ~Leaving() { use.Leave(); }
+        WifiUse& use;
+    };
+
     static void EndUse() { Instance().End(); }
 
     bool Enter() {
@@ -84,34 +82,37 @@ HostNetwork AskForCurrent() {
     return {ToUtf8(name), ToUtf8(interface)};
 }
 
+std::vector<NetworkInRange> AskForNetworks() {
+    std::vector<PrinterWifiApiStruct::WlanInfoData> inRange;
+    WifiUse::Instance().With([&] { PrinterWifiAPI::GetInstance().ScanWifiAPBySsid(inRange); });
+    std::vector<NetworkInRange> networks;
+    for (const auto& network : inRange) {
+        if (!network.excludeFlag && !network.ssid.empty()) {
+            networks.push_back({ToUtf8(network.ssid), network.attributes.signalQuality});
+        }
+    }
+    return networks;
+}
+
 }  // namespace
 
 std::optional<HostNetwork> CurrentNetwork(std::chrono::milliseconds patience) {
-    const auto waiting = std::make_shared<Waiting>();
-    std::thread([waiting] {
-        WifiUse::Instance().With([&] {
-            HostNetwork network = AskForCurrent();
-            const std::lock_guard lock(waiting->mutex);
-            waiting->network = std::move(network);
-            waiting->changed.notify_all();
-        });
-    }).detach();
-    std::unique_lock lock(waiting->mutex);
-    waiting->changed.wait_for(lock, patience, [&] { return waiting->network.has_value(); });
-    return waiting->network;
+    std::packaged_task<std::optional<HostNetwork>()> question([] {
+        std::optional<HostNetwork> network;
+        WifiUse::Instance().With([&] { network = AskForCurrent(); });
+        return network;
+    });
+    auto answer = question.get_future();
+    std::thread(std::move(question)).detach();
+    return answer.wait_for(patience) == std::future_status::ready ? answer.get() : std::nullopt;
 }
 
-void FindNetworks(std::function<void(std::vector<NetworkInRange>)> take) {
-    std::thread([take = std::move(take)] {
-        std::vector<PrinterWifiApiStruct::WlanInfoData> inRange;
-        WifiUse::Instance().With([&] { PrinterWifiAPI::GetInstance().ScanWifiAPBySsid(inRange); });
-        std::vector<NetworkInRange> networks;
-        for (const auto& network : inRange) {
-            if (!network.excludeFlag && !network.ssid.empty()) {
-                networks.push_back({ToUtf8(network.ssid), network.attributes.signalQuality});
-            }
-        }
-        take(std::move(networks));
+void FindNetworks(std::function<void(std::future<std::vector<NetworkInRange>>)> take) {
+    std::packaged_task<std::vector<NetworkInRange>()> question(AskForNetworks);
+    std::thread([take = std::move(take), question = std::move(question)]() mutable {
+        auto answer = question.get_future();
+        question();
+        take(std::move(answer));
     }).detach();
 }
 

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <functional>
+#include <future>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,7 +17,8 @@ struct HostNetwork {
     std::string interface;  // of the host
 };
 
-// The network that the host is joined to; nothing when that is not known within `patience`.
+// The network that the host is joined to; nothing when that is not known within `patience`. Throws
+// what keeps the question from being asked (out of memory, no further thread).
 std::optional<HostNetwork> CurrentNetwork(std::chrono::milliseconds patience);
 
 struct NetworkInRange {
@@ -25,7 +27,8 @@ struct NetworkInRange {
 };
 
 // The networks in range, after a fresh scan, that a printer can be put on: `take` is called once,
-// on another thread, when they are known.
-void FindNetworks(std::function<void(std::vector<NetworkInRange>)> take);
+// on another thread, with what is ready then: them, or what was thrown on the way. It throws
+// nothing itself.
+void FindNetworks(std::function<void(std::future<std::vector<NetworkInRange>>)> take);
 
 }  // namespace Driverless

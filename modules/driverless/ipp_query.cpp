@@ -10,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <condition_variable>
+#include <future>
 #include <mutex>
 #include <optional>
 #include <string_view>
@@ -374,35 +375,19 @@ bool IppQuery::IsSent() const {
     return state->IsSent();
 }
 
-namespace {
-
-// What a question and who waits for it have in common.
-struct Waiting {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::optional<IppAnswer> answer;
-};
-
-}  // namespace
-
 IppAnswer AskInTime(const Printer& printer, milliseconds patience, IppQuestion question) {
     const auto deadline = Clock::now() + patience;
     const auto query = std::make_shared<IppQuery>(printer, deadline, std::move(question));
-    const auto waiting = std::make_shared<Waiting>();
-    std::thread([query, waiting] {
-        IppAnswer answer = query->Run();
-        const std::lock_guard lock(waiting->mutex);
-        waiting->answer = std::move(answer);
-        waiting->changed.notify_all();
-    }).detach();
-    std::unique_lock lock(waiting->mutex);
-    if (!waiting->changed.wait_until(lock, deadline, [&] { return waiting->answer.has_value(); })) {
-        query->Abort();
-        IppAnswer none;
-        none.sent = query->IsSent();
-        return none;
+    std::packaged_task<IppAnswer()> run([query] { return query->Run(); });
+    auto answer = run.get_future();
+    std::thread(std::move(run)).detach();
+    if (answer.wait_until(deadline) == std::future_status::ready) {
+        return answer.get();
     }
-    return *std::move(waiting->answer);
+    query->Abort();
+    IppAnswer none;
+    none.sent = query->IsSent();
+    return none;
 }
 
 bool AcceptsConnection(const Printer& printer, milliseconds patience) {

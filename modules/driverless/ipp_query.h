@@ -63,7 +63,8 @@ private:
     std::unique_ptr<State> state;
 };
 
-// Runs a query and comes back no later than its patience allows.
+// Runs a query and comes back no later than its patience allows. Throws what the query throws (out
+// of memory).
 IppAnswer AskInTime(const Printer& printer, std::chrono::milliseconds patience,
                     IppQuestion question = {});
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <future>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -34,17 +35,17 @@ class NetworkScan::Inbox {
 public:
     using Networks = std::vector<NetworkInRange>;
 
-    void Put(Networks found) {
+    void Put(std::future<Networks> found) {
         const std::lock_guard lock(mutex);
         networks = std::move(found);
         changed.notify_all();
     }
 
-    // What the look gave; nothing when the inbox was closed.
+    // What the look gave; nothing when the inbox was closed. Throws what the look threw.
     std::optional<Networks> Take() {
         std::unique_lock lock(mutex);
-        changed.wait(lock, [this] { return closed || networks.has_value(); });
-        return closed ? std::nullopt : std::exchange(networks, std::nullopt);
+        changed.wait(lock, [this] { return closed || networks.valid(); });
+        return closed ? std::nullopt : std::optional(networks.get());
     }
 
     // False when the inbox was closed meanwhile.
@@ -62,7 +63,7 @@ public:
 private:
     std::mutex mutex;
     std::condition_variable changed;
-    std::optional<Networks> networks;
+    std::future<Networks> networks;
     bool closed = false;
 };
 
@@ -76,7 +77,7 @@ int NetworkScan::Run() {
     const auto box = inbox;
     do {
         const auto current = CurrentNetwork(kPatienceForCurrent);
-        FindNetworks([box](std::vector<NetworkInRange> found) { box->Put(std::move(found)); });
+        FindNetworks([box](auto found) { box->Put(std::move(found)); });
         const auto networks = inbox->Take();
         if (!networks) {
             return kOk;

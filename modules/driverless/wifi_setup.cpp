@@ -40,12 +40,11 @@ std::chrono::seconds JoinLimit() {
 }
 
 bool SeesNetworks() {
-    const auto answer = std::make_shared<std::promise<bool>>();
-    std::future<bool> seen = answer->get_future();
-    FindNetworks([answer](const std::vector<NetworkInRange>& networks) {
-        answer->set_value(!networks.empty());
-    });
-    return seen.wait_for(kScanPatience) == std::future_status::ready && seen.get();
+    using Networks = std::vector<NetworkInRange>;
+    const auto answer = std::make_shared<std::promise<std::future<Networks>>>();
+    auto seen = answer->get_future();
+    FindNetworks([answer](std::future<Networks> found) { answer->set_value(std::move(found)); });
+    return seen.wait_for(kScanPatience) == std::future_status::ready && !seen.get().get().empty();
 }
 
 // Whether the host is known to have left the network. One whose Wi-Fi is off or has ended is joined

@@ -1,0 +1,125 @@
+// Memory that runs out on the threads on which the module asks others.
+
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <future>
+#include <new>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "VendorSdk/entry_points.h"
+#include "host_wifi.h"
+#include "ipp_query.h"
+#include "results.h"
+
+VENDORSDK_EXPORT(IsConnectCurrentWifiAP);
+
+namespace {
+
+std::atomic<bool> onlyForCaller{false};
+thread_local bool isCaller = false;
+
+void* AllocateOrThrow(std::size_t size) {
+    void* const memory = onlyForCaller && !isCaller ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+}  // namespace
+
+// In place of the library's own, for the whole program.
+
+void* operator new(std::size_t size) {
+    return AllocateOrThrow(size);
+}
+void* operator new[](std::size_t size) {
+    return AllocateOrThrow(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace Driverless {
+namespace {
+
+using std::chrono::milliseconds;
+
+// While one of these lives, no other thread is given memory.
+class MemoryForCaller {
+public:
+    MemoryForCaller() {
+        isCaller = true;
+        onlyForCaller = true;
+    }
+    ~MemoryForCaller() { onlyForCaller = false; }
+    MemoryForCaller(const MemoryForCaller&) = delete;
+    MemoryForCaller& operator=(const MemoryForCaller&) = delete;
+};
+
+// Accepts connections and says nothing.
+class Listener {
+public:
+    Listener() {
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), size), 0);
+        EXPECT_EQ(listen(listener, 1), 0);
+        EXPECT_EQ(getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
+    }
+    ~Listener() { close(listener); }
+    std::uint16_t Port() const { return ntohs(address.sin_port); }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+private:
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+};
+
+class WithoutMemory : public testing::Test {
+protected:
+    WithoutMemory() { setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus", 1); }
+};
+
+TEST_F(WithoutMemory, TheHostsNetworkIsNotFoundAndTheCallerIsToldWhy) {
+    const MemoryForCaller memory;
+    EXPECT_EQ(IsConnectCurrentWifiAP(), kNoResources);
+}
+
+TEST_F(WithoutMemory, ALookAtTheNetworksEndsAndSaysWhy) {
+    std::promise<std::future<std::vector<NetworkInRange>>> taken;
+    const MemoryForCaller memory;
+    FindNetworks([&](auto found) { taken.set_value(std::move(found)); });
+    EXPECT_THROW(taken.get_future().get().get(), std::bad_alloc);
+}
+
+TEST_F(WithoutMemory, AQuestionToAPrinterEndsAndTheCallerIsToldWhy) {
+    const Listener listener;
+    Printer printer;
+    printer.address = printer.host = "127.0.0.1";
+    printer.port = listener.Port();
+    const MemoryForCaller memory;
+    EXPECT_THROW(AskInTime(printer, milliseconds(2000)), std::bad_alloc);
+}
+
+}  // namespace
+}  // namespace Driverless
