@@ -5,6 +5,7 @@
 #include <future>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -75,15 +76,17 @@ NetworkScan::~NetworkScan() = default;
 int NetworkScan::Run() {
     OfferedNetworks offered;
     const auto box = inbox;
+    std::string current;  // the last that was known
     do {
-        const auto current = CurrentNetwork(kPatienceForCurrent);
+        if (auto network = CurrentNetwork(kPatienceForCurrent)) {
+            current = std::move(network->name);
+        }
         FindNetworks([box](auto found) { box->Put(std::move(found)); });
         const auto networks = inbox->Take();
         if (!networks) {
             return kOk;
         }
-        for (const auto& network :
-             offered.Take(*networks, current ? current->name : std::string())) {
+        for (const auto& network : offered.Take(*networks, current)) {
             Report(network);
         }
     } while (inbox->Sleep(kPause));

@@ -519,8 +519,8 @@ class OtherPrinters(SetUpTest):
 
 
 class NetworksInRange(SetUpTest):
-    def begin(self, **options):
-        self.have_wifi()
+    def begin(self, joined=OWN_NETWORK, **options):
+        self.have_wifi(joined)
         self.wifi.have_network("HomeNet", 80)
         self.wifi.have_network(NAME, 60, 0)
         self.wifi.have_network("DIRECT-b2-Camera", 70)
@@ -551,6 +551,19 @@ class NetworksInRange(SetUpTest):
         self.wifi.set_signal(NAME, 30)
         self.wifi.have_network("Late", 20)
         self.assertEqual(sorted(self.networks(probe, 5)[2:]), [(NAME, 30), ("Late", 20)])
+        self.assertEqual(probe.result("stop"), OK)
+
+    def test_a_printers_own_is_not_reported_while_the_service_hangs_either(self):
+        probe = self.begin("Acme Setup")
+        probe.command("start")
+        expected = sorted([(NAME, 60), ("HomeNet", 80)])
+        self.assertEqual(sorted(self.networks(probe, 2)), expected)
+        self.wifi.process.send_signal(signal.SIGSTOP)
+        # The next look begins meanwhile, and is told too late what the host is joined to.
+        self.networks(probe, 3.5)
+        self.wifi.process.send_signal(signal.SIGCONT)
+        self.wifi.set_signal("HomeNet", 60)
+        self.assertEqual(sorted(self.networks(probe, 4)), sorted([*expected, ("HomeNet", 60)]))
         self.assertEqual(probe.result("stop"), OK)
 
     def test_nothing_is_reported_after_the_stop(self):
