@@ -1,5 +1,6 @@
 // What waits for what in the access-point family: start and stop for each other, nothing else.
 
+#include <atomic>
 #include <chrono>
 #include <future>
 #include <optional>
@@ -34,14 +35,15 @@ protected:
 
     // The scan reports on and on until it is stopped.
     static void AwaitAnotherReport() {
-        const std::size_t before = Application::NetworkReports().size();
+        const long before = reports;
         const auto giveUp = std::chrono::steady_clock::now() + 30s;
-        while (Application::NetworkReports().size() == before) {
+        while (reports == before) {
             ASSERT_LT(std::chrono::steady_clock::now(), giveUp);
             std::this_thread::yield();
         }
     }
 
+    static inline std::atomic<long> reports{0};
     std::optional<ScriptedModule> alpha;
 };
 
@@ -112,14 +114,15 @@ TEST_F(NetConnLocking, ReportsRaceWithStartAndStop) {
     alpha->AddNetwork(VendorNetworkOf("office"));
     alpha->Script("threads 3\nrepeat 0\nuntil-stopped");
     RecordingLog::Discard();
+    static const auto count = [](const WifiConfigInfo*) { return static_cast<int>(++reports); };
     for (int round = 0; round < 50; ++round) {
-        ASSERT_EQ(It().StartAPWifiScan({Application::OnNetwork, round}), 0);
+        ASSERT_EQ(It().StartAPWifiScan({count, round}), 0);
         alpha->AwaitCalls("StartAPWifiScan", static_cast<std::size_t>(round) + 1);
         AwaitAnotherReport();
         ASSERT_EQ(It().StopAPWifiScan(), 0);
     }
     alpha->AwaitRunningScans(0);
-    EXPECT_GE(Application::NetworkReports().size(), 50u);
+    EXPECT_GE(reports, 50);
 }
 
 }  // namespace
