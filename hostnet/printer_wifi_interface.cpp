@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "DeviceDiscover/hostnet.h"
 #include "records/log_line.h"
@@ -32,7 +33,7 @@ void PrinterWifiInterface::QueryConnectedAP(std::wstring& ssid, std::wstring& ha
 }
 
 bool PrinterWifiInterface::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
-    return PrinterWifiAPI::GetInstance().ConnectAP(ssid, passPhrase);
+    return PrinterWifiAPI::GetInstance().ConnectAP(std::move(ssid), std::move(passPhrase));
 }
 
 void PrinterWifiInterface::GetSupList(std::vector<WlanInfoData>& networks) {

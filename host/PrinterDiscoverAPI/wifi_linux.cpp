@@ -305,7 +305,7 @@ private:
     // The adapter says it itself or, where it does not, the connection that it has.
     sdbus::ObjectPath ActiveAccessPoint(const std::string& adapter) const {
         const auto wireless = PropertiesUnlessGone(adapter, kWireless).value_or(Properties());
-        const auto own = ValueOr(wireless, "ActiveAccessPoint", kNoObject);
+        auto own = ValueOr(wireless, "ActiveAccessPoint", kNoObject);
         if (own != kNoObject) {
             return own;
         }
