@@ -169,7 +169,7 @@ there. Should one fail, it says what to do. Ctrl-C ends it between and within
 steps. With --json each step is an object when it starts and when it ends.
 
 Exit status: 0 the printer was found on the network, 1 a step failed or was
-interrupted, 2 wrong arguments or a pass phrase that cannot be one, 3 could not
+interrupted, 2 wrong arguments or a pass phrase that does not fit a record, 3 could not
 run: no vendor that could do it, or a file that cannot be read.
 )";
 
