@@ -169,8 +169,8 @@ there. Should one fail, it says what to do. Ctrl-C ends it between and within
 steps. With --json each step is an object when it starts and when it ends.
 
 Exit status: 0 the printer was found on the network, 1 a step failed or was
-interrupted, 2 wrong arguments or a pass phrase that does not fit a record, 3 could not
-run: no vendor that could do it, or a file that cannot be read.
+interrupted, 2 wrong arguments or a pass phrase too long for a printer's record,
+3 could not run: no vendor that could do it, or a file that cannot be read.
 )";
 
 }  // namespace App::Help
