@@ -106,7 +106,8 @@ bool HostScript::Apply(const std::string& line) {
 }
 
 void HostScript::Play(const std::string& call) const {
-    static const std::string path = Environment("SCRIPTED_HOST_RECORD");
+    // Never destroyed: a thread that the program left behind may still be here at its end.
+    static const std::string& path = *new std::string(Environment("SCRIPTED_HOST_RECORD"));
     static std::mutex& mutex = *new std::mutex;
     if (!path.empty()) {
         const std::lock_guard lock(mutex);
