@@ -8,7 +8,8 @@ include(CMakePackageConfigHelpers)
 set(PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/DeviceDiscover)
 set(HEADER_FOLDER ${CMAKE_INSTALL_INCLUDEDIR}/devicediscover)
 
-install(TARGETS DeviceDiscover LogHelper PrinterDiscoverAPI PrinterUtil EXPORT DeviceDiscoverTargets
+install(TARGETS DeviceDiscover LogHelper PrinterAdapter PrinterDiscoverAPI PrinterUtil
+    EXPORT DeviceDiscoverTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -25,4 +25,21 @@ int RefuseCopy(void* destination, std::size_t capacity, const void* source) {
     return Fail(source == nullptr ? kInvalidArgument : kOutOfRange);
 }
 
+int BoundedText(char* destination, std::size_t capacity, const char* text) {
+    if (destination == nullptr || capacity == 0) {
+        return Fail(kInvalidArgument);
+    }
+    if (text == nullptr) {
+        destination[0] = '\0';
+        return Fail(kInvalidArgument);
+    }
+    const std::size_t length = std::strlen(text);
+    if (length >= capacity) {
+        destination[0] = '\0';
+        return Fail(kOutOfRange);
+    }
+    std::memcpy(destination, text, length + 1);
+    return 0;
+}
+
 }  // namespace Broker

@@ -29,4 +29,16 @@ int BoundedCopy(char (&destination)[Width], const char (&source)[Width]) {
     return BoundedCopy(destination, Width, source, Width);
 }
 
+// Copies a text and its terminator into a field of `capacity` bytes, with the contract of strcpy_s:
+//   - a null `destination` or no `capacity`: 22 (EINVAL), nothing written;
+//   - a `text` that fits with its terminator is copied, 0;
+//   - else the field becomes empty: 22 (EINVAL) for a null `text`, 34 (ERANGE) for one too long.
+// On failure errno holds the same value.
+int BoundedText(char* destination, std::size_t capacity, const char* text);
+
+template <std::size_t Width>
+int BoundedText(char (&destination)[Width], const char* text) {
+    return BoundedText(destination, Width, text);
+}
+
 }  // namespace Broker

@@ -25,6 +25,18 @@ std::string_view Digits(Number value, char (&room)[Size]) {
 }
 
 template <std::size_t Size>
+std::string_view Digits(Hex hex, char (&room)[Size]) {
+    constexpr int base = 16;
+    const auto [end, error] =
+        std::to_chars(room, room + Size, static_cast<std::uint32_t>(hex.value), base);
+    return {room, error == std::errc() ? static_cast<std::size_t>(end - room) : 0};
+}
+
+std::wostream& operator<<(std::wostream& stream, Hex hex) {
+    return stream << std::hex << hex.value << std::dec;
+}
+
+template <std::size_t Size>
 std::string_view Digits(float value, char (&room)[Size]) {
     if (!std::isfinite(value)) {
         return {};

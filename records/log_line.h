@@ -10,9 +10,14 @@
 
 namespace Broker {
 
+// A number that is written in hexadecimal: small letters, no prefix, no padding.
+struct Hex {
+    std::int32_t value;
+};
+
 // What the text of a log line is made of.
 using LogPiece =
-    std::variant<std::string_view, std::wstring_view, std::int32_t, std::uint64_t, float>;
+    std::variant<std::string_view, std::wstring_view, std::int32_t, std::uint64_t, float, Hex>;
 
 // Logs the pieces, one directly behind the other, and the location in parentheses. Narrow text is
 // widened byte by byte through the stream's locale, never decoded. Throws only when the stream

@@ -4,5 +4,8 @@
 
 #include "DeviceDiscover/hostnet.h"
 #include "DeviceDiscover/netconn.h"
+#include "DeviceDiscover/printer_sdk.h"
 #include "DeviceDiscover/records.h"
 #include "DeviceDiscover/scan.h"
+#include "DeviceDiscover/usb.h"
+#include "DeviceDiscover/xml.h"

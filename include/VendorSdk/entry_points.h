@@ -65,7 +65,7 @@ using GetDeviceInfoByNetFunction = int(DeviceInfo* device);
 // Whether the host is joined to the access point of one of this vendor's printers. 0: yes.
 using IsConnectCurrentWifiAPFunction = int();
 
-// --- USB (not called yet) ------------------------------------------------------------------------
+// --- USB ----------------------------------------------------------------------------------------
 
 // Writes the records of the attached printers of that product and vendor id to `devices`, which has
 // room for 64, and their number to `count`, which is 0 at first. 0: success.

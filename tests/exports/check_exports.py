@@ -29,10 +29,19 @@ SIZED = [
     "PrinterDeviceDiscoverSdk::DiscoverScanInterface",
     "PrinterDeviceDiscoverSdk::NetConnInterface", "PrinterDeviceDiscoverSdk::NetConnInterfaceItem",
     "PrinterDeviceDiscoverSdk::NetConnInterfaceListener",
-    "PrinterDeviceDiscoverSdk::DiscoverNetConnInterface", "DeviceDiscover::PrinterNetInterface",
-    "DeviceDiscover::PrinterWifiInterface", "PrinterDiscoverAPI::PingReply",
-    "PrinterWifiApiStruct::WlanInfoData", "VendorInfo",
+    "PrinterDeviceDiscoverSdk::DiscoverNetConnInterface",
+    "PrinterDeviceDiscoverSdk::UsbConnInterface",
+    "PrinterDeviceDiscoverSdk::UsbConnInterface::VendorEntry",
+    "PrinterDeviceDiscoverSdk::UsbInterfaceMonitor",
+    "PrinterDeviceDiscoverSdk::DiscoverUsbInterface", "PrinterDeviceDiscoverSdk::DeviceUsbInfo",
+    "DeviceDiscover::PrinterNetInterface", "DeviceDiscover::PrinterWifiInterface",
+    "PrinterSdk::PrinterProperty", "PrinterSdk::IPrinterAdapter", "KzXmlElement", "KzXmlAttribute",
+    "KzXMLDocument", "PrinterDiscoverAPI::DeviceStateChangeCallbackInfo",
+    "PrinterDiscoverAPI::PingReply", "PrinterWifiApiStruct::WlanInfoData", "VendorInfo",
 ]
+
+# Declared in a class that the library exports, but provided by one of the application's libraries.
+OF_THE_APPLICATION = {"?GetInstance@IPrinterAdapter@PrinterSdk@@SAAEAV12@XZ"}
 
 
 def run(*command):
@@ -134,8 +143,10 @@ def msvc_names(source):
         tree = json.loads(clang(source, "-fsyntax-only", "-Xclang", "-ast-dump=json", probe))
         code = clang(source, "-S", "-emit-llvm", "-o", "-", probe)
     sizes = dict(re.findall(r"@size_(\d+) = .*constant i64 (\d+)", code))
-    names = sorted(set(exported_functions(tree)))
-    names += [f"import {name}" for name in sorted(set(imported_functions(tree)))]
+    exported = set(exported_functions(tree))
+    imported = set(imported_functions(tree)) | exported & OF_THE_APPLICATION
+    names = sorted(exported - OF_THE_APPLICATION)
+    names += [f"import {name}" for name in sorted(imported)]
     return names + [f"sizeof {name} {sizes[str(number)]}" for number, name in enumerate(SIZED)]
 
 

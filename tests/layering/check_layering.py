@@ -25,6 +25,8 @@ MAY_INCLUDE = {
     "sdk": BROKER + ["vendor/"],
     "host/LogHelper": ["platform/", "host/common/"],
     "host/PrinterUtil": ["platform/", "host/common/"],
+    # The interface that the adapter implements.
+    "host/PrinterAdapter": ["platform/", "host/common/", "include/DeviceDiscover/printer_sdk.h"],
     "host": ["platform/"],
     "modules/driverless": ["include/VendorSdk/", "platform/PrinterDiscoverAPI/"],
     "modules": ["include/VendorSdk/"],

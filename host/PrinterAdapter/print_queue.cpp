@@ -1,0 +1,53 @@
+#include "host/PrinterAdapter/print_queue.h"
+
+#include <string_view>
+
+#include "host/PrinterAdapter/device_id.h"
+#include "host/PrinterAdapter/device_uri.h"
+#include "host/PrinterAdapter/port_kind.h"
+#include "host/common/utf8.h"
+
+namespace PrinterAdapter {
+
+namespace {
+
+std::string FirstOf(const std::string& one, const std::string& other) {
+    return one.empty() ? other : one;
+}
+
+std::string WithoutUrn(const std::string& uuid) {
+    constexpr std::string_view kUrn = "urn:uuid:";
+    return uuid.starts_with(kUrn) ? uuid.substr(kUrn.size()) : uuid;
+}
+
+}  // namespace
+
+PrinterSdk::PrinterProperty PrinterOf(const PrintQueue& queue) {
+    const DeviceUri uri = ReadDeviceUri(queue.deviceUri);
+    DeviceId id = ReadDeviceId(queue.deviceId);
+    const std::int32_t connectType = ConnectTypeOfScheme(uri.scheme);
+    if (connectType == PrinterSdk::kConnectTypeUsb) {
+        id.serialNumber = FirstOf(id.serialNumber, uri.Parameter("serial"));
+        id.manufacturer = FirstOf(id.manufacturer, uri.host);
+        id.model = FirstOf(id.model, uri.path);
+    } else if (connectType == PrinterSdk::kConnectTypeWlan) {
+        const std::string uuid = FirstOf(uri.Parameter("uuid"), queue.uuid);
+        id.serialNumber = FirstOf(id.serialNumber, WithoutUrn(uuid));
+    }
+    PrinterSdk::PrinterProperty printer;
+    printer.name = Host::FromUtf8(queue.name);
+    printer.description = Host::FromUtf8(queue.description);
+    printer.deviceUri = Host::FromUtf8(queue.deviceUri);
+    printer.portName =
+        Host::FromUtf8(connectType == PrinterSdk::kConnectTypeWlan ? uri.host : uri.scheme);
+    printer.serialNumber = Host::FromUtf8(id.serialNumber);
+    printer.modelID = Host::FromUtf8(id.model);
+    printer.manufacturer = Host::FromUtf8(id.manufacturer);
+    printer.location = Host::FromUtf8(queue.location);
+    printer.driverName = Host::FromUtf8(queue.driverName);
+    printer.connectType = connectType;
+    printer.state = Host::FromUtf8(queue.state);
+    return printer;
+}
+
+}  // namespace PrinterAdapter

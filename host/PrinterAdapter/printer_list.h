@@ -1,0 +1,16 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/PrinterAdapter/PrinterListProvider.h"
+
+namespace PrinterAdapter {
+
+// The printers that are installed on the host. Appends none, and logs why, when the spooler does
+// not tell; takes no longer than kSpoolerTime.
+class PrinterList : public PrinterSdk::PrinterListProvider {
+public:
+    void GetPrinterList(std::vector<PrinterSdk::PrinterProperty>& printers) override;
+};
+
+}  // namespace PrinterAdapter

@@ -1,0 +1,28 @@
+#include "host/PrinterDiscoverAPI/usb_event_queue.h"
+
+namespace PrinterDiscoverAPI {
+
+void UsbEventQueue::Put(const UsbEvent& event) {
+    const std::lock_guard lock(mutex);
+    events.push_back(event);
+    changed.notify_one();
+}
+
+UsbEvent UsbEventQueue::Wait() {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [this] { return interrupted || !events.empty(); });
+    if (interrupted) {
+        return {UsbEvent::Kind::interrupted, {}};
+    }
+    const UsbEvent event = events.front();
+    events.pop_front();
+    return event;
+}
+
+void UsbEventQueue::Interrupt() {
+    const std::lock_guard lock(mutex);
+    interrupted = true;
+    changed.notify_one();
+}
+
+}  // namespace PrinterDiscoverAPI

@@ -1,0 +1,274 @@
+#include <libudev.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <system_error>
+
+#include "host/PrinterDiscoverAPI/diagnostics.h"
+#include "host/PrinterDiscoverAPI/usb_manager.h"
+#include "host/common/utf8.h"
+
+namespace PrinterDiscoverAPI {
+
+namespace {
+
+constexpr std::string_view kPrinterClass = "7/";      // of INTERFACE, class/subclass/protocol
+constexpr std::string_view kPrinterClassFile = "07";  // of bInterfaceClass
+constexpr int kReceiveBuffer = 4 * 1024 * 1024;
+constexpr int kReopenMilliseconds = 200;
+constexpr int kScans = 5;
+
+template <class Object, Object* (*Release)(Object*)>
+struct Unref {
+    void operator()(Object* object) const { Release(object); }
+};
+using Context = std::unique_ptr<udev, Unref<udev, udev_unref>>;
+using Device = std::unique_ptr<udev_device, Unref<udev_device, udev_device_unref>>;
+using Enumeration = std::unique_ptr<udev_enumerate, Unref<udev_enumerate, udev_enumerate_unref>>;
+using Monitor = std::unique_ptr<udev_monitor, Unref<udev_monitor, udev_monitor_unref>>;
+
+std::string SystemMessage(int error) {
+    return std::system_category().message(error);
+}
+
+std::string_view TextOf(const char* text) {
+    return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+bool IsPrinterInterface(udev_device* device) {
+    if (TextOf(udev_device_get_devtype(device)) != "usb_interface") {
+        return false;
+    }
+    const std::string_view numbers = TextOf(udev_device_get_property_value(device, "INTERFACE"));
+    if (!numbers.empty()) {
+        return numbers.starts_with(kPrinterClass);
+    }
+    return TextOf(udev_device_get_sysattr_value(device, "bInterfaceClass")) == kPrinterClassFile;
+}
+
+// A number in hexadecimal digits, which `end` must follow.
+std::optional<unsigned> HexNumber(const char* text, char end, const char** after = nullptr) {
+    if (text == nullptr || *text == '\0') {
+        return std::nullopt;
+    }
+    char* stop = nullptr;
+    const unsigned long number = std::strtoul(text, &stop, 16);
+    if (stop == text || *stop != end || number > 0xFFFF) {
+        return std::nullopt;
+    }
+    if (after != nullptr) {
+        *after = stop + 1;
+    }
+    return static_cast<unsigned>(number);
+}
+
+// The hardware identifier of an interface's device. An event brings it along; the files of a device
+// that has gone meanwhile cannot be read any more.
+std::optional<std::wstring> HardwareIdOf(udev_device* part) {
+    const char* product = udev_device_get_property_value(part, "PRODUCT");  // v/p/revision
+    std::optional<unsigned> vendorId = HexNumber(product, '/', &product);
+    std::optional<unsigned> productId;
+    if (vendorId) {
+        productId = HexNumber(product, '/');
+    } else if (udev_device* device =
+                   udev_device_get_parent_with_subsystem_devtype(part, "usb", "usb_device")) {
+        vendorId = HexNumber(udev_device_get_sysattr_value(device, "idVendor"), '\0');
+        productId = HexNumber(udev_device_get_sysattr_value(device, "idProduct"), '\0');
+    }
+    if (!vendorId || !productId) {
+        return std::nullopt;
+    }
+    return UsbHardwareId(*vendorId, *productId);
+}
+
+// What is known of a printer interface; nothing for another device, or one that is gone.
+std::optional<UsbPrinter> PrinterOf(udev_device* device) {
+    if (!IsPrinterInterface(device)) {
+        return std::nullopt;
+    }
+    const std::optional<std::wstring> hardwareId = HardwareIdOf(device);
+    if (!hardwareId) {
+        return std::nullopt;
+    }
+    UsbPrinter printer;
+    printer.path = TextOf(udev_device_get_syspath(device));
+    const std::size_t slash = printer.path.rfind('/');
+    printer.devicePath = printer.path.substr(0, slash);
+    printer.hardwareId = *hardwareId;
+    // An interface is called bus-port.port:configuration.interface.
+    printer.bus = std::atoi(printer.path.c_str() + slash + 1);
+    return printer;
+}
+
+// The udev daemon passes an event on when its rules have been applied. Where no such daemon runs,
+// the kernel's own events say as much of what is there.
+const char* EventSource() {
+    return access("/run/udev/control", F_OK) == 0 ? "udev" : "kernel";
+}
+
+Monitor OpenMonitor(udev* context, std::string& problem) {
+    Monitor monitor(udev_monitor_new_from_netlink(context, EventSource()));
+    if (!monitor) {
+        problem = "no device events: " + SystemMessage(errno);
+        return nullptr;
+    }
+    // A smaller buffer only means more to list again after a storm of events.
+    udev_monitor_set_receive_buffer_size(monitor.get(), kReceiveBuffer);
+    for (const char* type : {"usb_interface", "usb_device"}) {
+        udev_monitor_filter_add_match_subsystem_devtype(monitor.get(), "usb", type);
+    }
+    const int result = udev_monitor_enable_receiving(monitor.get());
+    if (result < 0) {
+        problem = "no device events: " + SystemMessage(-result);
+        return nullptr;
+    }
+    return monitor;
+}
+
+// What is on USB now. A device that goes away meanwhile can spoil a scan; the next is without it.
+Enumeration UsbDevices(udev* context, std::string& problem) {
+    int result = 0;
+    for (int attempt = 0; attempt < kScans; ++attempt) {
+        Enumeration devices(udev_enumerate_new(context));
+        if (!devices) {
+            result = -errno;
+            break;
+        }
+        udev_enumerate_add_match_subsystem(devices.get(), "usb");
+        result = udev_enumerate_scan_devices(devices.get());
+        if (result >= 0) {
+            return devices;
+        }
+    }
+    problem = "the devices cannot be listed: " + SystemMessage(-result);
+    return nullptr;
+}
+
+class UdevEvents : public UsbEvents {
+public:
+    UdevEvents(Context&& freshContext, Monitor&& openMonitor)
+        : context(std::move(freshContext)),
+          monitor(std::move(openMonitor)),
+          wake(eventfd(0, EFD_CLOEXEC)) {
+        if (wake < 0) {
+            throw std::system_error(errno, std::system_category(), "eventfd");
+        }
+    }
+    ~UdevEvents() override { close(wake); }
+
+    UsbEvent Wait() override {
+        for (;;) {
+            if (!monitor) {
+                return Reopen();
+            }
+            std::array<pollfd, 2> files{pollfd{wake, POLLIN, 0},
+                                        pollfd{udev_monitor_get_fd(monitor.get()), POLLIN, 0}};
+            if (poll(files.data(), files.size(), -1) < 0) {
+                continue;
+            }
+            if (files[0].revents != 0) {
+                return {UsbEvent::Kind::interrupted, {}};
+            }
+            if (const std::optional<UsbEvent> event = Receive(files[1].revents)) {
+                return *event;
+            }
+        }
+    }
+
+    void Interrupt() override { eventfd_write(wake, 1); }
+
+private:
+    // The event that has come; nothing when it is about something else. A monitor that is broken,
+    // or that has dropped events, is closed.
+    std::optional<UsbEvent> Receive(short signs) {
+        errno = 0;
+        const Device device(udev_monitor_receive_device(monitor.get()));
+        if (!device) {
+            const bool dropped = errno != 0 && errno != EAGAIN && errno != EINTR;
+            if (dropped || (signs & ~POLLIN) != 0) {
+                const std::string reason = dropped ? SystemMessage(errno) : "they have ended";
+                Host::Report(LOG_LEVEL_WARNING,
+                             L"USB monitor: device events were missed: " + Host::FromUtf8(reason),
+                             L"PrinterUsbDeviceManager::StartMonitor");
+                monitor.reset();
+            }
+            return std::nullopt;
+        }
+        if (TextOf(udev_device_get_action(device.get())) == "remove") {
+            UsbPrinter gone;
+            gone.path = TextOf(udev_device_get_syspath(device.get()));
+            return UsbEvent{UsbEvent::Kind::removed, gone};
+        }
+        if (const std::optional<UsbPrinter> printer = PrinterOf(device.get())) {
+            return UsbEvent{UsbEvent::Kind::added, *printer};
+        }
+        return std::nullopt;
+    }
+
+    UsbEvent Reopen() {
+        for (;;) {
+            pollfd file{wake, POLLIN, 0};
+            if (poll(&file, 1, kReopenMilliseconds) > 0) {
+                return {UsbEvent::Kind::interrupted, {}};
+            }
+            std::string problem;
+            monitor = OpenMonitor(context.get(), problem);
+            if (monitor) {
+                return {UsbEvent::Kind::missed, {}};
+            }
+        }
+    }
+
+    const Context context;
+    Monitor monitor;
+    const int wake;
+};
+
+}  // namespace
+
+bool ListUsbPrinters(std::vector<UsbPrinter>& printers, std::string& problem) {
+    const Context context(udev_new());
+    if (!context) {
+        problem = "the devices cannot be listed: " + SystemMessage(errno);
+        return false;
+    }
+    const Enumeration devices = UsbDevices(context.get(), problem);
+    if (!devices) {
+        return false;
+    }
+    for (udev_list_entry* entry = udev_enumerate_get_list_entry(devices.get()); entry != nullptr;
+         entry = udev_list_entry_get_next(entry)) {
+        const Device device(
+            udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)));
+        if (const auto printer = device ? PrinterOf(device.get()) : std::nullopt) {
+            printers.push_back(*printer);
+        }
+    }
+    return true;
+}
+
+std::unique_ptr<UsbEvents> UsbEvents::Open(std::string& problem) {
+    Context context(udev_new());
+    if (!context) {
+        problem = "no device events: " + SystemMessage(errno);
+        return nullptr;
+    }
+    Monitor monitor = OpenMonitor(context.get(), problem);
+    if (!monitor) {
+        return nullptr;
+    }
+    return std::make_unique<UdevEvents>(std::move(context), std::move(monitor));
+}
+
+bool OtherThreadsAreGone() {
+    return false;
+}
+
+}  // namespace PrinterDiscoverAPI

@@ -1,0 +1,164 @@
+#include "host/PrinterDiscoverAPI/usb_monitor.h"
+
+#include <exception>
+#include <utility>
+
+#include "host/PrinterDiscoverAPI/diagnostics.h"
+#include "host/common/utf8.h"
+
+namespace PrinterDiscoverAPI {
+
+namespace {
+
+constexpr int kStarted = 0;
+constexpr int kNotStarted = -1;
+
+void LogProblem(const std::string& problem) {
+    Host::Report(LOG_LEVEL_ERROR, L"USB monitor: " + Host::FromUtf8(problem),
+                 L"PrinterUsbDeviceManager::StartMonitor");
+}
+
+void Report(const DeviceStateChangeCallbackInfo& registration, const UsbChange& change) {
+    // What an exception would end is the process.
+    try {
+        registration.callback(kUsbPrinterClass, change.state, change.hardwareId);
+    } catch (const std::exception& error) {
+        LogProblem(std::string("the callback failed: ") + error.what());
+    } catch (...) {
+        LogProblem("the callback failed");
+    }
+}
+
+}  // namespace
+
+UsbMonitor& UsbMonitor::GetInstance() {
+    static UsbMonitor& instance = *new UsbMonitor;
+    return instance;
+}
+
+int UsbMonitor::Start(const DeviceStateChangeCallbackInfo& info) {
+    if (info.callback == nullptr) {
+        LogProblem("there is no callback to report to");
+        return kNotStarted;
+    }
+    std::unique_lock lock(mutex);
+    if (!current) {
+        current = NewRun();
+        if (!current) {
+            return kNotStarted;
+        }
+    }
+    registration = info;
+    if (!IsInsideReport()) {
+        WaitForReport(lock);
+        WaitForRetired(lock);
+    }
+    return kStarted;
+}
+
+void UsbMonitor::Stop() {
+    if (OtherThreadsAreGone()) {
+        return;
+    }
+    std::unique_lock lock(mutex);
+    registration = {};
+    if (current) {
+        current->ended = true;
+        current->events->Interrupt();
+        retired.push_back(std::move(current));
+    }
+    if (!IsInsideReport()) {
+        WaitForReport(lock);
+        WaitForRetired(lock);
+    }
+}
+
+// A run that watches already; null, with the reason logged, when that cannot be had.
+std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun() {
+    std::string problem;
+    try {
+        const auto run = std::make_shared<Run>();
+        run->events = UsbEvents::Open(problem);
+        std::vector<UsbPrinter> present;
+        if (run->events && ListUsbPrinters(present, problem)) {
+            run->table.Replace(present);
+            run->thread = std::thread([this, run] { Watch(*run); });
+            return run;
+        }
+    } catch (const std::exception& error) {
+        problem = error.what();
+    }
+    LogProblem(problem);
+    return nullptr;
+}
+
+void UsbMonitor::Watch(Run& run) {
+    for (;;) {
+        const UsbEvent event = run.events->Wait();
+        if (event.kind == UsbEvent::Kind::interrupted) {
+            return;
+        }
+        for (const UsbChange& change : ChangesBy(run, event)) {
+            if (!Deliver(run, change)) {
+                return;
+            }
+        }
+    }
+}
+
+std::vector<UsbChange> UsbMonitor::ChangesBy(Run& run, const UsbEvent& event) {
+    if (event.kind == UsbEvent::Kind::added) {
+        return run.table.Add(event.printer);
+    }
+    if (event.kind == UsbEvent::Kind::removed) {
+        return run.table.Remove(event.printer.path);
+    }
+    std::vector<UsbPrinter> present;
+    std::string problem;
+    if (!ListUsbPrinters(present, problem)) {
+        LogProblem("events were missed, and " + problem);
+        return {};
+    }
+    return run.table.Replace(present);
+}
+
+// Reports one change; false when the run is over.
+bool UsbMonitor::Deliver(const Run& run, const UsbChange& change) {
+    std::unique_lock lock(mutex);
+    // A run that was ended from inside a report may still be delivering it.
+    reported.wait(lock, [this] { return reporter == std::thread::id(); });
+    if (run.ended) {
+        return false;
+    }
+    const DeviceStateChangeCallbackInfo now = registration;
+    reporter = std::this_thread::get_id();
+    lock.unlock();
+    Report(now, change);
+    lock.lock();
+    reporter = {};
+    ++reports;
+    reported.notify_all();
+    return !run.ended;
+}
+
+bool UsbMonitor::IsInsideReport() const {
+    return reporter == std::this_thread::get_id();
+}
+
+// Waits until the report that is being delivered has been.
+void UsbMonitor::WaitForReport(std::unique_lock<std::mutex>& lock) {
+    if (reporter != std::thread::id()) {
+        reported.wait(lock, [this, before = reports] { return reports != before; });
+    }
+}
+
+// Waits for the ends of the threads of runs that are over.
+void UsbMonitor::WaitForRetired(std::unique_lock<std::mutex>& lock) {
+    const std::vector<std::shared_ptr<Run>> over = std::exchange(retired, {});
+    lock.unlock();
+    for (const std::shared_ptr<Run>& run : over) {
+        run->thread.join();
+    }
+}
+
+}  // namespace PrinterDiscoverAPI

@@ -1,0 +1,75 @@
+#include "tests/host/printer_adapter/fake_spooler_linux.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+namespace PrinterAdapterTest {
+
+namespace {
+
+std::filesystem::path NewFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "spooler-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error("mkdtemp");
+    }
+    return name;
+}
+
+}  // namespace
+
+FakeSpooler::FakeSpooler(Serve serveConnection)
+    : serve(std::move(serveConnection)),
+      folder(NewFolder()),
+      listener(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    const std::string path = (folder / "socket").string();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    if (bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        listen(listener, 8) != 0) {
+        throw std::runtime_error("no socket at " + path);
+    }
+    setenv("CUPS_SERVER", path.c_str(), 1);
+    thread = std::thread([this] { Accept(); });
+}
+
+FakeSpooler::~FakeSpooler() {
+    isOver = true;
+    thread.join();
+    close(listener);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+}
+
+void FakeSpooler::Accept() {
+    while (!isOver) {
+        pollfd file{listener, POLLIN, 0};
+        if (poll(&file, 1, 20) > 0) {
+            const int connection = accept(listener, nullptr, nullptr);
+            serve(connection, isOver);
+            close(connection);
+        }
+    }
+}
+
+void ReadRequest(int connection) {
+    std::array<char, 4096> request{};
+    for (pollfd file{connection, POLLIN, 0}; poll(&file, 1, 50) > 0;) {
+        if (recv(connection, request.data(), request.size(), 0) <= 0) {
+            return;
+        }
+    }
+}
+
+void Send(int connection, const std::string& text) {
+    send(connection, text.data(), text.size(), MSG_NOSIGNAL);
+}
+
+}  // namespace PrinterAdapterTest

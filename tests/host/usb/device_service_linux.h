@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace UsbTest {
+
+// Sends events to whoever listens to the device service, over the kernel's own sockets.
+class DeviceService {
+public:
+    DeviceService();
+    ~DeviceService();
+    DeviceService(const DeviceService&) = delete;
+    DeviceService& operator=(const DeviceService&) = delete;
+
+    // Tells that an interface of that class came ("add") or went ("remove").
+    void Tell(const std::string& action, const std::string& interface,
+              unsigned interfaceClass = 7) const;
+
+private:
+    int socket;
+};
+
+}  // namespace UsbTest

@@ -1,0 +1,13 @@
+#include "platform/PrinterDiscoverAPI/PrinterUsbDeviceManager.h"
+
+// A library that stops the monitor when the process ends.
+
+namespace {
+
+struct Stop {
+    ~Stop() { PrinterDiscoverAPI::PrinterUsbDeviceManager::GetInstance().StopMonitor(); }
+};
+
+const Stop stop;
+
+}  // namespace

@@ -1,0 +1,253 @@
+#include <sstream>
+
+#include "DeviceDiscover/usb.h"
+#include "platform/PrinterUtil/PrinterUtil.h"
+#include "records/log_line.h"
+#include "vendor/table_gate.h"
+#include "vendor/vendor_call.h"
+#include "vendor/vendor_table.h"
+
+namespace PrinterDeviceDiscoverSdk {
+
+namespace {
+
+using Vendors = Broker::VendorTable<UsbConnInterface::VendorEntry>;
+
+constexpr std::int32_t kMostDevices = 64;
+constexpr std::int32_t kMostNetworks = 128;
+
+// Where a hardware identifier, VID_vvvv&PID_pppp, holds its numbers.
+constexpr std::size_t kVendorIdAt = 4;
+constexpr std::size_t kProductIdAt = 13;
+constexpr std::size_t kIdLength = 4;
+
+// The hexadecimal number at a place of the identifier; 0 when there is none.
+std::int32_t IdAt(const std::string& usbId, std::size_t position) {
+    std::istringstream digits(usbId.substr(position, kIdLength));
+    std::int32_t id = 0;
+    digits >> std::hex >> id;
+    return id;
+}
+
+// Whether a vendor's count says that records are there. One beyond the room it was given is no
+// count.
+bool IsUsable(std::int32_t count, std::int32_t most) {
+    return count >= 1 && count <= most;
+}
+
+// The printers that are plugged in are looked up on threads that nobody waits for.
+Broker::TableGate gate;
+
+// The enumeration of the vendor that lists the identifier; null, with the reason logged, when there
+// is none.
+VendorSdk::GetDeviceInfoByUsbFunction* FindEnumeration(
+    const std::map<std::string, std::string>& usbIdMap, const Vendors& vendors,
+    const std::string& usbId, const Broker::Location& where) {
+    const auto product = usbIdMap.find(usbId);
+    if (product == usbIdMap.end()) {
+        Broker::Log(LOG_LEVEL_WARNING, where, "call usb map find fail, err:");
+        return nullptr;
+    }
+    const auto vendor = vendors.find(product->second);
+    if (vendor == vendors.end()) {
+        Broker::Log(LOG_LEVEL_ERROR, where, "call Func map find fail, err:");
+        return nullptr;
+    }
+    if (vendor->second.pGetDeviceInfoByUsb == nullptr) {
+        Broker::Log(LOG_LEVEL_ERROR, where, "pFunc is nullptr, err:");
+    }
+    return vendor->second.pGetDeviceInfoByUsb;
+}
+
+// The entry point of the device's vendor; null, with the reason logged, when there is none.
+template <class Function>
+Function* FindFunction(const Vendors& vendors, const DeviceInfo& device,
+                       Function* UsbConnInterface::VendorEntry::*slot,
+                       const Broker::Location& where) {
+    Broker::Log(LOG_LEVEL_DEBUG, where, "modeid:", Broker::FieldText(device, device.modelID));
+    const auto vendor = Broker::FindVendor(vendors, device, where);
+    if (vendor == vendors.end()) {
+        return nullptr;
+    }
+    Function* const function = vendor->second.*slot;
+    if (function == nullptr) {
+        Broker::Log(LOG_LEVEL_ERROR, where, "call pFunc is nullptr - fail:");
+    }
+    return function;
+}
+
+void AppendDevices(std::vector<DeviceInfo>& devices, const VendorSdk::DeviceInfo* found,
+                   std::int32_t count, const Broker::Location& where) {
+    for (std::int32_t i = 0; i < count; ++i) {
+        DiscoverBasic::GetDiscoverDeviceInfo(found[i], devices.emplace_back());
+        Broker::Log(LOG_LEVEL_WARNING, where, "STEP.....add");
+    }
+}
+
+void AppendNetworks(std::vector<WifiConfigInfo>& networks, const VendorSdk::WifiConfigInfo* found,
+                    std::int32_t count, const Broker::Location& where) {
+    for (std::int32_t i = 0; i < count; ++i) {
+        WifiConfigInfo network{};
+        Broker::Log(LOG_LEVEL_WARNING, where, "STEP...add1");
+        DiscoverBasic::GetDiscoverWifoConfigInfo(found[i], network);
+        Broker::Log(LOG_LEVEL_WARNING, where, "STEP.....add2");
+        Broker::Log(LOG_LEVEL_WARNING, where, "STEP.....add2 ", std::uint64_t{networks.size()});
+        networks.push_back(network);
+        Broker::Log(LOG_LEVEL_WARNING, where, "STEP.....add3");
+        Broker::Log(LOG_LEVEL_WARNING, where, "ssid", Broker::FieldText(network, network.ssid));
+    }
+}
+
+}  // namespace
+
+UsbConnInterface& UsbConnInterface::GetInstance() {
+    static UsbConnInterface instance;
+    return instance;
+}
+
+UsbConnInterface::UsbConnInterface() {
+    initialised = Broker::BindFirst([this] { return GetDeviceFunc() && GetUsbItemMap(); },
+                                    [this] { UnInit(); });
+}
+
+UsbConnInterface::~UsbConnInterface() {
+    gate.Close();
+    initialised = false;
+    UnInit();
+}
+
+bool UsbConnInterface::Init() {
+    const bool bound = GetDeviceFunc() && GetUsbItemMap();
+    if (bound) {
+        initialised = true;
+    }
+    return bound;
+}
+
+bool UsbConnInterface::GetDeviceFunc() {
+    return Broker::BindVendors(vendors, &VendorInfo::vendorName,
+                               Broker::kUsbEntryPoints<VendorEntry>, HERE);
+}
+
+bool UsbConnInterface::GetUsbItemMap() {
+    const std::vector<VendorInfo> supported = Broker::SupportedVendors(HERE);
+    for (const VendorInfo& vendor : supported) {
+        std::vector<std::string> usbIds;
+        if (!split(vendor.usbIdList, usbIds) || usbIds.empty()) {
+            return false;
+        }
+        for (const std::string& usbId : usbIds) {
+            usbIdMap.emplace(usbId, vendor.productId);
+        }
+    }
+    return !supported.empty();
+}
+
+void UsbConnInterface::UnInit() {
+    Broker::ReleaseVendors(vendors);
+}
+
+// Only the blank separates: a tab belongs to its piece.
+bool UsbConnInterface::split(const std::string& text, std::vector<std::string>& pieces) {
+    if (text.empty()) {
+        return false;
+    }
+    auto begin = text.find_first_not_of(' ');
+    while (begin != std::string::npos) {
+        const auto end = text.find(' ', begin);
+        pieces.push_back(text.substr(begin, end - begin));
+        begin = text.find_first_not_of(' ', end);
+    }
+    return true;
+}
+
+int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::wstring deviceId) {
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP1");
+    std::string usbId;
+    VendorSdk::GetDeviceInfoByUsbFunction* getDevices = nullptr;
+    {
+        const Broker::TableUse tables(gate);
+        if (!tables || !initialised) {
+            return Broker::NotInitialised(HERE);
+        }
+        Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP2");
+        Broker::Log(LOG_LEVEL_WARNING, HERE, "deviceID:", deviceId);
+        usbId = PrinterUtil::WStringToString(deviceId);
+        Broker::Log(LOG_LEVEL_DEBUG, HERE, "usbId:", usbId.c_str());
+        getDevices = FindEnumeration(usbIdMap, vendors, usbId, HERE);
+    }
+    if (getDevices == nullptr) {
+        return Broker::kNothingToCall;
+    }
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP3");
+    const std::int32_t vendorId = IdAt(usbId, kVendorIdAt);
+    const std::int32_t productId = IdAt(usbId, kProductIdAt);
+    Broker::Log(LOG_LEVEL_DEBUG, HERE, "pid:", Broker::Hex{productId}, "vid",
+                Broker::Hex{vendorId});
+    VendorSdk::DeviceInfo found[kMostDevices];
+    std::int32_t count = 0;
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP4");
+    const int result = getDevices(static_cast<std::uint16_t>(productId),
+                                  static_cast<std::uint16_t>(vendorId), found, &count);
+    if (result != 0) {
+        Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func Fail", result);
+    } else {
+        Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK", count);
+        if (IsUsable(count, kMostDevices)) {
+            AppendDevices(devices, found, count, HERE);
+        }
+        Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP5");
+    }
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP6", std::uint64_t{devices.size()});
+    return result;
+}
+
+int UsbConnInterface::GetUSBWifiScan(const DeviceInfo& device,
+                                     std::vector<WifiConfigInfo>& networks, int option) {
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP1");
+    if (!initialised) {
+        return Broker::NotInitialised(HERE);
+    }
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP2");
+    const auto scan = FindFunction(vendors, device, &VendorEntry::pGetUSBWifiScan, HERE);
+    if (scan == nullptr) {
+        return Broker::kNothingToCall;
+    }
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP3");
+    VendorSdk::WifiConfigInfo found[kMostNetworks];
+    std::int32_t count = 0;
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP4");
+    const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
+    const int result = scan(&vendorDevice, option, found, &count);
+    if (result != 0) {
+        Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func fail, err:", result);
+    } else {
+        Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK", count);
+        if (IsUsable(count, kMostNetworks)) {
+            AppendNetworks(networks, found, count, HERE);
+        }
+        Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP5");
+    }
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP6", std::uint64_t{networks.size()});
+    return result;
+}
+
+int UsbConnInterface::PrinterUSBNetConfigEvent(const DeviceInfo& device,
+                                               const WifiConfigInfo& network) {
+    if (!initialised) {
+        return Broker::NotInitialised(HERE);
+    }
+    const auto configure =
+        FindFunction(vendors, device, &VendorEntry::pPrinterUSBNetConfigEvent, HERE);
+    if (configure == nullptr) {
+        return Broker::kNothingToCall;
+    }
+    const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
+    VendorSdk::WifiConfigInfo vendorNetwork;
+    DiscoverBasic::GetVendorSdkWifoConfigInfo(network, vendorNetwork);
+    const int result =
+        Broker::Outcome(configure(&vendorDevice, &vendorNetwork), "call Func Fail", HERE);
+    return result == 0 ? 0 : Broker::kNothingToCall;
+}
+
+}  // namespace PrinterDeviceDiscoverSdk
