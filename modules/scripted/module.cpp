@@ -100,3 +100,26 @@ int IsConnectCurrentWifiAP() {
     const ScriptedVendor::Presence vendor;
     return vendor ? vendor->Answer("IsConnectCurrentWifiAP", nullptr, 0) : 0;
 }
+
+SCRIPTED_GetDeviceInfoByUsb(GetDeviceInfoByUsb);
+int GetDeviceInfoByUsb(std::uint16_t productId, std::uint16_t vendorId,
+                       VendorSdk::DeviceInfo* devices, std::int32_t* count) {
+    const ScriptedVendor::Presence vendor;
+    return vendor ? vendor->ListDevices({productId, vendorId, *count}, devices, count) : 0;
+}
+
+SCRIPTED_USBWifiScan(USBWifiScan);
+int USBWifiScan(const VendorSdk::DeviceInfo* device, std::int32_t option,
+                VendorSdk::WifiConfigInfo* networks, std::int32_t* count) {
+    const ScriptedVendor::Presence vendor;
+    return vendor ? vendor->ListNetworks({*device, option, *count}, device, networks, count) : 0;
+}
+
+SCRIPTED_PrinterUSBNetConfigEvent(PrinterUSBNetConfigEvent);
+int PrinterUSBNetConfigEvent(const VendorSdk::DeviceInfo* device,
+                             const VendorSdk::WifiConfigInfo* network) {
+    const ScriptedVendor::Presence vendor;
+    const ScriptedVendor::UsbNetConfig setting{*device, *network};
+    return vendor ? vendor->Answer("PrinterUSBNetConfigEvent", device, &setting, sizeof setting)
+                  : 0;
+}

@@ -167,6 +167,10 @@ constexpr Directive kDirectives[] = {
      [](Script& script, const Words& words) {
          script.delays[EntryPointName(words[1])] = std::chrono::milliseconds(Number(words[2], 0));
      }},
+    {"count", 3,
+     [](Script& script, const Words& words) {
+         script.counts[EntryPointName(words[1])] = Number(words[2]);
+     }},
     {"device", 8,
      [](Script& script, const Words& words) { script.devices.push_back(Device(words)); }},
     {"network", 4,

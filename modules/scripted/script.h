@@ -14,6 +14,7 @@ namespace ScriptedVendor {
 struct Script {
     std::map<std::string, int> results;
     std::map<std::string, std::chrono::milliseconds> delays;
+    std::map<std::string, int> counts;  // that are said to be written
     std::vector<VendorSdk::DeviceInfo> devices;
     std::vector<VendorSdk::WifiConfigInfo> networks;
     int threads = 1;  // that report at once

@@ -5,17 +5,36 @@
 // functions it returns. They may be called from any thread.
 
 #include <cstddef>
+#include <cstdint>
 
 #include "VendorSdk/entry_points.h"
 
 namespace ScriptedVendor {
 
+// The arguments of the USB entry points, put together.
+struct UsbEnumeration {
+    std::uint16_t productId;
+    std::uint16_t vendorId;
+    std::int32_t count;  // as it was when the call came
+};
+struct UsbWifiScan {
+    VendorSdk::DeviceInfo device;
+    std::int32_t option;
+    std::int32_t count;  // as it was when the call came
+};
+struct UsbNetConfig {
+    VendorSdk::DeviceInfo device;
+    VendorSdk::WifiConfigInfo network;
+};
+
 // One call that the module received.
 struct Call {
     const char* entryPoint;
-    const void* argument;  // the address of the argument record; null when there is none
-    std::size_t size;      // its bytes, as they were when the call came
-    unsigned char bytes[sizeof(VendorSdk::DeviceInfo)];
+    // The address of the argument record, of the room for records in an enumeration; null when
+    // there is none.
+    const void* argument;
+    std::size_t size;  // the record's bytes, as they were when the call came
+    unsigned char bytes[sizeof(UsbNetConfig)];
 };
 
 struct Control {

@@ -15,6 +15,8 @@ namespace ScriptedVendor {
 namespace {
 
 constexpr std::size_t kKeptCallbackResults = 10000;
+constexpr std::size_t kRoomForDevices = 64;
+constexpr std::size_t kRoomForNetworks = 128;
 
 std::string Environment(const char* name) {
     const char* const value = std::getenv(name);
@@ -51,11 +53,16 @@ Vendor::Vendor(const char* name)
 }
 
 int Vendor::Answer(const char* entryPoint, const void* argument, std::size_t size) {
+    return Answer(entryPoint, argument, argument, argument == nullptr ? 0 : size);
+}
+
+int Vendor::Answer(const char* entryPoint, const void* argument, const void* record,
+                   std::size_t size) {
     Call call{entryPoint, argument, size, {}};
-    if (argument != nullptr) {
-        std::memcpy(call.bytes, argument, size);
+    if (size > 0) {
+        std::memcpy(call.bytes, record, size);
     }
-    WriteRecord(std::string(entryPoint) + ' ' + Hex(call.bytes, argument == nullptr ? 0 : size));
+    WriteRecord(std::string(entryPoint) + ' ' + Hex(call.bytes, size));
     std::unique_lock lock(mutex);
     calls.push_back(call);
     changed.notify_all();
@@ -187,6 +194,30 @@ int Vendor::FillDevice(VendorSdk::DeviceInfo* device) {
         *device = script.devices.front();
     }
     return result;
+}
+
+int Vendor::ListDevices(const UsbEnumeration& question, VendorSdk::DeviceInfo* devices,
+                        std::int32_t* count) {
+    const int result = Answer("GetDeviceInfoByUsb", devices, &question, sizeof question);
+    List("GetDeviceInfoByUsb", &Script::devices, kRoomForDevices, devices, count);
+    return result;
+}
+
+int Vendor::ListNetworks(const UsbWifiScan& question, const VendorSdk::DeviceInfo* device,
+                         VendorSdk::WifiConfigInfo* networks, std::int32_t* count) {
+    const int result = Answer("USBWifiScan", device, &question, sizeof question);
+    List("USBWifiScan", &Script::networks, kRoomForNetworks, networks, count);
+    return result;
+}
+
+template <class Record>
+void Vendor::List(const char* entryPoint, std::vector<Record> Script::*records, std::size_t room,
+                  Record* list, std::int32_t* count) {
+    const std::lock_guard lock(mutex);
+    const std::vector<Record>& all = script.*records;
+    std::copy_n(all.begin(), std::min(all.size(), room), list);
+    const auto said = script.counts.find(entryPoint);
+    *count = said == script.counts.end() ? static_cast<std::int32_t>(all.size()) : said->second;
 }
 
 int Vendor::Note(int callbackResult) {

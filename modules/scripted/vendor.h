@@ -21,6 +21,8 @@ public:
 
     // Records the call, waits as scripted, and gives the scripted result.
     int Answer(const char* entryPoint, const void* argument, std::size_t size);
+    // The same for arguments that `record` puts together.
+    int Answer(const char* entryPoint, const void* argument, const void* record, std::size_t size);
 
     // Answer StartDeviceScan and StartAPWifiScan: report what is scripted and run as long as the
     // script says. All their threads have ended when they return.
@@ -31,6 +33,12 @@ public:
 
     // Answers GetDeviceInfoByNet.
     int FillDevice(VendorSdk::DeviceInfo* device);
+
+    // Answer GetDeviceInfoByUsb and USBWifiScan: write what is scripted, whatever the result.
+    int ListDevices(const UsbEnumeration& question, VendorSdk::DeviceInfo* devices,
+                    std::int32_t* count);
+    int ListNetworks(const UsbWifiScan& question, const VendorSdk::DeviceInfo* device,
+                     VendorSdk::WifiConfigInfo* networks, std::int32_t* count);
 
     template <class Info, class Record>
     int Report(const Info& registration, const Record* record) {
@@ -80,6 +88,9 @@ private:
                    unsigned since);
     template <class Kind>
     void ReportAfterStop(const Kind& kind);
+    template <class Record>
+    void List(const char* entryPoint, std::vector<Record> Script::*records, std::size_t room,
+              Record* list, std::int32_t* count);
     int Note(int callbackResult);
     void WriteRecord(const std::string& text);
     template <class Condition>

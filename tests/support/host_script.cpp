@@ -99,6 +99,19 @@ bool HostScript::Apply(const std::string& line) {
         std::int64_t milliseconds = 0;
         words >> operation >> milliseconds;
         delays[operation] = std::chrono::milliseconds(milliseconds);
+    } else if (directive == "port") {
+        std::wstring deviceId;
+        std::pair<int, int> port;
+        words >> deviceId >> port.first >> port.second;
+        ports[deviceId] = port;
+    } else if (directive == "change") {
+        std::int64_t milliseconds = 0;
+        Change& change = changes.emplace_back();
+        words >> milliseconds >> change.state >> change.deviceId;
+        change.delay = std::chrono::milliseconds(milliseconds);
+    } else if (directive == "printer") {
+        PrinterSdk::PrinterProperty& printer = printers.emplace_back();
+        words >> printer.serialNumber >> printer.modelID >> printer.connectType;
     } else {
         return false;
     }

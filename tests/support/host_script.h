@@ -1,13 +1,15 @@
 #pragma once
 
-// What the scripted PrinterDiscoverAPI does, as a file says it: for tests that start a program of
-// their own.
+// What the scripted PrinterDiscoverAPI and PrinterAdapter do, as a file says it: for tests that
+// start a program of their own.
 
 #include <chrono>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "platform/PrinterAdapter/PrinterListProvider.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
 
 namespace ScriptedHost {
@@ -21,7 +23,18 @@ std::string Quoted(const std::wstring& text);
 //   joined "<ssid>" "<hardware address>" "<interface>"
 //   join <0 or 1>              the outcome of the next ConnectAP; the host is joined then
 //   delay <operation> <ms>     how long each call of it takes
+//   port "<hardware identifier>" <devices> <bus>
+//   change <ms> <state> "<hardware identifier>"   what the USB monitor reports, so long after the
+//   one
+//                              before it or after the start
+//   printer "<serial number>" "<model>" <connect type>
 struct HostScript {
+    struct Change {
+        std::chrono::milliseconds delay;
+        int state;
+        std::wstring deviceId;
+    };
+
     // The script that the environment variable SCRIPTED_HOST_SCRIPT names; an empty one when it
     // names none. A line that makes no sense is named on standard error and left out.
     static HostScript FromEnvironment();
@@ -35,6 +48,9 @@ struct HostScript {
     std::vector<std::wstring> joinedTo{{}, {}, {}};
     std::vector<bool> joinResults;
     std::map<std::string, std::chrono::milliseconds> delays;
+    std::map<std::wstring, std::pair<int, int>> ports;
+    std::vector<Change> changes;
+    std::vector<PrinterSdk::PrinterProperty> printers;
 
 private:
     bool Apply(const std::string& line);

@@ -1,6 +1,7 @@
 #include "tests/support/scripted_host.h"
 
 #include <mutex>
+#include <thread>
 
 #include "tests/support/host_script.h"
 
@@ -13,6 +14,7 @@ struct State {
         pingResults = script.pingResults;
         inRange = script.inRange;
         joinedTo = script.joinedTo;
+        ports = script.ports;
     }
 
     const HostScript script;
@@ -24,6 +26,11 @@ struct State {
     std::vector<std::wstring> joinedTo;
     bool joins = false;
     std::vector<std::pair<std::wstring, std::wstring>> joinCalls;
+    std::map<std::wstring, std::pair<int, int>> ports;
+    int startResult = 0;
+    std::vector<std::string> usbCalls;
+    const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo* monitor = nullptr;
+    unsigned starts = 0;
 };
 
 State& TheState() {
@@ -70,7 +77,52 @@ std::vector<std::pair<std::wstring, std::wstring>> Joins() {
     return With([](State& state) { return state.joinCalls; });
 }
 
+void Plugged(std::map<std::wstring, std::pair<int, int>> ports) {
+    With([&](State& state) { state.ports = std::move(ports); });
+}
+
+void AnswerStarts(int result) {
+    With([&](State& state) { state.startResult = result; });
+}
+
+std::vector<std::string> UsbCalls() {
+    return With([](State& state) { return state.usbCalls; });
+}
+
+const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo* Monitor() {
+    return With([](State& state) { return state.monitor; });
+}
+
+int Report(int state, const std::wstring& deviceId) {
+    const GUID deviceClass{0x28d78fad, 0x5a12, 0x11d1, {0xae, 0x5b, 0, 0, 0xf8, 3, 0xa8, 0xc2}};
+    const auto* const monitor = Monitor();
+    return monitor == nullptr
+               ? -1
+               : monitor->callback(
+                     deviceClass, static_cast<PrinterUsbApiStruct::EmDeviceState>(state), deviceId);
+}
+
 }  // namespace ScriptedHost
+
+namespace {
+
+void NoteUsbCall(const std::string& operation) {
+    TheState().script.Play(operation);
+    With([&](State& state) { state.usbCalls.push_back(operation); });
+}
+
+// Plugs in and out what the script says, until the monitor is stopped or started again.
+void PlayChanges(unsigned start) {
+    for (const HostScript::Change& change : TheState().script.changes) {
+        std::this_thread::sleep_for(change.delay);
+        if (With([&](State& state) { return state.starts != start; })) {
+            return;
+        }
+        ScriptedHost::Report(change.state, change.deviceId);
+    }
+}
+
+}  // namespace
 
 namespace PrinterDiscoverAPI {
 
@@ -128,6 +180,34 @@ bool PrinterWifiAPI::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
         }
         return joined;
     });
+}
+
+PrinterUsbDeviceManager& PrinterUsbDeviceManager::GetInstance() {
+    static PrinterUsbDeviceManager& instance = *new PrinterUsbDeviceManager;
+    return instance;
+}
+
+void PrinterUsbDeviceManager::GetCurrentPrinterPorts(
+    std::map<std::wstring, std::pair<int, int>>& ports) {
+    NoteUsbCall("GetCurrentPrinterPorts");
+    ports = With([](State& state) { return state.ports; });
+}
+
+int PrinterUsbDeviceManager::StartMonitor(const DeviceStateChangeCallbackInfo& info) {
+    NoteUsbCall("StartMonitor");
+    const unsigned start = With([&](State& state) {
+        state.monitor = &info;
+        return ++state.starts;
+    });
+    if (!TheState().script.changes.empty()) {
+        std::thread(PlayChanges, start).detach();
+    }
+    return With([](State& state) { return state.startResult; });
+}
+
+void PrinterUsbDeviceManager::StopMonitor() {
+    NoteUsbCall("StopMonitor");
+    With([](State& state) { ++state.starts; });
 }
 
 }  // namespace PrinterDiscoverAPI
