@@ -102,7 +102,8 @@ std::string DeviceIdValue(const std::string& deviceId, const std::string& key,
 std::string SerialNumber(const PrinterAttributes& attributes) {
     return AsInField(kFields.deviceSN,
                      FirstOf({CleanText(attributes.serialNumber),
-                              DeviceIdValue(attributes.deviceId, "SN", "SERIALNUMBER")}));
+                              DeviceIdValue(attributes.deviceId, "SN", "SERIALNUMBER"),
+                              DeviceIdValue(attributes.deviceId, "SERN", "SERN")}));
 }
 
 Printer Describe(const ServiceId& id, const Service& service,

@@ -10,7 +10,14 @@
 
 namespace Driverless {
 
-enum class ServiceKind : std::uint16_t { None = 0, Ipp = 1, Ipps = 2, PdlDatastream = 3, Lpd = 4 };
+enum class ServiceKind : std::uint16_t {
+    None = 0,
+    Ipp = 1,
+    Ipps = 2,
+    PdlDatastream = 3,
+    Lpd = 4,
+    Usb = 5,  // no service: the printer is on USB
+};
 
 struct ServiceType {
     ServiceKind kind;

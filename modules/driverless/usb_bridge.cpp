@@ -1,0 +1,153 @@
+#include "usb_bridge.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <future>
+#include <iterator>
+
+#include "diagnostics.h"
+#include "results.h"
+#include "text.h"
+#include "usb_printer.h"
+
+namespace Driverless {
+
+namespace {
+
+// A host has no more printers on USB than this.
+constexpr std::size_t kMostBridges = 64;
+
+constexpr const char* kRangeVariable = "DRIVERLESS_USB_BRIDGE_PORTS";
+
+std::optional<std::uint16_t> PortFrom(std::string_view text) {
+    std::uint16_t port = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+    const bool whole = error == std::errc() && end == text.data() + text.size();
+    return whole && port != 0 ? std::optional(port) : std::nullopt;
+}
+
+PortRange WantedRange() {
+    const char* const text = std::getenv(kRangeVariable);
+    return PortRangeFrom(text == nullptr ? std::string() : text);
+}
+
+Printer PrinterAt(std::uint16_t port, const std::optional<PrinterAttributes>& attributes) {
+    return Describe({"USB", {}, ServiceKind::Ipp, -1}, {"localhost", "127.0.0.1", port, {}},
+                    attributes);
+}
+
+std::vector<BridgedPrinter> AskAll(const std::vector<std::uint16_t>& ports,
+                                   std::chrono::milliseconds patience) {
+    std::vector<std::future<IppAnswer>> answers;
+    answers.reserve(ports.size());
+    for (const std::uint16_t port : ports) {
+        answers.push_back(std::async(std::launch::async, [port, patience] {
+            return AskInTime(PrinterAt(port, {}), patience,
+                             {IppQuestion::Kind::AttributesWithWifi, {}});
+        }));
+    }
+    std::vector<BridgedPrinter> printers;
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        const IppAnswer answer = answers[i].get();
+        if (answer.kind == IppAnswer::Kind::Granted) {
+            printers.push_back({PrinterAt(ports[i], answer.attributes), answer.attributes});
+        } else {
+            ReportDetail("no printer answers at this host's port " + std::to_string(ports[i]) +
+                         ": " + answer.problem);
+        }
+    }
+    return printers;
+}
+
+// Whether the printer itself says its serial number over IPP.
+bool SaysSerialNumber(const BridgedPrinter& bridged) {
+    return !SerialNumber(bridged.attributes).empty();
+}
+
+bool IsSame(const BridgedPrinter& bridged, const std::string& serialNumber) {
+    const std::string uuid = PlainUuid(serialNumber);
+    return bridged.printer.serialNumber == serialNumber ||
+           (!uuid.empty() && bridged.printer.uuid == uuid);
+}
+
+// What a printer is called over USB need not be what it is called over IPP, unless that gives the
+// device id too.
+bool IsSameModel(const BridgedPrinter& bridged, const VendorSdk::DeviceInfo& record) {
+    PrinterAttributes deviceIdOnly;
+    deviceIdOnly.deviceId = bridged.attributes.deviceId;
+    const std::string wanted = LowerCase(FieldView(record.extra1));
+    const Printer byDeviceId = Describe({}, {}, deviceIdOnly);
+    return LowerCase(bridged.printer.makeAndModel) == wanted ||
+           LowerCase(byDeviceId.makeAndModel) == wanted;
+}
+
+BridgeSearch Nothing(int result, const std::string& problem) {
+    ReportProblem(problem);
+    return {result, std::nullopt};
+}
+
+}  // namespace
+
+PortRange PortRangeFrom(const std::string& text) {
+    const std::size_t dash = std::min(text.find('-'), text.size());
+    const std::string_view all = text;
+    const auto first = PortFrom(all.substr(0, dash));
+    const auto last = dash == text.size() ? first : PortFrom(all.substr(dash + 1));
+    return first && last && *first <= *last ? PortRange{*first, *last} : PortRange{};
+}
+
+std::vector<std::uint16_t> BridgePorts(const std::vector<ListeningPort>& listening, PortRange range,
+                                       unsigned user) {
+    std::vector<std::uint16_t> ports;
+    for (const ListeningPort& one : listening) {
+        const bool isTrusted = one.owner == 0 || one.owner == user;
+        const bool isNew = ports.empty() || ports.back() != one.port;
+        if (isTrusted && isNew && one.port >= range.first && one.port <= range.last &&
+            ports.size() < kMostBridges) {
+            ports.push_back(one.port);
+        }
+    }
+    return ports;
+}
+
+BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
+                           const VendorSdk::DeviceInfo& record) {
+    const std::string serialNumber = FieldText(record.deviceSN);
+    const auto same =
+        std::find_if(printers.begin(), printers.end(),
+                     [&](const BridgedPrinter& one) { return IsSame(one, serialNumber); });
+    if (same != printers.end()) {
+        return {kOk, *same};
+    }
+    // Where one side says no serial number, the model tells, as long as there is only one of it.
+    std::vector<BridgedPrinter> likely;
+    std::copy_if(printers.begin(), printers.end(), std::back_inserter(likely),
+                 [&](const BridgedPrinter& one) {
+                     return !(HasSerialNumber(record) && SaysSerialNumber(one)) &&
+                            IsSameModel(one, record);
+                 });
+    const std::string name = FieldText(record.extra1) + " (" + serialNumber + ")";
+    if (likely.empty()) {
+        return Nothing(kNotReached, "no bridge for printers on USB has " + name);
+    }
+    if (likely.size() > 1) {
+        return Nothing(kSeveralAlike, "several printers on USB are like " + name +
+                                          ", and none of them says its serial number");
+    }
+    return {kOk, likely.front()};
+}
+
+BridgeSearch FindBridged(const VendorSdk::DeviceInfo& record, Clock::time_point deadline) {
+    const auto ports = BridgePorts(LocalListeningPorts(), WantedRange(), geteuid());
+    if (ports.empty()) {
+        return Nothing(kNoBridge,
+                       "no bridge for printers on USB, such as ipp-usb, runs on this host");
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    return ChooseBridged(AskAll(ports, std::max(left, std::chrono::milliseconds(0))), record);
+}
+
+}  // namespace Driverless

@@ -1,0 +1,49 @@
+#pragma once
+
+// The printers on USB that a bridge on this host makes reachable by IPP, such as ipp-usb.
+
+#include <istream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "VendorSdk/records.h"
+#include "ipp_query.h"
+#include "listening_ports.h"
+#include "printer.h"
+
+namespace Driverless {
+
+struct PortRange {
+    std::uint16_t first = 60000;
+    std::uint16_t last = 65535;
+
+    bool operator==(const PortRange&) const = default;
+};
+
+// "60000-65535", or a single port; the bridges' usual range for anything else.
+PortRange PortRangeFrom(const std::string& text);
+
+// The ports behind which bridges may be. A pass phrase goes to what answers there, so only the
+// programs of the system and those of `user` count.
+std::vector<std::uint16_t> BridgePorts(const std::vector<ListeningPort>& listening, PortRange range,
+                                       unsigned user);
+
+struct BridgedPrinter {
+    Printer printer;
+    PrinterAttributes attributes;
+};
+
+struct BridgeSearch {
+    int result;  // PrinterUSBNetConfigEvent's
+    std::optional<BridgedPrinter> found;
+};
+
+// The one of the bridges' printers that a record of a printer on USB describes.
+BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
+                           const VendorSdk::DeviceInfo& record);
+
+// Asks what is behind the bridges and chooses. Comes back by `deadline`.
+BridgeSearch FindBridged(const VendorSdk::DeviceInfo& record, Clock::time_point deadline);
+
+}  // namespace Driverless
