@@ -1,4 +1,4 @@
-// The end of the process in the middle of a scan.
+// The end of the process in the middle of a scan, and while printers are being plugged in.
 
 #include <cstdlib>
 #include <fstream>
@@ -8,8 +8,8 @@
 
 namespace {
 
-// Ends a process in the middle of a scan, again and again.
-void EndInTheMiddle(const std::string& pace) {
+// Runs a program that ends in the middle of its work again and again.
+void EndInTheMiddle(const std::string& program, int rounds, const std::string& pace) {
     const std::string script = Process::FreshFile("script");
     std::ofstream(script) << pace
                           << "repeat 0\n"
@@ -24,9 +24,8 @@ void EndInTheMiddle(const std::string& pace) {
                             std::string(options == nullptr ? "" : options) + ":atexit_sleep_ms=50");
     const bool mayHang = Process::MayHangAtItsEnd();
     int hung = 0;
-    for (int round = 0; round < 100; ++round) {
-        const int status =
-            Process::Run("scan_at_exit", {std::to_string(round % 7)}, mayHang ? 8 : 60);
+    for (int round = 0; round < rounds; ++round) {
+        const int status = Process::Run(program, {std::to_string(round % 7)}, mayHang ? 8 : 60);
         if (status == Process::kHung && mayHang) {
             ++hung;
             ASSERT_LE(hung, 1) << "by round " << round;
@@ -38,14 +37,18 @@ void EndInTheMiddle(const std::string& pace) {
 }
 
 TEST(Exit, InTheMiddleOfAScanIsNoCrashAHundredTimes) {
-    EndInTheMiddle("threads 2\ninterval 2\n");
+    EndInTheMiddle("scan_at_exit", 100, "threads 2\ninterval 2\n");
 }
 
 TEST(Exit, WhileVendorsReportWithoutAPauseIsNoCrashAHundredTimes) {
     if (Process::MayHangAtItsEnd()) {
         GTEST_SKIP() << "too many of the hundred would hang here";
     }
-    EndInTheMiddle("threads 4\n");
+    EndInTheMiddle("scan_at_exit", 100, "threads 4\n");
+}
+
+TEST(Exit, WhileArrivalsOnUsbAreTakenUpIsNoCrashThirtyTimes) {
+    EndInTheMiddle("arrival_at_exit", 30, "");
 }
 
 }  // namespace

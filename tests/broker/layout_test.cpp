@@ -38,6 +38,55 @@ static_assert(offsetof(NetConnInterfaceItem, IsLocalAreaNetworkOK) == 32);
 static_assert(offsetof(NetConnInterfaceItem, GetDeviceInfoByNet) == 40);
 static_assert(offsetof(NetConnInterfaceItem, IsConnectCurrentWifiAP) == 48);
 
+using UsbEntry = UsbConnInterface::VendorEntry;
+static_assert(std::is_standard_layout_v<UsbEntry> && sizeof(UsbEntry) == 32);
+static_assert(offsetof(UsbEntry, module) == 0 && offsetof(UsbEntry, pGetDeviceInfoByUsb) == 8);
+static_assert(offsetof(UsbEntry, pGetUSBWifiScan) == 16);
+static_assert(offsetof(UsbEntry, pPrinterUSBNetConfigEvent) == 24);
+
+// Without padding but for the last byte: what is filled is what is there.
+static_assert(std::is_standard_layout_v<DeviceUsbInfo> && std::is_trivial_v<DeviceUsbInfo>);
+static_assert(sizeof(DeviceUsbInfo) == 230 && alignof(DeviceUsbInfo) == 2);
+static_assert(offsetof(DeviceUsbInfo, code1) == offsetof(DeviceInfo, code1));
+static_assert(offsetof(DeviceUsbInfo, code2) == offsetof(DeviceInfo, code2));
+static_assert(offsetof(DeviceUsbInfo, deviceSN) == offsetof(DeviceInfo, deviceSN));
+static_assert(offsetof(DeviceUsbInfo, modelID) == offsetof(DeviceInfo, modelID));
+static_assert(offsetof(DeviceUsbInfo, extra1) == offsetof(DeviceInfo, extra1));
+static_assert(offsetof(DeviceUsbInfo, extra2) == offsetof(DeviceInfo, extra2));
+static_assert(offsetof(DeviceUsbInfo, extra3) == offsetof(DeviceInfo, extra3));
+static_assert(offsetof(DeviceUsbInfo, isNetConfigured) == sizeof(DeviceInfo));
+static_assert(std::is_same_v<decltype(DeviceUsbInfo::isNetConfigured), bool>);
+
+using PrinterSdk::PrinterProperty;
+constexpr std::size_t kText = sizeof(std::wstring);
+static_assert(std::is_standard_layout_v<PrinterProperty>);
+static_assert(offsetof(PrinterProperty, name) == 0 * kText);
+static_assert(offsetof(PrinterProperty, description) == 1 * kText);
+static_assert(offsetof(PrinterProperty, deviceUri) == 2 * kText);
+static_assert(offsetof(PrinterProperty, portName) == 3 * kText);
+static_assert(offsetof(PrinterProperty, serialNumber) == 4 * kText);
+static_assert(offsetof(PrinterProperty, modelID) == 5 * kText);
+static_assert(offsetof(PrinterProperty, manufacturer) == 6 * kText);
+static_assert(offsetof(PrinterProperty, location) == 7 * kText);
+static_assert(offsetof(PrinterProperty, driverName) == 8 * kText);
+static_assert(offsetof(PrinterProperty, connectType) == 9 * kText);
+static_assert(std::is_same_v<decltype(PrinterProperty::connectType), std::int32_t>);
+static_assert(offsetof(PrinterProperty, state) == 9 * kText + alignof(std::wstring));
+static_assert(sizeof(PrinterProperty) == 10 * kText + alignof(std::wstring));
+
+using PrinterDiscoverAPI::DeviceStateChangeCallbackInfo;
+static_assert(sizeof(DeviceStateChangeCallbackInfo) == 16);
+static_assert(offsetof(DeviceStateChangeCallbackInfo, callback) == 0);
+static_assert(offsetof(DeviceStateChangeCallbackInfo, value) == 8);
+static_assert(sizeof(PrinterUsbApiStruct::EmDeviceState) == 4);
+static_assert(sizeof(GUID) == 16 && alignof(GUID) == 4);
+
+static_assert(!std::is_polymorphic_v<DiscoverUsbInterface>);
+static_assert(!std::is_polymorphic_v<UsbConnInterface> &&
+              !std::is_polymorphic_v<UsbInterfaceMonitor>);
+static_assert(sizeof(DiscoverUsbInterface) == sizeof(DeviceStateChangeCallbackInfo));
+static_assert(sizeof(UsbInterfaceMonitor) == sizeof(DeviceCallbackInfo));
+
 static_assert(std::is_empty_v<DiscoverScanInterface> && std::is_empty_v<DiscoverBasic>);
 static_assert(std::is_empty_v<DiscoverNetConnInterface>);
 static_assert(!std::is_polymorphic_v<NetConnInterface>);
@@ -99,6 +148,23 @@ template struct Reveal<NetConnInitialised, &NetConnInterface::initialised>;
 template struct Reveal<NetConnMutex, &NetConnInterface::mutex>;
 template struct Reveal<NetConnVendors, &NetConnInterface::vendors>;
 
+struct UsbInitialised {
+    using Member = bool UsbConnInterface::*;
+};
+struct UsbMutex {
+    using Member = std::mutex UsbConnInterface::*;
+};
+struct UsbIdMap {
+    using Member = std::map<std::string, std::string> UsbConnInterface::*;
+};
+struct UsbVendors {
+    using Member = std::map<std::string, UsbEntry> UsbConnInterface::*;
+};
+template struct Reveal<UsbInitialised, &UsbConnInterface::initialised>;
+template struct Reveal<UsbMutex, &UsbConnInterface::mutex>;
+template struct Reveal<UsbIdMap, &UsbConnInterface::usbIdMap>;
+template struct Reveal<UsbVendors, &UsbConnInterface::vendors>;
+
 template <class Tag, class Object>
 std::size_t OffsetIn(const Object& object) {
     const void* const member = &(object.*Private<Tag>::member);
@@ -124,6 +190,41 @@ TEST_F(Layout, OfTheAccessPointDispatcherIsTheSame) {
     EXPECT_EQ(OffsetIn<NetConnMutex>(dispatcher), mutexAt);
     EXPECT_EQ(OffsetIn<NetConnVendors>(dispatcher), mutexAt + sizeof(std::mutex));
     EXPECT_EQ(sizeof dispatcher, sizeof(ScanInterface));
+}
+
+TEST_F(Layout, OfTheUsbDispatcherHasTheIdentifiersBeforeTheTable) {
+    const UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
+    constexpr std::size_t mutexAt = alignof(std::mutex);
+    constexpr std::size_t mapAt = mutexAt + sizeof(std::mutex);
+    constexpr std::size_t tableAt = mapAt + sizeof(std::map<std::string, std::string>);
+    EXPECT_EQ(OffsetIn<UsbInitialised>(dispatcher), 0u);
+    EXPECT_EQ(OffsetIn<UsbMutex>(dispatcher), mutexAt);
+    EXPECT_EQ(OffsetIn<UsbIdMap>(dispatcher), mapAt);
+    EXPECT_EQ(OffsetIn<UsbVendors>(dispatcher), tableAt);
+    EXPECT_EQ(sizeof dispatcher, tableAt + sizeof(std::map<std::string, UsbEntry>));
+}
+
+// One map entry for each identifier, with the vendor that has it; two blanks make no empty piece.
+TEST_F(Layout, OfTheIdentifiersIsTheTextAndItsProductId) {
+    ScriptedVendors::Support({{"alpha", {}, {}, "  ID_1  ID_2 ", "scripted_all", {}}});
+    const UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
+    const std::map<std::string, std::string> expected{{"ID_1", "alpha"}, {"ID_2", "alpha"}};
+    EXPECT_EQ(dispatcher.*Private<UsbIdMap>::member, expected);
+    EXPECT_EQ((dispatcher.*Private<UsbVendors>::member).size(), 1u);
+    EXPECT_TRUE(dispatcher.*Private<UsbInitialised>::member);
+}
+
+TEST_F(Layout, OfTheUsbMonitorIsTheApplicationsRegistration) {
+    UsbInterfaceMonitor& monitor = UsbInterfaceMonitor::GetInstance();
+    monitor.SetDeviceStateCallbackInfo({Application::OnDevice, 77});
+    DeviceCallbackInfo own{};
+    std::memcpy(&own, &monitor, sizeof own);
+    EXPECT_EQ(own.callback, &Application::OnDevice);
+    EXPECT_EQ(own.param, 77);
+    monitor.ClearDeviceStateCallbackInfo();
+    std::memcpy(&own, &monitor, sizeof own);
+    EXPECT_EQ(own.callback, nullptr);
+    EXPECT_EQ(own.param, 0);
 }
 
 TEST_F(Layout, OfTheWifiListenerIsTheApplicationsRegistrationAndTheVendors) {

@@ -2,11 +2,15 @@
 // and no module's reference is lost. The broker's sources are built into this program, so that its
 // allocations are the program's.
 
+#include <chrono>
 #include <new>
+#include <thread>
 
 #include "tests/support/application.h"
 #include "tests/support/broker_test.h"
 #include "tests/support/failing_memory.h"
+#include "tests/support/scripted_adapter.h"
+#include "tests/support/scripted_host.h"
 #include "vendor/vendor_table.h"
 
 namespace {
@@ -218,6 +222,117 @@ TEST_F(Memory, ThatRunsOutDuringAccessPointOperationsIsForgottenByTheNext) {
     FailEach([&] { result = facade.IsLocalAreaNetworkOK(DeviceOf(kAlpha)); },
              [&](long, bool) { EXPECT_EQ(dispatcher.IsLocalAreaNetworkOK(DeviceOf(kAlpha)), 0); });
     EXPECT_EQ(result, 0);
+}
+
+// The same vendors, with identifiers.
+VendorInfo WithIds(VendorInfo vendor, const std::string& usbIdList) {
+    vendor.usbIdList = usbIdList;
+    return vendor;
+}
+
+class UsbMemory : public Memory {
+protected:
+    void SetUp() override {
+        Memory::SetUp();
+        Support({WithIds(Vendor(kAlpha, kModules[0]), kIds[0]),
+                 WithIds(Vendor(kBeta, kModules[1]), kIds[1])});
+    }
+
+    static int Enumerate() {
+        std::vector<DeviceInfo> devices;
+        return UsbConnInterface::GetInstance().GetDeviceInfoByUsb(devices, kIdentifier);
+    }
+
+    static constexpr const char* kIds[] = {"VID_1234&PID_ABCD VID_1234&PID_ABCE",
+                                           "VID_5678&PID_ABCD VID_5678&PID_ABCE"};
+    static constexpr wchar_t kIdentifier[] = L"VID_1234&PID_ABCE";
+};
+
+TEST_F(UsbMemory, ThatRunsOutOnTheFirstUseLeavesTheNextOneToBeginAnew) {
+    long thrown = 0;
+    const long failures = FailEach([] { UsbConnInterface::GetInstance(); },
+                                   [&thrown](long number, bool hasThrown) {
+                                       if (hasThrown) {
+                                           ++thrown;
+                                           EXPECT_EQ(ForeignReferences(), 0)
+                                               << "allocation " << number;
+                                       }
+                                   },
+                                   Then::StaysGone);
+    EXPECT_GT(failures, 10);
+    EXPECT_GE(thrown, failures - 1);
+    EXPECT_EQ(Enumerate(), 0);
+}
+
+TEST_F(UsbMemory, ThatRunsOutDuringInitLeavesTheDispatcherUsable) {
+    Support({});
+    UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
+    ASSERT_EQ(Enumerate(), -2);
+    Support({WithIds(Vendor(kAlpha, kModules[0]), kIds[0]),
+             WithIds(Vendor(kBeta, kModules[1]), kIds[1])});
+    bool bound = false;
+    FailEach(
+        [&] { bound = dispatcher.Init(); },
+        [&](long number, bool thrown) { EXPECT_TRUE(thrown || bound) << "allocation " << number; });
+    EXPECT_TRUE(bound);
+    EXPECT_EQ(Enumerate(), 0);
+}
+
+TEST_F(UsbMemory, ThatRunsOutDuringOperationsIsForgottenByTheNext) {
+    UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
+    DiscoverUsbInterface& facade = DiscoverUsbInterface::GetInstance();
+    const ScriptedModule alpha(kModules[0]);
+    alpha.AddDevice(VendorDeviceOf(kAlpha));
+    alpha.AddNetwork(VendorNetworkOf("office"));
+    ScriptedHost::Plugged({{kIdentifier, {1, 1}}});
+    PrinterSdk::PrinterProperty printer;
+    printer.serialNumber = L"a serial number, which is too long";
+    printer.connectType = PrinterSdk::kConnectTypeUsb;
+    ScriptedAdapter::Know({printer});
+    int result = -1;
+    std::vector<DeviceInfo> devices;
+    FailEach([&] { result = facade.GetDeviceInfoByUsb(devices); },
+             [&](long, bool) { EXPECT_EQ(Enumerate(), 0); });
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(BytesOf(devices.back()), BytesOf(DeviceOf(kAlpha)));
+    std::vector<WifiConfigInfo> networks;
+    FailEach([&] { result = facade.GetUSBWifiScan(DeviceOf(kAlpha), networks, 0); },
+             [&](long, bool) { EXPECT_EQ(Enumerate(), 0); });
+    EXPECT_EQ(result, 0);
+    EXPECT_STREQ(networks.back().ssid, "office");
+    const WifiConfigInfo network = NetworkOf("office");
+    FailEach([&] { result = facade.SetDeviceAPNetConfigByUsb(DeviceOf(kAlpha), network); },
+             [&](long, bool) {
+                 EXPECT_EQ(dispatcher.PrinterUSBNetConfigEvent(DeviceOf(kAlpha), network), 0);
+             });
+    EXPECT_EQ(result, 0);
+    std::vector<DeviceUsbInfo> printers;
+    FailEach([&] { result = facade.GetDeviceNoConfigNet(printers); }, [](long, bool) {});
+    EXPECT_EQ(result, 0);
+    EXPECT_STREQ(printers.back().deviceSN, "a serial number, which is too long");
+}
+
+TEST_F(UsbMemory, ThatRunsOutDuringAnArrivalStartsNoThread) {
+    UsbInterfaceMonitor& monitor = UsbInterfaceMonitor::GetInstance();
+    monitor.SetDeviceStateCallbackInfo({Application::OnDevice, 1});
+    ScriptedModule(kModules[0]).AddDevice(VendorDeviceOf(kAlpha));
+    int result = -1;
+    long thrown = 0;
+    long started = 0;
+    const long failures = FailEach(
+        [&] {
+            result =
+                monitor.CallBackFunc({}, PrinterUsbApiStruct::DEVICE_STATE_ARRIVED, kIdentifier);
+        },
+        [&](long, bool hasThrown) { hasThrown ? ++thrown : ++started; });
+    EXPECT_GT(thrown, 1);
+    EXPECT_EQ(thrown + started, failures);
+    EXPECT_EQ(result, 0);
+    // Each that was not refused, and the last.
+    ScriptedModule(kModules[0])
+        .AwaitCalls("GetDeviceInfoByUsb", static_cast<std::size_t>(started) + 1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_EQ(Application::Reports().size(), static_cast<std::size_t>(started) + 1);
 }
 
 }  // namespace

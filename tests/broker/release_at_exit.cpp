@@ -1,7 +1,7 @@
-// release_at_exit scan|access-point RECORD: that family's dispatcher binds a list of vendors with
-// everything a list can hold and ends; RECORD then names the modules that the broker gave back, in
-// order, each with what the dispatcher answered at that moment, and then what every operation does
-// once the dispatcher is gone.
+// release_at_exit scan|access-point|usb RECORD: that family's dispatcher binds a list of vendors
+// with everything a list can hold and ends; RECORD then names the modules that the broker gave
+// back, in order, each with what the dispatcher answered at that moment, and then what every
+// operation does once the dispatcher is gone.
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "tests/support/recording_log.h"
@@ -49,19 +49,56 @@ void CallEveryAccessPointOperation() {
     ReleaseWatch::Note(std::to_string(RecordingLog::Lines().size()) + " lines");
 }
 
+int EnumerateUsb() {
+    std::vector<DeviceInfo> devices;
+    return UsbConnInterface::GetInstance().GetDeviceInfoByUsb(devices, L"VID_1234&PID_gamma");
+}
+
+void CallEveryUsbOperation() {
+    RecordingLog::Clear();
+    UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
+    DeviceInfo device{};
+    device.modelID[0] = 'a';
+    std::vector<WifiConfigInfo> networks;
+    NoteResult("GetDeviceInfoByUsb", EnumerateUsb());
+    NoteResult("GetUSBWifiScan", dispatcher.GetUSBWifiScan(device, networks, 0));
+    NoteResult("PrinterUSBNetConfigEvent", dispatcher.PrinterUSBNetConfigEvent(device, {}));
+    ReleaseWatch::Note(std::to_string(RecordingLog::Lines().size()) + " lines");
+}
+
+// A family's dispatcher: one of its operations, which binds the vendors, and all of them.
+struct Family {
+    std::string name;
+    int (*use)();
+    void (*callEveryOperation)();
+};
+const Family kFamilies[] = {{"scan", StopDeviceScan, CallEveryScanOperation},
+                            {"access-point", StopAccessPointScan, CallEveryAccessPointOperation},
+                            {"usb", EnumerateUsb, CallEveryUsbOperation}};
+
+VendorInfo Vendor(const std::string& productId, const std::string& moduleName) {
+    VendorInfo vendor = ScriptedVendors::Vendor(productId, moduleName);
+    vendor.usbIdList = "VID_1234&PID_" + productId;
+    return vendor;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
-    using ScriptedVendors::Vendor;
     if (count != 3) {
         return 2;
     }
-    const bool ofScan = std::string(arguments[1]) == "scan";
-    ReleaseWatch::Start(arguments[2], ofScan ? StopDeviceScan : StopAccessPointScan);
-    RecordingLog::AtItsEnd(ofScan ? CallEveryScanOperation : CallEveryAccessPointOperation);
-    ScriptedVendors::KeepMapped(false);
-    ScriptedVendors::Support({Vendor("gamma", "scripted_all"), Vendor("beta", "no_such_module"),
-                              Vendor("alpha", "scripted_all_b"), Vendor("gamma", "scripted_all_c"),
-                              Vendor("delta", "scripted_all"), Vendor("epsilon", "scripted_none")});
-    return ofScan ? StopDeviceScan() : StopAccessPointScan();
+    for (const Family& family : kFamilies) {
+        if (family.name == arguments[1]) {
+            ReleaseWatch::Start(arguments[2], family.use);
+            RecordingLog::AtItsEnd(family.callEveryOperation);
+            ScriptedVendors::KeepMapped(false);
+            ScriptedVendors::Support(
+                {Vendor("gamma", "scripted_all"), Vendor("beta", "no_such_module"),
+                 Vendor("alpha", "scripted_all_b"), Vendor("gamma", "scripted_all_c"),
+                 Vendor("delta", "scripted_all"), Vendor("epsilon", "scripted_none")});
+            return family.use();
+        }
+    }
+    return 2;
 }

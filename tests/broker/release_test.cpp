@@ -40,4 +40,10 @@ TEST(ReleaseAtExit, OfTheAccessPointFamilyDoesTheSame) {
                                      "IsLocalAreaNetworkOK -2 NOINITOK", "5 lines"));
 }
 
+TEST(ReleaseAtExit, OfTheUsbFamilyDoesTheSame) {
+    EXPECT_THAT(AfterTheRelease("usb"),
+                testing::ElementsAre("GetDeviceInfoByUsb -2 NOINITOK", "GetUSBWifiScan -2 NOINITOK",
+                                     "PrinterUSBNetConfigEvent -2 NOINITOK", "5 lines"));
+}
+
 }  // namespace

@@ -134,4 +134,21 @@ TEST_F(WithoutThreads, AStartOfAWifiScanThrowsAndFreesTheLockAndStaysRegistered)
     alpha.AwaitRunningScans(0);
 }
 
+TEST_F(WithoutThreads, AnArrivalOnUsbThrowsTheSystemsErrorToTheDeviceManager) {
+    Support({{"alpha", {}, {}, "VID_1234&PID_ABCD", "scripted_all", {}}});
+    UsbInterfaceMonitor& monitor = UsbInterfaceMonitor::GetInstance();
+    monitor.SetDeviceStateCallbackInfo({Application::OnDevice, 1});
+    TakeLines();
+    const auto arrive = [&monitor] {
+        return monitor.CallBackFunc({}, PrinterUsbApiStruct::DEVICE_STATE_ARRIVED,
+                                    L"VID_1234&PID_ABCD");
+    };
+    threadsLeft = 0;
+    EXPECT_THROW(arrive(), std::system_error);
+    threadsLeft = -1;
+    EXPECT_THAT(TakeLines(), SizeIs(2));
+    EXPECT_EQ(arrive(), 0);
+    alpha.AwaitCalls("GetDeviceInfoByUsb", 1);
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 namespace {
 
 using Broker::BoundedCopy;
+using Broker::BoundedText;
 
 class BoundedCopyTest : public testing::Test {
 protected:
@@ -75,6 +76,43 @@ TEST_F(BoundedCopyTest, OfAFieldCopiesItWhole) {
     const char source[8] = {'a', '\0', 'c', 'd', 'e', 'f', 'g', 'h'};
     EXPECT_EQ(BoundedCopy(destination, source), 0);
     EXPECT_EQ(Destination(), std::string("a\0cdefgh", 8));
+}
+
+TEST_F(BoundedCopyTest, OfATextCopiesItWithItsTerminatorAndNothingBehindIt) {
+    EXPECT_EQ(BoundedText(destination, 8, "abc"), 0);
+    EXPECT_EQ(Destination(), std::string("abc\0....", 8));
+    EXPECT_EQ(BoundedText(destination, ""), 0);
+    EXPECT_EQ(Destination(), std::string("\0bc\0....", 8));
+    EXPECT_EQ(errno, -1);
+}
+
+TEST_F(BoundedCopyTest, OfATextTakesOneThatFillsTheFieldWithItsTerminator) {
+    EXPECT_EQ(BoundedText(destination, "abcdefg"), 0);
+    EXPECT_EQ(Destination(), std::string("abcdefg\0", 8));
+}
+
+TEST_F(BoundedCopyTest, OfATextThatDoesNotFitLeavesTheFieldEmpty) {
+    EXPECT_EQ(BoundedText(destination, "abcdefgh"), 34);
+    EXPECT_EQ(destination[0], '\0');
+    EXPECT_EQ(errno, 34);
+    destination[0] = '.';
+    EXPECT_EQ(BoundedText(destination, 1, "a"), 34);
+    EXPECT_EQ(Destination()[0], '\0');
+}
+
+TEST_F(BoundedCopyTest, OfNoTextLeavesTheFieldEmpty) {
+    EXPECT_EQ(BoundedText(destination, 8, nullptr), 22);
+    EXPECT_EQ(destination[0], '\0');
+    EXPECT_EQ(errno, 22);
+}
+
+TEST_F(BoundedCopyTest, OfATextToNowhereIsInvalid) {
+    EXPECT_EQ(BoundedText(nullptr, 8, "abc"), 22);
+    EXPECT_EQ(errno, 22);
+    errno = -1;
+    EXPECT_EQ(BoundedText(destination, 0, "abc"), 22);
+    EXPECT_EQ(errno, 22);
+    EXPECT_EQ(Destination(), "........");
 }
 
 }  // namespace

@@ -102,6 +102,16 @@ TEST_F(LogLineTest, HasNumbersAsAStreamWritesThem) {
     }
 }
 
+TEST_F(LogLineTest, HasHexadecimalNumbersInSmallLettersWithoutPrefixOrPadding) {
+    using Broker::Hex;
+    EXPECT_EQ(Logged(Hex{0xABCD}), Expected("abcd"));
+    EXPECT_EQ(Logged(Hex{0}), Expected("0"));
+    EXPECT_EQ(Logged(Hex{-1}), Expected("ffffffff"));
+    EXPECT_EQ(Logged(Hex{-2147483647 - 1}), Expected("80000000"));
+    // What comes after it is decimal again.
+    EXPECT_EQ(Logged(Hex{31}, std::string_view("-"), std::int32_t{31}), Expected("1f-31"));
+}
+
 // A locale with a decimal comma that groups digits.
 class Grouping : public std::numpunct<wchar_t> {
     wchar_t do_decimal_point() const override { return L','; }
@@ -113,6 +123,7 @@ TEST_F(LogLineTest, HasNumbersAsTheProgramsLocaleWritesThem) {
     std::locale::global(std::locale(std::locale::classic(), new Grouping));
     EXPECT_EQ(Logged(-61.5f), Expected("-61,5"));
     EXPECT_EQ(Logged(std::int32_t{1234567}), Expected("1.234.567"));
+    EXPECT_EQ(Logged(Broker::Hex{0x123456}, std::int32_t{1234}), Expected("123.4561.234"));
 }
 
 TEST_F(LogLineTest, HasWideTextAsItIs) {
