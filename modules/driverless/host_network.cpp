@@ -21,4 +21,8 @@ bool IsOnNetwork() {
     return found;
 }
 
+bool IsLoopback(int interface) {
+    return interface > 0 && static_cast<unsigned>(interface) == if_nametoindex("lo");
+}
+
 }  // namespace Driverless

@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <cstdlib>
 #include <future>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -114,6 +115,15 @@ void FindNetworks(std::function<void(std::future<std::vector<NetworkInRange>>)> 
         question();
         take(std::move(answer));
     }).detach();
+}
+
+std::optional<std::vector<NetworkInRange>> NetworksInRange(std::chrono::milliseconds patience) {
+    using Networks = std::vector<NetworkInRange>;
+    const auto answer = std::make_shared<std::promise<std::future<Networks>>>();
+    auto seen = answer->get_future();
+    FindNetworks([answer](std::future<Networks> found) { answer->set_value(std::move(found)); });
+    return seen.wait_for(patience) == std::future_status::ready ? std::optional(seen.get().get())
+                                                                : std::nullopt;
 }
 
 }  // namespace Driverless

@@ -31,4 +31,8 @@ struct NetworkInRange {
 // nothing itself.
 void FindNetworks(std::function<void(std::future<std::vector<NetworkInRange>>)> take);
 
+// The same for who waits; nothing when they are not known within `patience`. Throws what was thrown
+// on the way.
+std::optional<std::vector<NetworkInRange>> NetworksInRange(std::chrono::milliseconds patience);
+
 }  // namespace Driverless

@@ -64,8 +64,6 @@ std::vector<ListeningPort> LocalListeningPorts() {
         const auto found = LocalListeningPortsIn(table);
         ports.insert(ports.end(), found.begin(), found.end());
     }
-    std::sort(ports.begin(), ports.end(),
-              [](const auto& left, const auto& right) { return left.port < right.port; });
     return ports;
 }
 

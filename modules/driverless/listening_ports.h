@@ -15,7 +15,7 @@ struct ListeningPort {
     bool operator==(const ListeningPort&) const = default;
 };
 
-// Where 127.0.0.1 takes connections, in ascending order.
+// Where 127.0.0.1 takes connections.
 std::vector<ListeningPort> LocalListeningPorts();
 
 // The same by one of the system's tables, as it prints it.

@@ -94,7 +94,8 @@ class Looking {
 public:
     explicit Looking(const std::shared_ptr<Search>& search)
         : scan(std::make_shared<ScanSession>(
-              [search](const Printer& printer) { search->Found(printer); })) {
+              [search](const Printer& printer) { search->Found(printer); },
+              ScanSession::Reach::NetworkOnly)) {
         std::thread([running = scan, search] {
             search->Ended(
                 Guarded(kNoBrowsing, [&] { return RunningScans().Run(running.get(), running); }));

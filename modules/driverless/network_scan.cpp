@@ -12,7 +12,6 @@
 #include "diagnostics.h"
 #include "offered_networks.h"
 #include "results.h"
-#include "text.h"
 
 namespace Driverless {
 
@@ -21,13 +20,6 @@ namespace {
 // Between the end of one look and the beginning of the next.
 constexpr std::chrono::milliseconds kPause{3000};
 constexpr std::chrono::milliseconds kPatienceForCurrent{1000};
-
-VendorSdk::WifiConfigInfo ToRecord(const NetworkInRange& network) {
-    VendorSdk::WifiConfigInfo record{};
-    record.rssi = static_cast<float>(network.quality);
-    PutText(record.ssid, network.name);
-    return record;
-}
 
 }  // namespace
 

@@ -1,8 +1,10 @@
 #include "offered_networks.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "printer_network.h"
+#include "text.h"
 
 namespace Driverless {
 
@@ -26,6 +28,25 @@ bool OfferedNetworks::IsNews(const NetworkInRange& network) {
     }
     known->second = network.quality;
     return true;
+}
+
+VendorSdk::WifiConfigInfo ToRecord(const NetworkInRange& network) {
+    VendorSdk::WifiConfigInfo record{};
+    record.rssi = static_cast<float>(network.quality);
+    PutText(record.ssid, network.name);
+    return record;
+}
+
+std::vector<NetworkInRange> StrongestOf(std::vector<NetworkInRange> networks, int weakest,
+                                        std::size_t most) {
+    std::erase_if(networks, [weakest](const auto& one) { return one.quality < weakest; });
+    std::stable_sort(networks.begin(), networks.end(), [](const auto& left, const auto& right) {
+        return left.quality > right.quality;
+    });
+    if (networks.size() > most) {
+        networks.resize(most);
+    }
+    return networks;
 }
 
 }  // namespace Driverless

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "VendorSdk/records.h"
 #include "host_wifi.h"
 
 namespace Driverless {
@@ -25,5 +26,11 @@ private:
 
     std::map<std::string, int> reported;
 };
+
+VendorSdk::WifiConfigInfo ToRecord(const NetworkInRange& network);
+
+// The strongest first, and at most `most` of them; those weaker than `weakest` are left out.
+std::vector<NetworkInRange> StrongestOf(std::vector<NetworkInRange> networks, int weakest,
+                                        std::size_t most);
 
 }  // namespace Driverless

@@ -43,4 +43,16 @@ constexpr int kNotOnNetwork = 17;  // the printer is not on the local network
 constexpr int kNoIdentity = 18;    // the record has no serial number
 constexpr int kNoResources = 19;   // the process has no thread or memory left
 
+// GetDeviceInfoByUsb
+constexpr int kNoAccess = 20;     // no rights to the device
+constexpr int kBusy = 21;         // another program has the device
+constexpr int kNoUsbAnswer = 22;  // the device does not answer, or USB cannot be looked at
+
+// The USB entry points
+constexpr int kNoRecord = 23;  // no record, or no room for the answer
+
+// PrinterUSBNetConfigEvent
+constexpr int kNoBridge = 24;      // nothing on this host makes printers on USB reachable by IPP
+constexpr int kSeveralAlike = 25;  // several printers that cannot be told apart
+
 }  // namespace Driverless

@@ -162,14 +162,18 @@ private:
 
 }  // namespace
 
-ScanSession::ScanSession(Reporter printerReporter)
-    : reporter(std::move(printerReporter)), inbox(std::make_shared<Inbox>()) {}
+ScanSession::ScanSession(Reporter printerReporter, Reach looksWhere)
+    : reporter(std::move(printerReporter)), reach(looksWhere), inbox(std::make_shared<Inbox>()) {}
 
 ScanSession::~ScanSession() = default;
 
 int ScanSession::Run() {
     const auto box = inbox;
-    const DnssdBrowser browser([box](DnssdEvent event) { box->Put(std::move(event)); });
+    const DnssdBrowser browser([box, where = reach](DnssdEvent event) {
+        if (where == Reach::Everywhere || !IsLoopback(event.id.interface)) {
+            box->Put(std::move(event));
+        }
+    });
     QueryPool queries([box](PrinterTable::QueryId query, const auto& attributes) {
         box->Put(Answer{query, attributes});
     });

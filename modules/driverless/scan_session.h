@@ -15,8 +15,13 @@ class ScanSession : public Scan {
 public:
     using Reporter = std::function<void(const Printer&)>;
 
+    enum class Reach {
+        Everywhere,
+        NetworkOnly,  // not what is announced on this host for itself, such as printers on USB
+    };
+
     // Each printer is reported on the thread in Run.
-    explicit ScanSession(Reporter printerReporter);
+    explicit ScanSession(Reporter printerReporter, Reach looksWhere = Reach::Everywhere);
     ~ScanSession() override;
 
     // Looks for printers until it is stopped; StartDeviceScan's result.
@@ -33,6 +38,7 @@ private:
     void Report(const Printer& printer);
 
     const Reporter reporter;
+    const Reach reach;
     const std::shared_ptr<Inbox> inbox;
     ReportGate gate;
 };

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <future>
 #include <iterator>
+#include <map>
 
 #include "diagnostics.h"
 #include "results.h"
@@ -101,13 +102,15 @@ PortRange PortRangeFrom(const std::string& text) {
 
 std::vector<std::uint16_t> BridgePorts(const std::vector<ListeningPort>& listening, PortRange range,
                                        unsigned user) {
-    std::vector<std::uint16_t> ports;
+    std::map<std::uint16_t, bool> trusted;
     for (const ListeningPort& one : listening) {
-        const bool isTrusted = one.owner == 0 || one.owner == user;
-        const bool isNew = ports.empty() || ports.back() != one.port;
-        if (isTrusted && isNew && one.port >= range.first && one.port <= range.last &&
-            ports.size() < kMostBridges) {
-            ports.push_back(one.port);
+        bool& isTrusted = trusted.try_emplace(one.port, true).first->second;
+        isTrusted = isTrusted && (one.owner == 0 || one.owner == user);
+    }
+    std::vector<std::uint16_t> ports;
+    for (const auto& [port, isTrusted] : trusted) {
+        if (isTrusted && port >= range.first && port <= range.last && ports.size() < kMostBridges) {
+            ports.push_back(port);
         }
     }
     return ports;

@@ -1,21 +1,20 @@
 #include "wifi_setup.h"
 
 #include <cstdlib>
-#include <future>
-#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "access_point.h"
 #include "diagnostics.h"
 #include "host_wifi.h"
 #include "ipp_query.h"
 #include "join_watch.h"
+#include "known_printers.h"
 #include "results.h"
 #include "text.h"
+#include "usb_bridge.h"
 #include "wifi_settings.h"
 
 namespace Driverless {
@@ -39,45 +38,69 @@ std::chrono::seconds JoinLimit() {
     return std::chrono::seconds(valid ? seconds : kDefaultLimit);
 }
 
-bool SeesNetworks() {
-    using Networks = std::vector<NetworkInRange>;
-    const auto answer = std::make_shared<std::promise<std::future<Networks>>>();
-    auto seen = answer->get_future();
-    FindNetworks([answer](std::future<Networks> found) { answer->set_value(std::move(found)); });
-    return seen.wait_for(kScanPatience) == std::future_status::ready && !seen.get().get().empty();
+// A printer that takes Wi-Fi settings, and the way to it.
+struct Recipient {
+    Printer printer;
+    WifiState state;   // before it is given anything
+    Printer onSecret;  // how it is asked to take a pass phrase
+    // Its own network, through which it is reached; empty for one on USB.
+    std::string network;
+};
+
+// The pass phrase goes encrypted wherever the printer can take it so.
+Recipient InItsNetwork(const AccessPoint& accessPoint) {
+    Recipient recipient{accessPoint.printer, *accessPoint.attributes.wifiState, accessPoint.printer,
+                        accessPoint.network};
+    if (accessPoint.attributes.speaksTls) {
+        recipient.onSecret.kind = ServiceKind::Ipps;
+    }
+    return recipient;
+}
+
+// A bridge takes what it passes on as it is: it stays on this host and the cable.
+Recipient OnUsb(const BridgedPrinter& bridged) {
+    return {bridged.printer, *bridged.attributes.wifiState, bridged.printer, {}};
 }
 
 // Whether the host is known to have left the network. One whose Wi-Fi is off or has ended is joined
 // to nothing, too, but sees nothing either.
-bool HasLeft(const std::string& network) {
-    const auto current = CurrentNetwork(kStatePatience);
-    return current && current->name != network && (!current->name.empty() || SeesNetworks());
-}
-
-// The pass phrase goes encrypted wherever the printer can take it so.
-Printer WithTlsIfSpoken(const AccessPoint& accessPoint) {
-    Printer printer = accessPoint.printer;
-    if (accessPoint.attributes.speaksTls) {
-        printer.kind = ServiceKind::Ipps;
+bool HasLeft(const Recipient& recipient) {
+    if (recipient.network.empty()) {
+        return false;
     }
-    return printer;
+    const auto current = CurrentNetwork(kStatePatience);
+    if (!current || current->name == recipient.network) {
+        return false;
+    }
+    const auto inRange = current->name.empty() ? NetworksInRange(kScanPatience) : std::nullopt;
+    return !current->name.empty() || (inRange && !inRange->empty());
 }
 
 // One that closes its network at once, before its answer is through, took the settings too.
-bool IsTaken(const IppAnswer& answer, const std::string& network) {
+bool IsTaken(const IppAnswer& answer, const Recipient& recipient) {
     return answer.kind == IppAnswer::Kind::Granted ||
-           (answer.kind == IppAnswer::Kind::NoAnswer && answer.sent && HasLeft(network));
+           (answer.kind == IppAnswer::Kind::NoAnswer && answer.sent && HasLeft(recipient));
+}
+
+// On the network it may be known by its UUID only.
+void RememberAs(const std::string& serialNumber, Printer printer) {
+    printer.serialNumber = serialNumber;
+    KnownPrinters().Remember(printer);
+}
+
+std::string PlaceOf(const Printer& printer) {
+    return printer.address + ":" + std::to_string(printer.port);
 }
 
 // The result of a refusal; nothing when the printer took the settings.
-std::optional<int> Send(const AccessPoint& accessPoint, const WifiSettings& settings) {
-    const IppAnswer answer = AskInTime(WithTlsIfSpoken(accessPoint), kSettingPatience,
-                                       {IppQuestion::Kind::Set, settings});
-    if (IsTaken(answer, accessPoint.network)) {
+std::optional<int> Send(const Recipient& recipient, const WifiSettings& settings) {
+    const IppAnswer answer =
+        AskInTime(recipient.onSecret, kSettingPatience, {IppQuestion::Kind::Set, settings});
+    if (IsTaken(answer, recipient)) {
         return std::nullopt;
     }
     ReportProblem(
-        "the printer at " + accessPoint.printer.address + " does not take the network: " +
+        "the printer at " + PlaceOf(recipient.printer) + " does not take the network: " +
         (answer.problem.empty() ? "no answer" : settings.passPhrase.MaskedIn(answer.problem)));
     switch (answer.kind) {
         case IppAnswer::Kind::Denied:
@@ -89,31 +112,53 @@ std::optional<int> Send(const AccessPoint& accessPoint, const WifiSettings& sett
     }
 }
 
-std::optional<int> LookOnce(const AccessPoint& accessPoint, JoinWatch& watch) {
+std::optional<int> LookOnce(const Recipient& recipient, JoinWatch& watch) {
     const IppAnswer answer =
-        AskInTime(accessPoint.printer, kStatePatience, {IppQuestion::Kind::AttributesWithWifi, {}});
+        AskInTime(recipient.printer, kStatePatience, {IppQuestion::Kind::AttributesWithWifi, {}});
     if (answer.kind == IppAnswer::Kind::Granted) {
         return watch.Answered(answer.attributes, Clock::now());
     }
-    return HasLeft(accessPoint.network) ? watch.Gone(Clock::now()) : watch.Silent(Clock::now());
+    return HasLeft(recipient) ? watch.Gone(Clock::now()) : watch.Silent(Clock::now());
 }
 
-int Follow(const AccessPoint& accessPoint, JoinWatch watch) {
+int Follow(const Recipient& recipient, JoinWatch watch) {
     while (true) {
         std::this_thread::sleep_for(kLookAgain);
-        if (const auto result = LookOnce(accessPoint, watch)) {
+        if (const auto result = LookOnce(recipient, watch)) {
             return *result;
         }
     }
 }
 
-}  // namespace
+int Give(const Recipient& recipient, const WifiSettings& settings) {
+    if (const auto refusal = Send(recipient, settings)) {
+        return *refusal;
+    }
+    ReportDetail("the printer at " + PlaceOf(recipient.printer) + " was given the network " +
+                 settings.name);
+    const int result =
+        Follow(recipient, JoinWatch(settings.name, recipient.state, Clock::now(), JoinLimit()));
+    ReportDetail("it ended with " + std::to_string(result));
+    return result;
+}
 
-int SetUpWifi(const VendorSdk::WifiConfigInfo& record) {
-    const WifiSettings settings{FieldText(record.ssid), PassPhrase(FieldView(record.pwd))};
+WifiSettings SettingsIn(const VendorSdk::WifiConfigInfo& record) {
+    return {FieldText(record.ssid), PassPhrase(FieldView(record.pwd))};
+}
+
+bool AreValid(const WifiSettings& settings) {
     const std::string problem = ProblemWith(settings);
     if (!problem.empty()) {
         ReportProblem("nothing was sent to the printer: " + problem);
+    }
+    return problem.empty();
+}
+
+}  // namespace
+
+int SetUpWifi(const VendorSdk::WifiConfigInfo& record) {
+    const WifiSettings settings = SettingsIn(record);
+    if (!AreValid(settings)) {
         return kNotValid;
     }
     const auto found = FindAccessPoint(Clock::now() + kAnswerPatience).found;
@@ -121,15 +166,25 @@ int SetUpWifi(const VendorSdk::WifiConfigInfo& record) {
         ReportProblem("the host is in no network of a printer that can be set up");
         return kNotReached;
     }
-    if (const auto refusal = Send(*found, settings)) {
-        return *refusal;
+    return Give(InItsNetwork(*found), settings);
+}
+
+int SetUpWifiOverUsb(const VendorSdk::DeviceInfo& device, const VendorSdk::WifiConfigInfo& record) {
+    const WifiSettings settings = SettingsIn(record);
+    if (!AreValid(settings)) {
+        return kNotValid;
     }
-    ReportDetail("the printer at " + found->printer.address + " was given the network " +
-                 settings.name);
-    const int result = Follow(
-        *found, JoinWatch(settings.name, *found->attributes.wifiState, Clock::now(), JoinLimit()));
-    ReportDetail("it ended with " + std::to_string(result));
-    return result;
+    const BridgeSearch search = FindBridged(device, Clock::now() + kAnswerPatience);
+    if (!search.found) {
+        return search.result;
+    }
+    if (!search.found->attributes.wifiState) {
+        ReportProblem("the printer at " + PlaceOf(search.found->printer) +
+                      " has no Wi-Fi that can be configured");
+        return kRefused;
+    }
+    RememberAs(FieldText(device.deviceSN), search.found->printer);
+    return Give(OnUsb(*search.found), settings);
 }
 
 }  // namespace Driverless

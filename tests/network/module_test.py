@@ -11,8 +11,8 @@ import unittest
 SCAN, SET_UP = sys.argv[1:3]
 
 # What a module stands on; the sanitizers' libraries where it is built with them.
-OF_THE_SYSTEM = re.compile(r"lib(avahi-client|avahi-common|cups|stdc\+\+|gcc_s|m|c|pthread|dl|"
-                           r"asan|ubsan|tsan)\.so\.\d+|ld-linux.*\.so\.\d+")
+OF_THE_SYSTEM = re.compile(r"lib(avahi-client|avahi-common|cups|usb-1\.0|stdc\+\+|gcc_s|m|c|"
+                           r"pthread|dl|asan|ubsan|tsan)\.so\.\d+|ld-linux.*\.so\.\d+")
 # Names of the broker and of libraries of the application that no module uses.
 OF_OTHERS = re.compile(r"PrinterDeviceDiscoverSdk|KzLogger|VendorDllMgr|LogHelper|PrinterUtil")
 SCAN_ENTRY_POINTS = {
@@ -20,7 +20,8 @@ SCAN_ENTRY_POINTS = {
     "ConnectSuccessNotifyEvent", "ConnectFailNotifyEvent"}
 SET_UP_ENTRY_POINTS = {
     "StartAPWifiScan", "StopAPWifiScan", "PrinterAPNetConfigEvent", "IsLocalAreaNetworkOK",
-    "GetDeviceInfoByNet", "IsConnectCurrentWifiAP"}
+    "GetDeviceInfoByNet", "IsConnectCurrentWifiAP",
+    "GetDeviceInfoByUsb", "USBWifiScan", "PrinterUSBNetConfigEvent"}
 
 
 def output(*command):
