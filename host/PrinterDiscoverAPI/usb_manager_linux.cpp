@@ -194,10 +194,10 @@ private:
             const bool dropped = errno != 0 && errno != EAGAIN && errno != EINTR;
             if (dropped || (signs & ~POLLIN) != 0) {
                 const std::string reason = dropped ? SystemMessage(errno) : "they have ended";
+                monitor.reset();
                 Host::Report(LOG_LEVEL_WARNING,
                              L"USB monitor: device events were missed: " + Host::FromUtf8(reason),
                              L"PrinterUsbDeviceManager::StartMonitor");
-                monitor.reset();
             }
             return std::nullopt;
         }
