@@ -309,7 +309,6 @@ class TwentyPrinters(NetworkTest):
         self.assertEqual(sorted(p["serial"] for p in found), [serial_of(1), serial_of(2)])
         self.assertEqual(probe.ask("stop"), 0)
 
-
     def test_all_are_found_by_an_avahi_that_looks_up_few_at_once(self):
         self.have_printers(12)
         self.limit_avahi(7)
@@ -319,7 +318,15 @@ class TwentyPrinters(NetworkTest):
         found = probe.found(1.5)
         self.assertEqual(sorted(p["serial"] for p in found),
                          [serial_of(number) for number in range(1, 13)])
+
+    def test_an_avahi_that_looks_up_none_is_told_once(self):
+        self.have_printers(3)
+        self.limit_avahi(4)  # as many as the module's browsers: one for each kind of service
+        probe = self.probe()
+        probe.start()
+        self.assertEqual(probe.found(2 * SLACK), [])
         self.assert_diagnostics(probe, "Avahi does not look up .*asked again: Too many objects")
+        self.assertEqual(probe.ask("stop"), 0)
 
 
 class Diagnostics(NetworkTest):
