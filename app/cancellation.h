@@ -37,12 +37,17 @@ public:
     // Runs `change`, which may make a wait's condition true.
     void Notify(const std::function<void()>& change);
 
+    // Whether work goes on that was no longer waited for: it may be inside a library.
+    bool LeavesWorkBehind() const { return workLeftBehind; }
+    void LeaveWorkBehind() { workLeftBehind = true; }
+
 private:
     Cancellation() = default;
 
     mutable std::mutex mutex;
     std::condition_variable changed;
     bool cancelled = false;
+    std::atomic<bool> workLeftBehind = false;
 };
 
 // Runs `work`, which may take long and cannot be cut short, on a thread of its own and waits for
@@ -85,6 +90,7 @@ Result AwaitInterruptibly(std::function<Result()> work, const std::function<void
         // It does not end before it is detached: the run-time library of MinGW-w64 mixes up its
         // threads when one ends meanwhile, and one that is started next never runs.
         worker.detach();
+        cancellation.LeaveWorkBehind();
         outcome->mayEnd = true;
         throw;
     }
