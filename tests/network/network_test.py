@@ -760,6 +760,37 @@ class State(NetworkTest):
         self.fake_printer("Other", 9000, attributes=["printer-serial-number=S2"])
         self.assertEqual(probe.ask("state", "S1"), OTHER_PRINTER)
 
+    def two_with_one_serial_number(self):
+        for number in (1, 2):
+            self.fake_printer(f"Office {number}", 9000 + number, attributes=[
+                "printer-serial-number=S1", f"printer-uuid=urn:uuid:{UUID}{number}",
+                f"printer-make-and-model=Acme {number}", f"printer-state={3 if number == 1 else 5}"])
+
+    def test_printers_with_one_serial_number_are_told_apart_by_where_they_are(self):
+        self.two_with_one_serial_number()
+        probe = self.probe(through_broker=True)
+        probe.start()
+        probe.await_printers(2)
+        self.assertEqual(sorted((p["serial"], p["make_and_model"], p["port"])
+                                for p in probe.found(1.5)),
+                         [("S1", "Acme 1", 9001), ("S1", "Acme 2", 9002)])
+        states = {9001: READY, 9002: NOT_READY}
+        for port in (9001, 9002, 9001):
+            probe.tell(f"edit S1 port {port}")
+            self.assertEqual(probe.ask("state", "S1"), states[port], port)
+        probe.tell("edit S1 port 9003")
+        self.assertEqual(probe.ask("state", "S1"), NO_ANSWER, "neither of them")
+        # Another one takes the place of the first.
+        probe.ask("stop")
+        self.end_fake(self.fakes.pop(0))
+        self.fake_printer("Office 3", 9001, attributes=[
+            "printer-serial-number=S1", f"printer-uuid=urn:uuid:{UUID}3"])
+        probe.tell("edit S1 port 9001")
+        self.assertEqual(probe.ask("state", "S1"), OTHER_PRINTER)
+        self.assertEqual(probe.ask("failed", "S1"), 0)
+        probe.tell("edit S1 port 9002")
+        self.assertEqual(probe.ask("state", "S1"), NOT_READY, "still known")
+
     def test_the_record_alone_is_enough(self):
         probe = self.known()
         record = next(event for event in probe.seen if event["event"] == "found")
@@ -870,6 +901,14 @@ class Application(NetworkTest):
         state = self.devicediscover("state", "S1")
         self.assertEqual((state.returncode, state.stderr), (0, ""))
         self.assertRegex(state.stdout, r"^S1: not ready \(state 2\)")
+
+    def test_printers_with_one_serial_number_are_two(self):
+        for number in (1, 2):
+            self.fake_printer(f"Office {number}", 9000 + number, attributes=[
+                "printer-serial-number=S1", f"printer-uuid=urn:uuid:{UUID}{number}"])
+        state = self.devicediscover("state", "S2", *self.seconds(3))
+        self.assertEqual(state.returncode, 1)
+        self.assertIn("2 with another were", state.stderr)
 
     def test_vendors_shows_the_module_bound(self):
         vendors = self.devicediscover("vendors", "--json")
