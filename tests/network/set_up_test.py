@@ -8,16 +8,14 @@ SET_UP_PROBE, SET_UP_MODULE, WIFI_PRINTER, and what network_test.py needs.
 
 import json
 import os
-import queue
 import signal
 import subprocess
 import sys
-import threading
 import time
 import unittest
 
-from network_test import (LAB, NO_AVAHI, NO_BUS, PATIENCE, SLACK, Probe, lab,
-                          text_below, text_of)
+from lab import LAB, PATIENCE, Lines, lab
+from network_test import NO_AVAHI, NO_BUS, SLACK, Probe, text_below, text_of
 
 PRINTER = os.environ["WIFI_PRINTER"]
 STATE = os.environ["LAB_NETWORK_STATE"]
@@ -74,50 +72,6 @@ class SetUpProbe(Probe):
         if self.process.poll() is None:
             self.command("exit")
         return super().end()
-
-
-class Lines:
-    """A process that writes one line an event."""
-
-    def __init__(self, arguments):
-        self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE,
-                                        stderr=subprocess.DEVNULL, text=True)
-        self.lines = queue.Queue()
-        self.seen = []
-        self.reader = threading.Thread(target=self._read, daemon=True)
-        self.reader.start()
-
-    def _read(self):
-        for line in self.process.stdout:
-            self.lines.put(line.strip())
-        self.lines.put(None)
-
-    def await_line(self, wanted, seconds=PATIENCE):
-        deadline = time.monotonic() + seconds
-        while True:
-            line = self.lines.get(timeout=max(0.01, deadline - time.monotonic()))
-            self.seen.append(line)
-            if line == wanted:
-                return
-            assert line is not None, f"it ended: {self.seen}"
-
-    def all(self):
-        while not self.lines.empty():
-            self.seen.append(self.lines.get())
-        return self.seen
-
-    def given(self):
-        """What the printer was given: names and pass phrases as text, and what else it says."""
-        def text(digits):
-            return "" if digits == "-" else bytes.fromhex(digits).decode()
-        calls = [line.split() for line in self.all() if line and line.startswith("given ")]
-        return [(text(call[1]), text(call[2]), *call[3:]) for call in calls]
-
-    def end(self):
-        self.process.kill()
-        self.process.wait()
-        self.reader.join()
-        self.process.stdout.close()
 
 
 class HostWifi:
