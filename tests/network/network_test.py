@@ -15,10 +15,11 @@ import threading
 import time
 import unittest
 
+from lab import LAB, PATIENCE, lab
+
 PROGRAM = os.environ["DEVICEDISCOVER_PROGRAM"]
 PROBE = os.environ["SCAN_PROBE"]
 MODULE = os.environ["DRIVERLESS_MODULE"]
-LAB = os.environ["LAB_NETWORK"]
 SUPPRESSIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "tsan.supp")
 FAKE_PRINTER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "fake_printer.py")
 
@@ -29,16 +30,11 @@ ENVIRONMENT = {**os.environ, "TSAN_OPTIONS": TSAN_OPTIONS}
 ENVIRONMENT.pop("DEVICEDISCOVER_VENDORS", None)
 
 # Sanitizers make everything slower; nothing here measures speed.
-PATIENCE = 30
 SLACK = float(os.environ.get("NETWORK_TEST_SLACK", "1"))
 
 IPP, IPPS, PDL_DATASTREAM, LPD = 1, 2, 3, 4
 READY, NOT_READY, NO_ANSWER, UNKNOWN, NO_PRINTER, OTHER_PRINTER = 1, 2, 3, 4, 5, 6
 NO_BUS, NO_AVAHI, NO_NETWORK, BUS_LOST = 2, 3, 4, 6
-
-
-def lab(*arguments):
-    subprocess.run([LAB, *map(str, arguments)], check=True, timeout=60)
 
 
 def serial_of(number):
