@@ -318,6 +318,22 @@ TEST_F(Wifi, AnAttemptThatFailsAndIsNotRepeated_EndsIt) {
     const auto start = Clock::now();
     ExpectNotJoined(L"Home", kSecret, L"the network is not in range any more");
     EXPECT_LT(SecondsSince(start), 5);
+    EXPECT_EQ(service.disconnections, 1);
+}
+
+TEST_F(Wifi, AnAttemptThatFailsAndEndedWithoutAWord_NeedsNoEnd) {
+    Add({.name = "Home", .elements = Rsn({2}), .isPrivate = true, .join = Join::attemptEnds});
+    ExpectNotJoined(L"Home", kSecret, L"the network is not in range any more");
+    EXPECT_EQ(service.disconnections, 0);
+}
+
+TEST_F(Wifi, WhatSomeoneElseJoinsMeanwhileIsNotEnded) {
+    Add({.name = "Home", .elements = Rsn({2}), .isPrivate = true, .join = Join::supplanted});
+    for (const bool tells : {false, true}) {
+        Adapter().tellsJoining = tells;
+        ExpectNotJoined(L"Home", kSecret, L"the network is not in range any more");
+        EXPECT_EQ(service.disconnections, 0) << tells;
+    }
 }
 
 TEST_F(Wifi, AnAttemptThatDoesNotEnd_IsNotAwaitedForEver) {
