@@ -24,6 +24,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kLookAgain{250};
 constexpr std::chrono::milliseconds kStatePatience{1000};
+// Small printers compute for a while before they speak TLS.
+constexpr std::chrono::milliseconds kStatePatienceWithTls{2000};
 // A fresh look at what is in range takes its time.
 constexpr std::chrono::milliseconds kScanPatience{12000};
 
@@ -90,8 +92,10 @@ std::optional<int> Send(const AccessPoint& accessPoint, const WifiSettings& sett
 }
 
 std::optional<int> LookOnce(const AccessPoint& accessPoint, JoinWatch& watch) {
+    const bool tls = accessPoint.printer.kind == ServiceKind::Ipps;
     const IppAnswer answer =
-        AskInTime(accessPoint.printer, kStatePatience, {IppQuestion::Kind::AttributesWithWifi, {}});
+        AskInTime(accessPoint.printer, tls ? kStatePatienceWithTls : kStatePatience,
+                  {IppQuestion::Kind::AttributesWithWifi, {}});
     if (answer.kind == IppAnswer::Kind::Granted) {
         return watch.Answered(answer.attributes, Clock::now());
     }

@@ -15,7 +15,7 @@ import time
 import unittest
 
 from lab import LAB, PATIENCE, Lines, lab
-from network_test import NO_AVAHI, NO_BUS, SLACK, Probe, text_below, text_of
+from network_test import IPP, IPPS, NO_AVAHI, NO_BUS, SLACK, Probe, text_below, text_of
 
 PRINTER = os.environ["WIFI_PRINTER"]
 STATE = os.environ["LAB_NETWORK_STATE"]
@@ -203,6 +203,14 @@ class RealPrinter(SetUpTest):
              "address": "10.99.0.1", "resource": "/ipp/print", "port": 631, "kind": 1})
         self.assertNotIn("ff", [event["bytes"][i:i + 2] for i in range(0, 2 * 228, 2)],
                          "every byte is written")
+
+    def test_with_a_printer_that_speaks_tls_it_is_the_same(self):
+        printer, probe = self.begin("--tls")
+        self.assertEqual(probe.result("connected"), OK)
+        self.assertEqual(probe.asked("describe")["serial"], SERIAL)
+        self.assertEqual(probe.configured(NAME, "wrong-horse battery")["result"], CANNOT_JOIN)
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
+        self.assertEqual(printer.given(), [(NAME, "wrong-horse battery"), (NAME, PASS_PHRASE)])
 
     def test_the_right_pass_phrase_is_given_as_it_is_and_the_printer_joins(self):
         printer, probe = self.begin()
@@ -393,18 +401,40 @@ class OtherPrinters(SetUpTest):
             self.assertIn("not '***', not ***", said)
             self.assertNotIn(PASS_PHRASE, said)
 
-    def test_a_printer_that_speaks_tls_is_given_the_pass_phrase_over_it(self):
-        certificate = os.path.join(STATE, "certificate.pem")
+    @staticmethod
+    def certificate():
+        path = os.path.join(STATE, "certificate.pem")
         subprocess.run(
             ["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=printer",
-             "-keyout", certificate, "-out", certificate + ".public"], check=True,
+             "-keyout", path, "-out", path + ".public"], check=True,
             capture_output=True, timeout=PATIENCE)
-        with open(certificate + ".public", encoding="ascii") as public:
-            with open(certificate, "a", encoding="ascii") as both:
+        with open(path + ".public", encoding="ascii") as public:
+            with open(path, "a", encoding="ascii") as both:
                 both.write(public.read())
-        printer, probe = self.begin("joins", "--certificate", certificate)
+        return path
+
+    def test_a_printer_that_speaks_tls_is_given_the_pass_phrase_over_it(self):
+        printer, probe = self.begin("joins", "--certificate", self.certificate())
+        self.assertEqual(probe.asked("describe")["kind"], IPP)
         self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
         self.assertEqual(printer.given(), [(NAME, PASS_PHRASE, "tls")])
+
+    def test_a_printer_that_speaks_tls_only_is_found_and_given_everything_over_it(self):
+        certificate = self.certificate()
+        self.have_wifi()
+        for behaviour in ("closes", "waits"):
+            with self.subTest(behaviour=behaviour):
+                printer = self.fake("--certificate", certificate, "--without-tls", behaviour)
+                probe = self.probe()
+                connected = probe.asked("connected")
+                self.assertEqual(connected["result"], OK)
+                self.assertLess(connected["took"], 2.2 * SLACK)
+                event = probe.asked("describe")
+                self.assertEqual((event["result"], event["kind"], event["port"]), (OK, IPPS, 631))
+                self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
+                self.assertEqual(printer.given(), [(NAME, PASS_PHRASE, "tls")])
+                printer.end()
+                self.running.remove(printer)
 
     def test_a_failure_of_an_earlier_attempt_is_not_taken_for_the_outcome(self):
         _, probe = self.begin("hesitates", "--state", "6", "--network", NAME)
