@@ -273,6 +273,15 @@ TEST_F(Wifi, TheRightPassPhraseJoins) {
     EXPECT_THAT(service.connections[0].profile, HasSubstr(L"<hex>486F6D65</hex>"));
 }
 
+TEST_F(Wifi, TheFirstWpaIsJoinedWithTheCipherThatIsSpokenThere) {
+    Add({.name = "aes", .elements = Wpa({2}, {4}), .isPrivate = true, .passPhrase = kSecretText});
+    Add({.name = "tkip", .elements = Wpa({2}, {2}), .isPrivate = true, .passPhrase = kSecretText});
+    EXPECT_TRUE(Connect(L"aes", kSecret));
+    EXPECT_TRUE(Connect(L"tkip", kSecret));
+    EXPECT_THAT(service.connections.at(0).profile, HasSubstr(L"<encryption>AES<"));
+    EXPECT_THAT(service.connections.at(1).profile, HasSubstr(L"<encryption>TKIP<"));
+}
+
 TEST_F(Wifi, AWrongPassPhraseIsSaidToBe) {
     Add({.name = "Home", .elements = Rsn({2}), .isPrivate = true, .passPhrase = "another one"});
     const auto start = Clock::now();
