@@ -189,6 +189,9 @@ NetworkScanSession::~NetworkScanSession() {
     } catch (const std::exception& failure) {
         Warn(std::string("the scan was not stopped: ") + failure.what());
     }
+    if (isLate) {
+        Warn("the vendor has not stopped its scan in time; nobody waits for it any more.");
+    }
 }
 
 void NetworkScanSession::Stop() {
@@ -204,7 +207,7 @@ void NetworkScanSession::Stop() {
         AwaitInterruptibly(
             work, [] {}, kPatienceWithStop);
     } catch (const Interrupted&) {
-        Warn("the vendor has not stopped its scan in time; nobody waits for it any more.");
+        isLate = true;
     }
 }
 

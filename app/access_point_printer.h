@@ -43,7 +43,8 @@ public:
     explicit NetworkScanSession(const Settings& settings);
     ~NetworkScanSession();
 
-    // Waits for the vendor; after a request to end the program only for a moment.
+    // Waits for the vendor; after a request to end the program only for a moment. That a vendor
+    // took longer is told at the end of the session, when no live display is torn by it.
     void Stop();
 
     NetworkScanSession(const NetworkScanSession&) = delete;
@@ -51,6 +52,7 @@ public:
 
 private:
     bool running = false;
+    bool isLate = false;  // the vendor has not stopped in time
 };
 
 // Why a scan was not started, though vendors could do it.
