@@ -191,6 +191,8 @@ void KeepOnly(const IcmpSocket& socket, const EchoPacket& request) {
         {BPF_LD | BPF_B | BPF_IND, 0, 0, kErrorHeader},
         {BPF_ALU | BPF_AND | BPF_K, 0, 0, 0x0F},
         {BPF_ALU | BPF_LSH | BPF_K, 0, 0, 2},
+        // Adding and constants both have the number 0.
+        // NOLINTNEXTLINE(misc-redundant-expression)
         {BPF_ALU | BPF_ADD | BPF_K, 0, 0, kErrorHeader},
         {BPF_ALU | BPF_ADD | BPF_X, 0, 0, 0},
         {BPF_MISC | BPF_TAX, 0, 0, 0},
