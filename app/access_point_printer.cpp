@@ -3,9 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
+#include <exception>
 
 #include "app/awaiting.h"
 #include "app/host_wifi.h"
+#include "app/messages.h"
 #include "app/problem.h"
 #include "app/text.h"
 #include "app/vendor_survey.h"
@@ -20,6 +23,7 @@ using PrinterDeviceDiscoverSdk::DiscoverNetConnInterface;
 
 constexpr int kNothingToCall = -1;
 constexpr int kNotInitialised = -2;
+constexpr auto kPatienceWithStop = std::chrono::seconds(3);
 
 struct KnownResult {
     int result;
@@ -29,13 +33,44 @@ struct KnownResult {
 // Results are each vendor's own affair; these are known of one.
 constexpr const char* kKnownVendor = "driverless";
 constexpr KnownResult kKnownResults[] = {
-    {10, "the printer refused"},
-    {11, "the printer does not see the network"},
-    {12, "the printer cannot join the network: is the pass phrase right?"},
-    {13, "the printer did not join the network in time"},
-    {14, "the printer does not allow it"},
-    {15, "no printer could be reached"},
-    {16, "the network's name or the pass phrase is not valid; nothing was sent"},
+    {2,
+     "this computer's D-Bus cannot be reached, which looking for printers needs. Start it, and "
+     "ask again"},
+    {3,
+     "Avahi does not run, which looking for printers needs. Start it with `systemctl start "
+     "avahi-daemon`, and ask again"},
+    {4, "this computer is on no network. Join the one that the printer was put on, and ask again"},
+    {5, "Avahi does not answer. Restart it with `systemctl restart avahi-daemon`, and ask again"},
+    {6, "D-Bus ended meanwhile. Ask again"},
+    {7,
+     "this computer is on no network with a name that may be a printer's. Join the printer's "
+     "own, and name it in the environment variable DEVICEDISCOVER_PRINTER_NETWORKS should it "
+     "have another name than most"},
+    {8,
+     "this computer's Wi-Fi service does not answer. Restart it with `systemctl restart "
+     "NetworkManager`, and ask again"},
+    {10, "the printer refused. Start its Wi-Fi set-up anew on the printer itself, and try again"},
+    {11,
+     "the printer does not see the network. Check the name, and move the printer nearer; many "
+     "printers know the 2.4 GHz band only"},
+    {12, "the printer cannot join the network: is the pass phrase right? Try again with it"},
+    {13,
+     "the printer did not join the network in time. `devicediscover scan` on that network "
+     "shows it should it have joined since; else try again"},
+    {14,
+     "the printer does not allow it. Switch its Wi-Fi set-up on, or its password off, on the "
+     "printer itself, and try again"},
+    {15,
+     "no printer could be reached. Join the printer's own network again, which `devicediscover "
+     "wifi list` shows, and try again"},
+    {16,
+     "the network's name or the pass phrase is not valid; nothing was sent. A name has 1 to "
+     "32 bytes, a pass phrase 8 or more"},
+    {17,
+     "the printer is not announced, or does not answer. Wait a moment and ask again, on the "
+     "network that the printer was put on"},
+    {18, "the printer's record has no serial number. Name it: `devicediscover ap check SERIAL`"},
+    {19, "no thread or memory was left. Close other programs, and try again"},
 };
 
 int OnNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network) {
@@ -69,6 +104,15 @@ std::string NoPrinterToAsk(const Settings& settings, const ServiceSurvey& survey
            "list`, and join\nit with `devicediscover wifi join NAME`.";
 }
 
+bool MayBeOfKnownVendor(const std::string& vendor) {
+    if (!vendor.empty()) {
+        return vendor == kKnownVendor;
+    }
+    const auto vendors = PrinterUtil::DescribeVendorList().vendors;
+    return std::any_of(vendors.begin(), vendors.end(),
+                       [](const VendorInfo& listed) { return listed.productId == kKnownVendor; });
+}
+
 }  // namespace
 
 DeviceAnswer AskForDevice(const Settings& settings) {
@@ -98,9 +142,10 @@ int CheckLocalNetwork(const Settings& settings, const DeviceInfo& device) {
     return Await(settings, "Asking whether the printer is on the network", work);
 }
 
-std::string Explanation(const Settings& settings, int result, const std::string& entryPoint) {
+std::string Explanation(const Settings& settings, int result, const std::string& entryPoint,
+                        const std::string& vendor) {
     if (result != kNothingToCall && result != kNotInitialised) {
-        return VendorsResult(result);
+        return VendorsResult(result, vendor);
     }
     // A vendor may also answer with the broker's own results.
     const ServiceSurvey survey = SurveyConfiguration(NeededFor(entryPoint));
@@ -116,24 +161,22 @@ std::string Explanation(const Settings& settings, int result, const std::string&
     return NoPrinterToAsk(settings, survey);
 }
 
-std::string VendorsResult(int result) {
+std::string VendorsResult(int result, const std::string& vendor) {
     const auto* const known =
         std::find_if(std::begin(kKnownResults), std::end(kKnownResults),
                      [&](const KnownResult& one) { return one.result == result; });
     std::string text = fmt::format("the vendor's result {}", result);
-    const auto vendors = PrinterUtil::DescribeVendorList().vendors;
-    const bool isListed = std::any_of(vendors.begin(), vendors.end(), [](const VendorInfo& vendor) {
-        return vendor.productId == kKnownVendor;
-    });
-    if (known != std::end(kKnownResults) && isListed) {
+    if (known != std::end(kKnownResults) && MayBeOfKnownVendor(vendor)) {
         text += fmt::format(" (of vendor {}: {})", kKnownVendor, known->meaning);
     }
     return text;
 }
 
 NetworkScanSession::NetworkScanSession(const Settings& settings) {
-    CancelOnInterrupt();
-    const int result = DiscoverNetConnInterface::GetInstance().StartAPWifiScan({OnNetwork, 0});
+    const std::function<int()> work = [] {
+        return DiscoverNetConnInterface::GetInstance().StartAPWifiScan({OnNetwork, 0});
+    };
+    const int result = Await(settings, "Asking the printer's vendor for a scan", work);
     if (result != 0) {
         throw NoScan{Explanation(settings, result, "StartAPWifiScan")};
     }
@@ -141,13 +184,30 @@ NetworkScanSession::NetworkScanSession(const Settings& settings) {
 }
 
 NetworkScanSession::~NetworkScanSession() {
-    Stop();
+    try {
+        Stop();
+    } catch (const std::exception& failure) {
+        Warn(std::string("the scan was not stopped: ") + failure.what());
+    }
+    if (isLate) {
+        Warn("the vendor has not stopped its scan in time; nobody waits for it any more.");
+    }
 }
 
 void NetworkScanSession::Stop() {
-    if (running) {
-        running = false;
-        DiscoverNetConnInterface::GetInstance().StopAPWifiScan();
+    if (!running) {
+        return;
+    }
+    running = false;
+    const std::function<int()> work = [] {
+        return DiscoverNetConnInterface::GetInstance().StopAPWifiScan();
+    };
+    try {
+        // Mostly it is the request to end the program that stops a scan.
+        AwaitInterruptibly(
+            work, [] {}, kPatienceWithStop);
+    } catch (const Interrupted&) {
+        isLate = true;
     }
 }
 

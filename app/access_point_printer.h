@@ -26,21 +26,25 @@ int ConfigureNetwork(const Settings& settings, const std::string& network,
 // Asks the vendor whether the printer is on the local network: 0 is yes.
 int CheckLocalNetwork(const Settings& settings, const PrinterDeviceDiscoverSdk::DeviceInfo& device);
 
-// What it means that the entry point's result was not 0. Throws Problem when no vendor could have
-// been asked at all.
-std::string Explanation(const Settings& settings, int result, const std::string& entryPoint);
+// What it means that the entry point's result was not 0, and how to go on where that is known.
+// `vendor` is whose result it is; empty: any. Throws Problem when no vendor could have been asked
+// at all.
+std::string Explanation(const Settings& settings, int result, const std::string& entryPoint,
+                        const std::string& vendor = {});
 
 // "the vendor's result N", with the meaning where it is known.
-std::string VendorsResult(int result);
+std::string VendorsResult(int result, const std::string& vendor);
 
 // A Wi-Fi scan by the vendor of that printer, from construction to Stop. What is found goes to the
 // process's NetworkList.
 class NetworkScanSession {
 public:
-    // Throws NoScan when no scan could be started, Problem when no vendor has one.
+    // Throws NoScan when no scan could be started, Problem when no vendor has one, Interrupted.
     explicit NetworkScanSession(const Settings& settings);
     ~NetworkScanSession();
 
+    // Waits for the vendor; after a request to end the program only for a moment. That a vendor
+    // took longer is told at the end of the session, when no live display is torn by it.
     void Stop();
 
     NetworkScanSession(const NetworkScanSession&) = delete;
@@ -48,6 +52,7 @@ public:
 
 private:
     bool running = false;
+    bool isLate = false;  // the vendor has not stopped in time
 };
 
 // Why a scan was not started, though vendors could do it.

@@ -80,7 +80,7 @@ ExitStatus AccessPointScan(const Settings& settings, const ScanOptions& options)
 
 ExitStatus AccessPointConfigure(const Settings& settings, const std::string& network,
                                 const PassPhraseOptions& options) {
-    options.Require();
+    options.Require(settings);
     const std::shared_ptr<Secret> passPhrase = GetPassPhrase(settings, options, network);
     RequirePrinterPassPhrase(*passPhrase);
     const int result = ConfigureNetwork(settings, network, passPhrase);
@@ -123,8 +123,9 @@ ExitStatus AccessPointCheck(const Settings& settings, const CheckOptions& option
         if (result == 0) {
             return kFound;
         }
-        reasons += fmt::format("\n  vendor {}: {}", printer.vendor,
-                               Explanation(settings, result, "IsLocalAreaNetworkOK"));
+        reasons +=
+            fmt::format("\n  vendor {}: {}", printer.vendor,
+                        Explanation(settings, result, "IsLocalAreaNetworkOK", printer.vendor));
     }
     if (candidates.empty()) {
         Explanation(settings, -1, "IsLocalAreaNetworkOK");

@@ -45,6 +45,11 @@ bool Cancellation::WaitUntil(Clock::time_point until, const std::function<bool()
     return done;
 }
 
+bool Cancellation::WaitRegardless(Clock::time_point until, const std::function<bool()>& isDone) {
+    std::unique_lock lock(mutex);
+    return changed.wait_until(lock, until, isDone);
+}
+
 void Cancellation::Notify(const std::function<void()>& change) {
     const std::lock_guard lock(mutex);
     change();

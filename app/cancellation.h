@@ -34,8 +34,15 @@ public:
     // until `until`; whether it is done. Throws Interrupted when cancelled before.
     bool WaitUntil(Clock::time_point until, const std::function<bool()>& isDone);
 
+    // The same, cancelled or not.
+    bool WaitRegardless(Clock::time_point until, const std::function<bool()>& isDone);
+
     // Runs `change`, which may make a wait's condition true.
     void Notify(const std::function<void()>& change);
+
+    // Whether work goes on that was no longer waited for: it may be inside a library.
+    bool LeavesWorkBehind() const { return workLeftBehind; }
+    void LeaveWorkBehind() { workLeftBehind = true; }
 
 private:
     Cancellation() = default;
@@ -43,13 +50,17 @@ private:
     mutable std::mutex mutex;
     std::condition_variable changed;
     bool cancelled = false;
+    std::atomic<bool> workLeftBehind = false;
 };
 
 // Runs `work`, which may take long and cannot be cut short, on a thread of its own and waits for
 // it. `onWait` is called a few times a second. Throws Interrupted when cancelled before: then
-// `work` goes on as long as the process does, and must own all it uses.
+// `work` goes on as long as the process does, and must own all it uses. With a `grace` it is begun
+// even when cancelled already, and has that long to end from then on.
 template <class Result>
-Result AwaitInterruptibly(std::function<Result()> work, const std::function<void()>& onWait) {
+Result AwaitInterruptibly(std::function<Result()> work, const std::function<void()>& onWait,
+                          Cancellation::Clock::duration grace = {}) {
+    using Clock = Cancellation::Clock;
     struct Outcome {
         std::optional<Result> result;
         std::exception_ptr failure;
@@ -58,7 +69,9 @@ Result AwaitInterruptibly(std::function<Result()> work, const std::function<void
     constexpr auto tick = std::chrono::milliseconds(200);
     CancelOnInterrupt();
     Cancellation& cancellation = Cancellation::GetInstance();
-    cancellation.Check();
+    if (grace == Clock::duration::zero()) {
+        cancellation.Check();
+    }
     const auto outcome = std::make_shared<Outcome>();
     std::thread worker([&cancellation, outcome, work = std::move(work)] {
         std::optional<Result> result;
@@ -77,14 +90,24 @@ Result AwaitInterruptibly(std::function<Result()> work, const std::function<void
         }
     });
     const auto isDone = [&] { return outcome->result || outcome->failure; };
-    try {
-        while (!cancellation.WaitUntil(Cancellation::Clock::now() + tick, isDone)) {
-            onWait();
+    const auto wait = [&] {
+        try {
+            while (!cancellation.WaitUntil(Clock::now() + tick, isDone)) {
+                onWait();
+            }
+        } catch (const Interrupted&) {
+            if (!cancellation.WaitRegardless(Clock::now() + grace, isDone)) {
+                throw;
+            }
         }
+    };
+    try {
+        wait();
     } catch (...) {
         // It does not end before it is detached: the run-time library of MinGW-w64 mixes up its
         // threads when one ends meanwhile, and one that is started next never runs.
         worker.detach();
+        cancellation.LeaveWorkBehind();
         outcome->mayEnd = true;
         throw;
     }

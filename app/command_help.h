@@ -152,6 +152,9 @@ inline constexpr const char* kApCheck = R"(Examples:
   devicediscover ap check CN12345678 --vendor driverless
   devicediscover ap check                 the printer whose network this is
 
+A UUID works too, in the place of the serial number, where the vendor knows the
+printer by it, as driverless does.
+
 Exit status 1: the printer is not on the local network.
 
 )";
@@ -166,7 +169,8 @@ list` shows it, `devicediscover wifi join NAME` joins it. The steps are: which
 printer; which network, picked from a list on a terminal; its pass phrase;
 putting the printer on it; joining this computer to it; finding the printer
 there. Should one fail, it says what to do. Ctrl-C ends it between and within
-steps. With --json each step is an object when it starts and when it ends.
+steps. With --json each step is an object when it starts and when it ends, and
+what is asked goes to standard error.
 
 Exit status: 0 the printer was found on the network, 1 a step failed or was
 interrupted, 2 wrong arguments or a pass phrase too long for a printer's record,

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 #include <sstream>
+#include <string_view>
 
 #include "app/ap_command.h"
 #include "app/cancellation.h"
@@ -49,9 +50,15 @@ void AddSeconds(CLI::App& command, const std::string& name, std::chrono::duratio
         ->check(CheckSeconds);
 }
 
+// A flag that is there or not: a value, but for a needless `true`, is refused.
+CLI::Option* AddFlag(CLI::App& command, const std::string& name, bool& value,
+                     const std::string& use) {
+    return command.add_flag(name, value, use)->disable_flag_override();
+}
+
 void AddScanOptions(CLI::App& command, ScanOptions& options) {
     AddSeconds(command, "--seconds", options.time, "How long to look");
-    command.add_flag("--watch", options.watch, "Look until Ctrl-C")->excludes("--seconds");
+    AddFlag(command, "--watch", options.watch, "Look until Ctrl-C")->excludes("--seconds");
 }
 
 // An empty name is most often a variable of the shell that is not set.
@@ -60,7 +67,7 @@ std::string CheckFileName(const std::string& name) {
 }
 
 void AddSettings(CLI::App& command, Settings& settings) {
-    command.add_flag("--json", settings.json, "Write one JSON object a line");
+    AddFlag(command, "--json", settings.json, "Write one JSON object a line");
     command.add_option("--vendors", settings.vendorList, "The list of supported vendors")
         ->type_name("FILE")
         ->check(CheckFileName);
@@ -81,8 +88,9 @@ void AddSettings(CLI::App& command, Settings& settings) {
 }
 
 void AddNetworkName(CLI::App& command, const std::string& option, std::string& name,
-                    const std::string& use) {
-    command.add_option(option, name, use)->type_name("NAME")->check(CheckNetworkName);
+                    const std::string& use,
+                    std::string (&check)(const std::string&) = CheckNetworkName) {
+    command.add_option(option, name, use)->type_name("NAME")->check(check);
 }
 
 void AddPassPhrase(CLI::App& command, PassPhraseOptions& options) {
@@ -92,7 +100,7 @@ void AddPassPhrase(CLI::App& command, PassPhraseOptions& options) {
                         "Read the pass phrase from this file;\n-: from standard input")
             ->type_name("FILE")
             ->check(CheckFileName);
-    command.add_flag("--open", options.open, "The network has no pass phrase")->excludes(file);
+    AddFlag(command, "--open", options.open, "The network has no pass phrase")->excludes(file);
 }
 
 // What a user might have meant as a pass phrase is not repeated.
@@ -180,7 +188,7 @@ void AddWifiCommands(CLI::App& app, Commands& commands, Options& all) {
         commands.Add(wifi, "join", "Join this computer to a network.",
                      std::string(Help::kWifiJoin) + Help::kPassPhrase + Help::kExitStatuses,
                      [&] { return WifiJoin(all.settings, all.network, all.passPhrase); });
-    AddNetworkName(join, "NAME", all.network, "The network's name");
+    AddNetworkName(join, "NAME", all.network, "The network's name", CheckHostNetworkName);
     join.get_option("NAME")->required();
     AddPassPhrase(join, all.passPhrase);
 
@@ -212,8 +220,8 @@ void AddAccessPointCommands(Commands& commands, Options& all) {
     CLI::App& check = commands.Add(ap, "check", "Ask whether a printer is on the local network.",
                                    WithStatuses(Help::kApCheck),
                                    [&] { return AccessPointCheck(all.settings, all.check); });
-    CLI::Option* const serial =
-        check.add_option("SERIAL", all.check.serialNumber, "The printer's serial number");
+    CLI::Option* const serial = check.add_option("SERIAL", all.check.serialNumber,
+                                                 "The printer's serial number, or its UUID");
     check.add_option("--vendor", all.check.vendor, "Its vendor's productId")
         ->type_name("ID")
         ->needs(serial);
@@ -226,9 +234,7 @@ void AddSetupCommand(CLI::App& app, Commands& commands, Options& all) {
                      [&] { return Setup(all.settings, all.setup); });
     AddNetworkName(setup, "--network", all.setup.network, "The network to put the printer on");
     AddPassPhrase(setup, all.setup.passPhrase);
-    setup.add_flag(
-        "--no-rejoin", [&](std::int64_t) { all.setup.rejoin = false; },
-        "Do not join this computer to that network");
+    AddFlag(setup, "--no-rejoin", all.setup.noRejoin, "Do not join this computer to that network");
     AddSeconds(setup, "--timeout", all.setup.timeout, "How long to look for the printer there");
     AddSeconds(setup, "--seconds", all.setup.listTime, "How long to look for networks");
 }
@@ -257,12 +263,36 @@ std::string SubcommandsOf(const CLI::App& command) {
     return text;
 }
 
-std::string Explanation(const CLI::App& app, const CLI::ParseError& error) {
-    const auto [command, words] = Chosen(app);
-    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) &&
-        TakesPassPhrase(*command)) {
+// The argument without what it gives an option, which may be a pass phrase.
+std::string WithoutValue(const std::string& argument) {
+    return argument.starts_with('-') ? argument.substr(0, argument.find('=')) : argument;
+}
+
+std::string AboutExtras(const CLI::App& command) {
+    if (TakesPassPhrase(command)) {
         return "there is an argument too many. A pass phrase is never one: give it at the prompt, "
                "or with\n--pass-phrase-file";
+    }
+    const std::vector<std::string> extras = command.remaining();
+    return extras.empty() ? "there is an argument too many"
+                          : "there is no argument or option '" + WithoutValue(extras[0]) + "'";
+}
+
+std::string AboutMismatch(const std::string& text) {
+    constexpr std::string_view valueOfFlag = " was given a disallowed flag override";
+    return text.ends_with(valueOfFlag)
+               ? "--" + text.substr(0, text.size() - valueOfFlag.size()) + " takes no value"
+               : text;
+}
+
+// Never repeats what may be a pass phrase.
+std::string Explanation(const CLI::App& app, const CLI::ParseError& error) {
+    const auto [command, words] = Chosen(app);
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError)) {
+        return AboutExtras(*command);
+    }
+    if (error.get_name() == "ArgumentMismatch") {
+        return AboutMismatch(error.what());
     }
     const std::string subcommands = SubcommandsOf(*command);
     if (subcommands.empty() || error.get_name() != "RequiredError") {
@@ -270,7 +300,7 @@ std::string Explanation(const CLI::App& app, const CLI::ParseError& error) {
     }
     const std::vector<std::string> others = command->remaining();
     return (others.empty() ? "a command is needed"
-                           : "there is no command or option '" + others[0] + "'") +
+                           : "there is no command or option '" + WithoutValue(others[0]) + "'") +
            ": " + subcommands;
 }
 
@@ -300,7 +330,8 @@ ExitStatus RunCommandLine(std::vector<std::string> arguments) {
         "Finds printers, and puts them on a network, through the modules of their vendors.",
         "devicediscover");
     app.set_version_flag("--version", "devicediscover " DEVICEDISCOVER_VERSION,
-                         "Print the version and exit");
+                         "Print the version and exit")
+        ->disable_flag_override();
     app.require_subcommand(1);
     app.get_formatter()->column_width(34);
     app.footer(WithStatuses(Help::kApplication));

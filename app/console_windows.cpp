@@ -166,7 +166,7 @@ std::optional<ScreenSize> OutputScreen() {
         return std::nullopt;
     }
     const auto extent = [](SHORT from, SHORT to) {
-        return static_cast<std::size_t>(to - from + 1);
+        return static_cast<std::size_t>(to) - static_cast<std::size_t>(from) + 1;
     };
     return ScreenSize{extent(info.srWindow.Left, info.srWindow.Right),
                       extent(info.srWindow.Top, info.srWindow.Bottom)};
@@ -181,7 +181,8 @@ void Redraw(std::size_t rowsBefore, const std::vector<std::string>& lines) {
                               ? static_cast<SHORT>(info.dwCursorPosition.Y - up)
                               : SHORT{0};
         const COORD start{0, top};
-        const DWORD cells = static_cast<DWORD>((info.dwCursorPosition.Y - top + 1) * info.dwSize.X);
+        const int rows = info.dwCursorPosition.Y - top + 1;
+        const DWORD cells = static_cast<DWORD>(rows) * static_cast<DWORD>(info.dwSize.X);
         DWORD filled = 0;
         FillConsoleOutputCharacterW(output, L' ', cells, start, &filled);
         SetConsoleCursorPosition(output, start);

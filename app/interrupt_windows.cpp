@@ -19,6 +19,7 @@ BOOL WINAPI OnConsoleEvent(DWORD event) {
     if (notify == nullptr) {
         // Not the default's orderly exit, which waits for what may hang.
         TerminateProcess(GetCurrentProcess(), kEndedByControlC);
+        return TRUE;
     }
     interrupted = true;
     notify();

@@ -1,10 +1,15 @@
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 
+#include "app/cancellation.h"
 #include "app/command_line.h"
 #include "app/console.h"
 #include "app/messages.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int RunProgram(int argc, char** argv) {
     try {
         App::PrepareConsole();
         return App::RunCommandLine(App::Arguments(argc, argv));
@@ -14,4 +19,17 @@ int main(int argc, char** argv) {
         App::Complain(error.what());
         return App::kCouldNotRun;
     }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int status = RunProgram(argc, argv);
+    if (App::Cancellation::GetInstance().LeavesWorkBehind()) {
+        // A vendor is at work still: nothing is taken down under it.
+        std::fflush(stdout);
+        std::fflush(stderr);
+        std::_Exit(status);
+    }
+    return status;
 }

@@ -16,6 +16,7 @@ namespace {
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
 
 constexpr std::size_t kLongestName = sizeof WifiConfigInfo::ssid - 1;
+constexpr std::size_t kLongestOnAir = 32;
 
 std::vector<std::string> SecurityOf(std::uint32_t bits) {
     using namespace PrinterWifiApiStruct;
@@ -29,6 +30,16 @@ std::vector<std::string> SecurityOf(std::uint32_t bits) {
     add(WLAN_SECURITY_WPA_PERSONAL, "wpa-personal");
     add(WLAN_SECURITY_WPA_ENTERPRISE, "wpa-enterprise");
     return names;
+}
+
+std::string CheckName(const std::string& name, std::size_t longest, const char* limit) {
+    if (name.empty()) {
+        return "the network's name is empty";
+    }
+    if (name.size() > longest) {
+        return fmt::format("the network's name has {} bytes; {} {}", name.size(), limit, longest);
+    }
+    return Widen(name) ? "" : "the network's name is not UTF-8 text";
 }
 
 }  // namespace
@@ -83,14 +94,11 @@ Table TableOf(const std::vector<HostNetwork>& networks) {
 }
 
 std::string CheckNetworkName(const std::string& name) {
-    if (name.empty()) {
-        return "the network's name is empty";
-    }
-    if (name.size() > kLongestName) {
-        return fmt::format("the network's name has {} bytes; a printer can be given {}",
-                           name.size(), kLongestName);
-    }
-    return Widen(name) ? "" : "the network's name is not UTF-8 text";
+    return CheckName(name, kLongestName, "a printer can be given");
+}
+
+std::string CheckHostNetworkName(const std::string& name) {
+    return CheckName(name, kLongestOnAir, "a Wi-Fi network's has at most");
 }
 
 WifiConfigInfo NetworkRecord(std::string_view name, std::string_view passPhrase) {

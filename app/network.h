@@ -46,6 +46,9 @@ Table TableOf(const std::vector<HostNetwork>& networks);
 // What keeps a text from being a network's name in a printer's record; nothing when it is fine.
 std::string CheckNetworkName(const std::string& name);
 
+// What keeps a text from being the name of a network that the host could join.
+std::string CheckHostNetworkName(const std::string& name);
+
 // The record that puts a printer on a network. Neither text may be longer than its field holds.
 PrinterDeviceDiscoverSdk::WifiConfigInfo NetworkRecord(std::string_view name,
                                                        std::string_view passPhrase);

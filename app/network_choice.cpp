@@ -11,6 +11,7 @@
 #include "app/host_wifi.h"
 #include "app/messages.h"
 #include "app/network_list.h"
+#include "app/problem.h"
 #include "app/prompt.h"
 #include "app/scan_run.h"
 #include "app/status_line.h"
@@ -23,21 +24,33 @@ namespace {
 
 using Clock = NetworkList::Clock;
 
+// Whether the printer's vendor looks for networks; otherwise this computer's own list will do.
+bool Start(const Settings& settings, std::optional<NetworkScanSession>& session) {
+    try {
+        session.emplace(settings);
+        return true;
+    } catch (const NoScan&) {
+        return false;
+    } catch (const Problem&) {
+        return false;
+    }
+}
+
 std::vector<Network> SeenByPrinter(const Settings& settings, std::chrono::duration<double> time) {
     NetworkList& list = NetworkList::GetInstance();
-    try {
-        NetworkScanSession session(settings);
-        StatusLine status(settings, {});
-        const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
-        constexpr auto tick = std::chrono::milliseconds(200);
-        while (Clock::now() < end) {
-            list.WaitForNews(std::min(end, Clock::now() + tick));
-            Cancellation::GetInstance().Check();
-            status.Draw(ScanStatus<Network>(list.GetItems().size(), false, end));
-        }
-    } catch (const NoScan&) {
-        return {};  // this computer's own list will do
+    std::optional<NetworkScanSession> session;
+    if (!Start(settings, session)) {
+        return {};
     }
+    StatusLine status(settings, {});
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
+    constexpr auto tick = std::chrono::milliseconds(200);
+    while (Clock::now() < end) {
+        list.WaitForNews(std::min(end, Clock::now() + tick));
+        Cancellation::GetInstance().Check();
+        status.Draw(ScanStatus<Network>(list.GetItems().size(), false, end));
+    }
+    session->Stop();
     return list.GetItems();
 }
 
@@ -62,7 +75,7 @@ std::vector<std::string> NamesToOffer(const Settings& settings, std::chrono::dur
     return names;
 }
 
-void WriteList(const std::vector<std::string>& names) {
+void WriteList(const Settings& settings, const std::vector<std::string>& names) {
     Table table{{{"", Column::Number}, {"NETWORK", Column::Yielding}}, {}};
     for (std::size_t index = 0; index < names.size(); ++index) {
         table.rows.push_back({std::to_string(index + 1), DisplayText(names[index])});
@@ -72,7 +85,7 @@ void WriteList(const std::vector<std::string>& names) {
     for (const std::string& line : TableLines(table, columns, Overflow::Wrap)) {
         text += line + "\n";
     }
-    WriteOutput(text);
+    WritePrompt(settings, text);
 }
 
 // The name with that number, from 1; null when it is no such number.
@@ -118,7 +131,7 @@ std::string ChooseNetwork(const Settings& settings, std::chrono::duration<double
     for (;;) {
         const std::vector<std::string> names = NamesToOffer(settings, time, leftOut);
         if (!names.empty()) {
-            WriteList(names);
+            WriteList(settings, names);
         }
         if (const std::optional<std::string> picked = Pick(settings, names)) {
             return *picked;

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <system_error>
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "app/cancellation.h"
@@ -28,18 +29,27 @@ constexpr const char* kAdvice =
 // No pass phrase is longer; a wrong file may be.
 constexpr std::size_t kLongestLine = 4096;
 
+// The name of a file that does not exist may be the pass phrase itself: it is not repeated.
+[[noreturn]] void ThrowCannotRead(const std::string& name, const std::filesystem::path& path,
+                                  int error) {
+    std::error_code unknown;
+    const bool exists = std::filesystem::exists(path, unknown);
+    throw Problem("cannot read the pass phrase from " +
+                  (exists ? name : "the file that --pass-phrase-file names") +
+                  (error == 0 ? "" : std::string(": ") + std::strerror(error)) +
+                  "\nName a file with the pass phrase as its one line.");
+}
+
 // Reads the file's one line. Its end may be missing.
 Line ReadFile(const std::string& name) {
     std::filebuf file;
     file.pubsetbuf(nullptr, 0);  // no buffer that would keep a copy
     const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+    std::error_code unknown;
     errno = 0;
-    if (std::filesystem::is_directory(path) ||
+    if (std::filesystem::is_directory(path, unknown) ||
         file.open(path, std::ios::in | std::ios::binary) == nullptr) {
-        const int error = errno;
-        throw Problem("cannot read the pass phrase from " + name +
-                      (error == 0 ? "" : std::string(": ") + std::strerror(error)) +
-                      "\nName a file with the pass phrase as its one line.");
+        ThrowCannotRead(name, path, errno);
     }
     auto line = std::make_shared<Secret>();
     for (auto next = file.sbumpc(); next != std::filebuf::traits_type::eof();
@@ -100,10 +110,11 @@ void RequireText(const Secret& passPhrase) {
 const std::size_t kLongestPrinterPassPhrase =
     sizeof PrinterDeviceDiscoverSdk::WifiConfigInfo::pwd - 1;
 
-void PassPhraseOptions::Require() const {
-    if (!open && file.empty() && !CanAsk()) {
-        throw WrongInput("there is no terminal to ask for the pass phrase on" +
-                         std::string(kAdvice));
+void PassPhraseOptions::Require(const Settings& settings) const {
+    const std::string obstacle = open || !file.empty() ? "" : ObstacleToAsking(settings);
+    if (!obstacle.empty()) {
+        throw WrongInput("there is no terminal to ask for the pass phrase on: " + obstacle +
+                         kAdvice);
     }
 }
 
@@ -112,7 +123,8 @@ std::shared_ptr<Secret> GetPassPhrase(const Settings& settings, const PassPhrase
     if (options.open) {
         return std::make_shared<Secret>();
     }
-    const bool ask = options.file.empty() || (options.file == kStandardInput && CanAsk());
+    // Typing never shows, whether or not the prompt can be seen.
+    const bool ask = options.file.empty() || (options.file == kStandardInput && InputIsTerminal());
     Line line = ask ? Ask(settings, network) : Read(options);
     RequireText(*line);
     return line;

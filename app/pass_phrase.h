@@ -14,7 +14,7 @@ struct PassPhraseOptions {
     bool open = false;  // the network wants none
 
     // Throws WrongInput when there is neither a source nor a terminal to ask on.
-    void Require() const;
+    void Require(const Settings& settings) const;
 };
 
 // How many bytes of it a printer can be given.

@@ -25,12 +25,12 @@ Printer::Printer(const PrinterDeviceDiscoverSdk::DeviceInfo& device)
       port(device.code1),
       service(device.code2) {}
 
+// Devices may share a serial number, or have none: the address has to tell them apart.
 bool Printer::IsSame(const Printer& other) const {
-    if (vendor != other.vendor || serialNumber != other.serialNumber) {
-        return false;
-    }
-    // Without a serial number the address has to tell devices apart.
-    return !serialNumber.empty() || (address == other.address && port == other.port);
+    const auto identity = [](const Printer& p) {
+        return std::tie(p.vendor, p.serialNumber, p.address, p.port);
+    };
+    return identity(*this) == identity(other);
 }
 
 bool Printer::operator==(const Printer& other) const {

@@ -26,12 +26,14 @@ bool CanBeAsked(const std::string& productId) {
     });
 }
 
+// Where it was found last: it may have moved from one network to the other.
 std::optional<Printer> Find(const Printer& wanted) {
     const std::vector<Printer> printers = PrinterList::GetInstance().GetItems();
-    const auto found = std::find_if(printers.begin(), printers.end(), [&](const Printer& printer) {
-        return printer.vendor == wanted.vendor && printer.serialNumber == wanted.serialNumber;
-    });
-    return found == printers.end() ? std::nullopt : std::optional(*found);
+    const auto found =
+        std::find_if(printers.rbegin(), printers.rend(), [&](const Printer& printer) {
+            return printer.vendor == wanted.vendor && printer.serialNumber == wanted.serialNumber;
+        });
+    return found == printers.rend() ? std::nullopt : std::optional(*found);
 }
 
 void Wait(StatusLine& status, Clock::time_point until) {

@@ -11,13 +11,8 @@ namespace {
 
 using Clock = Cancellation::Clock;
 
-// Standard output is kept for results where these are for a program.
-void WritePrompt(const Settings& settings, const std::string& text) {
-    if (settings.json || !OutputScreen()) {
-        WriteError(text);
-    } else {
-        WriteOutput(text);
-    }
+bool AsksOnOutput(const Settings& settings) {
+    return !settings.json && OutputScreen();
 }
 
 // Null when there is no more input.
@@ -38,8 +33,22 @@ std::shared_ptr<Secret> ReadLineInterruptibly() {
 
 }  // namespace
 
-bool CanAsk() {
-    return InputIsTerminal();
+std::string ObstacleToAsking(const Settings& settings) {
+    if (!InputIsTerminal()) {
+        return "standard input is none";
+    }
+    if (!AsksOnOutput(settings) && !ErrorIsTerminal()) {
+        return "standard error is none, where the question would be";
+    }
+    return {};
+}
+
+void WritePrompt(const Settings& settings, const std::string& text) {
+    if (AsksOnOutput(settings)) {
+        WriteOutput(text);
+    } else {
+        WriteError(text);
+    }
 }
 
 std::optional<std::string> AskLine(const Settings& settings, const std::string& question) {

@@ -35,7 +35,7 @@ std::unique_ptr<ScanView<Item>> ViewFor(const Settings& settings,
 // How a scan that ends at `end` stands.
 template <class Item>
 std::string ScanStatus(std::size_t found, bool watch,
-                       typename ItemList<Item>::Clock::time_point end) {
+                       const typename ItemList<Item>::Clock::time_point& end) {
     const std::string soFar =
         found == 0 ? std::string("Looking for ") + Item::kMany : CountOf<Item>(found) + " so far";
     if (watch) {

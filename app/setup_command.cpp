@@ -154,7 +154,7 @@ void Journey::Configure(const std::string& network, const std::shared_ptr<Secret
 void Journey::Rejoin(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
                      const Printer& printer) {
     progress.Begin(SetupStep::Rejoin);
-    if (!options.rejoin) {
+    if (options.noRejoin) {
         progress.Skipped("Left out, as asked for");
         return;
     }
@@ -203,7 +203,7 @@ void Journey::Find(const std::string& network, const Printer& printer) {
         throw StepFailed{
             fmt::format("{} was found at {}, but its vendor does not find it on the local network: "
                         "{}\nTry `devicediscover ap check {} --vendor {}` in a moment.",
-                        NameOf(found), place, VendorsResult(outcome.vendorsResult),
+                        NameOf(found), place, VendorsResult(outcome.vendorsResult, found.vendor),
                         found.serialNumber, found.vendor),
             outcome.vendorsResult};
     }
@@ -224,14 +224,21 @@ std::string Journey::StateOfThings() const {
     return "The printer was put on the network: `devicediscover scan` on that network shows it.";
 }
 
+void RequirePick(const Settings& settings) {
+    const std::string obstacle = ObstacleToAsking(settings);
+    if (!obstacle.empty()) {
+        throw WrongInput("there is no terminal to pick the network on: " + obstacle +
+                         "\nName it with --network NAME; `devicediscover ap scan` shows which "
+                         "there are.");
+    }
+}
+
 }  // namespace
 
 ExitStatus Setup(const Settings& settings, const SetupOptions& options) {
-    options.passPhrase.Require();
-    if (options.network.empty() && (settings.json || !settings.DrawsOnTerminal() || !CanAsk())) {
-        throw WrongInput(
-            "there is no terminal to pick the network on\nName it with --network NAME; "
-            "`devicediscover ap scan` shows which there are.");
+    options.passPhrase.Require(settings);
+    if (options.network.empty()) {
+        RequirePick(settings);
     }
     CancelOnInterrupt();
     return Journey(settings, options).Run();

@@ -12,7 +12,7 @@ namespace App {
 struct SetupOptions {
     std::string network;  // empty: picked from a list
     PassPhraseOptions passPhrase;
-    bool rejoin = true;
+    bool noRejoin = false;                      // the host does not join that network
     std::chrono::duration<double> listTime{5};  // how long to look for networks to pick from
     std::chrono::duration<double> timeout{60};  // how long to look for the printer afterwards
 };

@@ -54,7 +54,7 @@ ExitStatus WifiCurrent(const Settings& settings) {
 
 ExitStatus WifiJoin(const Settings& settings, const std::string& network,
                     const PassPhraseOptions& options) {
-    options.Require();
+    options.Require(settings);
     const bool joined = JoinNetwork(settings, network, GetPassPhrase(settings, options, network));
     if (settings.json) {
         WriteOutput(JoinJson(network, joined) + "\n");

@@ -20,6 +20,7 @@ struct AccessPoint {
     std::string name;  // the bytes it broadcasts; empty when it hides its name
     int quality = 0;   // 0 to 100
     unsigned protection = 0;
+    bool aesWithWpa = false;     // where WPA is version 1: it is known to speak AES, not TKIP only
     bool infrastructure = true;  // not a network between equals, nor one that this host offers
     std::string adapter;         // the Wi-Fi service's own names for the adapter that receives it
     std::string identity;        // and for the access point

@@ -19,6 +19,7 @@ constexpr std::size_t kSuiteSize = 4;
 
 constexpr std::string_view kWpaType("\x00\x50\xF2\x01", 4);
 constexpr std::string_view kWpaSuites("\x00\x50\xF2", 3);
+constexpr std::string_view kWpaAes("\x00\x50\xF2\x04", 4);
 constexpr std::string_view kRsnSuites("\x00\x0F\xAC", 3);
 
 unsigned ByteAt(std::string_view bytes, std::size_t at) {
@@ -42,14 +43,19 @@ std::string_view TakeSuites(std::string_view& rest) {
     return suites;
 }
 
-// The key management suites of a description of protection, which starts behind its version.
-std::string_view KeyManagement(std::string_view description) {
+// What a description of protection offers; it starts with its version and the group's cipher.
+struct Offer {
+    std::string_view pairwiseCiphers;
+    std::string_view keyManagement;
+};
+
+Offer OfferIn(std::string_view description) {
     if (description.size() < kVersionSize + kSuiteSize) {
         return {};
     }
     std::string_view rest = description.substr(kVersionSize + kSuiteSize);
-    TakeSuites(rest);  // the pairwise ciphers
-    return TakeSuites(rest);
+    const std::string_view ciphers = TakeSuites(rest);
+    return {ciphers, TakeSuites(rest)};
 }
 
 unsigned RsnProtection(unsigned suite) {
@@ -87,29 +93,58 @@ unsigned SuitesProtection(std::string_view suites, std::string_view known,
 
 unsigned ElementProtection(unsigned kind, std::string_view body) {
     if (kind == kRsn) {
-        return SuitesProtection(KeyManagement(body), kRsnSuites, RsnProtection);
+        return SuitesProtection(OfferIn(body).keyManagement, kRsnSuites, RsnProtection);
     }
     if (kind == kVendor && body.starts_with(kWpaType)) {
-        return SuitesProtection(KeyManagement(body.substr(kWpaType.size())), kWpaSuites,
+        return SuitesProtection(OfferIn(body.substr(kWpaType.size())).keyManagement, kWpaSuites,
                                 WpaProtection);
     }
     return 0;
 }
 
-}  // namespace
+bool HasAesForWpa(unsigned kind, std::string_view body) {
+    if (kind != kVendor || !body.starts_with(kWpaType)) {
+        return false;
+    }
+    std::string_view ciphers = OfferIn(body.substr(kWpaType.size())).pairwiseCiphers;
+    for (; ciphers.size() >= kSuiteSize; ciphers.remove_prefix(kSuiteSize)) {
+        if (ciphers.starts_with(kWpaAes)) {
+            return true;
+        }
+    }
+    return false;
+}
 
-unsigned ProtectionOf(std::string_view elements, bool isPrivate) {
-    unsigned protection = 0;
+// Calls `take` with the kind and the body of each element that is whole.
+template <class Take>
+void ForEachElement(std::string_view elements, Take take) {
     while (elements.size() >= kHeaderSize) {
         const unsigned kind = ByteAt(elements, 0);
         const std::size_t size = ByteAt(elements, 1);
         elements.remove_prefix(kHeaderSize);
         if (size > elements.size()) {
-            break;
+            return;
         }
-        protection |= ElementProtection(kind, elements.substr(0, size));
+        take(kind, elements.substr(0, size));
         elements.remove_prefix(size);
     }
+}
+
+}  // namespace
+
+bool TakesAesWithWpa(std::string_view elements) {
+    bool takes = false;
+    ForEachElement(elements, [&](unsigned kind, std::string_view body) {
+        takes = takes || HasAesForWpa(kind, body);
+    });
+    return takes;
+}
+
+unsigned ProtectionOf(std::string_view elements, bool isPrivate) {
+    unsigned protection = 0;
+    ForEachElement(elements, [&](unsigned kind, std::string_view body) {
+        protection |= ElementProtection(kind, body);
+    });
     return protection == 0 && isPrivate ? static_cast<unsigned>(kWep) : protection;
 }
 

@@ -9,4 +9,7 @@ namespace Host {
 // or make no sense count for nothing.
 unsigned ProtectionOf(std::string_view elements, bool isPrivate);
 
+// Whether they say that WPA, the first version, is spoken there with AES (CCMP): it came with TKIP.
+bool TakesAesWithWpa(std::string_view elements);
+
 }  // namespace Host

@@ -47,13 +47,13 @@ bool IsBusLost(const sdbus::Error& error) {
     return BusErrorOf(error) == "Disconnected" || error.getName().starts_with(kSystemError);
 }
 
+}  // namespace
+
 bool IsDenied(const sdbus::Error& error) {
     return IsOneOf(BusErrorOf(error), {"AccessDenied", "AuthFailed"}) ||
            error.getName().ends_with(".PermissionDenied") ||
            error.getName().ends_with(".NotAuthorized");
 }
-
-}  // namespace
 
 bool IsServiceLost(const sdbus::Error& error) {
     return IsNotRunning(error) || IsNoAnswer(error) || IsBusLost(error);

@@ -43,6 +43,7 @@ inline const sdbus::ObjectPath& kNoObject = *new sdbus::ObjectPath("/");
 // What a failed call says about the one who was called.
 bool IsServiceLost(const sdbus::Error& error);   // it is gone or does not answer
 bool IsNoSuchObject(const sdbus::Error& error);  // the object is gone, or cannot do that
+bool IsDenied(const sdbus::Error& error);        // a policy forbids it to this user
 std::string DescribeError(const sdbus::Error& error);
 
 // NetworkManager as seen through a connection of its own to the system bus; for one thread. Its

@@ -6,6 +6,7 @@
 
 // The kernel's header, which also names the filter of raw sockets; behind the C library's own.
 #include <linux/errqueue.h>
+#include <linux/filter.h>
 #include <linux/icmp.h>
 
 #include <algorithm>
@@ -173,6 +174,42 @@ bool Receive(const IcmpSocket& socket, int flags, ReceivedPacket& packet) {
     return true;
 }
 
+// Has a raw socket, which is handed what all others wait for, keep only what is about this request:
+// while its owner does not get to run, others' replies would fill its room, and ours be dropped. A
+// packet too short for what is looked at is not kept either.
+void KeepOnly(const IcmpSocket& socket, const EchoPacket& request) {
+    constexpr std::uint32_t kErrorHeader = sizeof(icmphdr);
+    constexpr std::uint32_t kNumbersAt = offsetof(icmphdr, un);  // the id and the sequence
+    constexpr std::uint32_t kAll = 0xFFFFFFFF;
+    std::uint32_t numbers = 0;
+    std::memcpy(&numbers, &request.header.un, sizeof numbers);
+    sock_filter program[] = {
+        // The header's length; then, but for a reply, that of the header that an error quotes, too.
+        {BPF_LDX | BPF_B | BPF_MSH, 0, 0, 0},
+        {BPF_LD | BPF_B | BPF_IND, 0, 0, 0},
+        {BPF_JMP | BPF_JEQ | BPF_K, 6, 0, ICMP_ECHOREPLY},
+        {BPF_LD | BPF_B | BPF_IND, 0, 0, kErrorHeader},
+        {BPF_ALU | BPF_AND | BPF_K, 0, 0, 0x0F},
+        {BPF_ALU | BPF_LSH | BPF_K, 0, 0, 2},
+        // Adding and constants both have the number 0.
+        // NOLINTNEXTLINE(misc-redundant-expression)
+        {BPF_ALU | BPF_ADD | BPF_K, 0, 0, kErrorHeader},
+        {BPF_ALU | BPF_ADD | BPF_X, 0, 0, 0},
+        {BPF_MISC | BPF_TAX, 0, 0, 0},
+        {BPF_LD | BPF_W | BPF_IND, 0, 0, kNumbersAt},
+        {BPF_JMP | BPF_JEQ | BPF_K, 0, 1, ntohl(numbers)},
+        {BPF_RET | BPF_K, 0, 0, kAll},
+        {BPF_RET | BPF_K, 0, 0, 0},
+    };
+    const sock_fprog filter{static_cast<unsigned short>(std::size(program)), program};
+    const bool keeps =
+        setsockopt(socket.Descriptor(), SOL_SOCKET, SO_ATTACH_FILTER, &filter, sizeof filter) == 0;
+    // What came before.
+    ReceivedPacket packet;
+    while (keeps && Receive(socket, 0, packet)) {
+    }
+}
+
 // The length of the IPv4 header at the start of `bytes`; nothing when there is no whole one.
 std::optional<std::size_t> IpHeaderLength(const unsigned char* bytes, std::size_t size) {
     if (size < kShortestIpHeader) {
@@ -192,6 +229,9 @@ public:
         : socket(icmpSocket), target(whom), deadline(until), request(NewRequest()) {}
 
     Host::Echo Run() {
+        if (socket.IsRaw()) {
+            KeepOnly(socket, request);
+        }
         if (const int error = Send(); error != 0) {
             return {Host::EchoResult::kNotAsked, {}, ErrorText(error)};
         }

@@ -1,9 +1,11 @@
 #include <time.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
 
 #include "host/PrinterDiscoverAPI/activation_linux.h"
+#include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/network_manager_linux.h"
 #include "host/PrinterDiscoverAPI/network_name.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
@@ -53,12 +55,28 @@ struct Adapter {
     std::uint32_t state;
 };
 
+// What the service says to who asks for a scan. It is busy while it scans already and shortly
+// after.
+enum class ScanReply { kAccepted, kBusy, kDenied };
+
 // A scan that was asked for.
 struct ScanWatch {
     std::string adapter;
     std::int64_t lastBefore;
-    bool accepted;
+    ScanReply reply;
 };
+
+// Scans are asked for again and again: said once, until one is allowed.
+void ReportDenied(const std::optional<std::string>& denial) {
+    static std::atomic<bool> reported = false;
+    if (!denial) {
+        reported = false;
+    } else if (!reported.exchange(true)) {
+        Report(LOG_LEVEL_WARNING,
+               L"no fresh scan, the networks are those last seen: " + FromUtf8(*denial),
+               L"PrinterWifiAPI");
+    }
+}
 
 std::string TextOf(const Bytes& bytes) {
     return std::string(bytes.begin(), bytes.end());
@@ -231,19 +249,23 @@ private:
         return watches;
     }
 
-    // False when the service refuses, as it does while it scans already and shortly after.
-    bool RequestScan(const std::string& adapter, const Properties& options) const {
+    ScanReply RequestScan(const std::string& adapter, const Properties& options) const {
         try {
             manager.Object(adapter)
                 ->callMethod("RequestScan")
                 .onInterface(kWireless)
                 .withArguments(options);
-            return true;
+            ReportDenied(std::nullopt);
+            return ScanReply::kAccepted;
         } catch (const sdbus::Error& error) {
             if (IsServiceLost(error)) {
                 throw;
             }
-            return false;
+            if (!IsDenied(error)) {
+                return ScanReply::kBusy;
+            }
+            ReportDenied(DescribeError(error));
+            return ScanReply::kDenied;
         }
     }
 
@@ -251,8 +273,8 @@ private:
         const std::int64_t last = LastScan(watch.adapter);
         const std::int64_t freshSince =
             SystemMilliseconds() - std::chrono::milliseconds(kFresh).count();
-        return last == kNoScanTime || last != watch.lastBefore ||
-               (!watch.accepted && last >= freshSince);
+        return watch.reply == ScanReply::kDenied || last == kNoScanTime ||
+               last != watch.lastBefore || (watch.reply == ScanReply::kBusy && last >= freshSince);
     }
 
     void AwaitScans(std::vector<ScanWatch> watches) const {

@@ -76,8 +76,10 @@ AccessPoint ToAccessPoint(const WLAN_BSS_LIST& list, const WLAN_BSS_ENTRY& entry
     AccessPoint accessPoint;
     accessPoint.name = NameOf(entry.dot11Ssid);
     accessPoint.quality = static_cast<int>(std::min<ULONG>(entry.uLinkQuality, 100));
+    const std::string_view elements = ElementsOf(list, entry);
     accessPoint.protection =
-        ProtectionOf(ElementsOf(list, entry), (entry.usCapabilityInformation & kPrivacy) != 0);
+        ProtectionOf(elements, (entry.usCapabilityInformation & kPrivacy) != 0);
+    accessPoint.aesWithWpa = TakesAesWithWpa(elements);
     accessPoint.infrastructure = entry.dot11BssType == dot11_BSS_type_infrastructure;
     accessPoint.identity = HardwareAddress(entry.dot11Bssid);
     return accessPoint;

@@ -33,11 +33,20 @@ std::string DescribeReason(DWORD reason) {
     return "the system's Wi-Fi service says: " + ToUtf8(text);
 }
 
+bool IsJoining(WLAN_INTERFACE_STATE state) {
+    return state == wlan_interface_state_discovering || state == wlan_interface_state_associating ||
+           state == wlan_interface_state_authenticating;
+}
+
 }  // namespace
 
 WlanAttempt::WlanAttempt(const WlanClient& wlan, const GUID& wifiAdapter,
                          const AccessPoint& accessPoint)
-    : client(wlan), notifications(wlan), adapter(wifiAdapter), name(accessPoint.name) {}
+    : client(wlan),
+      notifications(wlan),
+      adapter(wifiAdapter),
+      name(accessPoint.name),
+      begun(name) {}
 
 void WlanAttempt::StartSaved(const std::wstring& profileName) {
     Start(wlan_connection_mode_profile, profileName);
@@ -66,17 +75,18 @@ void WlanAttempt::Await(WlanClient::Clock::time_point deadline) {
         if (outcome == Outcome::kJoined) {
             return;
         }
-        const bool hasGivenUp = reason != 0 && now - lastFailure >= kNextTry;
-        if (outcome == Outcome::kFailed || hasGivenUp) {
+        if (outcome == Outcome::kFailed) {
             throw WifiProblem(DescribeReason(reason));
+        }
+        if (reason != 0 && now - lastFailure >= kNextTry) {
+            GiveUp(DescribeReason(reason));
         }
         if (notification) {
             continue;
         }
         RequireAdapter();
         if (now >= deadline) {
-            TheWlanLibrary().disconnect(client.Handle(), &adapter, nullptr);
-            throw WifiProblem("not joined within " + std::to_string(kJoinLimit.count()) + " s");
+            GiveUp("not joined within " + std::to_string(kJoinLimit.count()) + " s");
         }
     }
 }
@@ -88,6 +98,9 @@ WlanAttempt::Outcome WlanAttempt::OutcomeBy(const WlanNotification& notification
     }
     if (notification.code == wlan_notification_acm_interface_removal) {
         throw WifiProblem("the Wi-Fi adapter was removed");
+    }
+    if (notification.code == wlan_notification_acm_connection_start) {
+        begun = notification.name;
     }
     if (notification.name != name) {
         return Outcome::kNone;
@@ -104,6 +117,25 @@ WlanAttempt::Outcome WlanAttempt::OutcomeBy(const WlanNotification& notification
         return Outcome::kFailed;
     }
     return Outcome::kNone;
+}
+
+void WlanAttempt::GiveUp(const std::string& why) const {
+    if (IsUnderWay()) {
+        TheWlanLibrary().disconnect(client.Handle(), &adapter, nullptr);
+    }
+    throw WifiProblem(why);
+}
+
+// Whether this is what the adapter is at. Some say what they are joining only when they have.
+bool WlanAttempt::IsUnderWay() const {
+    const auto connection =
+        client.Query<WLAN_CONNECTION_ATTRIBUTES>(adapter, wlan_intf_opcode_current_connection);
+    if (connection && connection->wlanAssociationAttributes.dot11Ssid.uSSIDLength > 0) {
+        return NameOf(connection->wlanAssociationAttributes.dot11Ssid) == name;
+    }
+    const auto state =
+        client.Query<WLAN_INTERFACE_STATE>(adapter, wlan_intf_opcode_interface_state);
+    return begun == name && IsJoining(state.value_or(wlan_interface_state_disconnected));
 }
 
 // Throws when the service or the adapter is gone.

@@ -6,7 +6,8 @@
 namespace Host {
 
 // One attempt of an adapter to join a network, from its start to its outcome. An attempt that takes
-// too long is ended.
+// too long, or fails without a word about its end, is ended, lest it succeeds when nobody expects
+// it any more.
 class WlanAttempt {
 public:
     WlanAttempt(const WlanClient& wlan, const GUID& wifiAdapter, const AccessPoint& accessPoint);
@@ -24,11 +25,14 @@ private:
     void Start(WLAN_CONNECTION_MODE mode, const std::wstring& profile);
     Outcome OutcomeBy(const WlanNotification& notification);
     void RequireAdapter() const;
+    bool IsUnderWay() const;
+    [[noreturn]] void GiveUp(const std::string& why) const;
 
     const WlanClient& client;
     WlanNotifications notifications;
     const GUID adapter;
     const std::string name;
+    std::string begun;                          // the network that the adapter began to join last
     DWORD reason = 0;                           // why it failed
     WlanClient::Clock::time_point lastFailure;  // of one of its tries, if any
 };

@@ -49,7 +49,8 @@ struct Method {
     std::wstring_view encryption;
 };
 
-Method MethodOf(unsigned protection, bool hasPassPhrase) {
+Method MethodOf(const AccessPoint& accessPoint, bool hasPassPhrase) {
+    const unsigned protection = accessPoint.protection;
     if (!hasPassPhrase) {
         return (protection & kOpportunistic) != 0 ? Method{L"OWE", L"AES"}
                                                   : Method{L"open", L"none"};
@@ -57,8 +58,10 @@ Method MethodOf(unsigned protection, bool hasPassPhrase) {
     if ((protection & kWpa2Personal) != 0) {
         return {L"WPA2PSK", L"AES"};
     }
-    return (protection & kWpa3Personal) != 0 ? Method{L"WPA3SAE", L"AES"}
-                                             : Method{L"WPAPSK", L"TKIP"};
+    if ((protection & kWpa3Personal) != 0) {
+        return {L"WPA3SAE", L"AES"};
+    }
+    return {L"WPAPSK", accessPoint.aesWithWpa ? L"AES" : L"TKIP"};
 }
 
 std::wstring SharedKey(const std::string& passPhrase) {
@@ -69,7 +72,7 @@ std::wstring SharedKey(const std::string& passPhrase) {
 }
 
 std::wstring Security(const AccessPoint& accessPoint, const std::string& passPhrase) {
-    const Method method = MethodOf(accessPoint.protection, !passPhrase.empty());
+    const Method method = MethodOf(accessPoint, !passPhrase.empty());
     std::wstring settings =
         Element(L"authEncryption", Element(L"authentication", method.authentication) +
                                        Element(L"encryption", method.encryption) +

@@ -1,5 +1,8 @@
 #include "access_point.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "diagnostics.h"
 #include "host_route.h"
 #include "host_wifi.h"
@@ -12,6 +15,10 @@ namespace {
 
 constexpr std::uint16_t kIppPort = 631;
 
+// How long plain IPP is waited for alone. Of a printer that speaks TLS only some wait for it in
+// silence.
+constexpr std::chrono::milliseconds kPatienceForPlainIpp{500};
+
 std::chrono::milliseconds Until(Clock::time_point deadline) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     return std::max(left, std::chrono::milliseconds(0));
@@ -23,8 +30,36 @@ struct Candidate {
     Service service;
 };
 
-Candidate CandidateAt(const std::string& network, const std::string& address) {
-    return {{network, {}, ServiceKind::Ipp, -1}, {address, address, kIppPort, {}}};
+Candidate CandidateAt(const std::string& network, const std::string& address, ServiceKind kind) {
+    return {{network, {}, kind, -1}, {address, address, kIppPort, {}}};
+}
+
+Printer DescribeCandidate(const Candidate& candidate,
+                          const std::optional<PrinterAttributes>& attributes) {
+    return Describe(candidate.id, candidate.service, attributes);
+}
+
+// The one who answered, and what; or the reason why nobody did.
+struct Reply {
+    Candidate candidate;
+    IppAnswer answer;
+};
+
+// Asks over plain IPP and, where that brings nothing, over TLS too.
+Reply AskAt(const std::string& network, const std::string& address, Clock::time_point deadline) {
+    const IppQuestion question{IppQuestion::Kind::AttributesWithWifi, {}};
+    const Candidate plain = CandidateAt(network, address, ServiceKind::Ipp);
+    IppAsking overPlain(DescribeCandidate(plain, {}), deadline, question);
+    if (overPlain.IsOver(std::min(deadline, Clock::now() + kPatienceForPlainIpp)) &&
+        overPlain.Answer().kind == IppAnswer::Kind::Granted) {
+        return {plain, overPlain.Answer()};
+    }
+    const Candidate tls = CandidateAt(network, address, ServiceKind::Ipps);
+    IppAnswer overTls = IppAsking(DescribeCandidate(tls, {}), deadline, question).Answer();
+    if (overTls.kind == IppAnswer::Kind::Granted) {
+        return {tls, std::move(overTls)};
+    }
+    return {plain, overPlain.Answer()};
 }
 
 AccessPointSearch Nothing(int result, const std::string& detail) {
@@ -46,18 +81,13 @@ AccessPointSearch FindAccessPoint(Clock::time_point deadline) {
     if (address.empty()) {
         return Nothing(kNotReached, current->name + " has given the host no address yet");
     }
-    const Candidate candidate = CandidateAt(current->name, address);
-    IppQuestion question;
-    question.kind = IppQuestion::Kind::AttributesWithWifi;
-    const IppAnswer answer = AskInTime(Describe(candidate.id, candidate.service, {}),
-                                       Until(deadline), std::move(question));
+    const auto [candidate, answer] = AskAt(current->name, address, deadline);
     if (answer.kind != IppAnswer::Kind::Granted || !answer.attributes.wifiState) {
         return Nothing(kNotReached, "no printer whose Wi-Fi can be configured answers at " +
                                         address + ", in " + current->name + ": " + answer.problem);
     }
-    return {kOk,
-            AccessPoint{current->name, Describe(candidate.id, candidate.service, answer.attributes),
-                        answer.attributes}};
+    return {kOk, AccessPoint{current->name, DescribeCandidate(candidate, answer.attributes),
+                             answer.attributes}};
 }
 
 std::string AddressOnPrintersNetwork(Clock::time_point deadline) {

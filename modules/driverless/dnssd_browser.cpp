@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "diagnostics.h"
+#include "guarded.h"
 #include "results.h"
 #include "text.h"
 
@@ -45,6 +46,25 @@ struct FreeClient {
     void operator()(AvahiClient* client) const { avahi_client_free(client); }
 };
 
+struct FreeText {
+    void operator()(char* text) const { avahi_free(text); }
+};
+using AvahiText = std::unique_ptr<char, FreeText>;
+
+class PollLock {
+public:
+    explicit PollLock(AvahiThreadedPoll* lockedPoll) : poll(lockedPoll) {
+        avahi_threaded_poll_lock(poll);
+    }
+    ~PollLock() { avahi_threaded_poll_unlock(poll); }
+
+    PollLock(const PollLock&) = delete;
+    PollLock& operator=(const PollLock&) = delete;
+
+private:
+    AvahiThreadedPoll* const poll;
+};
+
 ServiceKind KindOf(const char* type) {
     for (const ServiceType& known : kServiceTypes) {
         if (avahi_domain_equal(type, known.name) != 0) {
@@ -63,11 +83,11 @@ std::map<std::string, std::string> TxtEntries(AvahiStringList* list) {
         if (avahi_string_list_get_pair(list, &key, &value, &size) != 0) {
             continue;
         }
+        const AvahiText ownedKey(key);
+        const AvahiText ownedValue(value);
         // The first of several entries with the same key counts.
         entries.emplace(LowerCase(key),
                         value == nullptr ? std::string() : std::string(value, size));
-        avahi_free(key);
-        avahi_free(value);
     }
     return entries;
 }
@@ -131,11 +151,18 @@ private:
                                 const AvahiAddress* address, std::uint16_t port,
                                 AvahiStringList* txt, AvahiLookupResultFlags flags, void* self);
 
+    template <typename Function>
+    void Guard(Function function) noexcept;
+    void WatchOn(AvahiThreadedPoll* poll);
     void WatchUntilClosed(AvahiThreadedPoll* poll);
+    bool Reconnect(AvahiThreadedPoll* poll);
     bool Connect(AvahiThreadedPoll* poll, AvahiClientFlags flags);
     void StartBrowsing(AvahiClient* ofClient);
     void Disconnect();
     void Announced(AvahiClient* ofClient, const ServiceId& id, AvahiProtocol protocol);
+    void Progressed(AvahiClient* ofClient, AvahiBrowserEvent event);
+    void Found(const ServiceId& id, Service service);
+    void NotFound();
     void Gone(const ServiceId& id);
     bool HasIpp(const ServiceId& id) const;
     void SetTimer(std::optional<Clock::time_point> time);
@@ -173,18 +200,26 @@ private:
     bool ended = false;
 };
 
+// Calls `function`. Without memory for what it has to tell, the watch has failed: nothing is thrown
+// through Avahi, nor out of a thread.
+template <typename Function>
+void DnssdBrowser::Watch::Guard(Function function) noexcept {
+    try {
+        try {
+            function();
+        } catch (const std::exception&) {
+            listener(Failure(kNoBrowsing, kOutOfMemory));
+        }
+    } catch (const std::exception& exception) {
+        ReportExhausted(exception);
+    }
+}
+
 void DnssdBrowser::Watch::Run() {
     const std::unique_ptr<AvahiThreadedPoll, FreePoll> poll(avahi_threaded_poll_new());
-    if (poll == nullptr) {
-        listener(AvahiFailure(AVAHI_ERR_NO_MEMORY));
-    } else if (Connect(poll.get(), AvahiClientFlags{})) {
-        listener({DnssdEvent::Kind::Ready, {}, {}, 0, {}});
-        if (avahi_threaded_poll_start(poll.get()) == 0) {
-            WatchUntilClosed(poll.get());
-            avahi_threaded_poll_stop(poll.get());
-        } else {
-            listener(AvahiFailure(AVAHI_ERR_FAILURE));
-        }
+    Guard([&] { WatchOn(poll.get()); });
+    if (poll != nullptr) {
+        avahi_threaded_poll_stop(poll.get());
         Disconnect();
     }
     const std::lock_guard lock(mutex);
@@ -192,18 +227,32 @@ void DnssdBrowser::Watch::Run() {
     changed.notify_all();
 }
 
-void DnssdBrowser::Watch::WatchUntilClosed(AvahiThreadedPoll* poll) {
-    while (AwaitSignal() == Signal::Interrupted) {
-        avahi_threaded_poll_lock(poll);
-        Disconnect();
-        listener({DnssdEvent::Kind::Interrupted, {}, {}, 0, {}});
-        // Avahi may come back; D-Bus does not, for who was connected to it.
-        const bool waiting = Connect(poll, AVAHI_CLIENT_NO_FAIL);
-        avahi_threaded_poll_unlock(poll);
-        if (!waiting) {
-            return;
+void DnssdBrowser::Watch::WatchOn(AvahiThreadedPoll* poll) {
+    if (poll == nullptr) {
+        listener(AvahiFailure(AVAHI_ERR_NO_MEMORY));
+    } else if (Connect(poll, AvahiClientFlags{})) {
+        listener({DnssdEvent::Kind::Ready, {}, {}, 0, {}});
+        if (avahi_threaded_poll_start(poll) == 0) {
+            WatchUntilClosed(poll);
+        } else {
+            listener(AvahiFailure(AVAHI_ERR_FAILURE));
         }
     }
+}
+
+void DnssdBrowser::Watch::WatchUntilClosed(AvahiThreadedPoll* poll) {
+    bool waiting = true;
+    while (waiting && AwaitSignal() == Signal::Interrupted) {
+        waiting = Reconnect(poll);
+    }
+}
+
+// Avahi may come back; D-Bus does not, for who was connected to it.
+bool DnssdBrowser::Watch::Reconnect(AvahiThreadedPoll* poll) {
+    const PollLock lock(poll);
+    Disconnect();
+    listener({DnssdEvent::Kind::Interrupted, {}, {}, 0, {}});
+    return Connect(poll, AVAHI_CLIENT_NO_FAIL);
 }
 
 void DnssdBrowser::Watch::Disconnect() {
@@ -231,11 +280,13 @@ bool DnssdBrowser::Watch::Connect(AvahiThreadedPoll* poll, AvahiClientFlags flag
 
 void DnssdBrowser::Watch::ClientChanged(AvahiClient* client, AvahiClientState state, void* self) {
     auto* const watch = static_cast<Watch*>(self);
-    if (state == AVAHI_CLIENT_FAILURE) {
-        watch->Send(Signal::Interrupted);
-    } else if (state != AVAHI_CLIENT_CONNECTING && !watch->browsing) {
-        watch->StartBrowsing(client);
-    }
+    watch->Guard([&] {
+        if (state == AVAHI_CLIENT_FAILURE) {
+            watch->Send(Signal::Interrupted);
+        } else if (state != AVAHI_CLIENT_CONNECTING && !watch->browsing) {
+            watch->StartBrowsing(client);
+        }
+    });
 }
 
 void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
@@ -262,18 +313,26 @@ void DnssdBrowser::Watch::Browsed(AvahiServiceBrowser* browser, AvahiIfIndex int
                                   void* self) {
     auto* const watch = static_cast<Watch*>(self);
     AvahiClient* const ofClient = avahi_service_browser_get_client(browser);
-    if (event == AVAHI_BROWSER_NEW) {
-        watch->Announced(ofClient, {name, domain, KindOf(type), interface}, protocol);
-    } else if (event == AVAHI_BROWSER_REMOVE) {
-        watch->Gone({name, domain, KindOf(type), interface});
-    } else if (event == AVAHI_BROWSER_ALL_FOR_NOW && watch->unsettled > 0) {
-        if (--watch->unsettled == 0) {
-            watch->listener({DnssdEvent::Kind::Settled, {}, {}, 0, {}});
+    watch->Guard([&] {
+        if (event == AVAHI_BROWSER_NEW) {
+            watch->Announced(ofClient, {name, domain, KindOf(type), interface}, protocol);
+        } else if (event == AVAHI_BROWSER_REMOVE) {
+            watch->Gone({name, domain, KindOf(type), interface});
+        } else {
+            watch->Progressed(ofClient, event);
+        }
+    });
+}
+
+void DnssdBrowser::Watch::Progressed(AvahiClient* ofClient, AvahiBrowserEvent event) {
+    if (event == AVAHI_BROWSER_ALL_FOR_NOW && unsettled > 0) {
+        if (--unsettled == 0) {
+            listener({DnssdEvent::Kind::Settled, {}, {}, 0, {}});
         }
     } else if (event == AVAHI_BROWSER_FAILURE) {
         const int error = avahi_client_errno(ofClient);
         if (error != AVAHI_ERR_DISCONNECTED) {
-            watch->listener(AvahiFailure(error));
+            listener(AvahiFailure(error));
         }
     }
 }
@@ -330,7 +389,11 @@ void DnssdBrowser::Watch::SetTimer(std::optional<Clock::time_point> time) {
         avahi_elapse_time(&when, left.count() < 0 ? 0 : static_cast<unsigned>(left.count()), 0);
         timer = events->timeout_new(
             events, &when,
-            [](AvahiTimeout*, void* self) { static_cast<Watch*>(self)->ResolveDue(); }, this);
+            [](AvahiTimeout*, void* self) {
+                auto* const watch = static_cast<Watch*>(self);
+                watch->Guard([watch] { watch->ResolveDue(); });
+            },
+            this);
     }
 }
 
@@ -388,24 +451,30 @@ void DnssdBrowser::Watch::ResolvedService(AvahiServiceResolver*, AvahiIfIndex in
                                           AvahiStringList* txt, AvahiLookupResultFlags,
                                           void* self) {
     auto* const watch = static_cast<Watch*>(self);
-    if (event != AVAHI_RESOLVER_FOUND) {
-        if (watch->only) {
-            watch->listener({DnssdEvent::Kind::Gone, *watch->only, {}, 0, {}});
+    watch->Guard([&] {
+        if (event != AVAHI_RESOLVER_FOUND) {
+            watch->NotFound();
+            return;
         }
-        return;
+        // Port 0 says that the name is taken and the protocol not spoken.
+        const bool usable = address != nullptr && port != 0;
+        watch->Found({name, domain, KindOf(type), interface},
+                     {host == nullptr ? "" : host, usable ? AddressText(*address) : "", port,
+                      TxtEntries(txt)});
+    });
+}
+
+void DnssdBrowser::Watch::NotFound() {
+    if (only) {
+        listener({DnssdEvent::Kind::Gone, *only, {}, 0, {}});
     }
-    const ServiceId id{name, domain, KindOf(type), interface};
-    watch->ForgetResolver(id);
-    // Port 0 says that the name is taken and the protocol not spoken.
-    if (address == nullptr || port == 0) {
-        watch->listener({DnssdEvent::Kind::Gone, id, {}, 0, {}});
-        return;
-    }
-    watch->listener({DnssdEvent::Kind::Resolved,
-                     id,
-                     {host == nullptr ? "" : host, AddressText(*address), port, TxtEntries(txt)},
-                     0,
-                     {}});
+}
+
+// A service without an address cannot be used.
+void DnssdBrowser::Watch::Found(const ServiceId& id, Service service) {
+    ForgetResolver(id);
+    const auto kind = service.address.empty() ? DnssdEvent::Kind::Gone : DnssdEvent::Kind::Resolved;
+    listener({kind, id, std::move(service), 0, {}});
 }
 
 void DnssdBrowser::Watch::ForgetResolver(const ServiceId& id) {

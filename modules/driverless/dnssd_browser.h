@@ -29,6 +29,9 @@ struct DnssdEvent {
     std::string message;
 };
 
+// The message of a failure for want of memory; short enough to need none itself.
+constexpr char kOutOfMemory[] = "out of memory";
+
 // The watch lasts as long as this object. Avahi is talked to on threads of the browser's own, so
 // that nobody waits for an Avahi or a D-Bus that does not answer.
 class DnssdBrowser {

@@ -35,7 +35,7 @@ constexpr std::chrono::milliseconds kPatienceForAddress{2000};
 // What a scan or a lookup found of the record's printer, else what the record itself says.
 Printer PrinterOf(const VendorSdk::DeviceInfo& record) {
     const Printer printer = FromRecord(record);
-    return KnownPrinters().Find(printer.serialNumber).value_or(printer);
+    return KnownPrinters().Find(printer).value_or(printer);
 }
 
 int LookUpAddress(const VendorSdk::DeviceInfo& record) {
@@ -81,7 +81,7 @@ int RunScan(VendorSdk::DeviceCallbackInfo* info) {
 }
 
 int Drop(const VendorSdk::DeviceInfo& record) {
-    KnownPrinters().Forget(FromRecord(record).serialNumber);
+    KnownPrinters().Forget(FromRecord(record));
     return kOk;
 }
 

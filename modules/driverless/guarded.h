@@ -7,6 +7,15 @@
 
 namespace Driverless {
 
+// Says that there is no memory, or no further thread; as far as that itself takes none.
+inline void ReportExhausted(const std::exception& exception) noexcept {
+    try {
+        ReportProblem(std::string("out of resources: ") + exception.what());
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
 // Calls `function`; what it throws (out of memory, no further thread) becomes `failed`: no entry
 // point lets an exception out.
 template <typename Function>
@@ -14,7 +23,7 @@ int Guarded(int failed, Function function) {
     try {
         return function();
     } catch (const std::exception& exception) {
-        ReportProblem(std::string("out of resources: ") + exception.what());
+        ReportExhausted(exception);
         return failed;
     }
 }

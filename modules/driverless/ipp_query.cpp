@@ -375,19 +375,34 @@ bool IppQuery::IsSent() const {
     return state->IsSent();
 }
 
-IppAnswer AskInTime(const Printer& printer, milliseconds patience, IppQuestion question) {
-    const auto deadline = Clock::now() + patience;
-    const auto query = std::make_shared<IppQuery>(printer, deadline, std::move(question));
-    std::packaged_task<IppAnswer()> run([query] { return query->Run(); });
-    auto answer = run.get_future();
+IppAsking::IppAsking(const Printer& asked, Clock::time_point answerDeadline, IppQuestion question)
+    : deadline(answerDeadline),
+      query(std::make_shared<IppQuery>(asked, deadline, std::move(question))) {
+    std::packaged_task<IppAnswer()> run([own = query] { return own->Run(); });
+    answer = run.get_future();
     std::thread(std::move(run)).detach();
-    if (answer.wait_until(deadline) == std::future_status::ready) {
+}
+
+IppAsking::~IppAsking() {
+    query->Abort();
+}
+
+bool IppAsking::IsOver(Clock::time_point by) const {
+    return answer.wait_until(by) == std::future_status::ready;
+}
+
+IppAnswer IppAsking::Answer() const {
+    if (IsOver(deadline)) {
         return answer.get();
     }
     query->Abort();
     IppAnswer none;
     none.sent = query->IsSent();
     return none;
+}
+
+IppAnswer AskInTime(const Printer& printer, milliseconds patience, IppQuestion question) {
+    return IppAsking(printer, Clock::now() + patience, std::move(question)).Answer();
 }
 
 bool AcceptsConnection(const Printer& printer, milliseconds patience) {

@@ -3,6 +3,7 @@
 // Asks a printer for its attributes over IPP, and gives it its Wi-Fi settings.
 
 #include <chrono>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -61,6 +62,27 @@ public:
 private:
     class State;
     std::unique_ptr<State> state;
+};
+
+// A query under way on a thread of its own, which is left behind when it is not over in time.
+class IppAsking {
+public:
+    IppAsking(const Printer& asked, Clock::time_point answerDeadline, IppQuestion question = {});
+    ~IppAsking();
+
+    // Whether it is over by then.
+    bool IsOver(Clock::time_point by) const;
+
+    // The answer, by the deadline. Throws what the query throws (out of memory).
+    IppAnswer Answer() const;
+
+    IppAsking(const IppAsking&) = delete;
+    IppAsking& operator=(const IppAsking&) = delete;
+
+private:
+    const Clock::time_point deadline;
+    const std::shared_ptr<IppQuery> query;
+    std::shared_future<IppAnswer> answer;
 };
 
 // Runs a query and comes back no later than its patience allows. Throws what the query throws (out

@@ -1,21 +1,61 @@
 #include "known_printers.h"
 
+#include <algorithm>
+
 namespace Driverless {
+
+PrinterMemory::Place PrinterMemory::PlaceOf(const Printer& printer) {
+    return {printer.address, printer.port};
+}
+
+// A printer without a UUID is the only one of its serial number, moved or not; where several have
+// it, the place decides.
+bool PrinterMemory::IsSame(const Entries& entries, const Entry& entry, const Printer& printer) {
+    if (!entry.uuid.empty() && !printer.uuid.empty()) {
+        return entry.uuid == printer.uuid;
+    }
+    return entries.size() == 1 || entry.places.count(PlaceOf(printer)) > 0;
+}
 
 void PrinterMemory::Remember(const Printer& printer) {
     const std::lock_guard lock(mutex);
-    printers.insert_or_assign(printer.serialNumber, printer);
+    Entries& entries = printers[printer.serialNumber];
+    auto known = std::find_if(entries.begin(), entries.end(),
+                              [&](const Entry& entry) { return IsSame(entries, entry, printer); });
+    if (known == entries.end()) {
+        known = entries.insert(entries.end(), Entry{});
+    }
+    for (Entry& entry : entries) {
+        entry.places.erase(PlaceOf(printer));
+    }
+    known->places.insert(PlaceOf(printer));
+    known->uuid = printer.uuid.empty() ? known->uuid : printer.uuid;
+    known->printer = printer;
 }
 
-void PrinterMemory::Forget(const std::string& serialNumber) {
+std::optional<Printer> PrinterMemory::Find(const Printer& described) {
     const std::lock_guard lock(mutex);
-    printers.erase(serialNumber);
+    const Entry* const entry = EntryOf(described);
+    return entry == nullptr ? std::nullopt : entry->printer;
 }
 
-std::optional<Printer> PrinterMemory::Find(const std::string& serialNumber) {
+void PrinterMemory::Forget(const Printer& described) {
     const std::lock_guard lock(mutex);
-    const auto printer = printers.find(serialNumber);
-    return printer == printers.end() ? std::nullopt : std::optional(printer->second);
+    if (Entry* const entry = EntryOf(described)) {
+        entry->printer.reset();
+    }
+}
+
+PrinterMemory::Entry* PrinterMemory::EntryOf(const Printer& described) {
+    const auto known = printers.find(described.serialNumber);
+    if (known == printers.end()) {
+        return nullptr;
+    }
+    Entries& entries = known->second;
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) {
+        return entries.size() == 1 || entry.places.count(PlaceOf(described)) > 0;
+    });
+    return found == entries.end() ? nullptr : &*found;
 }
 
 PrinterMemory& KnownPrinters() {

@@ -31,15 +31,22 @@ struct Wanted {
     std::string notAt;  // there it answers through its own network
 
     bool Is(const Printer& printer) const {
-        const bool same =
-            printer.serialNumber == serialNumber || (!uuid.empty() && printer.uuid == uuid);
-        return same && (notAt.empty() || printer.address != notAt);
+        return IsWanted(printer) && (notAt.empty() || printer.address != notAt);
+    }
+
+private:
+    // Others may have its serial number, too.
+    bool IsWanted(const Printer& printer) const {
+        if (!uuid.empty() && !printer.uuid.empty()) {
+            return printer.uuid == uuid;
+        }
+        return printer.serialNumber == serialNumber;
     }
 };
 
 Wanted WantedBy(const VendorSdk::DeviceInfo& record) {
     const Printer printer = FromRecord(record);
-    const auto known = KnownPrinters().Find(printer.serialNumber);
+    const auto known = KnownPrinters().Find(printer);
     return {printer.serialNumber, known ? known->uuid : printer.uuid,
             AddressOnPrintersNetwork(Clock::now() + kPatienceForWifi)};
 }

@@ -3,11 +3,13 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include "diagnostics.h"
+#include "guarded.h"
 #include "ipp_query.h"
 
 namespace Driverless {
@@ -22,8 +24,15 @@ constexpr std::size_t kMaxThreads = 32;
 struct QueryPool::State {
     explicit State(Listener answerListener) : listener(std::move(answerListener)) {}
 
+    struct Task {
+        PrinterTable::Query query;
+        std::shared_ptr<IppQuery> running;  // null: there was no memory for it
+    };
+
     void Work();
-    bool Take(PrinterTable::Query& query, std::shared_ptr<IppQuery>& running);
+    std::optional<Task> Take();
+    void Ask(const Task& task);
+    std::optional<PrinterAttributes> AnswerTo(const Task& task) const;
 
     const Listener listener;
     std::mutex mutex;
@@ -32,37 +41,64 @@ struct QueryPool::State {
     std::size_t threads = 0;
 };
 
-// One thread's work: it ends when nothing waits any more.
+// One thread's work: it ends when nothing waits any more. What goes wrong with one question, for
+// want of memory, ends neither the thread nor the process.
 void QueryPool::State::Work() {
-    PrinterTable::Query query{};
-    std::shared_ptr<IppQuery> running;
-    while (Take(query, running)) {
-        const IppAnswer answer = running->Run();
-        const bool answered = answer.kind == IppAnswer::Kind::Granted;
-        if (!answered) {
-            ReportDetail(query.printer.id.name + " at " + query.printer.address + ":" +
-                         std::to_string(query.printer.port) + " gives no attributes: " +
-                         (answer.problem.empty() ? "no answer" : answer.problem));
+    while (const auto task = Take()) {
+        try {
+            Ask(*task);
+        } catch (const std::exception& exception) {
+            // The answer that does not come is overdue in a moment.
+            ReportExhausted(exception);
         }
-        {
-            const std::lock_guard lock(mutex);
-            asked.erase(query.id);
-        }
-        listener(query.id, answered ? std::optional(answer.attributes) : std::nullopt);
     }
 }
 
-bool QueryPool::State::Take(PrinterTable::Query& query, std::shared_ptr<IppQuery>& running) {
+std::optional<QueryPool::State::Task> QueryPool::State::Take() {
     const std::lock_guard lock(mutex);
     if (waiting.empty()) {
         --threads;
-        return false;
+        return std::nullopt;
     }
-    query = std::move(waiting.front());
+    Task task{std::move(waiting.front()), nullptr};
     waiting.pop_front();
-    running = std::make_shared<IppQuery>(query.printer, query.deadline);
-    asked.emplace(query.id, running);
-    return true;
+    try {
+        const auto running = std::make_shared<IppQuery>(task.query.printer, task.query.deadline);
+        asked.emplace(task.query.id, running);
+        task.running = running;
+    } catch (const std::bad_alloc& exception) {
+        ReportExhausted(exception);
+    }
+    return task;
+}
+
+void QueryPool::State::Ask(const Task& task) {
+    std::optional<PrinterAttributes> answer;
+    try {
+        answer = AnswerTo(task);
+    } catch (const std::exception& exception) {
+        ReportExhausted(exception);
+    }
+    {
+        const std::lock_guard lock(mutex);
+        asked.erase(task.query.id);
+    }
+    listener(task.query.id, answer);
+}
+
+std::optional<PrinterAttributes> QueryPool::State::AnswerTo(const Task& task) const {
+    if (task.running == nullptr) {
+        return std::nullopt;
+    }
+    const IppAnswer answer = task.running->Run();
+    if (answer.kind == IppAnswer::Kind::Granted) {
+        return answer.attributes;
+    }
+    const Printer& printer = task.query.printer;
+    ReportDetail(
+        printer.id.name + " at " + printer.address + ":" + std::to_string(printer.port) +
+        " gives no attributes: " + (answer.problem.empty() ? "no answer" : answer.problem));
+    return std::nullopt;
 }
 
 QueryPool::QueryPool(Listener listener) : state(std::make_shared<State>(std::move(listener))) {}

@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -45,22 +46,31 @@ std::string Summary(const Printer& printer) {
 // left behind.
 class ScanSession::Inbox {
 public:
+    // What there is no memory for ends the scan.
     void Put(Message message) {
         const std::lock_guard lock(mutex);
-        if (!closed) {
-            messages.push_back(std::move(message));
-            changed.notify_all();
+        if (closed) {
+            return;
         }
+        try {
+            messages.push_back(std::move(message));
+        } catch (const std::bad_alloc&) {
+            exhausted = true;
+        }
+        changed.notify_all();
     }
 
     // The next message; nothing when none came by `until`, or the inbox was closed.
     std::optional<Message> Take(std::optional<Clock::time_point> until) {
         std::unique_lock lock(mutex);
-        const auto due = [this] { return closed || !messages.empty(); };
+        const auto due = [this] { return closed || exhausted || !messages.empty(); };
         if (until) {
             changed.wait_until(lock, *until, due);
         } else {
             changed.wait(lock, due);
+        }
+        if (!closed && exhausted) {
+            return DnssdEvent{DnssdEvent::Kind::Failed, {}, {}, kNoBrowsing, kOutOfMemory};
         }
         if (closed || messages.empty()) {
             return std::nullopt;
@@ -87,6 +97,7 @@ private:
     std::condition_variable changed;
     std::deque<Message> messages;
     bool closed = false;
+    bool exhausted = false;
 };
 
 namespace {

@@ -23,6 +23,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kLookAgain{250};
 constexpr std::chrono::milliseconds kStatePatience{1000};
+// Small printers compute for a while before they speak TLS.
+constexpr std::chrono::milliseconds kStatePatienceWithTls{2000};
 // A fresh look at what is in range takes its time.
 constexpr std::chrono::milliseconds kScanPatience{12000};
 
@@ -113,8 +115,10 @@ std::optional<int> Send(const Recipient& recipient, const WifiSettings& settings
 }
 
 std::optional<int> LookOnce(const Recipient& recipient, JoinWatch& watch) {
+    const bool tls = recipient.printer.kind == ServiceKind::Ipps;
     const IppAnswer answer =
-        AskInTime(recipient.printer, kStatePatience, {IppQuestion::Kind::AttributesWithWifi, {}});
+        AskInTime(recipient.printer, tls ? kStatePatienceWithTls : kStatePatience,
+                  {IppQuestion::Kind::AttributesWithWifi, {}});
     if (answer.kind == IppAnswer::Kind::Granted) {
         return watch.Answered(answer.attributes, Clock::now());
     }

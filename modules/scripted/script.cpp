@@ -4,8 +4,6 @@
 #include <charconv>
 #include <istream>
 #include <limits>
-#include <locale>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -134,12 +132,16 @@ VendorSdk::DeviceInfo Device(const Words& words) {
     return device;
 }
 
+// "nan" and "inf" are decimals too.
 float Decimal(const std::string& text) {
-    std::istringstream stream(text);
-    stream.imbue(std::locale::classic());
     float value = 0;
-    if (!(stream >> value) || stream.peek() != std::istringstream::traits_type::eof()) {
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, value);
+    if (error == std::errc::invalid_argument || rest != end) {
         Refuse(Quoted(text) + " is no number");
+    }
+    if (error != std::errc()) {
+        Refuse(Quoted(text) + " is out of range");
     }
     return value;
 }

@@ -1,5 +1,7 @@
 """`devicediscover ap`."""
 
+import os
+import re
 import struct
 import time
 
@@ -8,6 +10,18 @@ from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, USAGE, device, json_lines
 from host_test import PASS_PHRASE, HostTest, Terminal, reported
 
 OFFICE = ["ap", "configure", "--network", "Office"]
+DRIVERLESS = os.path.join(os.path.dirname(os.path.abspath(__file__)),
+                          "../../modules/driverless/README.md")
+
+
+def documented_results(entry_point):
+    """The failures that the module for standard printers documents for an entry point."""
+    with open(DRIVERLESS, encoding="utf-8") as file:
+        table, = [part for part in file.read().split("\n\n")
+                  if re.match(rf"\| result \|.*`{entry_point}`", part)]
+    rows = re.findall(r"^\| (\d+)(?: to (\d+))? \|", table, re.MULTILINE)
+    return [number for first, last in rows
+            for number in range(int(first), int(last or first) + 1) if number != 0]
 
 
 class AccessPointScan(HostTest):
@@ -27,11 +41,13 @@ class AccessPointScan(HostTest):
         self.assertGreater(time.monotonic() - start, 0.3)
 
     def test_a_signal_that_is_no_number_is_json_all_the_same(self):
-        self.script(reported("Office", "nan"), reported("Office", "nan"))
+        self.script(reported("Office", "nan"), reported("Office", "nan"), reported("Guests", "inf"))
         result = self.run_app("ap", "scan", "--json", "--seconds", "1")
-        if result.errors:  # the scripted vendor does not take it
-            self.skipTest(result.errors)
-        self.assertEqual(json_lines(result.output), [{"network": "Office", "signal": None}])
+        self.assertEqual(result.errors, "")
+        self.assertEqual(json_lines(result.output), [{"network": "Office", "signal": None},
+                                                     {"network": "Guests", "signal": None}])
+        lines = self.run_app("ap", "scan", "--seconds", "1").output.splitlines()
+        self.assertEqual(lines, ["Office\tnan", "Guests\tinf"])
 
     def test_the_same_network_again_is_news_when_its_signal_changes(self):
         self.script("interval 150", reported("Office", 1), reported("Office", 1),
@@ -66,6 +82,43 @@ class AccessPointScan(HostTest):
         terminal.type("\x03")
         self.assertEqual(terminal.finish(), FOUND)
         self.assertEqual(self.calls_of("StopAPWifiScan"), ["scripted_all"])
+
+    def ctrl_c_ends_it(self, terminal, status):
+        start = time.monotonic()
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), status)
+        self.assertLess(time.monotonic() - start, 20)
+
+    def test_one_ctrl_c_ends_the_wait_for_a_vendor_that_does_not_start(self):
+        self.script("delay IsConnectCurrentWifiAP 60000")
+        terminal = Terminal(self, "ap", "scan")
+        terminal.expect(r"Asking the printer's vendor for a scan, \d s")
+        self.ctrl_c_ends_it(terminal, NONE_FOUND)
+        terminal.expect("interrupted")
+
+    def test_one_ctrl_c_ends_the_wait_for_a_vendor_that_does_not_stop(self):
+        self.script("until-stopped", "delay StopAPWifiScan 60000", reported("Office"))
+        terminal = Terminal(self, "ap", "scan", "--seconds", "1")
+        self.wait_until(lambda: self.calls_of("StopAPWifiScan"), "the vendor's stop is called")
+        time.sleep(4)
+        self.assertIsNone(terminal.process.poll(), "without a request it is waited for")
+        self.ctrl_c_ends_it(terminal, FOUND)
+        terminal.expect(r"1 network found\.\n"
+                        "devicediscover: warning: the vendor has not stopped its scan in time")
+
+    def test_the_ctrl_c_that_ends_the_scan_ends_that_wait_too(self):
+        self.script("until-stopped", "delay StopAPWifiScan 60000", reported("Office"))
+        terminal = Terminal(self, "ap", "scan", "--watch")
+        terminal.expect("1 network so far")
+        self.ctrl_c_ends_it(terminal, FOUND)
+        self.assertEqual(self.calls_of("StopAPWifiScan"), ["scripted_all"])
+
+    def test_a_vendor_that_stops_a_little_late_is_waited_for(self):
+        self.script("until-stopped", "delay StopAPWifiScan 1000", reported("Office"))
+        terminal = Terminal(self, "ap", "scan", "--watch")
+        terminal.expect("1 network so far")
+        self.ctrl_c_ends_it(terminal, FOUND)
+        self.assertNotIn("warning", terminal.text)
 
     def test_a_reader_that_leaves_ends_it_quietly(self):
         self.script("interval 20", "repeat 0", "until-stopped",
@@ -191,6 +244,44 @@ class AccessPointConfigure(HostTest):
             result = self.run_app(*OFFICE, "--open")
             self.assertRegex(result.errors, rf"result {number} \(of vendor driverless: .*{meaning}")
 
+    def assert_explained(self, number, *command):
+        result = self.run_app(*command)
+        self.assert_status(result, NONE_FOUND)
+        self.assertRegex(result.errors,
+                         rf"the vendor's result {number} \(of vendor driverless: .{{20}}")
+        return result.errors
+
+    def test_every_result_that_its_vendor_documents_has_a_meaning(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
+        for entry_point, least, command in (
+                ("GetDeviceInfoByNet", {7, 8, 15}, ["ap", "info"]),
+                ("PrinterAPNetConfigEvent", {10, 11, 12, 13, 14, 15, 16}, [*OFFICE, "--open"]),
+                ("IsLocalAreaNetworkOK", {2, 3, 4, 5, 6, 17, 18}, ["ap", "check", "SN1"])):
+            results = documented_results(entry_point)
+            self.assertLessEqual(least, set(results))
+            for number in results:
+                with self.subTest(entry_point, result=number):
+                    self.script(f"result {entry_point} {number}")
+                    self.assert_explained(number, *command)
+
+    def test_a_result_says_how_to_go_on(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
+        for number, advice in ((3, "systemctl start avahi-daemon"), (8, "Restart it"),
+                               (7, "DEVICEDISCOVER_PRINTER_NETWORKS"), (11, "nearer"),
+                               (13, "devicediscover scan"), (15, "wifi list"),
+                               (17, "Wait a moment"), (18, "ap check SERIAL")):
+            self.script(f"result IsLocalAreaNetworkOK {number}")
+            self.assert_mentions(self.assert_explained(number, "ap", "check", "SN1"), advice)
+
+    def test_another_vendor_s_result_has_none_of_those_meanings(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all"),
+                                           ("other", "scripted_all_b")])
+        self.script("result IsLocalAreaNetworkOK 17")
+        result = self.run_app("ap", "check", "SN1")
+        self.assert_mentions(result.errors, "vendor driverless: the vendor's result 17 (of vendor")
+        self.assertTrue(re.search(r"vendor other: the vendor's result 17$", result.errors,
+                                  re.MULTILINE), result.errors)
+
     def test_wrong_arguments(self):
         for arguments, saying in (([], "scan, configure, info or check"),
                                   (["configure", "--open"], "--network"),
@@ -219,6 +310,15 @@ class AccessPointConfigure(HostTest):
 
 
 class AccessPointCheck(HostTest):
+    def test_help_says_that_a_uuid_will_do(self):
+        self.assert_mentions(self.run_app("ap", "check", "--help", listed=False).output, "UUID")
+
+    def test_a_uuid_is_handed_on_in_the_place_of_the_serial_number(self):
+        uuid = "0d9a4d4f-54a8-4c6e-9d6b-3c5f0f0a7b11"
+        self.assert_status(self.run_app("ap", "check", uuid), FOUND)
+        record, = self.arguments_of("IsLocalAreaNetworkOK")
+        self.assertEqual(record[4:].split(b"\0")[0], uuid.encode())
+
     def test_a_printer_on_the_local_network(self):
         result = self.run_app("ap", "check", "SN1", "--vendor", "scripted")
         self.assert_status(result, FOUND)

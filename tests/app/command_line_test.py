@@ -62,6 +62,14 @@ class CommandLine(AppTest):
         self.assert_refused("state", saying="SERIAL")
         self.assert_refused("vendors", "--watch", saying="--watch")
 
+    def test_a_flag_takes_no_value(self):
+        for command, flag in (("scan", "--watch"), ("scan", "--json"), ("setup", "--no-rejoin"),
+                              ("", "--version")):
+            for value in ("false", "1", "x"):
+                with self.subTest(flag, value=value):
+                    self.assert_refused(*command.split(), f"{flag}={value}",
+                                        saying=f"{flag} takes no value")
+
     def test_an_empty_file_name_is_no_default(self):
         for option in ("--vendors", "--log-file"):
             with self.subTest(option):

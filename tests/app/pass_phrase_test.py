@@ -90,12 +90,21 @@ class PassPhrase(HostTest):
         self.assert_mentions(result.errors, "standard input holds no pass phrase", "--open")
 
     def test_a_file_that_cannot_be_read_is_told(self):
-        for name in (self.path("nowhere"), self.folder):
-            with self.subTest(name):
-                result = self.join("--pass-phrase-file", app_test.system_path(name))
-                self.assert_status(result, COULD_NOT_RUN)
-                self.assert_mentions(result.errors, app_test.system_path(name), "pass phrase")
+        result = self.join("--pass-phrase-file", app_test.system_path(self.folder))
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, app_test.system_path(self.folder), "pass phrase")
         self.assertEqual(self.host_calls(), [])
+
+    def test_a_pass_phrase_in_the_place_of_its_file_is_not_repeated(self):
+        for secret in (PASS_PHRASE, "no/such/" + PASS_PHRASE, PASS_PHRASE * 500):
+            for arguments in (["--pass-phrase-file", secret], ["--pass-phrase-file=" + secret]):
+                with self.subTest(arguments[0][:30]):
+                    result = self.join(*arguments)
+                    self.assert_status(result, COULD_NOT_RUN)
+                    self.assert_mentions(result.errors, "--pass-phrase-file", "its one line")
+                    self.assert_not_shown(result)
+        self.assertEqual(self.host_calls(), [])
+        self.assertNotIn(PASS_PHRASE, self.log())
 
     def test_without_a_terminal_a_source_is_needed(self):
         result = self.join()

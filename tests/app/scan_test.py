@@ -41,6 +41,17 @@ class Scan(AppTest):
         self.assertEqual(self.calls_of("StartDeviceScan").count("scripted_all"), 1)
         self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all", "scripted_all_b"])
 
+    def test_a_scan_without_a_time_takes_five_seconds(self):
+        self.script("until-stopped")
+        process = self.start_app("scan")
+        self.wait_until(lambda: self.calls_of("StartDeviceScan"), "the vendor's scan starts")
+        start = time.monotonic()
+        self.wait_until(lambda: self.calls_of("StopDeviceScan"), "the vendor's scan stops")
+        taken = time.monotonic() - start
+        self.assertEqual(process.wait(app_test.PATIENCE), NONE_FOUND)
+        self.assertGreater(taken, 4.5)
+        self.assertLess(taken, 20)
+
     def test_the_same_printer_twice_is_one_line(self):
         self.script("repeat 5", "threads 4", device("SN1"), device("SN2"))
         result = self.run_app("scan", "--seconds", "1")
@@ -52,18 +63,19 @@ class Scan(AppTest):
         result = self.run_app("scan", "--seconds", "1")
         self.assertEqual(len(result.output.splitlines()), 2)
 
-    def test_printers_without_serial_number_differ_by_address(self):
-        self.script(device("", address="192.0.2.1"), device("", address="192.0.2.2"),
-                    device("", address="192.0.2.1"))
-        result = self.run_app("scan", "--seconds", "1")
-        self.assertEqual(len(result.output.splitlines()), 2)
+    def test_printers_with_one_serial_number_or_none_differ_by_their_place(self):
+        for serial in ("", "SN1"):
+            self.script(*(device(serial, address=address, port=port) for address, port in (
+                ("192.0.2.1", 631), ("192.0.2.2", 631), ("192.0.2.1", 8631), ("192.0.2.1", 631))))
+            result = self.run_app("scan", "--seconds", "1")
+            self.assertEqual(len(result.output.splitlines()), 3)
 
     def test_news_about_a_printer_is_another_line(self):
-        self.script("interval 200", device("SN1", address="192.0.2.1"),
-                    device("SN1", address="192.0.2.2"))
+        self.script("interval 200", device("SN1", model="Fake 1"), device("SN1", model="Fake 1"),
+                    device("SN1", model="Fake 2"))
         result = self.run_app("scan", "--json", "--seconds", "1.5")
-        self.assertEqual([printer["address"] for printer in json_lines(result.output)],
-                         ["192.0.2.1", "192.0.2.2"])
+        self.assertEqual([printer["makeAndModel"] for printer in json_lines(result.output)],
+                         ["Fake 1", "Fake 2"])
 
     def test_many_threads_report_many_printers(self):
         self.script("threads 8", *(device(f"SN{number}") for number in range(200)))
@@ -201,6 +213,37 @@ class ScanLog(AppTest):
         log = app_test.system_path(self.log_file)
         self.run_app("scan", "--seconds", "0.2", "--log-file", log)
         self.assert_mentions(self.read(self.log_file), "Start Device Scan", "Stop Device Scan")
+
+    def assert_logs_to(self, log):
+        result = self.run_app("scan", "--seconds", "0.2")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, f"({log})")
+        self.assert_mentions(self.read(log), "Start Device Scan", "Stop Device Scan")
+
+    @unittest.skipUnless(ON_WINDOWS, "folders of Windows")
+    def test_without_a_name_it_is_in_the_user_s_local_folder(self):
+        # The emulator has a user of its own, whatever the environment says.
+        result = self.run_app("scan", "--seconds", "0.2")
+        self.assertRegex(result.errors,
+                         r"\([A-Z]:\\.*\\AppData\\Local\\DeviceDiscover\\DeviceDiscover\.log\)")
+
+    @unittest.skipIf(ON_WINDOWS, "folders of Linux")
+    def test_without_a_name_it_is_in_the_user_s_state_folder(self):
+        for other in ("XDG_STATE_HOME", "XDG_CONFIG_HOME"):
+            os.mkdir(self.path(other))
+            self.environment[other] = self.path(other)
+        self.assert_logs_to(self.path("XDG_STATE_HOME/DeviceDiscover/DeviceDiscover.log"))
+
+    @unittest.skipIf(ON_WINDOWS, "folders of Linux")
+    def test_the_state_folder_is_in_the_home_folder_unless_it_is_named(self):
+        self.environment["HOME"] = self.folder
+        for state in (None, ""):
+            with self.subTest(state):
+                self.environment.pop("XDG_STATE_HOME", None)
+                if state is not None:
+                    self.environment["XDG_STATE_HOME"] = state
+                self.assert_logs_to(
+                    self.path(".local/state/DeviceDiscover/DeviceDiscover.log"))
 
     def test_off_keeps_no_log(self):
         log = app_test.system_path(self.log_file)

@@ -196,7 +196,7 @@ class SetupThatFails(SetupTest):
         result = self.run_app("setup", "--network", "Office", "--pass-phrase-file",
                               app_test.system_path(self.path("nowhere")))
         self.assert_status(result, COULD_NOT_RUN)
-        self.assert_mentions(result.errors, "step 3 of 6", "nowhere")
+        self.assert_mentions(result.errors, "step 3 of 6", "the file that --pass-phrase-file names")
 
     def test_a_printer_that_does_not_join(self):
         self.script(PRINTER, "result PrinterAPNetConfigEvent 12")
@@ -236,6 +236,11 @@ class SetupThatFails(SetupTest):
                                    saying=("was found at 192.0.2.7", "the vendor's result 9"))
         self.assertEqual(event["result"], 9)
 
+    def test_a_printer_that_moves_is_where_it_was_found_last(self):
+        self.script(PRINTER, device("SN1", address="192.0.2.99"), "interval 300",
+                    "result IsLocalAreaNetworkOK 9")
+        self.assert_failed("find", "--timeout", "2", saying=("was found at 192.0.2.99",))
+
     def test_no_vendor_that_could_look_for_it(self):
         self.list_file = self.vendor_list([
             dict(productId="scripted", vendorName="scripted_all", scanModuleName="scripted_none")])
@@ -253,10 +258,18 @@ class SetupArguments(SetupTest):
         self.assert_mentions(result.errors, "--pass-phrase-file", "--open")
         self.assertEqual(self.records(), [])
 
-    def test_json_on_a_terminal_wants_the_network_too(self):
-        terminal = Terminal(self, "setup", "--json")
-        self.assertEqual(terminal.finish(), USAGE)
-        terminal.expect("--network NAME")
+    def test_a_question_that_nobody_would_see_is_not_asked(self):
+        for arguments, saying in ((["--open"], "pick the network on"),
+                                  (["--network", "Office"], "ask for the pass phrase on")):
+            with self.subTest(saying):
+                with open(self.path("errors"), "wb") as errors:
+                    terminal = Terminal(self, "setup", "--json", *arguments, stderr=errors)
+                    self.assertEqual(terminal.finish(), USAGE)
+                self.assert_mentions(self.read(self.path("errors")),
+                                     f"no terminal to {saying}: standard error is none")
+        result = self.run_app("setup")
+        self.assert_mentions(result.errors, "on: standard input is none")
+        self.assertEqual(self.records(), [])
 
     def test_wrong_arguments(self):
         for arguments, saying in ((["--timeout", "0"], "--timeout"),
@@ -282,8 +295,8 @@ class SetupArguments(SetupTest):
 
 
 class SetupOnTerminal(SetupTest):
-    def start(self, *arguments):
-        return Terminal(self, "setup", "--seconds", "1", *arguments)
+    def start(self, *arguments, **options):
+        return Terminal(self, "setup", "--seconds", "1", *arguments, **options)
 
     def test_network_and_pass_phrase_are_asked_for(self):
         self.script(PRINTER, reported("Office", 80), reported("DIRECT-printer", 99),
@@ -301,6 +314,34 @@ class SetupOnTerminal(SetupTest):
         self.assertNotIn(PASS_PHRASE, terminal.raw.decode())
         self.assertNotIn(PASS_PHRASE, self.log())
         self.assertEqual(self.calls_of("StopAPWifiScan"), ["scripted_all"])
+
+    def test_log_lines_on_the_terminal_leave_the_questions_there(self):
+        self.script(PRINTER, reported("Office", 80), reported("Guests", 40))
+        terminal = self.start("--log-level", "warning")
+        terminal.expect(r"1 +Office *\n *2 +Guests *\n")
+        terminal.expect("Its number or name, or Enter to look again:")
+        terminal.type("2\r")
+        terminal.expect("Pass phrase of Guests")
+        terminal.type(PASS_PHRASE + "\r")
+        terminal.expect(r"is on Guests at")
+        self.assertEqual(terminal.finish(), FOUND)
+        self.assertNotIn("Looking for networks", terminal.text)
+        self.assertNotIn(PASS_PHRASE, terminal.text)
+
+    def test_questions_stay_out_of_results_for_programs(self):
+        self.script(PRINTER, reported("Office", 80), reported("Guests", 40))
+        with open(self.path("output"), "wb") as output:
+            terminal = self.start("--json", stdout=output)
+            terminal.expect(r"1 +Office *\n *2 +Guests *\n")
+            terminal.expect("Its number or name, or Enter to look again:")
+            terminal.type("1\r")
+            terminal.expect("Pass phrase of Office")
+            terminal.type(PASS_PHRASE + "\r")
+            self.assertEqual(terminal.finish(), FOUND)
+        events = json_lines(self.read(self.path("output")))
+        self.assertEqual([(event["step"], event["state"]) for event in events],
+                         [(step, state) for step in STEPS for state in ("started", "done")])
+        self.assert_given_to_the_printer("Office")
 
     def test_a_network_can_be_named_also_one_that_is_not_listed(self):
         self.script(PRINTER, reported("Office"))
@@ -343,6 +384,16 @@ class SetupOnTerminal(SetupTest):
         terminal.type("1\r")
         terminal.expect("is on Office at")
         self.assertEqual(terminal.finish(), FOUND)
+
+    def test_where_the_vendor_cannot_look_it_is_the_computer_s_own_list_too(self):
+        self.list_file = self.vendor_list([("scripted", "scripted_without_StartAPWifiScan")])
+        self.host('joined "DIRECT-printer" "" ""', "join 1", network("Office"))
+        terminal = self.start("--open")
+        terminal.expect(r"1 +Office *\n")
+        terminal.type("1\r")
+        terminal.expect("is on Office at")
+        self.assertEqual(terminal.finish(), FOUND)
+        self.assert_given_to_the_printer("Office", "")
 
     def test_without_any_network_one_can_be_named(self):
         terminal = self.start("--open")

@@ -191,6 +191,34 @@ class Arguments(HostTest):
                 self.assert_not_shown(result)
         self.assertEqual(self.host_calls() + self.records(), [])
 
+    def test_a_pass_phrase_given_to_another_option_is_refused_and_not_repeated(self):
+        for value in (PASS_PHRASE, "12345678", "true=" + PASS_PHRASE):
+            for option in ("--open", "--json"):
+                for command in (["wifi", "join", "Office"],
+                                ["ap", "configure", "--network", "Office"],
+                                ["setup", "--network", "Office"]):
+                    with self.subTest(command, option=option, value=value):
+                        result = self.run_app(*command, f"{option}={value}")
+                        self.assert_status(result, USAGE)
+                        self.assert_mentions(result.errors, f"{option} takes no value", "--help")
+                        self.assert_not_shown(result, value)
+        for arguments in (["wifi"], ["wifi", "list"], ["ap"], ["ap", "info"], []):
+            with self.subTest(arguments):
+                result = self.run_app(*arguments, "--pass-phrase=" + PASS_PHRASE, listed=False)
+                self.assert_status(result, USAGE)
+                self.assert_not_shown(result)
+        self.assert_mentions(self.run_app("ap", "info", "--open=" + PASS_PHRASE).errors,
+                             "no argument or option '--open'")
+        self.assertEqual(self.host_calls() + self.records(), [])
+
+    def test_a_name_is_as_long_as_a_wi_fi_network_s_at_most(self):
+        result = self.run_app("wifi", "join", "\u00e9" * 16 + "x", "--open")
+        self.assert_status(result, USAGE)
+        self.assert_mentions(result.errors, "NAME: the network's name has 33 bytes", "at most 32")
+        self.assertEqual(self.host_calls(), [])
+        self.host("join 1")
+        self.assert_status(self.run_app("wifi", "join", "\u00e9" * 16, "--open"), FOUND)
+
     def test_help_says_how_each_command_ends(self):
         for command in (["wifi"], ["wifi", "list"], ["wifi", "offer"], ["wifi", "current"],
                         ["wifi", "join"], ["ping"]):

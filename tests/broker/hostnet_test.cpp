@@ -137,7 +137,8 @@ TEST_F(HostNet, TheWifiInterfaceCanBeCopied) {
     static_assert(!std::is_default_constructible_v<PrinterWifiInterface>);
     static_assert(!std::is_destructible_v<PrinterWifiInterface>);
     // Its destructor is not for applications: the copy stays.
-    PrinterWifiInterface& copy = *new PrinterWifiInterface(PrinterWifiInterface::GetInstance());
+    static PrinterWifiInterface& copy =
+        *new PrinterWifiInterface(PrinterWifiInterface::GetInstance());
     ScriptedHost::InRange({{L"office", {80, 2}, false}});
     std::vector<WlanInfoData> networks;
     copy.GetSupList(networks);

@@ -2,10 +2,10 @@
 
 #include <atomic>
 #include <chrono>
-#include <functional>
 #include <thread>
 
 #include "tests/support/broker_test.h"
+#include "tests/support/in_threads.h"
 
 namespace {
 
@@ -32,16 +32,6 @@ protected:
     }
 
     static DiscoverScanInterface& Facade() { return DiscoverScanInterface::GetInstance(); }
-
-    static void InThreads(int count, const std::function<void(int)>& work) {
-        std::vector<std::thread> threads;
-        for (int number = 0; number < count; ++number) {
-            threads.emplace_back(work, number);
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
-    }
 
     // Lets every scan that was started begin and end.
     static void Settle(std::size_t startsPerModule) {

@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -15,12 +16,15 @@
 #include <vector>
 
 #include "VendorSdk/entry_points.h"
+#include "dnssd_browser.h"
 #include "host_wifi.h"
 #include "ipp_query.h"
 #include "platform/compiler.h"
+#include "query_pool.h"
 #include "results.h"
 
 VENDORSDK_EXPORT(IsConnectCurrentWifiAP);
+VENDORSDK_EXPORT(StartDeviceScan);
 
 namespace {
 
@@ -127,6 +131,33 @@ TEST_F(WithoutMemory, AQuestionToAPrinterEndsAndTheCallerIsToldWhy) {
     printer.port = listener.Port();
     const MemoryForCaller memory;
     EXPECT_THROW(AskInTime(printer, milliseconds(2000)), std::bad_alloc);
+}
+
+TEST_F(WithoutMemory, QuestionsOfAScanHaveNoAnswer) {
+    std::array<std::promise<bool>, 3> answered;
+    QueryPool queries([&](PrinterTable::QueryId query, const auto& attributes) {
+        answered.at(query).set_value(attributes.has_value());
+    });
+    const MemoryForCaller memory;
+    for (PrinterTable::QueryId id = 0; id < answered.size(); ++id) {
+        queries.Start({id, {}, Clock::now() + milliseconds(2000)});
+        EXPECT_FALSE(answered.at(id).get_future().get());
+    }
+}
+
+TEST_F(WithoutMemory, AWatchOfAnnouncementsFailsAndSaysSo) {
+    std::promise<int> failed;
+    const MemoryForCaller memory;
+    const DnssdBrowser browser([&](const DnssdEvent& event) { failed.set_value(event.result); });
+    EXPECT_EQ(failed.get_future().get(), kNoBrowsing);
+}
+
+TEST_F(WithoutMemory, AScanEndsAtOnceAndSaysSo) {
+    VendorSdk::DeviceCallbackInfo info{[](const VendorSdk::DeviceInfo*) { return 0; }, 0};
+    const auto start = Clock::now();
+    const MemoryForCaller memory;
+    EXPECT_EQ(StartDeviceScan(&info), kNoBrowsing);
+    EXPECT_LT(Clock::now() - start, milliseconds(2000));
 }
 
 }  // namespace

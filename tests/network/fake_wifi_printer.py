@@ -2,13 +2,14 @@
 "ready", "given NAME PASS-PHRASE tls|plain" in hexadecimal digits, "vanishes".
 
 usage: fake_wifi_printer.py [--address ADDRESS] [--behaviour BEHAVIOUR] [--certificate FILE]
-                            [--state NUMBER] [--network NAME]
+                            [--state NUMBER] [--network NAME] [--without-tls BEHAVIOUR]
 
 behaviours: joins (default), hesitates (keeps its old state and network for a moment, then joins),
 stays (takes the settings, and keeps its state and network), leaves (goes when it has taken them,
 without an answer), ignores, talkative (refuses, and says what it was given),
 wants-password, forbids, not-authorized, no-wifi, silent, vanishes (describes itself once, after a
-moment, and is not there for more). With a certificate it also takes TLS, and says so.
+moment, and is not there for more). With a certificate it also takes TLS, and says so. Who does not
+speak TLS is answered, too, unless that behaviour is another: closes, or waits (for TLS to begin).
 """
 
 import argparse
@@ -101,6 +102,11 @@ def serve(connection, listener, printer, certificate):
     over_tls = certificate is not None and connection.recv(1, socket.MSG_PEEK) == b"\x16"
     if over_tls:
         connection = certificate.wrap_socket(connection, server_side=True)
+    elif printer.options.without_tls == "waits":
+        time.sleep(3600)
+    elif printer.options.without_tls == "closes":
+        connection.close()
+        return
     if printer.options.behaviour == "silent":
         connection.recv(1 << 20)
         time.sleep(3600)
@@ -127,6 +133,7 @@ def main():
     parser.add_argument("--certificate")
     parser.add_argument("--state", type=int, default=4)
     parser.add_argument("--network", default="")
+    parser.add_argument("--without-tls", choices=["answers", "closes", "waits"], default="answers")
     options = parser.parse_args()
     certificate = None
     if options.certificate:

@@ -7,6 +7,7 @@ when the application has joined the office's network it is that one, where both 
 addresses. The environment names what set_up_test.py needs, and NETWORK_MANAGER_MOCK.
 """
 
+import contextlib
 import fcntl
 import json
 import os
@@ -21,74 +22,15 @@ import threading
 import time
 import unittest
 
-from network_test import ENVIRONMENT, LAB, PATIENCE, PROGRAM, SLACK, lab, text_below
-from set_up_test import (CANNOT_JOIN, NAME, NM, NOT_VALID, NOT_VISIBLE, OWN_NETWORK, PASS_PHRASE,
-                         PRINTER, SERIAL, STATE, TIMED_OUT, Lines)
+from lab import PATIENCE, lab
+from network_test import ENVIRONMENT, PROGRAM, SLACK, text_below
+from office import (BOTH, HOSTS_SIDE, OFFICE, PRINTERS_SIDE, THERE, HostWifi, announced, move,
+                    new_printer)
+from set_up_test import (CANNOT_JOIN, NAME, NOT_VALID, NOT_VISIBLE, OWN_NETWORK, PASS_PHRASE,
+                         SERIAL, STATE, TIMED_OUT)
 
-MOCK = os.environ["NETWORK_MANAGER_MOCK"]
 WRONG, TOO_SHORT = "wrong-horse battery", "seven77"
 STEPS = ["printer", "network", "passPhrase", "configure", "rejoin", "find"]
-
-DISCONNECTED, PRIVACY, INFRASTRUCTURE, PSK = 30, 1, 2, 0x100
-THERE, OFFICE = "10.99.0.", "10.98.0."
-BOTH = PRINTERS_SIDE, HOSTS_SIDE = ("run-beside-printers", "1"), ("run", "2")
-
-
-class HostWifi:
-    """A simulated NetworkManager whose networks want pass phrases, with one adapter."""
-
-    def __init__(self):
-        self.process = subprocess.Popen(
-            ["/usr/bin/python3", "-m", "dbusmock", "--system", "--template", MOCK],
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        deadline = time.monotonic() + PATIENCE
-        while self._call("org.freedesktop.NetworkManager.GetDevices").returncode != 0:
-            assert time.monotonic() < deadline, "the simulated NetworkManager does not answer"
-            time.sleep(0.02)
-        self.points = 0
-        self.adapter = self._tell("AddAdapter", "string:lab0", f"int32:{DISCONNECTED}")
-
-    @staticmethod
-    def _call(method, *arguments):
-        return subprocess.run(
-            ["dbus-send", "--system", "--print-reply=literal",
-             "--dest=org.freedesktop.NetworkManager", NM, method, *arguments], check=False,
-            capture_output=True, text=True, timeout=PATIENCE)
-
-    def _tell(self, method, *arguments):
-        answer = self._call("org.freedesktop.DBus.Mock." + method, *arguments)
-        assert answer.returncode == 0, answer.stderr
-        return answer.stdout.strip()
-
-    def have_network(self, name, signal, pass_phrase=""):
-        self.points += 1
-        digits = ",".join(str(byte) for byte in name.encode())
-        point = self._tell(
-            "AddNetwork", "string:" + self.adapter, "string:now", "array:byte:" + digits,
-            f"string:00:11:22:33:44:{self.points:02X}", f"uint32:{INFRASTRUCTURE}",
-            f"byte:{signal}", f"uint32:{PRIVACY if pass_phrase else 0}", "uint32:0",
-            f"uint32:{PSK if pass_phrase else 0}")
-        self._tell("SetPassPhrase", "string:" + point, "string:" + pass_phrase, "string:join")
-
-    def joinings(self):
-        """The pass phrases of the attempts so far; nothing for an open network."""
-        said = self._tell("Joinings")
-        return [(re.findall(r"\bpsk\s+variant\s+(.*?)\s*\)", attempt) or [""])[0]
-                for attempt in said.split("struct {")[1:]]
-
-    def leave(self):
-        """What happens when the network that the host is joined to is closed."""
-        active = self._call("org.freedesktop.DBus.Properties.Get",
-                            "string:org.freedesktop.NetworkManager", "string:ActiveConnections")
-        path = re.search(NM + r"/ActiveConnection/\d+", active.stdout)[0]
-        answer = self._call("org.freedesktop.NetworkManager.DeactivateConnection",
-                            "objpath:" + path)
-        assert answer.returncode == 0, answer.stderr
-
-    def end(self):
-        self.process.kill()
-        self.process.wait()
-
 
 class Ended:
     """What became of a run of the application."""
@@ -175,8 +117,7 @@ class JourneyTest(unittest.TestCase):
     def printer(self, *arguments):
         folder = os.path.join(self.state, "printer")
         os.makedirs(folder)
-        printer = Lines([LAB, "run-beside-printers", "unshare", "-u", PRINTER, folder, "0.0.0.0",
-                         "--network", f"{NAME}={PASS_PHRASE}", *arguments])
+        printer = new_printer(folder, f"{NAME}={PASS_PHRASE}", *arguments)
         self.running.append(printer)
         printer.await_line("ready")
         return printer
@@ -194,8 +135,9 @@ class JourneyTest(unittest.TestCase):
         watchdog.start()
         try:
             with process.stdin, process.stdout:
-                process.stdin.write(secret + "\n")
-                process.stdin.close()
+                with contextlib.suppress(BrokenPipeError):  # one that reads nothing may have ended
+                    process.stdin.write(secret + "\n")
+                    process.stdin.close()
                 lines = []
                 for line in process.stdout:
                     lines.append(line)
@@ -231,21 +173,11 @@ class JourneyTest(unittest.TestCase):
     def move_to_office(self, *sides):
         """These have left the printer's network; what they find now is the office's."""
         for side, host in sides:
-            self.move(side, host, THERE, OFFICE)
-            self.addCleanup(self.move, side, host, OFFICE, THERE)
-
-    @staticmethod
-    def move(side, host, old, new):
-        # In this order, lest the device is without an address and forgets its routes.
-        lab(side, "ip", "addr", "add", f"{new}{host}/24", "dev", "lab0")
-        lab(side, "ip", "addr", "del", f"{old}{host}/24", "dev", "lab0")
+            move(side, host, THERE, OFFICE)
+            self.addCleanup(move, side, host, OFFICE, THERE)
 
     def announce(self):
-        announcement = Lines(
-            [LAB, "run-beside-printers", "setpriv", "--pdeathsig", "KILL", "stdbuf", "-oL", "-eL",
-             "sh", "-c", "exec avahi-publish -s Radio _ipp._tcp 631 rp=ipp/print 2>&1"])
-        self.running.append(announcement)
-        announcement.await_line("Established under name 'Radio'")
+        self.running.append(announced())
 
     def arrive(self, *sides):
         self.move_to_office(*(sides or BOTH))

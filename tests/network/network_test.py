@@ -15,10 +15,11 @@ import threading
 import time
 import unittest
 
+from lab import LAB, PATIENCE, lab
+
 PROGRAM = os.environ["DEVICEDISCOVER_PROGRAM"]
 PROBE = os.environ["SCAN_PROBE"]
 MODULE = os.environ["DRIVERLESS_MODULE"]
-LAB = os.environ["LAB_NETWORK"]
 SUPPRESSIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "tsan.supp")
 FAKE_PRINTER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "fake_printer.py")
 
@@ -29,16 +30,11 @@ ENVIRONMENT = {**os.environ, "TSAN_OPTIONS": TSAN_OPTIONS}
 ENVIRONMENT.pop("DEVICEDISCOVER_VENDORS", None)
 
 # Sanitizers make everything slower; nothing here measures speed.
-PATIENCE = 30
 SLACK = float(os.environ.get("NETWORK_TEST_SLACK", "1"))
 
 IPP, IPPS, PDL_DATASTREAM, LPD = 1, 2, 3, 4
 READY, NOT_READY, NO_ANSWER, UNKNOWN, NO_PRINTER, OTHER_PRINTER = 1, 2, 3, 4, 5, 6
 NO_BUS, NO_AVAHI, NO_NETWORK, BUS_LOST = 2, 3, 4, 6
-
-
-def lab(*arguments):
-    subprocess.run([LAB, *map(str, arguments)], check=True, timeout=60)
 
 
 def serial_of(number):
@@ -309,7 +305,6 @@ class TwentyPrinters(NetworkTest):
         self.assertEqual(sorted(p["serial"] for p in found), [serial_of(1), serial_of(2)])
         self.assertEqual(probe.ask("stop"), 0)
 
-
     def test_all_are_found_by_an_avahi_that_looks_up_few_at_once(self):
         self.have_printers(12)
         self.limit_avahi(7)
@@ -319,7 +314,15 @@ class TwentyPrinters(NetworkTest):
         found = probe.found(1.5)
         self.assertEqual(sorted(p["serial"] for p in found),
                          [serial_of(number) for number in range(1, 13)])
+
+    def test_an_avahi_that_looks_up_none_is_told_once(self):
+        self.have_printers(3)
+        self.limit_avahi(4)  # as many as the module's browsers: one for each kind of service
+        probe = self.probe()
+        probe.start()
+        self.assertEqual(probe.found(2 * SLACK), [])
         self.assert_diagnostics(probe, "Avahi does not look up .*asked again: Too many objects")
+        self.assertEqual(probe.ask("stop"), 0)
 
 
 class Diagnostics(NetworkTest):
@@ -753,6 +756,37 @@ class State(NetworkTest):
         self.fake_printer("Other", 9000, attributes=["printer-serial-number=S2"])
         self.assertEqual(probe.ask("state", "S1"), OTHER_PRINTER)
 
+    def two_with_one_serial_number(self):
+        for number in (1, 2):
+            self.fake_printer(f"Office {number}", 9000 + number, attributes=[
+                "printer-serial-number=S1", f"printer-uuid=urn:uuid:{UUID}{number}",
+                f"printer-make-and-model=Acme {number}", f"printer-state={3 if number == 1 else 5}"])
+
+    def test_printers_with_one_serial_number_are_told_apart_by_where_they_are(self):
+        self.two_with_one_serial_number()
+        probe = self.probe(through_broker=True)
+        probe.start()
+        probe.await_printers(2)
+        self.assertEqual(sorted((p["serial"], p["make_and_model"], p["port"])
+                                for p in probe.found(1.5)),
+                         [("S1", "Acme 1", 9001), ("S1", "Acme 2", 9002)])
+        states = {9001: READY, 9002: NOT_READY}
+        for port in (9001, 9002, 9001):
+            probe.tell(f"edit S1 port {port}")
+            self.assertEqual(probe.ask("state", "S1"), states[port], port)
+        probe.tell("edit S1 port 9003")
+        self.assertEqual(probe.ask("state", "S1"), NO_ANSWER, "neither of them")
+        # Another one takes the place of the first.
+        probe.ask("stop")
+        self.end_fake(self.fakes.pop(0))
+        self.fake_printer("Office 3", 9001, attributes=[
+            "printer-serial-number=S1", f"printer-uuid=urn:uuid:{UUID}3"])
+        probe.tell("edit S1 port 9001")
+        self.assertEqual(probe.ask("state", "S1"), OTHER_PRINTER)
+        self.assertEqual(probe.ask("failed", "S1"), 0)
+        probe.tell("edit S1 port 9002")
+        self.assertEqual(probe.ask("state", "S1"), NOT_READY, "still known")
+
     def test_the_record_alone_is_enough(self):
         probe = self.known()
         record = next(event for event in probe.seen if event["event"] == "found")
@@ -864,6 +898,14 @@ class Application(NetworkTest):
         self.assertEqual((state.returncode, state.stderr), (0, ""))
         self.assertRegex(state.stdout, r"^S1: not ready \(state 2\)")
 
+    def test_printers_with_one_serial_number_are_two(self):
+        for number in (1, 2):
+            self.fake_printer(f"Office {number}", 9000 + number, attributes=[
+                "printer-serial-number=S1", f"printer-uuid=urn:uuid:{UUID}{number}"])
+        state = self.devicediscover("state", "S2", *self.seconds(3))
+        self.assertEqual(state.returncode, 1)
+        self.assertIn("2 with another were", state.stderr)
+
     def test_vendors_shows_the_module_bound(self):
         vendors = self.devicediscover("vendors", "--json")
         self.assertEqual((vendors.returncode, vendors.stderr), (0, ""))
@@ -877,9 +919,17 @@ class Application(NetworkTest):
         self.assertEqual(scan["entryPoints"], {name: "bound" for name in (
             "StartDeviceScan", "StopDeviceScan", "GetDeviceConnectState",
             "BeforeConnectEventNotify", "ConnectSuccessNotifyEvent", "ConnectFailNotifyEvent")})
+        setup, = [module for module in vendor["modules"] if module is not scan]
+        self.assertEqual(setup["path"], os.path.join(beside_library, "modules", "driverless.so"))
+        bound = [name for name, state in setup["entryPoints"].items() if state == "bound"]
+        self.assertLessEqual(
+            {"StartAPWifiScan", "StopAPWifiScan", "PrinterAPNetConfigEvent", "GetDeviceInfoByNet",
+             "IsLocalAreaNetworkOK", "IsConnectCurrentWifiAP"}, set(bound))
         text = self.devicediscover("vendors")
         self.assertEqual(text.returncode, 0)
-        self.assertEqual(len(re.findall(r"^ +\w+ +bound$", text.stdout, re.MULTILINE)), 6)
+        self.assertEqual(
+            sorted(re.findall(r"^ +(\w+) +bound$", text.stdout, re.MULTILINE)),
+            sorted([*scan["entryPoints"], *bound]))
 
 
 if __name__ == "__main__":

@@ -8,16 +8,14 @@ SET_UP_PROBE, SET_UP_MODULE, WIFI_PRINTER, and what network_test.py needs.
 
 import json
 import os
-import queue
 import signal
 import subprocess
 import sys
-import threading
 import time
 import unittest
 
-from network_test import (LAB, NO_AVAHI, NO_BUS, PATIENCE, SLACK, Probe, lab,
-                          text_below, text_of)
+from lab import LAB, PATIENCE, Lines, lab
+from network_test import IPP, IPPS, NO_AVAHI, NO_BUS, SLACK, Probe, text_below, text_of
 
 PRINTER = os.environ["WIFI_PRINTER"]
 STATE = os.environ["LAB_NETWORK_STATE"]
@@ -74,50 +72,6 @@ class SetUpProbe(Probe):
         if self.process.poll() is None:
             self.command("exit")
         return super().end()
-
-
-class Lines:
-    """A process that writes one line an event."""
-
-    def __init__(self, arguments):
-        self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE,
-                                        stderr=subprocess.DEVNULL, text=True)
-        self.lines = queue.Queue()
-        self.seen = []
-        self.reader = threading.Thread(target=self._read, daemon=True)
-        self.reader.start()
-
-    def _read(self):
-        for line in self.process.stdout:
-            self.lines.put(line.strip())
-        self.lines.put(None)
-
-    def await_line(self, wanted, seconds=PATIENCE):
-        deadline = time.monotonic() + seconds
-        while True:
-            line = self.lines.get(timeout=max(0.01, deadline - time.monotonic()))
-            self.seen.append(line)
-            if line == wanted:
-                return
-            assert line is not None, f"it ended: {self.seen}"
-
-    def all(self):
-        while not self.lines.empty():
-            self.seen.append(self.lines.get())
-        return self.seen
-
-    def given(self):
-        """What the printer was given: names and pass phrases as text, and what else it says."""
-        def text(digits):
-            return "" if digits == "-" else bytes.fromhex(digits).decode()
-        calls = [line.split() for line in self.all() if line and line.startswith("given ")]
-        return [(text(call[1]), text(call[2]), *call[3:]) for call in calls]
-
-    def end(self):
-        self.process.kill()
-        self.process.wait()
-        self.reader.join()
-        self.process.stdout.close()
 
 
 class HostWifi:
@@ -249,6 +203,14 @@ class RealPrinter(SetUpTest):
              "address": "10.99.0.1", "resource": "/ipp/print", "port": 631, "kind": 1})
         self.assertNotIn("ff", [event["bytes"][i:i + 2] for i in range(0, 2 * 228, 2)],
                          "every byte is written")
+
+    def test_with_a_printer_that_speaks_tls_it_is_the_same(self):
+        printer, probe = self.begin("--tls")
+        self.assertEqual(probe.result("connected"), OK)
+        self.assertEqual(probe.asked("describe")["serial"], SERIAL)
+        self.assertEqual(probe.configured(NAME, "wrong-horse battery")["result"], CANNOT_JOIN)
+        self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
+        self.assertEqual(printer.given(), [(NAME, "wrong-horse battery"), (NAME, PASS_PHRASE)])
 
     def test_the_right_pass_phrase_is_given_as_it_is_and_the_printer_joins(self):
         printer, probe = self.begin()
@@ -439,18 +401,40 @@ class OtherPrinters(SetUpTest):
             self.assertIn("not '***', not ***", said)
             self.assertNotIn(PASS_PHRASE, said)
 
-    def test_a_printer_that_speaks_tls_is_given_the_pass_phrase_over_it(self):
-        certificate = os.path.join(STATE, "certificate.pem")
+    @staticmethod
+    def certificate():
+        path = os.path.join(STATE, "certificate.pem")
         subprocess.run(
             ["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=printer",
-             "-keyout", certificate, "-out", certificate + ".public"], check=True,
+             "-keyout", path, "-out", path + ".public"], check=True,
             capture_output=True, timeout=PATIENCE)
-        with open(certificate + ".public", encoding="ascii") as public:
-            with open(certificate, "a", encoding="ascii") as both:
+        with open(path + ".public", encoding="ascii") as public:
+            with open(path, "a", encoding="ascii") as both:
                 both.write(public.read())
-        printer, probe = self.begin("joins", "--certificate", certificate)
+        return path
+
+    def test_a_printer_that_speaks_tls_is_given_the_pass_phrase_over_it(self):
+        printer, probe = self.begin("joins", "--certificate", self.certificate())
+        self.assertEqual(probe.asked("describe")["kind"], IPP)
         self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
         self.assertEqual(printer.given(), [(NAME, PASS_PHRASE, "tls")])
+
+    def test_a_printer_that_speaks_tls_only_is_found_and_given_everything_over_it(self):
+        certificate = self.certificate()
+        self.have_wifi()
+        for behaviour in ("closes", "waits"):
+            with self.subTest(behaviour=behaviour):
+                printer = self.fake("--certificate", certificate, "--without-tls", behaviour)
+                probe = self.probe()
+                connected = probe.asked("connected")
+                self.assertEqual(connected["result"], OK)
+                self.assertLess(connected["took"], 2.2 * SLACK)
+                event = probe.asked("describe")
+                self.assertEqual((event["result"], event["kind"], event["port"]), (OK, IPPS, 631))
+                self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
+                self.assertEqual(printer.given(), [(NAME, PASS_PHRASE, "tls")])
+                printer.end()
+                self.running.remove(printer)
 
     def test_a_failure_of_an_earlier_attempt_is_not_taken_for_the_outcome(self):
         _, probe = self.begin("hesitates", "--state", "6", "--network", NAME)

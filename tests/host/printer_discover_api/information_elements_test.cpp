@@ -42,6 +42,19 @@ TEST(InformationElements, TellSeveralProtections) {
               Host::kWpaPersonal | Host::kWpa2Personal);
 }
 
+TEST(InformationElements, TellWhetherWpaTakesAes) {
+    EXPECT_TRUE(Host::TakesAesWithWpa(kName + Wpa({2}, {4})));
+    EXPECT_TRUE(Host::TakesAesWithWpa(Rsn({2}) + Wpa({2}, {2, 4})));
+    EXPECT_FALSE(Host::TakesAesWithWpa(kName + Wpa({2}, {2})));
+    EXPECT_FALSE(Host::TakesAesWithWpa(kName + Wpa({4}, {2})));
+    EXPECT_FALSE(Host::TakesAesWithWpa(kName + Rsn({2})));
+    EXPECT_FALSE(Host::TakesAesWithWpa({}));
+    const std::string whole = Wpa({2}, {4});
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_FALSE(Host::TakesAesWithWpa(whole.substr(0, size))) << size;
+    }
+}
+
 TEST(InformationElements, OfOtherVendors_CountForNothing) {
     EXPECT_EQ(ProtectionOf(InformationElement(221, std::string("\x00\x50\xF2\x04 whatever", 13)) +
                                InformationElement(221, "\x01"),

@@ -9,7 +9,8 @@ interface org.freedesktop.DBus.Mock of the manager's object:
   SetPassPhrase   what joining an access point takes, and what happens then: "join", "no address",
                   "hang", "gone" or, at once, "talkative", which refuses quoting what it was given;
                   by itself a network is joined without a pass phrase
-  SetScans        what scans do: "work", "refused" or "endless"
+  SetScans        what scans do: "work", "refused", "endless" or, by the bus's policy or the service's
+                  own, "denied" or "not permitted"
   SetOld          the service is one that cannot make profiles that last as long as the connection
   Joinings        the settings and options of the joinings so far
 """
@@ -147,6 +148,10 @@ def scan(adapter, options):
     if state["scans"] == "refused":
         raise problem("org.freedesktop.NetworkManager.Device.NotAllowed",
                       "Scanning not allowed immediately following previous scan")
+    if state["scans"] == "denied":
+        raise problem("org.freedesktop.DBus.Error.AccessDenied", "Rejected send message")
+    if state["scans"] == "not permitted":
+        raise problem("org.freedesktop.NetworkManager.PermissionDenied", "Insufficient privileges")
     asked = [bytes(name) for name in options.get("ssids", [])]
     if state["scans"] == "work":
         GLib.timeout_add(3 * STEP, end_scan, adapter, asked)

@@ -133,6 +133,18 @@ std::string KeyIn(const std::wstring& profile) {
     return key;
 }
 
+bool IsUnended(Join outcome) {
+    return outcome == Join::onlyAttempt || outcome == Join::attemptEnds ||
+           outcome == Join::supplanted;
+}
+
+void Begin(Adapter& adapter, const std::string& name) {
+    adapter.joined = -1;
+    adapter.joining = name;
+    adapter.state = wlan_interface_state_associating;
+    NotifyOfJoining(GuidOf(adapter), wlan_notification_acm_connection_start, name, 0);
+}
+
 // What becomes of an attempt to join.
 void Conclude(const GUID& guid, const Connection& connection) {
     const Lock lock(service.mutex);
@@ -147,7 +159,7 @@ void Conclude(const GUID& guid, const Connection& connection) {
     DWORD reason = 0;
     if (!isSaved && outcome == Join::joins && KeyIn(connection.profile) != point->passPhrase) {
         reason = kPassPhraseMismatch;
-    } else if (outcome == Join::notAvailable || outcome == Join::onlyAttempt) {
+    } else if (outcome == Join::notAvailable || IsUnended(outcome)) {
         reason = kNotAvailable;
     } else if (outcome == Join::unknown) {
         reason = kUnknownReason;
@@ -161,12 +173,19 @@ void Conclude(const GUID& guid, const Connection& connection) {
     if (reason != 0) {
         NotifyOfJoining(guid, wlan_notification_acm_connection_attempt_fail, connection.name,
                         reason);
-        if (outcome != Join::onlyAttempt) {
+        if (!IsUnended(outcome)) {
             NotifyOfJoining(guid, wlan_notification_acm_connection_complete, connection.name,
                             kAttemptsFailed);
         }
+        if (outcome == Join::supplanted) {
+            Begin(*adapter, "Another");
+        } else if (outcome != Join::onlyAttempt) {
+            adapter->joining.clear();
+            adapter->state = wlan_interface_state_disconnected;
+        }
         return;
     }
+    adapter->joining.clear();
     adapter->joined = static_cast<int>(point - adapter->points.begin());
     adapter->state = wlan_interface_state_connected;
     NotifyOfJoining(guid, wlan_notification_acm_connection_complete, connection.name, 0);
@@ -203,9 +222,13 @@ WLAN_RADIO_STATE* RadioStateOf(const Adapter& adapter) {
 }
 
 WLAN_CONNECTION_ATTRIBUTES* ConnectionOf(const Adapter& adapter) {
-    const Point& point = adapter.points[static_cast<std::size_t>(adapter.joined)];
     auto* connection = Allocate<WLAN_CONNECTION_ATTRIBUTES>();
     connection->isState = adapter.state;
+    if (adapter.joined < 0) {
+        connection->wlanAssociationAttributes.dot11Ssid = SsidOf(adapter.joining);
+        return connection;
+    }
+    const Point& point = adapter.points[static_cast<std::size_t>(adapter.joined)];
     connection->wlanAssociationAttributes.dot11Ssid = SsidOf(point.name);
     connection->wlanAssociationAttributes.dot11BssType = point.type;
     FillAddress(connection->wlanAssociationAttributes.dot11Bssid, point);
@@ -283,7 +306,7 @@ DWORD WINAPI ScriptedQueryInterface(HANDLE, const GUID* guid, WLAN_INTF_OPCODE w
             *data = RadioStateOf(*adapter);
             return ERROR_SUCCESS;
         case wlan_intf_opcode_current_connection:
-            if (adapter->joined < 0) {
+            if (adapter->joined < 0 && (adapter->joining.empty() || !adapter->tellsJoining)) {
                 return ERROR_INVALID_STATE;
             }
             *size = sizeof(WLAN_CONNECTION_ATTRIBUTES);
@@ -421,6 +444,12 @@ DWORD WINAPI ScriptedConnect(HANDLE, const GUID* guid, const PWLAN_CONNECTION_PA
     const Connection connection{parameters->wlanConnectionMode, parameters->strProfile,
                                 NameOf(*parameters->pDot11Ssid)};
     service.connections.push_back(connection);
+    Later(0, [id = *guid, name = connection.name] {
+        const Lock inner(service.mutex);
+        if (Adapter* adapter = Find(id)) {
+            Begin(*adapter, name);
+        }
+    });
     Later(1, [id = *guid, connection] { Conclude(id, connection); });
     return ERROR_SUCCESS;
 }

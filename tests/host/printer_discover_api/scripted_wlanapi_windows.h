@@ -19,7 +19,9 @@ enum class Join {
     joins,
     notAvailable,  // its attempt fails because the network is not there
     unknown,       // it fails for a reason that only the library has words for
-    onlyAttempt,   // its attempt fails, and nothing is said of the whole
+    onlyAttempt,   // its attempt fails, and nothing is said of the whole, which goes on
+    attemptEnds,   // the same, and nothing goes on
+    supplanted,    // the same, and someone else begins to join the network "Another"
     hangs,
     adapterGoes
 };
@@ -52,7 +54,9 @@ struct Adapter {
     int scanSteps = 1;  // of 80 ms
     DWORD scanError = ERROR_SUCCESS;
     std::vector<Point> points = {};
-    int joined = -1;  // the index of a point
+    int joined = -1;           // the index of a point
+    std::string joining = {};  // the name of the network that is being joined
+    bool tellsJoining = false;
 };
 
 // A call of WlanConnect.

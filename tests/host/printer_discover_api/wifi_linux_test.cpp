@@ -110,6 +110,25 @@ TEST_F(Wifi, AScanThatIsRefused_GivesWhatIsKnown) {
     EXPECT_LT(SecondsSince(start), 2);
 }
 
+TEST_F(Wifi, AScanThatIsNotAllowed_GivesWhatIsKnownAtOnceAndSaysSoOnce) {
+    service.Add(adapter, {.name = "Home"});
+    for (const auto& [policy, words] :
+         {std::pair("denied", L"NetworkManager does not allow it: Rejected send message"),
+          std::pair("not permitted",
+                    L"NetworkManager does not allow it: Insufficient privileges")}) {
+        service.SetScans(policy);
+        for (int round = 0; round < 3; ++round) {
+            const auto start = Clock::now();
+            EXPECT_THAT(Scan(), ElementsAre(IsNetwork(L"Home", 50, kOpen, false)));
+            EXPECT_LT(SecondsSince(start), 2);
+        }
+        EXPECT_THAT(TakeLines(), ElementsAre(IsLine(LOG_LEVEL_WARNING, words))) << policy;
+        service.SetScans("work");
+        Scan();
+        EXPECT_THAT(TakeLines(), IsEmpty());
+    }
+}
+
 TEST_F(Wifi, AScanThatDoesNotEnd_IsNotAwaitedForEver) {
     service.SetScans("endless");
     service.Add(adapter, {.name = "Home"});

@@ -273,6 +273,15 @@ TEST_F(Wifi, TheRightPassPhraseJoins) {
     EXPECT_THAT(service.connections[0].profile, HasSubstr(L"<hex>486F6D65</hex>"));
 }
 
+TEST_F(Wifi, TheFirstWpaIsJoinedWithTheCipherThatIsSpokenThere) {
+    Add({.name = "aes", .elements = Wpa({2}, {4}), .isPrivate = true, .passPhrase = kSecretText});
+    Add({.name = "tkip", .elements = Wpa({2}, {2}), .isPrivate = true, .passPhrase = kSecretText});
+    EXPECT_TRUE(Connect(L"aes", kSecret));
+    EXPECT_TRUE(Connect(L"tkip", kSecret));
+    EXPECT_THAT(service.connections.at(0).profile, HasSubstr(L"<encryption>AES<"));
+    EXPECT_THAT(service.connections.at(1).profile, HasSubstr(L"<encryption>TKIP<"));
+}
+
 TEST_F(Wifi, AWrongPassPhraseIsSaidToBe) {
     Add({.name = "Home", .elements = Rsn({2}), .isPrivate = true, .passPhrase = "another one"});
     const auto start = Clock::now();
@@ -318,6 +327,22 @@ TEST_F(Wifi, AnAttemptThatFailsAndIsNotRepeated_EndsIt) {
     const auto start = Clock::now();
     ExpectNotJoined(L"Home", kSecret, L"the network is not in range any more");
     EXPECT_LT(SecondsSince(start), 5);
+    EXPECT_EQ(service.disconnections, 1);
+}
+
+TEST_F(Wifi, AnAttemptThatFailsAndEndedWithoutAWord_NeedsNoEnd) {
+    Add({.name = "Home", .elements = Rsn({2}), .isPrivate = true, .join = Join::attemptEnds});
+    ExpectNotJoined(L"Home", kSecret, L"the network is not in range any more");
+    EXPECT_EQ(service.disconnections, 0);
+}
+
+TEST_F(Wifi, WhatSomeoneElseJoinsMeanwhileIsNotEnded) {
+    Add({.name = "Home", .elements = Rsn({2}), .isPrivate = true, .join = Join::supplanted});
+    for (const bool tells : {false, true}) {
+        Adapter().tellsJoining = tells;
+        ExpectNotJoined(L"Home", kSecret, L"the network is not in range any more");
+        EXPECT_EQ(service.disconnections, 0) << tells;
+    }
 }
 
 TEST_F(Wifi, AnAttemptThatDoesNotEnd_IsNotAwaitedForEver) {

@@ -52,6 +52,13 @@ TEST(WlanProfile, NamesTheProtectionThatIsBestSupported) {
     EXPECT_EQ(method(Host::kOpportunistic, ""), L"OWE");
 }
 
+TEST(WlanProfile, OfTheFirstWpaTakesAesWhereItIsSpoken) {
+    Host::AccessPoint point = Point("x", Host::kWpaPersonal);
+    EXPECT_THAT(WlanProfile(point, "12345678"), HasSubstr(L"<encryption>TKIP</encryption>"));
+    point.aesWithWpa = true;
+    EXPECT_THAT(WlanProfile(point, "12345678"), HasSubstr(L"<encryption>AES</encryption>"));
+}
+
 TEST(WlanProfile, OfAKeyOf64DigitsSaysThatItIsOne) {
     EXPECT_THAT(WlanProfile(Point("x", Host::kWpa2Personal), std::string(64, 'a')),
                 HasSubstr(L"<keyType>networkKey</keyType>"));

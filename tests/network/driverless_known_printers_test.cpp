@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include "known_printers.h"
+
+namespace Driverless {
+namespace {
+
+const std::string kOne = "7e21a7d4-0000-4000-8000-000000000001";
+const std::string kOther = "7e21a7d4-0000-4000-8000-000000000002";
+
+Printer At(const std::string& address, const std::string& uuid = {}, std::uint16_t port = 631) {
+    Printer printer;
+    printer.serialNumber = "S1";
+    printer.uuid = uuid;
+    printer.address = address;
+    printer.port = port;
+    return printer;
+}
+
+class Memory : public testing::Test {
+protected:
+    // The address that is remembered of the printer that a record with that address describes.
+    std::string Remembered(const Printer& described) {
+        const auto printer = memory.Find(described);
+        return printer ? printer->address + ":" + std::to_string(printer->port) : "none";
+    }
+
+    PrinterMemory memory;
+};
+
+TEST_F(Memory, KnowsNothingAtFirst) {
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "none");
+    memory.Forget(At("192.0.2.1"));
+}
+
+TEST_F(Memory, FollowsTheOnlyPrinterOfASerialNumberToItsNewAddress) {
+    memory.Remember(At("192.0.2.1", kOne));
+    memory.Remember(At("192.0.2.2", kOne));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.2:631");
+    EXPECT_EQ(Remembered(At("", {}, 0)), "192.0.2.2:631");
+    memory.Forget(At("192.0.2.3"));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "none");
+}
+
+TEST_F(Memory, TakesAPrinterWithoutAUuidForTheOnlyOneOfItsSerialNumber) {
+    memory.Remember(At("192.0.2.1", kOne));
+    memory.Remember(At("192.0.2.2"));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.2:631");
+}
+
+TEST_F(Memory, TellsPrintersWithOneSerialNumberApartByTheirPlace) {
+    memory.Remember(At("192.0.2.1", kOne));
+    memory.Remember(At("192.0.2.2", kOther));
+    memory.Remember(At("192.0.2.2", "7e21a7d4-0000-4000-8000-000000000003", 8631));
+    EXPECT_EQ(memory.Find(At("192.0.2.1"))->uuid, kOne);
+    EXPECT_EQ(memory.Find(At("192.0.2.2"))->uuid, kOther);
+    EXPECT_EQ(Remembered(At("192.0.2.2", {}, 8631)), "192.0.2.2:8631");
+}
+
+TEST_F(Memory, GivesNoneOfThemForAPlaceWhereNoneWas) {
+    memory.Remember(At("192.0.2.1", kOne));
+    memory.Remember(At("192.0.2.2", kOther));
+    EXPECT_EQ(Remembered(At("192.0.2.3")), "none");
+    EXPECT_EQ(Remembered(At("", {}, 0)), "none");
+}
+
+TEST_F(Memory, FollowsEachOfThemToItsNewAddress) {
+    memory.Remember(At("192.0.2.1", kOne));
+    memory.Remember(At("192.0.2.2", kOther));
+    memory.Remember(At("192.0.2.3", kOne));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.3:631");
+    EXPECT_EQ(Remembered(At("192.0.2.2")), "192.0.2.2:631");
+}
+
+TEST_F(Memory, GivesAPlaceToThePrinterThatWasThereLast) {
+    memory.Remember(At("192.0.2.1", kOne));
+    memory.Remember(At("192.0.2.2", kOther));
+    memory.Remember(At("192.0.2.3", kOne));
+    memory.Remember(At("192.0.2.1", kOther));
+    EXPECT_EQ(memory.Find(At("192.0.2.1"))->uuid, kOther);
+    EXPECT_EQ(memory.Find(At("192.0.2.3"))->uuid, kOne);
+}
+
+TEST_F(Memory, NeverGivesAnotherPrinterForOneThatWasForgotten) {
+    memory.Remember(At("192.0.2.1", kOne));
+    memory.Forget(At("192.0.2.1"));
+    memory.Remember(At("192.0.2.2", kOther));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "none");
+    EXPECT_EQ(Remembered(At("192.0.2.2")), "192.0.2.2:631");
+    memory.Forget(At("192.0.2.2"));
+    EXPECT_EQ(Remembered(At("192.0.2.2")), "none");
+    memory.Remember(At("192.0.2.1", kOne));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.1:631");
+}
+
+}  // namespace
+}  // namespace Driverless
