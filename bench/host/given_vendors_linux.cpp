@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "platform/PrinterUtil/PrinterUtil.h"
+
 namespace {
 
 std::vector<VendorInfo>& Given() {
@@ -30,6 +32,16 @@ bool VendorDllMgr::GetDeviceHandle(HINSTANCE& module, const std::string& moduleN
     }
     module = static_cast<HINSTANCE>(loaded);
     return true;
+}
+
+// The benchmarks' texts are ASCII.
+std::string PrinterUtil::WStringToString(const std::wstring& text) {
+    std::string narrow;
+    narrow.reserve(text.size());
+    for (const wchar_t character : text) {
+        narrow += static_cast<char>(character);
+    }
+    return narrow;
 }
 
 void Bench::SupportVendors(std::vector<VendorInfo> vendors) {

@@ -1,6 +1,8 @@
 // A vendor with the entry points that are measured, each doing as little as can be. BENCH_CONNECTED
 // is what it says when asked whether the host is joined to its access point; 0 is yes.
 
+#include <cstring>
+
 #include "VendorSdk/entry_points.h"
 
 VENDORSDK_EXPORT(StartDeviceScan);
@@ -15,6 +17,17 @@ VENDORSDK_EXPORT(PrinterAPNetConfigEvent);
 VENDORSDK_EXPORT(IsLocalAreaNetworkOK);
 VENDORSDK_EXPORT(GetDeviceInfoByNet);
 VENDORSDK_EXPORT(IsConnectCurrentWifiAP);
+VENDORSDK_EXPORT(GetDeviceInfoByUsb);
+VENDORSDK_EXPORT(USBWifiScan);
+VENDORSDK_EXPORT(PrinterUSBNetConfigEvent);
+
+namespace {
+
+const VendorSdk::DeviceInfo device{631, 1, "VNB3K12345", "bench", "Example LaserPrinter 4000",
+                                   "",  ""};
+const VendorSdk::WifiConfigInfo network{-61.5F, "Example Office 5 GHz", ""};
+
+}  // namespace
 
 int StartDeviceScan(VendorSdk::DeviceCallbackInfo*) {
     return 0;
@@ -63,4 +76,24 @@ int GetDeviceInfoByNet(VendorSdk::DeviceInfo* device) {
 
 int IsConnectCurrentWifiAP() {
     return BENCH_CONNECTED;
+}
+
+int GetDeviceInfoByUsb(std::uint16_t, std::uint16_t, VendorSdk::DeviceInfo* devices,
+                       std::int32_t* count) {
+    for (*count = 0; *count < 64; ++*count) {
+        std::memcpy(&devices[*count], &device, sizeof device);
+    }
+    return 0;
+}
+
+int USBWifiScan(const VendorSdk::DeviceInfo*, std::int32_t, VendorSdk::WifiConfigInfo* networks,
+                std::int32_t* count) {
+    for (*count = 0; *count < 128; ++*count) {
+        std::memcpy(&networks[*count], &network, sizeof network);
+    }
+    return 0;
+}
+
+int PrinterUSBNetConfigEvent(const VendorSdk::DeviceInfo*, const VendorSdk::WifiConfigInfo*) {
+    return 0;
 }

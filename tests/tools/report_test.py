@@ -29,7 +29,13 @@ class Report(unittest.TestCase):
                              for beside, time in (("", 100), ("ByHand", 200), ("Floor", 90))},
             "ping": {"SilentAddress/real_time": 301.5, "Loopback/real_time": 0.05},
             **{f"choice_{vendors}": {"Choice": 100, "ChoiceByHand": 100}
-               for vendors in (1, 10, 100)}}
+               for vendors in (1, 10, 100)},
+            **{f"usb_{identifiers}": {
+                "UsbDevices": 100, "UsbDevicesByHand": 200, "UsbNetworks": 100,
+                "UsbNetworksByHand": 200, "UsbPlugToCallback/iterations:1/real_time": 1001}
+               for identifiers in (1, 100, 10000)},
+            **{f"usb_printers_{printers}": {"UsbPrinters": printers}
+               for printers in (10, 100, 1000)}}
         self.race = {tool: {"first": 1.0, "all": 1.0, "memory": 1024}
                      for tool in ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")}
         self.race["ippfind"].update(first=10.0, all=10.0)
