@@ -65,7 +65,7 @@ class Report(unittest.TestCase):
         result = self.report()
         self.assertEqual(result.returncode, ALL_MET, result.stderr)
         verdicts = [line.split()[-1] for line in result.stdout.split("\n\n")[1].splitlines()]
-        self.assertEqual(verdicts, ["ok"] * 22)
+        self.assertEqual(verdicts, ["ok"] * 29)
 
     def test_a_missed_target_is_over(self):
         self.times["facade"]["Facade"] = 141
@@ -80,6 +80,14 @@ class Report(unittest.TestCase):
             result = self.report()
             self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
             self.assertRegex(result.stdout, rf"ping of a silent address, ms +{milliseconds}\.00 +{row}  over\n")
+
+    def test_a_plugged_in_printer_that_is_told_of_early_or_late_is_over(self):
+        for milliseconds, row in ((999, "at least 1000.00"), (1021, "at most 1020.00")):
+            self.times["usb_1"]["UsbPlugToCallback/iterations:1/real_time"] = milliseconds
+            result = self.report()
+            self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
+            self.assertRegex(result.stdout,
+                             rf"USB: plugged in to callback, ms +{milliseconds}\.00 +{row}  over\n")
 
     def test_a_missing_median_is_named(self):
         del self.times["binding"]["BindingByHand/100/real_time"]
@@ -109,7 +117,7 @@ class Report(unittest.TestCase):
         self.assertEqual([row.split("  ")[0] for row in rows],
                          [f"scan to {what} / {rival}" for rival in ("avahi-browse", "ippfind")
                           for what in ("the first printer", "all 20 printers")])
-        self.assertEqual(result.stdout.count("  ok\n"), 18)
+        self.assertEqual(result.stdout.count("  ok\n"), 25)
 
 
 if __name__ == "__main__":
