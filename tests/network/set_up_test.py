@@ -436,6 +436,19 @@ class OtherPrinters(SetUpTest):
                 printer.end()
                 self.running.remove(printer)
 
+    def test_a_slow_printer_that_speaks_plain_ipp_is_asked_in_plain_whatever_tls_does(self):
+        certificate = self.certificate()
+        self.have_wifi()
+        for over_tls in ("answers", "waits"):
+            with self.subTest(over_tls=over_tls):
+                printer = self.fake("--certificate", certificate, "--without-tls", "late",
+                                    "--over-tls", over_tls)
+                event = self.probe().asked("describe")
+                printer.end()
+                self.running.remove(printer)
+                self.assertEqual((event["result"], event["kind"]), (OK, IPP))
+                self.assertLess(event["took"], 1.5 * SLACK)
+
     def test_a_failure_of_an_earlier_attempt_is_not_taken_for_the_outcome(self):
         _, probe = self.begin("hesitates", "--state", "6", "--network", NAME)
         event = probe.configured(NAME, PASS_PHRASE)
