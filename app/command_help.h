@@ -172,6 +172,10 @@ there. Should one fail, it says what to do. Ctrl-C ends it between and within
 steps. With --json each step is an object when it starts and when it ends, and
 what is asked goes to standard error.
 
+Printers may share a serial number. The vendor tells whether the very one is
+there; where more than one of that number was found, all their places are named,
+in JSON as "printers" in the place of "printer".
+
 Exit status: 0 the printer was found on the network, 1 a step failed or was
 interrupted, 2 wrong arguments or a pass phrase too long for a printer's record,
 3 could not run: no vendor that could do it, or a file that cannot be read.
