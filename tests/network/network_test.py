@@ -787,6 +787,17 @@ class State(NetworkTest):
         probe.tell("edit S1 port 9002")
         self.assertEqual(probe.ask("state", "S1"), NOT_READY, "still known")
 
+    def test_printers_with_one_serial_number_and_no_uuid_are_told_apart_too(self):
+        for number, state in ((1, 3), (2, 5)):
+            self.fake_printer(f"Office {number}", 9000 + number, attributes=[
+                "printer-serial-number=S1", f"printer-state={state}"])
+        probe = self.probe(through_broker=True)
+        probe.start()
+        probe.await_printers(2)
+        for port, state in ((9001, READY), (9002, NOT_READY)):
+            probe.tell(f"edit S1 port {port}")
+            self.assertEqual(probe.ask("state", "S1"), state, port)
+
     def test_the_record_alone_is_enough(self):
         probe = self.known()
         record = next(event for event in probe.seen if event["event"] == "found")
