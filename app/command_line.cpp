@@ -263,9 +263,14 @@ std::string SubcommandsOf(const CLI::App& command) {
     return text;
 }
 
-// The argument without what it gives an option, which may be a pass phrase.
+// The argument without what it gives an option, which may be a pass phrase: "--name" or "-x".
 std::string WithoutValue(const std::string& argument) {
-    return argument.starts_with('-') ? argument.substr(0, argument.find('=')) : argument;
+    if (!argument.starts_with('-')) {
+        return argument;
+    }
+    constexpr std::string_view ofNames = "-abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    const std::string name = argument.substr(0, argument.find_first_not_of(ofNames));
+    return name.starts_with("--") ? name : name.substr(0, 2);
 }
 
 std::string AboutExtras(const CLI::App& command) {
