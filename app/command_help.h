@@ -27,7 +27,8 @@ inline constexpr const char* kScan = R"(Examples:
 On a terminal the printers stand in a table that is drawn anew as the scan goes
 on. Elsewhere each is a line, written when it is found: serial number, make and
 model, address, port and vendor, separated by tabs. Ctrl-C stops the scan
-properly; a second one ends the program at once.
+properly, and a vendor that takes more than 3 seconds for that is left behind; a
+second one ends the program at once.
 
 )";
 

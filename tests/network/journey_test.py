@@ -32,6 +32,7 @@ from set_up_test import (CANNOT_JOIN, NAME, NOT_VALID, NOT_VISIBLE, OWN_NETWORK,
 WRONG, TOO_SHORT = "wrong-horse battery", "seven77"
 STEPS = ["printer", "network", "passPhrase", "configure", "rejoin", "find"]
 
+
 class Ended:
     """What became of a run of the application."""
 
@@ -310,7 +311,7 @@ class Journey(JourneyTest):
         self.assertEqual(self.assert_steps(ended, "configure")["result"], CANNOT_JOIN)
         self.assertIn(f"step 4 of 6, Putting the printer on the network: the printer was not put "
                       f"on {NAME}: the vendor's result 12", ended.errors)
-        self.assertIn("cannot join the network: is the pass phrase right?", ended.errors)
+        self.assertIn("cannot join the network. Check the pass phrase", ended.errors)
         self.assertEqual(printer.given(), [(NAME, WRONG)])
         self.assert_not_joined()
         self.assert_masked_log()
