@@ -11,7 +11,7 @@ without an answer), ignores, talkative (refuses, and says what it was given),
 wants-password, forbids, not-authorized, no-wifi, silent, vanishes (describes itself once, after a
 moment, and is not there for more). With a certificate it also takes TLS, and says so. Who does not
 speak TLS is answered, too, unless that behaviour is another: closes, waits (for TLS to begin), or
-late (answers, after 0.8 s). Over TLS it answers, or waits: never begins it.
+late (answers, after 0.7 s). Over TLS it answers, or waits: never begins it.
 """
 
 import argparse
@@ -112,7 +112,7 @@ def serve(connection, listener, printer, certificate):
         connection.close()
         return
     elif printer.options.without_tls == "late":
-        time.sleep(0.8)
+        time.sleep(0.7)
     if printer.options.behaviour == "silent":
         connection.recv(1 << 20)
         time.sleep(3600)
