@@ -170,6 +170,11 @@ void AddPrinterCommands(CLI::App& app, Commands& commands, Options& all) {
         app, "state", "Find one printer and ask its vendor whether it would take a job.",
         WithStatuses(Help::kState), [&] { return State(all.settings, all.state); });
     state.add_option("SERIAL", all.state.serialNumber, "The printer's serial number")->required();
+    state
+        .add_option(
+            "--address", all.state.address,
+            "Where it is, when several have that number:\nas `devicediscover scan` shows it")
+        ->type_name("ADDRESS");
     AddSeconds(state, "--seconds", all.state.time, "How long to look for it");
 
     commands.Add(app, "vendors", "Show each supported vendor, its modules and their entry points.",

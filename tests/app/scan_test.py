@@ -69,6 +69,15 @@ class Scan(AppTest):
             result = self.run_app("scan", "--seconds", "1")
             self.assertEqual(len(result.output.splitlines()), 3)
 
+    def test_a_printer_that_changes_its_address_is_shown_at_both(self):
+        self.script("interval 200", device("SN1", address="192.0.2.1"),
+                    device("SN1", address="192.0.2.2"), device("SN1", address="192.0.2.1"))
+        result = self.run_app("scan", "--seconds", "1")
+        self.assertEqual([line.split("\t")[2] for line in result.output.splitlines()],
+                         ["192.0.2.1", "192.0.2.2"])
+        self.assert_mentions(self.run_app("scan", "--help", listed=False).output,
+                             "changes its address while the scan goes on is shown at both")
+
     def test_news_about_a_printer_is_another_line(self):
         self.script("interval 200", device("SN1", model="Fake 1"), device("SN1", model="Fake 1"),
                     device("SN1", model="Fake 2"))
