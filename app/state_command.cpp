@@ -87,11 +87,13 @@ std::string StateLine(const Printer& printer, int state) {
 }
 
 ExitStatus NotFound(const StateOptions& options, std::size_t others, bool cancelled) {
-    Complain(fmt::format(
-        "{}no printer with the serial number '{}'{} was found; {} others were.\n"
-        "`devicediscover scan` shows which there are.\n{}",
-        cancelled ? "interrupted: " : "", options.serialNumber,
-        options.address.empty() ? "" : " at " + options.address, others, AdviceAfterScan()));
+    const bool anywhere = options.address.empty();
+    Complain(
+        fmt::format("{}no printer with the serial number '{}'{} was found; {} {} were.\n"
+                    "`devicediscover scan` shows which there are.\n{}",
+                    cancelled ? "interrupted: " : "", options.serialNumber,
+                    anywhere ? "" : " at " + options.address, others,
+                    anywhere ? "with another" : "others", AdviceAfterScan()));
     return kNoneFound;
 }
 

@@ -77,7 +77,7 @@ class State(AppTest):
         self.assert_status(result, NONE_FOUND)
         self.assertGreaterEqual(time.monotonic() - start, 1)
         self.assertEqual(result.output, "")
-        self.assert_mentions(result.errors, "2 others", "'SN3'", "devicediscover scan")
+        self.assert_mentions(result.errors, "2 with another", "'SN3'", "devicediscover scan")
         self.assertEqual(self.calls_of("GetDeviceConnectState"), [])
 
     def test_a_serial_number_copied_from_the_table_is_found(self):
