@@ -37,6 +37,7 @@ std::string NameOf(const Printer& printer) {
 // "192.0.2.7 port 631 and 192.0.2.8 port 631"
 std::string PlacesOf(const std::vector<Printer>& printers) {
     std::vector<std::string> places;
+    places.reserve(printers.size());
     for (const Printer& printer : printers) {
         places.push_back(fmt::format("{} port {}", printer.address, printer.port));
     }
