@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <chrono>
 #include <exception>
 
 #include "app/awaiting.h"
@@ -23,7 +22,6 @@ using PrinterDeviceDiscoverSdk::DiscoverNetConnInterface;
 
 constexpr int kNothingToCall = -1;
 constexpr int kNotInitialised = -2;
-constexpr auto kPatienceWithStop = std::chrono::seconds(3);
 
 struct KnownResult {
     int result;
@@ -53,10 +51,10 @@ constexpr KnownResult kKnownResults[] = {
     {11,
      "the printer does not see the network. Check the name, and move the printer nearer; many "
      "printers know the 2.4 GHz band only"},
-    {12, "the printer cannot join the network: is the pass phrase right? Try again with it"},
+    {12, "the printer cannot join the network. Check the pass phrase, and try again"},
     {13,
      "the printer did not join the network in time. `devicediscover scan` on that network "
-     "shows it should it have joined since; else try again"},
+     "shows it if it has joined since; else try again"},
     {14,
      "the printer does not allow it. Switch its Wi-Fi set-up on, or its password off, on the "
      "printer itself, and try again"},
@@ -150,9 +148,9 @@ std::string Explanation(const Settings& settings, int result, const std::string&
     // A vendor may also answer with the broker's own results.
     const ServiceSurvey survey = SurveyConfiguration(NeededFor(entryPoint));
     if (!survey.anyVendorServes) {
-        throw Problem("no vendor can do this" + Lines(survey.problems) +
-                      "\nName a vendor list with --vendors FILE, or put the modules in order; "
-                      "`devicediscover vendors` shows what is there.");
+        throw NoVendor("no vendor can do this" + Lines(survey.problems) +
+                       "\nName a vendor list with --vendors FILE, or put the modules in order; "
+                       "`devicediscover vendors` shows what is there.");
     }
     if (entryPoint == "IsLocalAreaNetworkOK") {
         return "no such vendor, or one that cannot tell" + Lines(survey.problems) +
@@ -199,16 +197,7 @@ void NetworkScanSession::Stop() {
         return;
     }
     running = false;
-    const std::function<int()> work = [] {
-        return DiscoverNetConnInterface::GetInstance().StopAPWifiScan();
-    };
-    try {
-        // Mostly it is the request to end the program that stops a scan.
-        AwaitInterruptibly(
-            work, [] {}, kPatienceWithStop);
-    } catch (const Interrupted&) {
-        isLate = true;
-    }
+    isLate = !StopInTime([] { return DiscoverNetConnInterface::GetInstance().StopAPWifiScan(); });
 }
 
 }  // namespace App

@@ -6,6 +6,7 @@
 
 #include "app/network_list.h"
 #include "app/printer.h"
+#include "app/problem.h"
 #include "app/secret.h"
 #include "app/settings.h"
 
@@ -26,8 +27,14 @@ int ConfigureNetwork(const Settings& settings, const std::string& network,
 // Asks the vendor whether the printer is on the local network: 0 is yes.
 int CheckLocalNetwork(const Settings& settings, const PrinterDeviceDiscoverSdk::DeviceInfo& device);
 
+// No vendor has the entry point.
+class NoVendor : public Problem {
+public:
+    using Problem::Problem;
+};
+
 // What it means that the entry point's result was not 0, and how to go on where that is known.
-// `vendor` is whose result it is; empty: any. Throws Problem when no vendor could have been asked
+// `vendor` is whose result it is; empty: any. Throws NoVendor when no vendor could have been asked
 // at all.
 std::string Explanation(const Settings& settings, int result, const std::string& entryPoint,
                         const std::string& vendor = {});
@@ -39,7 +46,8 @@ std::string VendorsResult(int result, const std::string& vendor);
 // process's NetworkList.
 class NetworkScanSession {
 public:
-    // Throws NoScan when no scan could be started, Problem when no vendor has one, Interrupted.
+    // Throws NoScan when no scan could be started, NoVendor when no vendor has one, Interrupted:
+    // then a scan that is started all the same runs until the process ends.
     explicit NetworkScanSession(const Settings& settings);
     ~NetworkScanSession();
 

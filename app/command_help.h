@@ -26,16 +26,24 @@ inline constexpr const char* kScan = R"(Examples:
 
 On a terminal the printers stand in a table that is drawn anew as the scan goes
 on. Elsewhere each is a line, written when it is found: serial number, make and
-model, address, port and vendor, separated by tabs. Ctrl-C stops the scan
-properly; a second one ends the program at once.
+model, address, port and vendor, separated by tabs.
+
+Printers may share a serial number, so the address tells them apart: one that
+changes its address while the scan goes on is shown at both.
+
+Ctrl-C stops the scan properly, and a vendor that takes more than 3 seconds for
+that is left behind; a second one ends the program at once.
 
 )";
 
 inline constexpr const char* kState = R"(Examples:
   devicediscover state CN12345678         look for it, then ask its vendor
   devicediscover state CN12345678 --seconds 30 --json
+  devicediscover state CN12345678 --address 192.168.1.20
 
-The exit status is 0 when the printer was found, whatever its state.
+The exit status is 0 when the printer was found, whatever its state. Several of
+that serial number are named, and the exit status is 1: --address says which is
+meant, the first that is found there.
 
 )";
 
@@ -171,6 +179,10 @@ putting the printer on it; joining this computer to it; finding the printer
 there. Should one fail, it says what to do. Ctrl-C ends it between and within
 steps. With --json each step is an object when it starts and when it ends, and
 what is asked goes to standard error.
+
+Printers may share a serial number. The vendor tells whether the very one is
+there; where more than one of that number was found, all their places are named,
+in JSON as "printers" in the place of "printer".
 
 Exit status: 0 the printer was found on the network, 1 a step failed or was
 interrupted, 2 wrong arguments or a pass phrase too long for a printer's record,

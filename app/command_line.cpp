@@ -170,6 +170,11 @@ void AddPrinterCommands(CLI::App& app, Commands& commands, Options& all) {
         app, "state", "Find one printer and ask its vendor whether it would take a job.",
         WithStatuses(Help::kState), [&] { return State(all.settings, all.state); });
     state.add_option("SERIAL", all.state.serialNumber, "The printer's serial number")->required();
+    state
+        .add_option(
+            "--address", all.state.address,
+            "Where it is, when several have that number:\nas `devicediscover scan` shows it")
+        ->type_name("ADDRESS");
     AddSeconds(state, "--seconds", all.state.time, "How long to look for it");
 
     commands.Add(app, "vendors", "Show each supported vendor, its modules and their entry points.",
@@ -263,9 +268,14 @@ std::string SubcommandsOf(const CLI::App& command) {
     return text;
 }
 
-// The argument without what it gives an option, which may be a pass phrase.
+// The argument without what it gives an option, which may be a pass phrase: "--name" or "-x".
 std::string WithoutValue(const std::string& argument) {
-    return argument.starts_with('-') ? argument.substr(0, argument.find('=')) : argument;
+    if (!argument.starts_with('-')) {
+        return argument;
+    }
+    constexpr std::string_view ofNames = "-abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    const std::string name = argument.substr(0, argument.find_first_not_of(ofNames));
+    return name.starts_with("--") ? name : name.substr(0, 2);
 }
 
 std::string AboutExtras(const CLI::App& command) {

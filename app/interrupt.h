@@ -10,4 +10,8 @@ void NotifyOnInterrupt(void (*notify)());
 // Whether the first request has come.
 bool IsInterrupted();
 
+// Ends the process with that status as it is: nothing is taken down under what is at work on other
+// threads. Standard output and standard error are flushed.
+[[noreturn]] void EndProcess(int status);
+
 }  // namespace App

@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -61,6 +63,12 @@ void NotifyOnInterrupt(void (*notify)()) {
 
 bool IsInterrupted() {
     return requested;
+}
+
+void EndProcess(int status) {
+    std::fflush(stdout);
+    std::fflush(stderr);
+    std::_Exit(status);
 }
 
 }  // namespace App

@@ -1,6 +1,8 @@
 #include "app/interrupt.h"
 
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
 
 #include "platform/os.h"
 
@@ -39,6 +41,15 @@ void NotifyOnInterrupt(void (*notify)()) {
 
 bool IsInterrupted() {
     return interrupted;
+}
+
+void EndProcess(int status) {
+    std::fflush(stdout);
+    std::fflush(stderr);
+    // An exit ends the other threads wherever they are, and then lets every library take itself
+    // down, which waits for ever when one of them held a lock.
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(status));
+    std::abort();
 }
 
 }  // namespace App

@@ -39,13 +39,17 @@ public:
 
     std::vector<Item> GetItems() const;
 
+    // The same, the one that was reported last at the front, with news about it or without.
+    std::vector<Item> GetLatestFirst() const;
+
 private:
     ItemList() = default;
 
     mutable std::mutex mutex;
     std::condition_variable changed;
     std::vector<Item> items;
-    std::set<std::size_t> news;  // indices into `items`
+    std::vector<std::size_t> reported;  // indices into `items`, the one reported last at the end
+    std::set<std::size_t> news;         // indices into `items`
     bool cancelled = false;
 };
 
@@ -55,6 +59,8 @@ void ItemList<Item>::Add(const Item& item) {
     const auto known = std::find_if(items.begin(), items.end(),
                                     [&](const Item& other) { return other.IsSame(item); });
     const auto index = static_cast<std::size_t>(known - items.begin());
+    reported.erase(std::remove(reported.begin(), reported.end(), index), reported.end());
+    reported.push_back(index);
     if (known == items.end()) {
         items.push_back(item);
     } else if (*known == item) {
@@ -94,6 +100,16 @@ template <class Item>
 std::vector<Item> ItemList<Item>::GetItems() const {
     const std::lock_guard lock(mutex);
     return items;
+}
+
+template <class Item>
+std::vector<Item> ItemList<Item>::GetLatestFirst() const {
+    const std::lock_guard lock(mutex);
+    std::vector<Item> latest;
+    for (auto index = reported.rbegin(); index != reported.rend(); ++index) {
+        latest.push_back(items[*index]);
+    }
+    return latest;
 }
 
 }  // namespace App

@@ -110,8 +110,12 @@ std::string StepJson(const StepEvent& event) {
     if (!event.network.empty()) {
         object["network"] = event.network;
     }
-    if (event.printer != nullptr) {
-        object["printer"] = PrinterObject(*event.printer);
+    if (event.printers.size() == 1) {
+        object["printer"] = PrinterObject(event.printers.front());
+    } else {
+        for (const Printer& printer : event.printers) {
+            object["printers"].push_back(PrinterObject(printer));
+        }
     }
     if (event.result) {
         object["result"] = *event.result;

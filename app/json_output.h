@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/host_wifi.h"
 #include "app/network.h"
@@ -30,8 +31,8 @@ std::string CheckJson(const Printer& printer, int result);
 struct StepEvent {
     std::string step;
     std::string state;
-    std::string network;               // empty: left out
-    const Printer* printer = nullptr;  // null: left out
+    std::string network;            // empty: left out
+    std::vector<Printer> printers;  // empty: left out; several: any of them may be the one
     std::optional<int> result;
     std::string problem;  // empty: left out
 };

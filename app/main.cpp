@@ -1,10 +1,9 @@
-#include <cstdio>
-#include <cstdlib>
 #include <exception>
 
 #include "app/cancellation.h"
 #include "app/command_line.h"
 #include "app/console.h"
+#include "app/interrupt.h"
 #include "app/messages.h"
 
 namespace {
@@ -26,10 +25,7 @@ int RunProgram(int argc, char** argv) {
 int main(int argc, char** argv) {
     const int status = RunProgram(argc, argv);
     if (App::Cancellation::GetInstance().LeavesWorkBehind()) {
-        // A vendor is at work still: nothing is taken down under it.
-        std::fflush(stdout);
-        std::fflush(stderr);
-        std::_Exit(status);
+        App::EndProcess(status);  // a vendor is at work still
     }
     return status;
 }

@@ -31,7 +31,7 @@ bool Start(const Settings& settings, std::optional<NetworkScanSession>& session)
         return true;
     } catch (const NoScan&) {
         return false;
-    } catch (const Problem&) {
+    } catch (const NoVendor&) {
         return false;
     }
 }

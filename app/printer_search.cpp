@@ -17,6 +17,7 @@ using Clock = PrinterList::Clock;
 
 constexpr auto kTick = std::chrono::milliseconds(200);
 constexpr auto kPause = std::chrono::seconds(1);  // between two questions to the vendor
+constexpr auto kSettling = std::chrono::seconds(1);
 
 bool CanBeAsked(const std::string& productId) {
     const auto vendors = PrinterUtil::DescribeVendorList().vendors;
@@ -26,20 +27,28 @@ bool CanBeAsked(const std::string& productId) {
     });
 }
 
-// Where it was found last: it may have moved from one network to the other.
-std::optional<Printer> Find(const Printer& wanted) {
-    const std::vector<Printer> printers = PrinterList::GetInstance().GetItems();
-    const auto found =
-        std::find_if(printers.rbegin(), printers.rend(), [&](const Printer& printer) {
-            return printer.vendor == wanted.vendor && printer.serialNumber == wanted.serialNumber;
+// Where it may be: a printer may move, and others may have its serial number.
+std::vector<Printer> Candidates(const Printer& wanted) {
+    std::vector<Printer> printers = PrinterList::GetInstance().GetLatestFirst();
+    const auto others =
+        std::remove_if(printers.begin(), printers.end(), [&](const Printer& printer) {
+            return printer.vendor != wanted.vendor || printer.serialNumber != wanted.serialNumber;
         });
-    return found == printers.rend() ? std::nullopt : std::optional(*found);
+    printers.erase(others, printers.end());
+    return printers;
 }
 
 void Wait(StatusLine& status, Clock::time_point until) {
     PrinterList::GetInstance().WaitForNews(until);
     Cancellation::GetInstance().Check();
     status.Draw();
+}
+
+// The vendor may have seen the printer before the scan did, which so far found another.
+void Settle(StatusLine& status) {
+    for (const auto end = Clock::now() + kSettling; Clock::now() < end;) {
+        Wait(status, std::min(end, Clock::now() + kTick));
+    }
 }
 
 }  // namespace
@@ -54,14 +63,19 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
     Clock::time_point nextQuestion{};
     do {
         Wait(status, std::min(end, Clock::now() + kTick));
-        outcome.printer = Find(wanted);
-        if (!outcome.printer || Clock::now() < nextQuestion) {
+        outcome.printers = Candidates(wanted);
+        if (outcome.printers.empty() || Clock::now() < nextQuestion) {
             continue;
         }
-        outcome.vendorsResult = ask ? CheckLocalNetwork(settings, outcome.printer->record) : 0;
+        // About the printer as it was set up: what was found may be another of its serial number.
+        outcome.vendorsResult = ask ? CheckLocalNetwork(settings, wanted.record) : 0;
         outcome.isOnNetwork = outcome.vendorsResult == 0;
         nextQuestion = Clock::now() + kPause;
     } while (!outcome.isOnNetwork && Clock::now() < end);
+    if (outcome.isOnNetwork) {
+        Settle(status);
+        outcome.printers = Candidates(wanted);
+    }
     return outcome;
 }
 

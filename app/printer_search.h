@@ -1,7 +1,7 @@
 #pragma once
 
 #include <chrono>
-#include <optional>
+#include <vector>
 
 #include "app/printer.h"
 #include "app/settings.h"
@@ -9,14 +9,16 @@
 namespace App {
 
 struct SearchOutcome {
-    std::optional<Printer> printer;  // as the scan found it
-    bool isOnNetwork = false;        // found, and its vendor says that it is on the local network
-    int vendorsResult = 0;           // the vendor's last answer, when asked
+    // What the scan found of that vendor and serial number, the one reported last at the front.
+    // Several may be printers that share the number, or places that one has been at.
+    std::vector<Printer> printers;
+    bool isOnNetwork = false;  // found, and the vendor says that the very printer is on the network
+    int vendorsResult = 0;     // the vendor's last answer, when asked
 };
 
 // Looks for a printer that was reported through its access point by a scan, and asks its vendor
-// about it, until both say that it is there or the time is over. A vendor that cannot be asked is
-// not needed. Throws Interrupted, and Problem when no vendor can scan.
+// about that very printer, until both say that it is there or the time is over. A vendor that
+// cannot be asked is not needed. Throws Interrupted, and Problem when no vendor can scan.
 SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
                             std::chrono::duration<double> time);
 

@@ -1,5 +1,8 @@
 #include "app/scan_session.h"
 
+#include <exception>
+
+#include "app/awaiting.h"
 #include "app/cancellation.h"
 #include "app/messages.h"
 #include "app/problem.h"
@@ -40,14 +43,24 @@ ScanSession::ScanSession() {
 }
 
 ScanSession::~ScanSession() {
-    Stop();
+    try {
+        Stop();
+    } catch (const std::exception& failure) {
+        Warn(std::string("the scan was not stopped: ") + failure.what());
+    }
+    if (isLate) {
+        Warn("a vendor has not stopped its scan in time; nobody waits for it any more.");
+    }
 }
 
 void ScanSession::Stop() {
-    if (running) {
-        running = false;
-        PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance().StopDeviceScan();
+    if (!running) {
+        return;
     }
+    running = false;
+    isLate = !StopInTime([] {
+        return PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance().StopDeviceScan();
+    });
 }
 
 }  // namespace App

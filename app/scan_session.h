@@ -13,7 +13,9 @@ public:
     ScanSession();
     ~ScanSession();
 
-    // Returns when every vendor has been told.
+    // Returns when every vendor has been told; after a request to end the program it waits for
+    // them only for a moment. That one took longer is told at the end of the session, when no live
+    // display is torn by it.
     void Stop();
 
     PrinterList& Printers() { return PrinterList::GetInstance(); }
@@ -23,6 +25,7 @@ public:
 
 private:
     bool running = false;
+    bool isLate = false;  // a vendor has not stopped in time
 };
 
 }  // namespace App

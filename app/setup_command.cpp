@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <optional>
+#include <vector>
 
 #include "app/access_point_printer.h"
 #include "app/cancellation.h"
@@ -31,6 +32,16 @@ std::string NameOf(const Printer& printer) {
     return fmt::format("{}, serial number {}",
                        printer.makeAndModel.empty() ? "A printer" : printer.makeAndModel,
                        printer.serialNumber.empty() ? "not known" : printer.serialNumber);
+}
+
+// "192.0.2.7 port 631 and 192.0.2.8 port 631"
+std::string PlacesOf(const std::vector<Printer>& printers) {
+    std::vector<std::string> places;
+    places.reserve(printers.size());
+    for (const Printer& printer : printers) {
+        places.push_back(fmt::format("{} port {}", printer.address, printer.port));
+    }
+    return fmt::format("{}", fmt::join(places, " and "));
 }
 
 // One journey, a step after the other.
@@ -105,7 +116,7 @@ Printer Journey::WhichPrinter() {
             std::nullopt};
     }
     StepEvent event;
-    event.printer = &printer;
+    event.printers = {printer};
     progress.Done(fmt::format("{}, vendor {}", NameOf(printer), printer.vendor), event);
     return printer;
 }
@@ -189,7 +200,7 @@ bool Journey::Join(const std::string& network, const std::shared_ptr<Secret>& pa
 void Journey::Find(const std::string& network, const Printer& printer) {
     progress.Begin(SetupStep::Find);
     const SearchOutcome outcome = SearchPrinter(settings, printer, options.timeout);
-    if (!outcome.printer) {
+    if (outcome.printers.empty()) {
         throw StepFailed{
             fmt::format("{} was put on {}, but was not found there within {:g} s.\nSome printers "
                         "take longer: `devicediscover scan --watch` shows it when it is there. Is "
@@ -197,20 +208,26 @@ void Journey::Find(const std::string& network, const Printer& printer) {
                         NameOf(printer), network, options.timeout.count()),
             std::nullopt};
     }
-    const Printer& found = *outcome.printer;
-    const std::string place = fmt::format("{} port {}", found.address, found.port);
+    const std::string places = PlacesOf(outcome.printers);
     if (!outcome.isOnNetwork) {
         throw StepFailed{
-            fmt::format("{} was found at {}, but its vendor does not find it on the local network: "
-                        "{}\nTry `devicediscover ap check {} --vendor {}` in a moment.",
-                        NameOf(found), place, VendorsResult(outcome.vendorsResult, found.vendor),
-                        found.serialNumber, found.vendor),
+            fmt::format("{}: one with that serial number was found at {}, but the vendor of the "
+                        "one that was put on {} does not find that on the local network: {}\nTry "
+                        "`devicediscover ap check {} --vendor {}` in a moment.",
+                        NameOf(printer), places, network,
+                        VendorsResult(outcome.vendorsResult, printer.vendor), printer.serialNumber,
+                        printer.vendor),
             outcome.vendorsResult};
     }
     StepEvent event;
     event.network = network;
-    event.printer = &found;
-    progress.Done(fmt::format("{}, is on {} at {}", NameOf(found), network, place), event);
+    event.printers = outcome.printers;
+    progress.Done(
+        outcome.printers.size() == 1
+            ? fmt::format("{}, is on {} at {}", NameOf(outcome.printers.front()), network, places)
+            : fmt::format("{}, is on {}; that serial number was found at {}", NameOf(printer),
+                          network, places),
+        event);
 }
 
 std::string Journey::StateOfThings() const {

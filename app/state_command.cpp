@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <optional>
+#include <vector>
 
 #include "app/console.h"
 #include "app/json_output.h"
@@ -23,19 +23,37 @@ using Clock = PrinterList::Clock;
 
 constexpr int kReady = 1;
 constexpr int kNothingToCall = -1;
+constexpr auto kPatienceWithOthers = std::chrono::milliseconds(500);
 
-std::optional<Printer> Find(PrinterList& list, const StateOptions& options) {
+// What is given may have been copied from the table.
+bool IsText(const std::string& text, const std::string& given) {
+    return text == given || DisplayText(text) == given;
+}
+
+std::vector<Printer> Matches(const PrinterList& list, const StateOptions& options) {
+    std::vector<Printer> printers = list.GetItems();
+    const auto others =
+        std::remove_if(printers.begin(), printers.end(), [&](const Printer& printer) {
+            return !IsText(printer.serialNumber, options.serialNumber) ||
+                   (!options.address.empty() && !IsText(printer.address, options.address));
+        });
+    printers.erase(others, printers.end());
+    return printers;
+}
+
+void WaitForOne(PrinterList& list, const StateOptions& options) {
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(options.time);
     do {
-        for (const Printer& printer : list.WaitForNews(end)) {
-            // The serial number may have been copied from the table.
-            if (printer.serialNumber == options.serialNumber ||
-                DisplayText(printer.serialNumber) == options.serialNumber) {
-                return printer;
-            }
-        }
-    } while (!list.IsCancelled() && Clock::now() < end);
-    return std::nullopt;
+        list.WaitForNews(end);
+    } while (Matches(list, options).empty() && !list.IsCancelled() && Clock::now() < end);
+}
+
+// Others that have the serial number, too, are mostly found at once.
+void WaitForOthers(PrinterList& list) {
+    const auto end = Clock::now() + kPatienceWithOthers;
+    while (!list.IsCancelled() && Clock::now() < end) {
+        list.WaitForNews(end);
+    }
 }
 
 // Throws when the printer's vendor has no way to tell the state. A vendor may also answer with the
@@ -69,10 +87,28 @@ std::string StateLine(const Printer& printer, int state) {
 }
 
 ExitStatus NotFound(const StateOptions& options, std::size_t others, bool cancelled) {
-    Complain(fmt::format(
-        "{}no printer with the serial number '{}' was found; {} with another were.\n"
-        "`devicediscover scan` shows which there are.\n{}",
-        cancelled ? "interrupted: " : "", options.serialNumber, others, AdviceAfterScan()));
+    const bool anywhere = options.address.empty();
+    Complain(
+        fmt::format("{}no printer with the serial number '{}'{} was found; {} {} were.\n"
+                    "`devicediscover scan` shows which there are.\n{}",
+                    cancelled ? "interrupted: " : "", options.serialNumber,
+                    anywhere ? "" : " at " + options.address, others,
+                    anywhere ? "with another" : "others", AdviceAfterScan()));
+    return kNoneFound;
+}
+
+ExitStatus NotClear(const StateOptions& options, const std::vector<Printer>& printers) {
+    std::string places;
+    for (const Printer& printer : printers) {
+        const auto [serialNumber, makeAndModel, address, port, vendor] = RowOf(printer);
+        places +=
+            fmt::format("\n  {} at {} port {}, vendor {}", makeAndModel, address, port, vendor);
+    }
+    Complain(
+        fmt::format("{} printers have the serial number '{}', or one was found at several "
+                    "places:{}\nName the address: `devicediscover state {} --address {}`.",
+                    printers.size(), options.serialNumber, places, options.serialNumber,
+                    printers.front().address));
     return kNoneFound;
 }
 
@@ -80,19 +116,26 @@ ExitStatus NotFound(const StateOptions& options, std::size_t others, bool cancel
 
 ExitStatus State(const Settings& settings, const StateOptions& options) {
     ScanSession session;
-    const std::optional<Printer> printer = Find(session.Printers(), options);
+    PrinterList& list = session.Printers();
+    WaitForOne(list, options);
+    if (options.address.empty() && !Matches(list, options).empty()) {
+        WaitForOthers(list);
+    }
     session.Stop();
-    if (!printer) {
-        const PrinterList& list = session.Printers();
+    const std::vector<Printer> printers = Matches(list, options);
+    if (printers.empty()) {
         return NotFound(options, list.GetItems().size(), list.IsCancelled());
     }
-    auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
-    const int state = discovery.GetDeviceConnectState(printer->record);
-    if (state == kNothingToCall) {
-        RequireAnswer(*printer);
+    if (options.address.empty() && printers.size() > 1) {
+        return NotClear(options, printers);
     }
-    const std::string line =
-        settings.json ? StateJson(*printer, state) : StateLine(*printer, state);
+    const Printer& printer = printers.front();
+    auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
+    const int state = discovery.GetDeviceConnectState(printer.record);
+    if (state == kNothingToCall) {
+        RequireAnswer(printer);
+    }
+    const std::string line = settings.json ? StateJson(printer, state) : StateLine(printer, state);
     WriteOutput(line + "\n");
     return kFound;
 }

@@ -66,7 +66,7 @@ struct ScanWatch {
     ScanReply reply;
 };
 
-// Scans are asked for again and again: said once, until one is allowed.
+// Scans are asked for again and again: said once, until they are allowed on every adapter.
 void ReportDenied(const std::optional<std::string>& denial) {
     static std::atomic<bool> reported = false;
     if (!denial) {
@@ -246,8 +246,13 @@ private:
                 watches.push_back({adapter.path, before, RequestScan(adapter.path, options)});
             }
         }
+        if (std::all_of(watches.begin(), watches.end(), IsAccepted)) {
+            ReportDenied(std::nullopt);
+        }
         return watches;
     }
+
+    static bool IsAccepted(const ScanWatch& watch) { return watch.reply == ScanReply::kAccepted; }
 
     ScanReply RequestScan(const std::string& adapter, const Properties& options) const {
         try {
@@ -255,7 +260,6 @@ private:
                 ->callMethod("RequestScan")
                 .onInterface(kWireless)
                 .withArguments(options);
-            ReportDenied(std::nullopt);
             return ScanReply::kAccepted;
         } catch (const sdbus::Error& error) {
             if (IsServiceLost(error)) {

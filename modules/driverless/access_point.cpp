@@ -1,7 +1,6 @@
 #include "access_point.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "diagnostics.h"
 #include "host_route.h"
@@ -18,6 +17,10 @@ constexpr std::uint16_t kIppPort = 631;
 // How long plain IPP is waited for alone. Of a printer that speaks TLS only some wait for it in
 // silence.
 constexpr std::chrono::milliseconds kPatienceForPlainIpp{500};
+// How long it has been asked for before an answer over TLS is taken that came earlier.
+constexpr std::chrono::milliseconds kPreferenceForPlainIpp{1200};
+// While both are waited for.
+constexpr std::chrono::milliseconds kLookAgain{20};
 
 std::chrono::milliseconds Until(Clock::time_point deadline) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
@@ -45,19 +48,37 @@ struct Reply {
     IppAnswer answer;
 };
 
-// Asks over plain IPP and, where that brings nothing, over TLS too.
+bool IsGranted(const IppAsking& asking) {
+    return asking.IsOver(Clock::now()) && asking.Answer().kind == IppAnswer::Kind::Granted;
+}
+
+// Comes back when it is clear which of the two to take, or plain IPP brings nothing any more.
+void AwaitEither(const IppAsking& overPlain, const IppAsking& overTls, Clock::time_point preferred,
+                 Clock::time_point deadline) {
+    auto now = Clock::now();
+    while (now < deadline && !overPlain.IsOver(std::min(deadline, now + kLookAgain))) {
+        now = Clock::now();
+        if (now >= preferred && IsGranted(overTls)) {
+            return;
+        }
+    }
+}
+
+// Asks over plain IPP and, where that brings nothing soon, over TLS too.
 Reply AskAt(const std::string& network, const std::string& address, Clock::time_point deadline) {
+    const auto start = Clock::now();
     const IppQuestion question{IppQuestion::Kind::AttributesWithWifi, {}};
     const Candidate plain = CandidateAt(network, address, ServiceKind::Ipp);
-    IppAsking overPlain(DescribeCandidate(plain, {}), deadline, question);
-    if (overPlain.IsOver(std::min(deadline, Clock::now() + kPatienceForPlainIpp)) &&
-        overPlain.Answer().kind == IppAnswer::Kind::Granted) {
+    const IppAsking overPlain(DescribeCandidate(plain, {}), deadline, question);
+    overPlain.IsOver(std::min(deadline, start + kPatienceForPlainIpp));
+    if (IsGranted(overPlain)) {
         return {plain, overPlain.Answer()};
     }
     const Candidate tls = CandidateAt(network, address, ServiceKind::Ipps);
-    IppAnswer overTls = IppAsking(DescribeCandidate(tls, {}), deadline, question).Answer();
-    if (overTls.kind == IppAnswer::Kind::Granted) {
-        return {tls, std::move(overTls)};
+    const IppAsking overTls(DescribeCandidate(tls, {}), deadline, question);
+    AwaitEither(overPlain, overTls, start + kPreferenceForPlainIpp, deadline);
+    if (!IsGranted(overPlain) && overTls.Answer().kind == IppAnswer::Kind::Granted) {
+        return {tls, overTls.Answer()};
     }
     return {plain, overPlain.Answer()};
 }

@@ -390,8 +390,8 @@ void DnssdBrowser::Watch::SetTimer(std::optional<Clock::time_point> time) {
         timer = events->timeout_new(
             events, &when,
             [](AvahiTimeout*, void* self) {
-                auto* const watch = static_cast<Watch*>(self);
-                watch->Guard([watch] { watch->ResolveDue(); });
+                auto* const due = static_cast<Watch*>(self);
+                due->Guard([due] { due->ResolveDue(); });
             },
             this);
     }

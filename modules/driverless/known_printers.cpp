@@ -4,15 +4,28 @@
 
 namespace Driverless {
 
+namespace {
+
+// One in its own network, or that only a record tells of, is not.
+bool IsAnnounced(const Printer& printer) {
+    return !printer.id.domain.empty();
+}
+
+}  // namespace
+
 PrinterMemory::Place PrinterMemory::PlaceOf(const Printer& printer) {
     return {printer.address, printer.port};
 }
 
-// A printer without a UUID is the only one of its serial number, moved or not; where several have
-// it, the place decides.
+// The name decides where not both have a UUID: of all that are announced one only has it. A printer
+// that was not announced is the only one of its serial number; where several have it, the place
+// decides.
 bool PrinterMemory::IsSame(const Entries& entries, const Entry& entry, const Printer& printer) {
     if (!entry.uuid.empty() && !printer.uuid.empty()) {
         return entry.uuid == printer.uuid;
+    }
+    if (!entry.announcedName.empty() && IsAnnounced(printer)) {
+        return entry.announcedName == printer.id.name;
     }
     return entries.size() == 1 || entry.places.count(PlaceOf(printer)) > 0;
 }
@@ -30,6 +43,7 @@ void PrinterMemory::Remember(const Printer& printer) {
     }
     known->places.insert(PlaceOf(printer));
     known->uuid = printer.uuid.empty() ? known->uuid : printer.uuid;
+    known->announcedName = IsAnnounced(printer) ? printer.id.name : known->announcedName;
     known->printer = printer;
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
 // What the module remembers of printers between calls, by serial number. Printers may share one:
-// these are told apart by their UUIDs, and in a record, which has none, by where they were.
+// these are told apart by their UUIDs or, without them, by the names under which they are
+// announced, and in a record, which has neither, by where they were.
 
 #include <cstdint>
 #include <map>
@@ -32,6 +33,7 @@ private:
 
     struct Entry {
         std::string uuid;
+        std::string announcedName;
         std::set<Place> places;
         std::optional<Printer> printer;  // nothing: forgotten
     };

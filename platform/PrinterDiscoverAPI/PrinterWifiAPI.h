@@ -51,7 +51,8 @@ public:
     // Asks for a fresh scan, waits for it up to 10 seconds, and appends the networks in range to
     // `networks`, the strongest first: one entry a name, with the strongest access point's
     // attributes; one entry for each access point without a name. Where the system refuses to scan
-    // again so soon, what it found last counts.
+    // again so soon, what it found last counts; so too where a policy forbids the scan only, which
+    // is logged once until it is allowed: then nothing is waited for.
     void ScanWifiAPBySsid(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks);
 
     // The access point the host is joined to: its network's name, as in a scan; its own hardware

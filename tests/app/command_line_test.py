@@ -62,6 +62,17 @@ class CommandLine(AppTest):
         self.assert_refused("state", saying="SERIAL")
         self.assert_refused("vendors", "--watch", saying="--watch")
 
+    def test_what_an_option_was_given_is_not_repeated(self):
+        for group in ([], ["ap"], ["ap", "info"]):
+            for argument, shown in (("-pSECRET", "-p"), ("--pass-phrase=SECRET", "--pass-phrase"),
+                                    ("--pass-phrase:SECRET", "--pass-phrase"),
+                                    ("--pass-phrase 2SECRET", "--pass-phrase"), ("-2SECRET", "-")):
+                with self.subTest(group=group, argument=argument):
+                    result = self.run_app(*group, argument)
+                    self.assert_status(result, USAGE)
+                    self.assert_mentions(result.errors, f"option '{shown}'")
+                    self.assertNotIn("SECRET", result.errors)
+
     def test_a_flag_takes_no_value(self):
         for command, flag in (("scan", "--watch"), ("scan", "--json"), ("setup", "--no-rejoin"),
                               ("", "--version")):

@@ -43,14 +43,13 @@ class Scan(AppTest):
 
     def test_a_scan_without_a_time_takes_five_seconds(self):
         self.script("until-stopped")
-        process = self.start_app("scan")
-        self.wait_until(lambda: self.calls_of("StartDeviceScan"), "the vendor's scan starts")
         start = time.monotonic()
+        process = self.start_app("scan")
         self.wait_until(lambda: self.calls_of("StopDeviceScan"), "the vendor's scan stops")
         taken = time.monotonic() - start
         self.assertEqual(process.wait(app_test.PATIENCE), NONE_FOUND)
-        self.assertGreater(taken, 4.5)
-        self.assertLess(taken, 20)
+        self.assertGreaterEqual(taken, 5)
+        self.assertLess(taken, 5 + 40)  # a program may start slowly
 
     def test_the_same_printer_twice_is_one_line(self):
         self.script("repeat 5", "threads 4", device("SN1"), device("SN2"))
@@ -69,6 +68,15 @@ class Scan(AppTest):
                 ("192.0.2.1", 631), ("192.0.2.2", 631), ("192.0.2.1", 8631), ("192.0.2.1", 631))))
             result = self.run_app("scan", "--seconds", "1")
             self.assertEqual(len(result.output.splitlines()), 3)
+
+    def test_a_printer_that_changes_its_address_is_shown_at_both(self):
+        self.script("interval 200", device("SN1", address="192.0.2.1"),
+                    device("SN1", address="192.0.2.2"), device("SN1", address="192.0.2.1"))
+        result = self.run_app("scan", "--seconds", "1")
+        self.assertEqual([line.split("\t")[2] for line in result.output.splitlines()],
+                         ["192.0.2.1", "192.0.2.2"])
+        self.assert_mentions(self.run_app("scan", "--help", listed=False).output,
+                             "changes its address while the scan goes on is shown at both")
 
     def test_news_about_a_printer_is_another_line(self):
         self.script("interval 200", device("SN1", model="Fake 1"), device("SN1", model="Fake 1"),

@@ -158,6 +158,47 @@ class Setup(SetupTest):
         self.assert_given_to_the_printer("Office", "")
 
 
+class SetupWithATwin(SetupTest):
+    """Another printer with the serial number stands in the office already."""
+
+    TWIN = device("SN1", model="Fake 7", address="192.0.2.99")
+
+    def setUp(self):
+        super().setUp()
+        self.list_file = self.vendor_list([
+            dict(productId="scripted", vendorName="scripted_all", scanModuleName="scripted_all_b")])
+
+    def script_scan(self, *lines):
+        self.script("[scripted_all]", PRINTER, "[scripted_all_b]", *lines)
+
+    def test_the_vendor_is_asked_about_the_printer_that_was_set_up(self):
+        self.script_scan(self.TWIN)
+        self.setup()
+        record, = self.arguments_of("IsLocalAreaNetworkOK")
+        self.assertIn(b"192.0.2.7\0", record)
+
+    def test_the_twin_alone_is_not_the_printer(self):
+        self.script("result IsLocalAreaNetworkOK 17", "[scripted_all]", PRINTER,
+                    "[scripted_all_b]", self.TWIN)
+        event = self.assert_failed("find", "--timeout", "1.5", saying=(
+            "one with that serial number was found at 192.0.2.99 port 631, but",
+            "the vendor's result 17"))
+        self.assertNotIn("printer", event)
+
+    def test_the_places_of_both_are_named(self):
+        # The printer itself comes when the vendor has answered already.
+        self.script_scan(self.TWIN, PRINTER, "interval 600", "until-stopped")
+        result = self.setup()
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output.splitlines()[-1],
+                         "      Fake 7, serial number SN1, is on Office; that serial number was "
+                         "found at 192.0.2.7 port 631 and 192.0.2.99 port 631")
+        event = json_lines(self.setup("--json").output)[-1]
+        self.assertNotIn("printer", event)
+        self.assertEqual([printer["address"] for printer in event["printers"]],
+                         ["192.0.2.7", "192.0.2.99"])
+
+
 class SetupThatFails(SetupTest):
     def test_no_printer_s_network(self):
         self.script("result IsConnectCurrentWifiAP 1")
@@ -236,10 +277,14 @@ class SetupThatFails(SetupTest):
                                    saying=("was found at 192.0.2.7", "the vendor's result 9"))
         self.assertEqual(event["result"], 9)
 
-    def test_a_printer_that_moves_is_where_it_was_found_last(self):
-        self.script(PRINTER, device("SN1", address="192.0.2.99"), "interval 300",
-                    "result IsLocalAreaNetworkOK 9")
-        self.assert_failed("find", "--timeout", "2", saying=("was found at 192.0.2.99",))
+    def test_a_printer_that_moves_is_where_it_was_reported_last(self):
+        there, elsewhere = device("SN1", address="192.0.2.7"), device("SN1", address="192.0.2.99")
+        self.script(there, elsewhere, "interval 300", "result IsLocalAreaNetworkOK 9")
+        self.assert_failed("find", "--timeout", "2", saying=(
+            "was found at 192.0.2.99 port 631 and 192.0.2.7 port 631,",))
+        self.script(there, elsewhere, there, "interval 300", "result IsLocalAreaNetworkOK 9")
+        self.assert_failed("find", "--timeout", "2", saying=(
+            "was found at 192.0.2.7 port 631 and 192.0.2.99 port 631,",))
 
     def test_no_vendor_that_could_look_for_it(self):
         self.list_file = self.vendor_list([

@@ -44,6 +44,32 @@ class State(AppTest):
             self.assertEqual((printer["serialNumber"], printer["state"], printer["ready"]),
                              ("SN1", state, state == 1))
 
+    def test_of_several_with_the_serial_number_none_is_picked(self):
+        self.script("result GetDeviceConnectState 1", "interval 100",
+                    device("SN1", address="192.0.2.7"), device("SN2", address="192.0.2.8"),
+                    device("SN1", model="Fake 9", address="192.0.2.9", port=9100), "until-stopped")
+        for arguments in ([], ["--json"]):
+            result = self.run_app("state", "SN1", *arguments)
+            self.assert_status(result, NONE_FOUND)
+            self.assertEqual(result.output, "")
+            self.assert_mentions(
+                result.errors, "2 printers have the serial number 'SN1'",
+                "Fake 1000 at 192.0.2.7 port 631, vendor scripted",
+                "Fake 9 at 192.0.2.9 port 9100, vendor scripted", "--address 192.0.2.7")
+        self.assertEqual(self.calls_of("GetDeviceConnectState"), [])
+
+    def test_the_address_tells_which_is_meant(self):
+        self.script("result GetDeviceConnectState 1", "interval 100",
+                    device("SN1", address="192.0.2.7"), device("SN2", address="192.0.2.9"),
+                    device("SN1", model="Fake 9", address="192.0.2.9", port=9100), "until-stopped")
+        result = self.run_app("state", "SN1", "--address", "192.0.2.9")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1: ready (state 1), Fake 9 at 192.0.2.9 port 9100, "
+                                        "vendor scripted\n")
+        result = self.run_app("state", "SN1", "--address", "192.0.2.8", "--seconds", "1")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "'SN1' at 192.0.2.8", "3 others")
+
     def test_an_unknown_printer_is_status_1_after_the_time(self):
         self.script(device("SN1"), device("SN2"))
         start = time.monotonic()

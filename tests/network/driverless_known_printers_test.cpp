@@ -17,6 +17,13 @@ Printer At(const std::string& address, const std::string& uuid = {}, std::uint16
     return printer;
 }
 
+Printer Announced(const std::string& name, const std::string& address,
+                  const std::string& uuid = {}) {
+    Printer printer = At(address, uuid);
+    printer.id = {name, "local", ServiceKind::Ipp, 2};
+    return printer;
+}
+
 class Memory : public testing::Test {
 protected:
     // The address that is remembered of the printer that a record with that address describes.
@@ -55,6 +62,33 @@ TEST_F(Memory, TellsPrintersWithOneSerialNumberApartByTheirPlace) {
     EXPECT_EQ(memory.Find(At("192.0.2.1"))->uuid, kOne);
     EXPECT_EQ(memory.Find(At("192.0.2.2"))->uuid, kOther);
     EXPECT_EQ(Remembered(At("192.0.2.2", {}, 8631)), "192.0.2.2:8631");
+}
+
+TEST_F(Memory, TellsPrintersApartByTheNamesTheyAnnounceWhereNotBothHaveAUuid) {
+    for (const std::string& uuid : {std::string(), kOne}) {
+        PrinterMemory fresh;
+        fresh.Remember(Announced("Office", "192.0.2.1", uuid));
+        fresh.Remember(Announced("Store", "192.0.2.2"));
+        EXPECT_EQ(fresh.Find(At("192.0.2.1"))->id.name, "Office");
+        EXPECT_EQ(fresh.Find(At("192.0.2.2"))->id.name, "Store");
+    }
+}
+
+TEST_F(Memory, FollowsAPrinterWithoutAUuidByTheNameItAnnounces) {
+    memory.Remember(Announced("Office", "192.0.2.1"));
+    memory.Remember(Announced("Store", "192.0.2.2"));
+    memory.Remember(Announced("Office", "192.0.2.3"));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.3:631");
+    EXPECT_EQ(Remembered(At("192.0.2.2")), "192.0.2.2:631");
+    memory.Remember(Announced("Store", "192.0.2.1"));
+    EXPECT_EQ(memory.Find(At("192.0.2.1"))->id.name, "Store");
+    EXPECT_EQ(memory.Find(At("192.0.2.3"))->id.name, "Office");
+}
+
+TEST_F(Memory, TakesAPrinterThatWasMetInItsOwnNetworkForTheOneThatIsAnnounced) {
+    memory.Remember(At("192.168.49.1"));
+    memory.Remember(Announced("Office", "192.0.2.1"));
+    EXPECT_EQ(Remembered(At("192.168.49.1")), "192.0.2.1:631");
 }
 
 TEST_F(Memory, GivesNoneOfThemForAPlaceWhereNoneWas) {

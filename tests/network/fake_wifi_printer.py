@@ -3,13 +3,15 @@
 
 usage: fake_wifi_printer.py [--address ADDRESS] [--behaviour BEHAVIOUR] [--certificate FILE]
                             [--state NUMBER] [--network NAME] [--without-tls BEHAVIOUR]
+                            [--over-tls BEHAVIOUR]
 
 behaviours: joins (default), hesitates (keeps its old state and network for a moment, then joins),
 stays (takes the settings, and keeps its state and network), leaves (goes when it has taken them,
 without an answer), ignores, talkative (refuses, and says what it was given),
 wants-password, forbids, not-authorized, no-wifi, silent, vanishes (describes itself once, after a
 moment, and is not there for more). With a certificate it also takes TLS, and says so. Who does not
-speak TLS is answered, too, unless that behaviour is another: closes, or waits (for TLS to begin).
+speak TLS is answered, too, unless that behaviour is another: closes, waits (for TLS to begin), or
+late (answers, after 0.7 s). Over TLS it answers, or waits: never begins it.
 """
 
 import argparse
@@ -101,12 +103,16 @@ def answer(printer, request, over_tls):
 def serve(connection, listener, printer, certificate):
     over_tls = certificate is not None and connection.recv(1, socket.MSG_PEEK) == b"\x16"
     if over_tls:
+        if printer.options.over_tls == "waits":
+            time.sleep(3600)
         connection = certificate.wrap_socket(connection, server_side=True)
     elif printer.options.without_tls == "waits":
         time.sleep(3600)
     elif printer.options.without_tls == "closes":
         connection.close()
         return
+    elif printer.options.without_tls == "late":
+        time.sleep(0.7)
     if printer.options.behaviour == "silent":
         connection.recv(1 << 20)
         time.sleep(3600)
@@ -133,7 +139,9 @@ def main():
     parser.add_argument("--certificate")
     parser.add_argument("--state", type=int, default=4)
     parser.add_argument("--network", default="")
-    parser.add_argument("--without-tls", choices=["answers", "closes", "waits"], default="answers")
+    parser.add_argument("--without-tls", choices=["answers", "closes", "waits", "late"],
+                        default="answers")
+    parser.add_argument("--over-tls", choices=["answers", "waits"], default="answers")
     options = parser.parse_args()
     certificate = None
     if options.certificate:

@@ -16,21 +16,24 @@ import re
 import select
 import signal
 import subprocess
+import sys
 import tempfile
 import termios
 import threading
 import time
 import unittest
 
-from lab import PATIENCE, lab
-from network_test import ENVIRONMENT, PROGRAM, SLACK, text_below
+from lab import LAB, PATIENCE, Lines, lab
+from network_test import ENVIRONMENT, FAKE_PRINTER, PROGRAM, SLACK, UUID, text_below
 from office import (BOTH, HOSTS_SIDE, OFFICE, PRINTERS_SIDE, THERE, HostWifi, announced, move,
                     new_printer)
-from set_up_test import (CANNOT_JOIN, NAME, NOT_VALID, NOT_VISIBLE, OWN_NETWORK, PASS_PHRASE,
-                         SERIAL, STATE, TIMED_OUT)
+from set_up_test import (CANNOT_JOIN, NAME, NOT_ON_NETWORK, NOT_VALID, NOT_VISIBLE, OWN_NETWORK,
+                         PASS_PHRASE, SERIAL, STATE, TIMED_OUT)
 
 WRONG, TOO_SHORT = "wrong-horse battery", "seven77"
+TWINS_PORT = 9000
 STEPS = ["printer", "network", "passPhrase", "configure", "rejoin", "find"]
+
 
 class Ended:
     """What became of a run of the application."""
@@ -179,6 +182,14 @@ class JourneyTest(unittest.TestCase):
     def announce(self):
         self.running.append(announced())
 
+    def announce_twin(self):
+        """Another printer that has the serial number."""
+        twin = Lines([LAB, "run-beside-printers", sys.executable, FAKE_PRINTER, "--name", "Twin",
+                      "--port", str(TWINS_PORT), "--attribute", "printer-serial-number=" + SERIAL,
+                      "--attribute", f"printer-uuid=urn:uuid:{UUID}9"])
+        self.running.append(twin)
+        twin.await_line("Established under name 'Twin'")
+
     def arrive(self, *sides):
         self.move_to_office(*(sides or BOTH))
         self.announce()
@@ -310,7 +321,7 @@ class Journey(JourneyTest):
         self.assertEqual(self.assert_steps(ended, "configure")["result"], CANNOT_JOIN)
         self.assertIn(f"step 4 of 6, Putting the printer on the network: the printer was not put "
                       f"on {NAME}: the vendor's result 12", ended.errors)
-        self.assertIn("cannot join the network: is the pass phrase right?", ended.errors)
+        self.assertIn("cannot join the network. Check the pass phrase", ended.errors)
         self.assertEqual(printer.given(), [(NAME, WRONG)])
         self.assert_not_joined()
         self.assert_masked_log()
@@ -408,6 +419,31 @@ class Journey(JourneyTest):
         self.assertEqual(ended.status, 1, str(ended))
         self.assertIn(f"this computer's Wi-Fi network, {NAME}, is not the access point",
                       ended.errors)
+
+
+    def test_another_printer_with_its_serial_number_is_not_taken_for_it(self):
+        self.printer()
+
+        def only_twin(_):
+            self.move_to_office(*BOTH)
+            self.announce_twin()
+        ended = self.set_up(PASS_PHRASE, "--json", "--timeout", "3", at={"find": only_twin})
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertEqual(self.assert_steps(ended, "find")["result"], NOT_ON_NETWORK)
+        self.assertIn(f"one with that serial number was found at {OFFICE}1 port {TWINS_PORT}, but",
+                      ended.errors)
+
+    def test_beside_another_printer_with_its_serial_number_both_places_are_named(self):
+        self.printer()
+
+        def both(_):
+            self.move_to_office(*BOTH)
+            self.announce_twin()
+            self.announce()
+        ended = self.set_up(PASS_PHRASE, "--json", at={"find": both})
+        self.assertEqual(ended.status, 0, str(ended))
+        self.assertEqual(sorted(one["port"] for one in self.assert_steps(ended)["printers"]),
+                         [631, TWINS_PORT])
 
 
 class JourneySteps(JourneyTest):

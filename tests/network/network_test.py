@@ -4,6 +4,7 @@ Runs inside scripts/lab-network, on the browsing side. The environment names wha
 DEVICEDISCOVER_PROGRAM, SCAN_PROBE, DRIVERLESS_MODULE, LAB_NETWORK.
 """
 
+import contextlib
 import json
 import os
 import queue
@@ -31,6 +32,8 @@ ENVIRONMENT.pop("DEVICEDISCOVER_VENDORS", None)
 
 # Sanitizers make everything slower; nothing here measures speed.
 SLACK = float(os.environ.get("NETWORK_TEST_SLACK", "1"))
+# What has to be over in 2 s is, on a machine that is busy with other things too.
+TWO_SECONDS = 3 * SLACK
 
 IPP, IPPS, PDL_DATASTREAM, LPD = 1, 2, 3, 4
 READY, NOT_READY, NO_ANSWER, UNKNOWN, NO_PRINTER, OTHER_PRINTER = 1, 2, 3, 4, 5, 6
@@ -62,6 +65,7 @@ class Probe:
 
     COMMAND = [PROBE]
     MODULE_ARGUMENTS = ["--module", MODULE]
+    EXIT = "exit"
 
     def __init__(self, through_broker=False, environment=None):
         arguments = self.COMMAND + ([] if through_broker else self.MODULE_ARGUMENTS)
@@ -89,8 +93,11 @@ class Probe:
         self.events.put(json.loads(line) if line is not None else None)
 
     def tell(self, command):
-        self.process.stdin.write(command + "\n")
-        self.process.stdin.flush()
+        try:
+            self.process.stdin.write(command + "\n")
+            self.process.stdin.flush()
+        except BrokenPipeError as error:
+            raise AssertionError("it ended: " + self.diagnostics()) from error
 
     def next(self, seconds):
         """The next event; None when there is none in time."""
@@ -141,10 +148,11 @@ class Probe:
         return "".join(line for line in self.errors if line is not None)
 
     def end(self):
-        """Leaves the probe's main; its exit status."""
-        if self.process.poll() is None:
-            self.tell("exit")
-        self.process.stdin.close()
+        """Leaves the probe's main; its exit status. It may have ended by itself."""
+        with contextlib.suppress(BrokenPipeError, ValueError):
+            self.process.stdin.write(self.EXIT + "\n")
+        with contextlib.suppress(BrokenPipeError):
+            self.process.stdin.close()
         try:
             status = self.process.wait(PATIENCE)
         except subprocess.TimeoutExpired:
@@ -220,7 +228,8 @@ class NetworkTest(unittest.TestCase):
         for entry in attributes:
             arguments += ["--attribute", entry]
         fake = subprocess.Popen(
-            [LAB, "run-beside-printers", sys.executable, FAKE_PRINTER, *arguments], stdout=subprocess.PIPE, text=True)
+            [LAB, "run-beside-printers", sys.executable, FAKE_PRINTER, *arguments],
+            stdout=subprocess.PIPE, text=True)
         self.fakes.append(fake)
         for line in fake.stdout:
             if "Established" in line:
@@ -296,7 +305,7 @@ class TwentyPrinters(NetworkTest):
         for _ in range(200):
             self.assertEqual(probe.await_event("stopped")["result"], 0)
         # A start comes back before its thread has reached the module, which may be after the stop.
-        probe.found(1)
+        probe.found(2 * SLACK)
         self.assertEqual(probe.ask("stop"), 0)
         probe.seen.clear()
         probe.start()
@@ -419,7 +428,8 @@ class ComingAndGoing(NetworkTest):
         probe.start()
         probe.await_printers(2)
         self.stop_printer(1)
-        self.assertEqual(len(probe.found(1)), 2)
+        # Avahi's cache keeps what says good-bye for a second.
+        self.assertEqual(len(probe.found(2)), 2)
         self.start_printer(1)
         back = probe.await_event("found")
         self.assertEqual(back["make_and_model"], "Acme Laser 1")
@@ -531,11 +541,10 @@ class Stopping(NetworkTest):
     def assert_stops_at_once(self, probe):
         begin = time.monotonic()
         self.assertEqual(probe.ask("stop"), 0)
-        self.assertLess(time.monotonic() - begin, 0.5 * SLACK)
-        ended = [e for e in probe.seen if e["event"] == "ended"] or [
-            probe.await_event("ended", 1 * SLACK)]
+        ended = [e for e in probe.seen if e["event"] == "ended"] or [probe.await_event("ended")]
         self.assertEqual(ended[0]["result"], 0)
-        self.assertLess(time.monotonic() - begin, 1 * SLACK)
+        # What a printer that hangs is waited for is 2 s.
+        self.assertLess(time.monotonic() - begin, 1.5 * SLACK)
 
     def test_a_scan_stops_at_once(self):
         self.have_printers(2)
@@ -688,7 +697,7 @@ class PrintersOfAllKinds(NetworkTest):
         probe.tell("state " + printer["serial"])
         event = probe.await_event("state")
         self.assertEqual(event["result"], state)
-        self.assertLess(event["took"], 2.2 * SLACK)
+        self.assertLess(event["took"], TWO_SECONDS)
 
     def test_a_printer_that_says_nothing_is_reported_from_its_announcement(self):
         self.assert_reported_from_announcement("silent")
@@ -718,7 +727,7 @@ class PrintersOfAllKinds(NetworkTest):
         probe = self.probe()
         probe.start()
         probe.await_printers(5)
-        self.assertLess(probe.seen[-1]["seconds"], 1.5 * SLACK)
+        self.assertLess(probe.seen[-1]["seconds"], 2 * SLACK)
         probe.await_printers(13)
 
     def test_text_from_the_network_is_cut_and_cleaned(self):
@@ -787,6 +796,17 @@ class State(NetworkTest):
         probe.tell("edit S1 port 9002")
         self.assertEqual(probe.ask("state", "S1"), NOT_READY, "still known")
 
+    def test_printers_with_one_serial_number_and_no_uuid_are_told_apart_too(self):
+        for number, state in ((1, 3), (2, 5)):
+            self.fake_printer(f"Office {number}", 9000 + number, attributes=[
+                "printer-serial-number=S1", f"printer-state={state}"])
+        probe = self.probe(through_broker=True)
+        probe.start()
+        probe.await_printers(2)
+        for port, state in ((9001, READY), (9002, NOT_READY)):
+            probe.tell(f"edit S1 port {port}")
+            self.assertEqual(probe.ask("state", "S1"), state, port)
+
     def test_the_record_alone_is_enough(self):
         probe = self.known()
         record = next(event for event in probe.seen if event["event"] == "found")
@@ -808,7 +828,7 @@ class State(NetworkTest):
                 probe.tell("state x")
                 event = probe.await_event("state")
                 self.assertEqual(event["result"], NO_ANSWER)
-                self.assertLess(event["took"], 2.2 * SLACK)
+                self.assertLess(event["took"], TWO_SECONDS)
 
     def test_a_failed_connection_makes_the_module_forget_the_printer(self):
         probe = self.known()
@@ -843,7 +863,7 @@ class Application(NetworkTest):
 
     def test_scan_finds_twenty_printers_each_once(self):
         self.have_printers(20)
-        scan = self.devicediscover("scan", "--json", *self.seconds(4))
+        scan = self.devicediscover("scan", "--json", *self.seconds(6))
         self.assertEqual((scan.returncode, scan.stderr), (0, ""))
         printers = [json.loads(line) for line in scan.stdout.splitlines()]
         self.assertEqual(sorted(printer["serialNumber"] for printer in printers),
@@ -902,7 +922,7 @@ class Application(NetworkTest):
         for number in (1, 2):
             self.fake_printer(f"Office {number}", 9000 + number, attributes=[
                 "printer-serial-number=S1", f"printer-uuid=urn:uuid:{UUID}{number}"])
-        state = self.devicediscover("state", "S2", *self.seconds(3))
+        state = self.devicediscover("state", "S2", *self.seconds(5))
         self.assertEqual(state.returncode, 1)
         self.assertIn("2 with another were", state.stderr)
 

@@ -2,9 +2,10 @@
 network of its own, and `devicediscover` goes the whole way from there.
 
 Runs inside scripts/lab-network, on the browsing side. The environment names what office.py needs,
-and DEVICEDISCOVER_PROGRAM.
+and DEVICEDISCOVER_PROGRAM, whose vendor list is the one beside it.
 """
 
+import contextlib
 import os
 import subprocess
 import sys
@@ -16,6 +17,7 @@ from office import BOTH, OFFICE, THERE, HostWifi, announced, move, new_printer
 PROGRAM = os.environ["DEVICEDISCOVER_PROGRAM"]
 OWN_NETWORK, NETWORK, PASS_PHRASE = "DIRECT-a1-Acme Laser", "Office", "correct-horse battery"
 LAST_STEP = "[6/6]"
+INTERRUPTED = 130
 
 
 def say(text):
@@ -36,8 +38,11 @@ def set_up(running):
     say("$ devicediscover " + " ".join(arguments))
     with subprocess.Popen([PROGRAM, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                           text=True) as process:
-        process.stdin.write(PASS_PHRASE + "\n")
-        process.stdin.close()
+        with contextlib.suppress(BrokenPipeError):  # it may have ended without asking for it
+            process.stdin.write(PASS_PHRASE + "\n")
+            process.stdin.flush()
+        with contextlib.suppress(BrokenPipeError):
+            process.stdin.close()
         for line in process.stdout:
             say(line.rstrip("\n"))
             if line.startswith(LAST_STEP):  # both are on the office's network now
@@ -50,6 +55,8 @@ def set_up(running):
 def main():
     lab("cold")
     with tempfile.TemporaryDirectory() as folder:
+        os.environ.pop("DEVICEDISCOVER_VENDORS", None)
+        os.environ.update(XDG_CONFIG_HOME=folder, XDG_STATE_HOME=folder)
         printer = new_printer(folder, f"{NETWORK}={PASS_PHRASE}")
         running = [printer]
         try:
@@ -68,4 +75,7 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    try:
+        sys.exit(main())
+    except KeyboardInterrupt:
+        sys.exit(INTERRUPTED)

@@ -15,7 +15,7 @@ import time
 import unittest
 
 from lab import LAB, PATIENCE, Lines, lab
-from network_test import IPP, IPPS, NO_AVAHI, NO_BUS, SLACK, Probe, text_below, text_of
+from network_test import IPP, IPPS, NO_AVAHI, NO_BUS, SLACK, TWO_SECONDS, Probe, text_below, text_of
 
 PRINTER = os.environ["WIFI_PRINTER"]
 STATE = os.environ["LAB_NETWORK_STATE"]
@@ -42,6 +42,7 @@ class SetUpProbe(Probe):
 
     COMMAND = [os.environ["SET_UP_PROBE"]]
     MODULE_ARGUMENTS = ["--module", os.environ["SET_UP_MODULE"]]
+    EXIT = json.dumps({"do": "exit"})
 
     def command(self, what, **values):
         self.tell(json.dumps({"do": what, **values}))
@@ -66,12 +67,7 @@ class SetUpProbe(Probe):
     def end_of_scan(self):
         """The result of a scan that was stopped; its end may come before the stop's."""
         ended = [event for event in self.seen if event["event"] == "ended"]
-        return (ended[0] if ended else self.await_event("ended", SLACK))["result"]
-
-    def end(self):
-        if self.process.poll() is None:
-            self.command("exit")
-        return super().end()
+        return (ended[0] if ended else self.await_event("ended"))["result"]
 
 
 class HostWifi:
@@ -249,7 +245,7 @@ class RealPrinter(SetUpTest):
         for name, pass_phrase in ((NAME, "1234567"), ("", PASS_PHRASE), ("n" * 33, PASS_PHRASE)):
             event = probe.configured(name, pass_phrase)
             self.assertEqual(event["result"], NOT_VALID)
-            self.assertLess(event["took"], 0.2 * SLACK)
+            self.assertLess(event["took"], SLACK)
         self.assertEqual(printer.given(), [])
 
     def test_the_longest_name_and_pass_phrase_arrive_whole(self):
@@ -268,7 +264,7 @@ class RealPrinter(SetUpTest):
         probe = self.probe(environment={"DRIVERLESS_JOIN_SECONDS": "4"})
         probe.configure(NAME, PASS_PHRASE)
         printer.await_line("state 7")
-        time.sleep(0.5)  # so that its answer is through
+        time.sleep(1.5)  # so that its answer is through
         printer.end()
         self.running.remove(printer)
         event = probe.await_event("configure")
@@ -299,7 +295,7 @@ class RealPrinter(SetUpTest):
                                     environment={"DRIVERLESS_JOIN_SECONDS": "4"})
         probe.configure(NAME, PASS_PHRASE)
         printer.await_line("state 7")
-        time.sleep(0.5)  # so that its answer is through
+        time.sleep(1.5)  # so that its answer is through
         self.wifi.end()
         self.assert_not_left(printer, probe)
 
@@ -308,7 +304,7 @@ class RealPrinter(SetUpTest):
                                     environment={"DRIVERLESS_JOIN_SECONDS": "4"})
         probe.configure(NAME, PASS_PHRASE)
         printer.await_line("state 7")
-        time.sleep(0.5)  # so that its answer is through
+        time.sleep(1.5)  # so that its answer is through
         self.wifi.switch_off()
         self.assert_not_left(printer, probe)
 
@@ -428,13 +424,26 @@ class OtherPrinters(SetUpTest):
                 probe = self.probe()
                 connected = probe.asked("connected")
                 self.assertEqual(connected["result"], OK)
-                self.assertLess(connected["took"], 2.2 * SLACK)
+                self.assertLess(connected["took"], TWO_SECONDS)
                 event = probe.asked("describe")
                 self.assertEqual((event["result"], event["kind"], event["port"]), (OK, IPPS, 631))
                 self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
                 self.assertEqual(printer.given(), [(NAME, PASS_PHRASE, "tls")])
                 printer.end()
                 self.running.remove(printer)
+
+    def test_a_slow_printer_that_speaks_plain_ipp_is_asked_in_plain_whatever_tls_does(self):
+        certificate = self.certificate()
+        self.have_wifi()
+        for over_tls in ("answers", "waits"):
+            with self.subTest(over_tls=over_tls):
+                printer = self.fake("--certificate", certificate, "--without-tls", "late",
+                                    "--over-tls", over_tls)
+                event = self.probe().asked("describe")
+                printer.end()
+                self.running.remove(printer)
+                self.assertEqual((event["result"], event["kind"]), (OK, IPP))
+                self.assertLess(event["took"], 1.8 * SLACK)
 
     def test_a_failure_of_an_earlier_attempt_is_not_taken_for_the_outcome(self):
         _, probe = self.begin("hesitates", "--state", "6", "--network", NAME)
@@ -460,7 +469,7 @@ class OtherPrinters(SetUpTest):
         _, probe = self.begin("silent")
         event = probe.asked("connected")
         self.assertEqual(event["result"], NOT_REACHED)
-        self.assertLess(event["took"], 2.2 * SLACK)
+        self.assertLess(event["took"], TWO_SECONDS)
 
     def test_in_another_network_nobody_is_asked(self):
         self.have_wifi("HomeNet")
@@ -468,7 +477,7 @@ class OtherPrinters(SetUpTest):
         probe = self.probe()
         event = probe.asked("connected")
         self.assertEqual(event["result"], NOT_PRINTERS_NETWORK)
-        self.assertLess(event["took"], 0.2 * SLACK)
+        self.assertLess(event["took"], SLACK)
         self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], NOT_REACHED)
 
     def test_further_networks_can_be_named(self):
@@ -497,7 +506,7 @@ class OtherPrinters(SetUpTest):
         self.wifi.process.send_signal(signal.SIGSTOP)
         event = probe.asked("connected")
         self.assertEqual(event["result"], NO_WIFI_ANSWER)
-        self.assertLess(event["took"], 2.2 * SLACK)
+        self.assertLess(event["took"], TWO_SECONDS)
         self.wifi.process.send_signal(signal.SIGCONT)
         self.assertEqual(probe.result("connected"), OK)
 
@@ -592,7 +601,7 @@ class NetworksInRange(SetUpTest):
     def test_the_service_may_end_in_the_middle_of_a_scan(self):
         probe = self.begin()
         probe.command("start")
-        self.assertEqual(len(self.networks(probe, 1)), 2)
+        self.assertEqual(len(self.networks(probe, 2)), 2)
         self.wifi.end()
         self.assertEqual(len(self.networks(probe, 4)), 2)
         self.assertEqual(probe.result("stop"), OK)

@@ -65,6 +65,10 @@ void MockNetworkManager::SetScans(const std::string& outcome) {
     Tell("SetScans", outcome);
 }
 
+void MockNetworkManager::SetScansOf(const std::string& adapter, const std::string& outcome) {
+    Tell("SetScansOf", adapter, outcome);
+}
+
 void MockNetworkManager::SetOld(bool old) {
     Tell("SetOld", old);
 }

@@ -51,6 +51,7 @@ public:
     void SetPassPhrase(const std::string& point, const std::string& passPhrase,
                        const std::string& outcome = "join");
     void SetScans(const std::string& outcome);
+    void SetScansOf(const std::string& adapter, const std::string& outcome);
     void SetOld(bool old);
     void SetProperty(const std::string& name, bool value);
     void Save(const std::string& adapter, const std::string& id, const std::string& name);

@@ -11,6 +11,7 @@ interface org.freedesktop.DBus.Mock of the manager's object:
                   by itself a network is joined without a pass phrase
   SetScans        what scans do: "work", "refused", "endless" or, by the bus's policy or the service's
                   own, "denied" or "not permitted"
+  SetScansOf      the same for one adapter
   SetOld          the service is one that cannot make profiles that last as long as the connection
   Joinings        the settings and options of the joinings so far
 """
@@ -42,6 +43,7 @@ REASON_DISCONNECTED, REASON_NAME_NOT_FOUND = 8, 53
 
 state = {
     "scans": "work",
+    "scans_of": {},    # path of an adapter: what its own do
     "old": False,
     "networks": {},    # path: (pass phrase, outcome)
     "waiting": [],     # (adapter, path, when, name, properties)
@@ -114,6 +116,11 @@ def SetScans(_self, outcome):
     state["scans"] = outcome
 
 
+@dbus.service.method(MOCK_IFACE, in_signature="ss", out_signature="")
+def SetScansOf(_self, adapter, outcome):
+    state["scans_of"][adapter] = outcome
+
+
 @dbus.service.method(MOCK_IFACE, in_signature="b", out_signature="")
 def SetOld(_self, old):
     state["old"] = bool(old)
@@ -145,15 +152,16 @@ def show(manager, adapter, path, properties):
 
 
 def scan(adapter, options):
-    if state["scans"] == "refused":
+    outcome = state["scans_of"].get(adapter.path, state["scans"])
+    if outcome == "refused":
         raise problem("org.freedesktop.NetworkManager.Device.NotAllowed",
                       "Scanning not allowed immediately following previous scan")
-    if state["scans"] == "denied":
+    if outcome == "denied":
         raise problem("org.freedesktop.DBus.Error.AccessDenied", "Rejected send message")
-    if state["scans"] == "not permitted":
+    if outcome == "not permitted":
         raise problem("org.freedesktop.NetworkManager.PermissionDenied", "Insufficient privileges")
     asked = [bytes(name) for name in options.get("ssids", [])]
-    if state["scans"] == "work":
+    if outcome == "work":
         GLib.timeout_add(3 * STEP, end_scan, adapter, asked)
 
 

@@ -291,7 +291,7 @@ TEST_P(PingBy, FromManyThreads_GivesEachItsOwnReply) {
         threads.emplace_back([host, &answered] {
             const std::string address = "10.99.1." + std::to_string(host);
             for (int round = 0; round < 25; ++round) {
-                const Pinged pinged = Ping(address.c_str(), 500);
+                const Pinged pinged = Ping(address.c_str(), 5000);
                 answered +=
                     pinged.result != 0 && pinged.reply.address == NetworkOrder(10, 99, 1, host);
             }

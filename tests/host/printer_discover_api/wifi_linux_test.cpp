@@ -129,6 +129,21 @@ TEST_F(Wifi, AScanThatIsNotAllowed_GivesWhatIsKnownAtOnceAndSaysSoOnce) {
     }
 }
 
+TEST_F(Wifi, AScanThatOneOfTwoAdaptersIsNotAllowed_SaysSoOnce) {
+    const std::string second = service.AddAdapter("wlan1");
+    for (const std::string& denied : {adapter, second}) {
+        service.SetScansOf(denied, "denied");
+        service.Add(denied == adapter ? second : adapter, {.name = "Allowed", .seen = "scan"});
+        for (int round = 0; round < 3; ++round) {
+            EXPECT_THAT(Scan(), ElementsAre(IsNetwork(L"Allowed", 50, kOpen, false)));
+        }
+        EXPECT_THAT(TakeLines(), ElementsAre(IsLine(LOG_LEVEL_WARNING, L"does not allow it")));
+        service.SetScansOf(denied, "work");
+        Scan();
+        EXPECT_THAT(TakeLines(), IsEmpty());
+    }
+}
+
 TEST_F(Wifi, AScanThatDoesNotEnd_IsNotAwaitedForEver) {
     service.SetScans("endless");
     service.Add(adapter, {.name = "Home"});
