@@ -12,6 +12,8 @@ import sys
 
 VENDORS = (1, 10, 100, 1000)
 CHOICES = (1, 10, 100)
+USB_IDS = (1, 100, 10000)
+USB_PRINTERS = (10, 100, 1000)
 TOOLS = ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")
 
 
@@ -25,12 +27,12 @@ class Figures:
     def __init__(self, folder):
         self.folder = folder
         self.medians = {}
-        for program in ("facade", "relay", "binding", "access_point", "ping"):
+        for program in ("facade", "relay", "binding", "access_point", "ping", "arrival"):
             self.medians.update(self.medians_of(program))
-        for vendors in CHOICES:
-            program = f"choice_{vendors}"
-            self.medians.update({f"{name}/{vendors}": run
-                                 for name, run in self.medians_of(program).items()})
+        for program, sizes in (("choice", CHOICES), ("usb", USB_IDS)):
+            for size in sizes:
+                self.medians.update({f"{name}/{size}": run
+                                     for name, run in self.medians_of(f"{program}_{size}").items()})
         self.race = self.read("race") if os.path.exists(self.path("race")) else None
 
     def path(self, name):
@@ -112,6 +114,15 @@ def measured(figures):
     for vendors in CHOICES:
         yield f"access point: the vendor among {vendors}", nanoseconds(cpu(f"Choice/{vendors}"))
         yield "  the same by hand", nanoseconds(cpu(f"ChoiceByHand/{vendors}"))
+    for ids in USB_IDS:
+        yield f"USB: a port of {ids:,} identifiers, 64 records", nanoseconds(cpu(f"Enumeration/{ids}"))
+        yield "  the same by hand", nanoseconds(cpu(f"EnumerationByHand/{ids}"))
+    yield "USB: a scan of 128 networks", nanoseconds(cpu("UsbWifiScan/1"))
+    yield "  the same by hand", nanoseconds(cpu("UsbWifiScanByHand/1"))
+    for printers in USB_PRINTERS:
+        time = cpu(f"UsbPrinters/{printers}/1")
+        yield f"USB: {printers} printers, as many on the network", nanoseconds(time)
+        yield "  each", nanoseconds(time / printers)
     for tool in TOOLS if figures.race else ():
         first, last, memory = (figures.scan(tool, what) for what in ("first", "all", "memory"))
         yield (f"scan, 20 printers: {tool}",
@@ -140,6 +151,16 @@ def targets(figures):
     yield "ping of a silent address, ms", silent, 300, True
     yield "ping of a silent address, ms", silent, 330, False
     yield "ping of loopback, ms", real("Loopback/real_time"), 1, False
+    for ids in USB_IDS:
+        ratio = cpu(f"Enumeration/{ids}") / cpu(f"EnumerationByHand/{ids}")
+        yield f"USB: port of {ids:,} identifiers / by hand", ratio, 0.75, False
+    growth = cpu(f"Enumeration/{USB_IDS[-1]}") / cpu(f"Enumeration/{USB_IDS[0]}")
+    yield f"USB: port of {USB_IDS[-1]:,} identifiers / of one", growth, 1.30, False
+    ratio = cpu("UsbWifiScan/1") / cpu("UsbWifiScanByHand/1")
+    yield "USB: scan of 128 networks / by hand", ratio, 0.70, False
+    arrival = real("Arrival/iterations:1/real_time")
+    yield "USB: plugged in to reported, ms", arrival, 1000, True
+    yield "USB: plugged in to reported, ms", arrival, 1020, False
     for rival, limit in (("avahi-browse", 1.50), ("ippfind", 0.30)):
         for moment, what in (("first", "the first printer"), ("all", "all 20 printers")):
             ratio = None

@@ -4,6 +4,9 @@
 
 #include <utility>
 
+#include "host/common/utf8.h"
+#include "platform/PrinterUtil/PrinterUtil.h"
+
 namespace {
 
 std::vector<VendorInfo>& Given() {
@@ -34,4 +37,8 @@ bool VendorDllMgr::GetDeviceHandle(HINSTANCE& module, const std::string& moduleN
 
 void Bench::SupportVendors(std::vector<VendorInfo> vendors) {
     Given() = std::move(vendors);
+}
+
+std::string PrinterUtil::WStringToString(const std::wstring& text) {
+    return Host::ToUtf8(text);
 }

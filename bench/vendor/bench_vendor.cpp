@@ -1,6 +1,9 @@
 // A vendor with the entry points that are measured, each doing as little as can be. BENCH_CONNECTED
 // is what it says when asked whether the host is joined to its access point; 0 is yes.
 
+#include <algorithm>
+#include <array>
+
 #include "VendorSdk/entry_points.h"
 
 VENDORSDK_EXPORT(StartDeviceScan);
@@ -15,6 +18,32 @@ VENDORSDK_EXPORT(PrinterAPNetConfigEvent);
 VENDORSDK_EXPORT(IsLocalAreaNetworkOK);
 VENDORSDK_EXPORT(GetDeviceInfoByNet);
 VENDORSDK_EXPORT(IsConnectCurrentWifiAP);
+VENDORSDK_EXPORT(GetDeviceInfoByUsb);
+VENDORSDK_EXPORT(USBWifiScan);
+VENDORSDK_EXPORT(PrinterUSBNetConfigEvent);
+
+namespace {
+
+// As many as there is room for.
+const std::array<VendorSdk::DeviceInfo, 64> devices = [] {
+    std::array<VendorSdk::DeviceInfo, 64> list{};
+    list.fill({1, 2, "VNB3K12345", "bench", "Example LaserPrinter 4000 series", "", ""});
+    return list;
+}();
+const std::array<VendorSdk::WifiConfigInfo, 128> networks = [] {
+    std::array<VendorSdk::WifiConfigInfo, 128> list{};
+    list.fill({-61.5F, "Example Office 5 GHz", ""});
+    return list;
+}();
+
+template <class List, class Record>
+int Write(const List& list, Record* room, std::int32_t* count) {
+    std::copy(list.begin(), list.end(), room);
+    *count = static_cast<std::int32_t>(list.size());
+    return 0;
+}
+
+}  // namespace
 
 int StartDeviceScan(VendorSdk::DeviceCallbackInfo*) {
     return 0;
@@ -63,4 +92,18 @@ int GetDeviceInfoByNet(VendorSdk::DeviceInfo* device) {
 
 int IsConnectCurrentWifiAP() {
     return BENCH_CONNECTED;
+}
+
+int GetDeviceInfoByUsb(std::uint16_t, std::uint16_t, VendorSdk::DeviceInfo* room,
+                       std::int32_t* count) {
+    return Write(devices, room, count);
+}
+
+int USBWifiScan(const VendorSdk::DeviceInfo*, std::int32_t, VendorSdk::WifiConfigInfo* room,
+                std::int32_t* count) {
+    return Write(networks, room, count);
+}
+
+int PrinterUSBNetConfigEvent(const VendorSdk::DeviceInfo*, const VendorSdk::WifiConfigInfo*) {
+    return 0;
 }

@@ -29,7 +29,12 @@ class Report(unittest.TestCase):
                              for beside, time in (("", 100), ("ByHand", 200), ("Floor", 90))},
             "ping": {"SilentAddress/real_time": 301.5, "Loopback/real_time": 0.05},
             **{f"choice_{vendors}": {"Choice": 100, "ChoiceByHand": 100}
-               for vendors in (1, 10, 100)}}
+               for vendors in (1, 10, 100)},
+            **{f"usb_{ids}": {"Enumeration": 70, "EnumerationByHand": 100,
+                              "UsbWifiScan": 60, "UsbWifiScanByHand": 100,
+                              **{f"UsbPrinters/{printers}": 100 for printers in (10, 100, 1000)}}
+               for ids in (1, 100, 10000)},
+            "arrival": {"Arrival/iterations:1/real_time": 1001.0}}
         self.race = {tool: {"first": 1.0, "all": 1.0, "memory": 1024}
                      for tool in ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")}
         self.race["ippfind"].update(first=10.0, all=10.0)
@@ -59,7 +64,7 @@ class Report(unittest.TestCase):
         result = self.report()
         self.assertEqual(result.returncode, ALL_MET, result.stderr)
         verdicts = [line.split()[-1] for line in result.stdout.split("\n\n")[1].splitlines()]
-        self.assertEqual(verdicts, ["ok"] * 22)
+        self.assertEqual(verdicts, ["ok"] * 29)
 
     def test_a_missed_target_is_over(self):
         self.times["facade"]["Facade"] = 141
@@ -74,6 +79,20 @@ class Report(unittest.TestCase):
             result = self.report()
             self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
             self.assertRegex(result.stdout, rf"ping of a silent address, ms +{milliseconds}\.00 +{row}  over\n")
+
+    def test_an_arrival_that_is_reported_early_or_late_is_over(self):
+        for milliseconds, row in ((999, "at least 1000.00"), (1021, "at most 1020.00")):
+            self.times["arrival"]["Arrival/iterations:1/real_time"] = milliseconds
+            result = self.report()
+            self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
+            self.assertRegex(result.stdout,
+                             rf"USB: plugged in to reported, ms +{milliseconds}\.00 +{row}  over\n")
+
+    def test_many_usb_identifiers_that_cost_more_are_over(self):
+        self.times["usb_10000"]["Enumeration"] = 92
+        result = self.report()
+        self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
+        self.assertRegex(result.stdout, r"port of 10,000 identifiers / of one +1\.31 .* over\n")
 
     def test_a_missing_median_is_named(self):
         del self.times["binding"]["BindingByHand/100/real_time"]
@@ -103,7 +122,7 @@ class Report(unittest.TestCase):
         self.assertEqual([row.split("  ")[0] for row in rows],
                          [f"scan to {what} / {rival}" for rival in ("avahi-browse", "ippfind")
                           for what in ("the first printer", "all 20 printers")])
-        self.assertEqual(result.stdout.count("  ok\n"), 18)
+        self.assertEqual(result.stdout.count("  ok\n"), 25)
 
 
 if __name__ == "__main__":
