@@ -156,7 +156,7 @@ TEST_F(VendorTables, OfTheNetworkLogWhatAModuleLacksInSlotOrder) {
 }
 
 TEST_F(VendorTables, OfUsbLogWhatAModuleLacksInAnOrderOfTheirOwn) {
-    EntryOf("scripted_all", Broker::kUsbEntryPoints<UsbEntry>, &VendorInfo::vendorName);
+    EntryOf("scripted_none", Broker::kUsbEntryPoints<UsbEntry>, &VendorInfo::vendorName);
     EXPECT_THAT(TakeLines(), ElementsAre(Logged(4, "pGetDeviceInfoByUsb is nullptr, err:"),
                                          Logged(4, "pPrinterUSBNetConfigEvent is nullptr, err:"),
                                          Logged(4, "pGetUSBWifiScan is nullptr, err:"),
