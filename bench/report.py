@@ -12,8 +12,8 @@ import sys
 
 VENDORS = (1, 10, 100, 1000)
 CHOICES = (1, 10, 100)
-IDENTIFIERS = (1, 100, 10000)
-PRINTERS = (10, 100, 1000)
+USB_IDS = (1, 100, 10000)
+USB_PRINTERS = (10, 100, 1000)
 TOOLS = ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")
 
 
@@ -27,14 +27,12 @@ class Figures:
     def __init__(self, folder):
         self.folder = folder
         self.medians = {}
-        for program in ("facade", "relay", "binding", "access_point", "ping"):
+        for program in ("facade", "relay", "binding", "access_point", "ping", "arrival"):
             self.medians.update(self.medians_of(program))
-        for vendors in CHOICES:
-            self.medians.update(self.numbered("choice", vendors))
-        for identifiers in IDENTIFIERS:
-            self.medians.update(self.numbered("usb", identifiers))
-        for printers in PRINTERS:
-            self.medians.update(self.numbered("usb_printers", printers))
+        for program, sizes in (("choice", CHOICES), ("usb", USB_IDS)):
+            for size in sizes:
+                self.medians.update({f"{name}/{size}": run
+                                     for name, run in self.medians_of(f"{program}_{size}").items()})
         self.race = self.read("race") if os.path.exists(self.path("race")) else None
 
     def path(self, name):
@@ -57,11 +55,6 @@ class Figures:
         return {self.part(run, program, "run_name"): run
                 for run in self.part(self.read(program), program, "benchmarks")
                 if run.get("aggregate_name") == "median"}
-
-    def numbered(self, program, number):
-        """The medians of a program that was told a number, which goes to the names' ends."""
-        return {f"{name}/{number}": run
-                for name, run in self.medians_of(f"{program}_{number}").items()}
 
     def median(self, name, clock):
         if name not in self.medians:
@@ -121,17 +114,15 @@ def measured(figures):
     for vendors in CHOICES:
         yield f"access point: the vendor among {vendors}", nanoseconds(cpu(f"Choice/{vendors}"))
         yield "  the same by hand", nanoseconds(cpu(f"ChoiceByHand/{vendors}"))
-    for identifiers in IDENTIFIERS:
-        yield (f"USB: 64 printers of one of {identifiers:,} identifiers",
-               nanoseconds(cpu(f"UsbDevices/{identifiers}")))
-        yield "  the same by hand", nanoseconds(cpu(f"UsbDevicesByHand/{identifiers}"))
-    yield "USB: 128 networks", nanoseconds(cpu("UsbNetworks/1"))
-    yield "  the same by hand", nanoseconds(cpu("UsbNetworksByHand/1"))
-    for printers in PRINTERS:
-        yield (f"USB: {printers:,} installed on USB, {printers:,} on a network",
-               nanoseconds(cpu(f"UsbPrinters/{printers}")))
-    growth = cpu(f"UsbPrinters/{PRINTERS[-1]}") / cpu(f"UsbPrinters/{PRINTERS[0]}")
-    yield f"  growth from {PRINTERS[0]:,} to {PRINTERS[-1]:,}", f"{growth:.1f} times"
+    for ids in USB_IDS:
+        yield f"USB: a port of {ids:,} identifiers, 64 records", nanoseconds(cpu(f"Enumeration/{ids}"))
+        yield "  the same by hand", nanoseconds(cpu(f"EnumerationByHand/{ids}"))
+    yield "USB: a scan of 128 networks", nanoseconds(cpu("UsbWifiScan/1"))
+    yield "  the same by hand", nanoseconds(cpu("UsbWifiScanByHand/1"))
+    for printers in USB_PRINTERS:
+        time = cpu(f"UsbPrinters/{printers}/1")
+        yield f"USB: {printers} printers, as many on the network", nanoseconds(time)
+        yield "  each", nanoseconds(time / printers)
     for tool in TOOLS if figures.race else ():
         first, last, memory = (figures.scan(tool, what) for what in ("first", "all", "memory"))
         yield (f"scan, 20 printers: {tool}",
@@ -156,19 +147,20 @@ def targets(figures):
     for vendors in CHOICES:
         ratio = cpu(f"Choice/{vendors}") / cpu(f"ChoiceByHand/{vendors}")
         yield f"access point: vendor among {vendors} / by hand", ratio, 1.15, False
-    for identifiers in IDENTIFIERS:
-        ratio = cpu(f"UsbDevices/{identifiers}") / cpu(f"UsbDevicesByHand/{identifiers}")
-        yield f"USB: printers of {identifiers:,} / by hand", ratio, 0.75, False
-    growth = cpu(f"UsbDevices/{IDENTIFIERS[-1]}") / cpu(f"UsbDevices/{IDENTIFIERS[0]}")
-    yield f"USB: growth from {IDENTIFIERS[0]} to {IDENTIFIERS[-1]:,}", growth, 1.30, False
-    yield "USB: networks / by hand", cpu("UsbNetworks/1") / cpu("UsbNetworksByHand/1"), 0.70, False
-    plugged = real("UsbPlugToCallback/iterations:1/real_time/1")
-    yield "USB: plugged in to callback, ms", plugged, 1000, True
-    yield "USB: plugged in to callback, ms", plugged, 1020, False
     silent = real("SilentAddress/real_time")
     yield "ping of a silent address, ms", silent, 300, True
     yield "ping of a silent address, ms", silent, 330, False
     yield "ping of loopback, ms", real("Loopback/real_time"), 1, False
+    for ids in USB_IDS:
+        ratio = cpu(f"Enumeration/{ids}") / cpu(f"EnumerationByHand/{ids}")
+        yield f"USB: port of {ids:,} identifiers / by hand", ratio, 0.75, False
+    growth = cpu(f"Enumeration/{USB_IDS[-1]}") / cpu(f"Enumeration/{USB_IDS[0]}")
+    yield f"USB: port of {USB_IDS[-1]:,} identifiers / of one", growth, 1.30, False
+    ratio = cpu("UsbWifiScan/1") / cpu("UsbWifiScanByHand/1")
+    yield "USB: scan of 128 networks / by hand", ratio, 0.70, False
+    arrival = real("Arrival/iterations:1/real_time")
+    yield "USB: plugged in to reported, ms", arrival, 1000, True
+    yield "USB: plugged in to reported, ms", arrival, 1020, False
     for rival, limit in (("avahi-browse", 1.50), ("ippfind", 0.30)):
         for moment, what in (("first", "the first printer"), ("all", "all 20 printers")):
             ratio = None

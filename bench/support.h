@@ -23,9 +23,6 @@ std::string VendorModuleElsewhere();
 // A vendor named `productId` whose scan module is the file at `path`.
 VendorInfo Vendor(const std::string& productId, const std::string& path);
 
-// How many printers that module reports on USB.
-inline constexpr int kVendorDevices = 64;
-
 // The function that the module at `path` exports as `name`.
 FARPROC Symbol(const std::string& path, const char* name);
 

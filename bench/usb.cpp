@@ -1,20 +1,20 @@
-// What the USB family adds to one question to a vendor: 64 printers of one of BENCH_IDENTIFIERS
-// known hardware identifiers (an environment variable: a process binds its vendors once), 128
-// networks, BENCH_PRINTERS known printers on USB and as many on the network; and to the time from
-// "plugged in" to the application's callback.
+// What the USB family adds: to the enumeration of a port whose identifier is the last of
+// BENCH_USB_IDS listed ones (an environment variable: a process binds its vendors once), to a Wi-Fi
+// scan with as many networks as there is room for, and to the list of USB printers.
 
 #include <benchmark/benchmark.h>
 
-#include <atomic>
+#include <array>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <future>
 #include <map>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "DeviceDiscover/usb.h"
@@ -32,274 +32,235 @@ using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
 using PrinterDeviceDiscoverSdk::UsbInterfaceMonitor;
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
+using PrinterSdk::PrinterProperty;
 
-constexpr const char* kDevices = "PrinterDeviceDiscoverSdk::UsbConnInterface::GetDeviceInfoByUsb";
-constexpr const char* kNetworks = "PrinterDeviceDiscoverSdk::UsbConnInterface::GetUSBWifiScan";
-constexpr const char* kFacade = "PrinterDeviceDiscoverSdk::DiscoverUsbInterface::GetUSBWifiScan";
+constexpr const char* kEnumeration =
+    "PrinterDeviceDiscoverSdk::UsbConnInterface::GetDeviceInfoByUsb";
+constexpr const char* kScan = "PrinterDeviceDiscoverSdk::UsbConnInterface::GetUSBWifiScan";
 constexpr const char* kConversion =
     "PrinterDeviceDiscoverSdk::DiscoverBasic::GetDiscoverWifoConfigInfo";
-constexpr auto kProgress = LOG_LEVEL_WARNING;
+constexpr const char* kProductId = "bench";
+constexpr std::size_t kVendorIdAt = 4;
+constexpr std::size_t kProductIdAt = 13;
 
-struct Functions {
-    VendorSdk::GetDeviceInfoByUsbFunction* devices;
-    VendorSdk::USBWifiScanFunction* networks;
+// The tables and functions that the composition by hand looks up.
+struct ByHand {
+    std::map<std::string, std::string> products;
+    std::map<std::string, VendorSdk::GetDeviceInfoByUsbFunction*> enumerations;
+    std::map<std::string, VendorSdk::USBWifiScanFunction*> scans;
 };
-
-// The two tables that find the vendor, made by hand.
-std::map<std::string, std::string> identifiers;
-std::map<std::string, Functions> vendors;
-std::wstring soughtIdentifier;
+ByHand byHand;
+std::wstring deviceId;
 const DeviceInfo device = Bench::ExampleDevice();
-
-int CountFrom(const char* variable) {
-    const char* const text = std::getenv(variable);
-    const int count = text == nullptr ? 1 : std::atoi(text);
-    if (count < 1 || count > 0xFFFF) {
-        throw std::runtime_error(std::string(variable) + " wants a number from 1 to 65535");
-    }
-    return count;
-}
-
-std::string Identifier(int number) {
-    char text[32];
-    std::snprintf(text, sizeof text, "VID_1234&PID_%04X", static_cast<unsigned>(number));
-    return text;
-}
 
 template <class Function>
 Function* FunctionOf(const char* name) {
     return reinterpret_cast<Function*>(Bench::Symbol(Bench::VendorModule(), name));
 }
 
-void PrepareVendors() {
-    VendorInfo vendor = Bench::Vendor("bench", Bench::VendorModule());
-    const int count = CountFrom("BENCH_IDENTIFIERS");
-    for (int number = 1; number <= count; ++number) {
-        vendor.usbIdList += Identifier(number) + ' ';
-        identifiers.emplace(Identifier(number), vendor.productId);
+unsigned IdentifierCount() {
+    const char* const text = std::getenv("BENCH_USB_IDS");
+    const int count = text == nullptr ? 1 : std::atoi(text);
+    if (count < 1 || count > 0x10000) {
+        throw std::runtime_error("BENCH_USB_IDS wants a number from 1 to 65536");
     }
+    return static_cast<unsigned>(count);
+}
+
+void Prepare() {
+    VendorInfo vendor = Bench::Vendor(kProductId, Bench::VendorModule());
+    std::string id;
+    for (unsigned number = 0; number < IdentifierCount(); ++number) {
+        std::array<char, 32> text{};
+        std::snprintf(text.data(), text.size(), "VID_1234&PID_%04X", number);
+        id = text.data();
+        vendor.usbIdList += id + ' ';
+        byHand.products[id] = kProductId;
+    }
+    deviceId.assign(id.begin(), id.end());
     Bench::SupportVendors({vendor});
-    vendors["bench"] = {FunctionOf<VendorSdk::GetDeviceInfoByUsbFunction>("GetDeviceInfoByUsb"),
-                        FunctionOf<VendorSdk::USBWifiScanFunction>("USBWifiScan")};
-    const std::string sought = Identifier(count / 2 + 1 > count ? count : count / 2 + 1);
-    soughtIdentifier.assign(sought.begin(), sought.end());
+    byHand.enumerations[kProductId] =
+        FunctionOf<VendorSdk::GetDeviceInfoByUsbFunction>("GetDeviceInfoByUsb");
+    byHand.scans[kProductId] = FunctionOf<VendorSdk::USBWifiScanFunction>("USBWifiScan");
 }
 
-void PreparePrinters() {
-    const int count = CountFrom("BENCH_PRINTERS");
-    std::vector<PrinterSdk::PrinterProperty> printers;
-    // Each printer on USB is on the network too, where it is found last.
-    for (int number = 0; number < 2 * count; ++number) {
-        PrinterSdk::PrinterProperty printer;
-        const bool isUsb = number < count;
-        printer.connectType = isUsb ? PrinterSdk::kConnectTypeUsb : PrinterSdk::kConnectTypeWlan;
-        printer.serialNumber =
-            L"VNB3K" + std::to_wstring(100000 + (isUsb ? number : 2 * count - 1 - number));
-        printer.modelID = L"LaserPrinter 4000";
-        printers.push_back(printer);
-    }
-    Bench::HavePrinters(printers);
+void Enumerate() {
+    std::vector<DeviceInfo> devices;
+    benchmark::DoNotOptimize(UsbConnInterface::GetInstance().GetDeviceInfoByUsb(devices, deviceId));
+    benchmark::DoNotOptimize(devices.data());
 }
 
-// --- by hand -------------------------------------------------------------------------------------
-
-std::int32_t HexadecimalAt(const std::string& identifier, std::size_t position) {
-    std::istringstream digits(identifier.substr(position, 4));
+std::int32_t NumberAt(const std::string& id, std::size_t position) {
+    std::istringstream digits(id.substr(position, 4));
     std::int32_t number = 0;
     digits >> std::hex >> number;
     return number;
 }
 
-void LogIdsByHand(std::int32_t productId, std::int32_t vendorId) {
-    std::wstringstream line;
-    line << "pid:" << std::hex << productId << "vid" << vendorId << L"(" << kDevices << L")";
-    KzLogger::GetInstance().Log(LOG_LEVEL_DEBUG, line);
-}
-
-int GetDevicesByHand(std::vector<DeviceInfo>& devices, std::wstring deviceId) {
-    Bench::LogByHand(kProgress, kDevices, "STEP1");
-    Bench::LogByHand(kProgress, kDevices, "STEP2");
-    Bench::LogByHand(kProgress, kDevices, "deviceID:", deviceId);
-    const std::string usbId = PrinterUtil::WStringToString(deviceId);
-    Bench::LogByHand(LOG_LEVEL_DEBUG, kDevices, "usbId:", usbId.c_str());
-    const auto productId = identifiers.find(usbId);
-    const auto vendor = vendors.find(productId->second);
-    Bench::LogByHand(kProgress, kDevices, "STEP3");
-    const std::int32_t vendorNumber = HexadecimalAt(usbId, 4);
-    const std::int32_t productNumber = HexadecimalAt(usbId, 13);
-    LogIdsByHand(productNumber, vendorNumber);
+void EnumerateByHand() {
+    std::vector<DeviceInfo> devices;
+    const auto log = [](LOG_MESSAGE_LEVEL level, const char* message, const auto&... values) {
+        Bench::LogByHand(level, kEnumeration, message, values...);
+    };
+    log(LOG_LEVEL_WARNING, "STEP1");
+    log(LOG_LEVEL_WARNING, "STEP2");
+    log(LOG_LEVEL_WARNING, "deviceID:", deviceId);
+    const std::string id = PrinterUtil::WStringToString(deviceId);
+    log(LOG_LEVEL_DEBUG, "usbId:", id.c_str());
+    const auto product = byHand.products.find(id);
+    const auto enumeration = byHand.enumerations.find(product->second);
+    log(LOG_LEVEL_WARNING, "STEP3");
+    const std::int32_t vendorId = NumberAt(id, kVendorIdAt);
+    const std::int32_t productId = NumberAt(id, kProductIdAt);
+    log(LOG_LEVEL_DEBUG, "pid:", std::hex, productId, "vid", vendorId);
     VendorSdk::DeviceInfo found[64];
     std::int32_t count = 0;
-    Bench::LogByHand(kProgress, kDevices, "STEP4");
-    const int result =
-        vendor->second.devices(static_cast<std::uint16_t>(productNumber),
-                               static_cast<std::uint16_t>(vendorNumber), found, &count);
-    Bench::LogByHand(LOG_LEVEL_DEBUG, kDevices, "call Func OK", count);
+    log(LOG_LEVEL_WARNING, "STEP4");
+    enumeration->second(static_cast<std::uint16_t>(productId), static_cast<std::uint16_t>(vendorId),
+                        found, &count);
+    log(LOG_LEVEL_DEBUG, "call Func OK", count);
     for (std::int32_t number = 0; number < count; ++number) {
         DeviceInfo own;
         DiscoverBasic::GetDiscoverDeviceInfo(found[number], own);
         devices.push_back(own);
-        Bench::LogByHand(kProgress, kDevices, "STEP.....add");
+        log(LOG_LEVEL_WARNING, "STEP.....add");
     }
-    Bench::LogByHand(kProgress, kDevices, "STEP5");
-    Bench::LogByHand(kProgress, kDevices, "STEP6", devices.size());
-    return result;
+    log(LOG_LEVEL_WARNING, "STEP5");
+    log(LOG_LEVEL_WARNING, "STEP6", std::uint64_t{devices.size()});
+    benchmark::DoNotOptimize(devices.data());
 }
 
-WifiConfigInfo ConvertedByHand(const VendorSdk::WifiConfigInfo& network) {
-    WifiConfigInfo own;
-    static_assert(sizeof own == sizeof network);
-    std::memcpy(&own, &network, sizeof own);
-    Bench::LogByHand(LOG_LEVEL_WARNING, kConversion, "rssi = ", own.rssi);
-    Bench::LogByHand(LOG_LEVEL_WARNING, kConversion, "memcpy_s1 ret = ", 0);
-    Bench::LogByHand(LOG_LEVEL_WARNING, kConversion, "memcpy_s2 ret = ", 0);
-    return own;
+void Scan() {
+    std::vector<WifiConfigInfo> networks;
+    benchmark::DoNotOptimize(UsbConnInterface::GetInstance().GetUSBWifiScan(device, networks, 0));
+    benchmark::DoNotOptimize(networks.data());
 }
 
-int GetNetworksByHand(std::vector<WifiConfigInfo>& networks) {
-    Bench::LogByHand(LOG_LEVEL_DEBUG, kFacade, "deviceSN", device.deviceSN);
-    Bench::LogByHand(LOG_LEVEL_DEBUG, kFacade, "modelID", device.modelID);
-    Bench::LogByHand(kProgress, kNetworks, "STEP1");
-    Bench::LogByHand(kProgress, kNetworks, "STEP2");
-    Bench::LogByHand(LOG_LEVEL_DEBUG, kNetworks, "modeid:", device.modelID);
-    const auto vendor = vendors.find(device.modelID);
-    Bench::LogByHand(kProgress, kNetworks, "STEP3");
+void ScanByHand() {
+    std::vector<WifiConfigInfo> networks;
+    const auto log = [](LOG_MESSAGE_LEVEL level, const char* message, const auto&... values) {
+        Bench::LogByHand(level, kScan, message, values...);
+    };
+    log(LOG_LEVEL_WARNING, "STEP1");
+    log(LOG_LEVEL_WARNING, "STEP2");
+    const std::string model = device.modelID;
+    log(LOG_LEVEL_DEBUG, "modeid:", model.c_str());
+    const auto scan = byHand.scans.find(model);
+    log(LOG_LEVEL_WARNING, "STEP3");
     VendorSdk::WifiConfigInfo found[128];
     std::int32_t count = 0;
-    Bench::LogByHand(kProgress, kNetworks, "STEP4");
+    log(LOG_LEVEL_WARNING, "STEP4");
     VendorSdk::DeviceInfo vendorDevice;
     DiscoverBasic::GetVendorSdkDeviceInfo(device, vendorDevice);
-    const int result = vendor->second.networks(&vendorDevice, 0, found, &count);
-    Bench::LogByHand(LOG_LEVEL_DEBUG, kNetworks, "call Func OK", count);
+    scan->second(&vendorDevice, 0, found, &count);
+    log(LOG_LEVEL_DEBUG, "call Func OK", count);
     for (std::int32_t number = 0; number < count; ++number) {
-        Bench::LogByHand(kProgress, kNetworks, "STEP...add1");
-        const WifiConfigInfo own = ConvertedByHand(found[number]);
-        Bench::LogByHand(kProgress, kNetworks, "STEP.....add2");
-        Bench::LogByHand(kProgress, kNetworks, "STEP.....add2 ", networks.size());
+        WifiConfigInfo own{};
+        log(LOG_LEVEL_WARNING, "STEP...add1");
+        static_assert(sizeof own == sizeof found[0]);
+        std::memcpy(&own, &found[number], sizeof own);
+        Bench::LogByHand(LOG_LEVEL_WARNING, kConversion, "rssi = ", own.rssi);
+        Bench::LogByHand(LOG_LEVEL_WARNING, kConversion, "memcpy_s1 ret = ", 0);
+        Bench::LogByHand(LOG_LEVEL_WARNING, kConversion, "memcpy_s2 ret = ", 0);
+        log(LOG_LEVEL_WARNING, "STEP.....add2");
+        log(LOG_LEVEL_WARNING, "STEP.....add2 ", std::uint64_t{networks.size()});
         networks.push_back(own);
-        Bench::LogByHand(kProgress, kNetworks, "STEP.....add3");
-        Bench::LogByHand(kProgress, kNetworks, "ssid", own.ssid);
+        log(LOG_LEVEL_WARNING, "STEP.....add3");
+        log(LOG_LEVEL_WARNING, "ssid", own.ssid);
     }
-    Bench::LogByHand(kProgress, kNetworks, "STEP5");
-    Bench::LogByHand(kProgress, kNetworks, "STEP6", networks.size());
-    return result;
-}
-
-// --- what is measured ----------------------------------------------------------------------------
-
-void AskForDevices() {
-    std::vector<DeviceInfo> devices;
-    benchmark::DoNotOptimize(
-        UsbConnInterface::GetInstance().GetDeviceInfoByUsb(devices, soughtIdentifier));
-    benchmark::DoNotOptimize(devices.data());
-}
-
-void AskForDevicesByHand() {
-    std::vector<DeviceInfo> devices;
-    benchmark::DoNotOptimize(GetDevicesByHand(devices, soughtIdentifier));
-    benchmark::DoNotOptimize(devices.data());
-}
-
-void AskForNetworks() {
-    std::vector<WifiConfigInfo> networks;
-    benchmark::DoNotOptimize(
-        DiscoverUsbInterface::GetInstance().GetUSBWifiScan(device, networks, 0));
+    log(LOG_LEVEL_WARNING, "STEP5");
+    log(LOG_LEVEL_WARNING, "STEP6", std::uint64_t{networks.size()});
     benchmark::DoNotOptimize(networks.data());
 }
 
-void AskForNetworksByHand() {
-    std::vector<WifiConfigInfo> networks;
-    benchmark::DoNotOptimize(GetNetworksByHand(networks));
-    benchmark::DoNotOptimize(networks.data());
-}
-
-void UsbDevices(benchmark::State& state) {
-    for (auto _ : state) {
-        AskForDevices();
+// So many printers on USB, and as many on the network, of which every second is the same.
+void KnowPrinters(std::int64_t count) {
+    std::vector<PrinterProperty> printers;
+    for (const std::int32_t connectType :
+         {PrinterSdk::kConnectTypeUsb, PrinterSdk::kConnectTypeWlan}) {
+        for (std::int64_t number = 0; number < count; ++number) {
+            PrinterProperty& printer = printers.emplace_back();
+            printer.name = L"Example LaserPrinter 4000 series " + std::to_wstring(number);
+            printer.serialNumber = L"VNB3K1" + std::to_wstring(100000 + number * connectType);
+            printer.modelID = L"Example LaserPrinter 4000";
+            printer.connectType = connectType;
+        }
     }
+    Bench::KnowPrinters(std::move(printers));
 }
-BENCHMARK(UsbDevices);
 
-void UsbDevicesByHand(benchmark::State& state) {
-    for (auto _ : state) {
-        AskForDevicesByHand();
-    }
-}
-BENCHMARK(UsbDevicesByHand);
-
-void UsbNetworks(benchmark::State& state) {
-    for (auto _ : state) {
-        AskForNetworks();
-    }
-}
-BENCHMARK(UsbNetworks);
-
-void UsbNetworksByHand(benchmark::State& state) {
-    for (auto _ : state) {
-        AskForNetworksByHand();
-    }
-}
-BENCHMARK(UsbNetworksByHand);
-
-void UsbPrinters(benchmark::State& state) {
-    for (auto _ : state) {
-        std::vector<DeviceUsbInfo> printers;
-        benchmark::DoNotOptimize(
-            DiscoverUsbInterface::GetInstance().GetDeviceNoConfigNet(printers));
-        benchmark::DoNotOptimize(printers.data());
-    }
-}
-BENCHMARK(UsbPrinters);
-
-std::promise<void> firstReport;
-std::atomic<int> reports{0};
+std::promise<void>* reported = nullptr;
 
 int OnDevice(const DeviceInfo*) {
-    if (reports++ == 0) {
-        firstReport.set_value();
+    if (auto* const waiting = std::exchange(reported, nullptr)) {
+        waiting->set_value();
     }
     return 0;
 }
 
-// From the notification to the first of the vendor's records, in the time on the clock.
-void UsbPlugToCallback(benchmark::State& state) {
+void Enumeration(benchmark::State& state) {
+    for (auto _ : state) {
+        Enumerate();
+    }
+}
+BENCHMARK(Enumeration);
+
+void EnumerationByHand(benchmark::State& state) {
+    for (auto _ : state) {
+        EnumerateByHand();
+    }
+}
+BENCHMARK(EnumerationByHand);
+
+void UsbWifiScan(benchmark::State& state) {
+    for (auto _ : state) {
+        Scan();
+    }
+}
+BENCHMARK(UsbWifiScan);
+
+void UsbWifiScanByHand(benchmark::State& state) {
+    for (auto _ : state) {
+        ScanByHand();
+    }
+}
+BENCHMARK(UsbWifiScanByHand);
+
+void UsbPrinters(benchmark::State& state) {
+    KnowPrinters(state.range(0));
+    for (auto _ : state) {
+        std::vector<DeviceUsbInfo> devices;
+        DiscoverUsbInterface::GetInstance().GetDeviceNoConfigNet(devices);
+        benchmark::DoNotOptimize(devices.data());
+    }
+}
+BENCHMARK(UsbPrinters)->Arg(10)->Arg(100)->Arg(1000);
+
+// From the moment a printer is plugged in to the first call of the application.
+void Arrival(benchmark::State& state) {
     UsbInterfaceMonitor& monitor = UsbInterfaceMonitor::GetInstance();
     monitor.SetDeviceStateCallbackInfo({OnDevice, 0});
-    firstReport = {};
-    reports = 0;
     for (auto _ : state) {
-        monitor.CallBackFunc({}, PrinterUsbApiStruct::DEVICE_STATE_ARRIVED, soughtIdentifier);
-        firstReport.get_future().wait();
-    }
-    while (reports < Bench::kVendorDevices) {
-        std::this_thread::yield();
+        std::promise<void> waiting;
+        reported = &waiting;
+        monitor.CallBackFunc({}, PrinterUsbApiStruct::DEVICE_STATE_ARRIVED, deviceId);
+        waiting.get_future().wait();
+        // The other records of the same arrival are not this one's any more.
+        state.PauseTiming();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        state.ResumeTiming();
     }
     monitor.ClearDeviceStateCallbackInfo();
 }
-BENCHMARK(UsbPlugToCallback)->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
-
-void RequireMatches() {
-    std::vector<DeviceUsbInfo> printers;
-    DiscoverUsbInterface::GetInstance().GetDeviceNoConfigNet(printers);
-    for (const DeviceUsbInfo& printer : printers) {
-        if (!printer.isNetConfigured) {
-            throw std::runtime_error("a printer's match was not found");
-        }
-    }
-    if (printers.size() != static_cast<std::size_t>(CountFrom("BENCH_PRINTERS"))) {
-        throw std::runtime_error("printers are missing");
-    }
-}
+BENCHMARK(Arrival)->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace
 
 int main(int argc, char** argv) {
     return Bench::Run(argc, argv, [] {
-        PrepareVendors();
-        PreparePrinters();
-        AskForDevices();  // binds
-        Bench::RequireSameLines(AskForDevices, AskForDevicesByHand);
-        Bench::RequireSameLines(AskForNetworks, AskForNetworksByHand);
-        RequireMatches();
+        Prepare();
+        Enumerate();  // binds
+        Bench::RequireSameLines(Enumerate, EnumerateByHand);
+        Bench::RequireSameLines(Scan, ScanByHand);
     });
 }

@@ -4,30 +4,23 @@
 
 namespace {
 
-class List : public PrinterSdk::PrinterListProvider {
-public:
-    void GetPrinterList(std::vector<PrinterSdk::PrinterProperty>& printers) override {
-        printers.insert(printers.end(), given.begin(), given.end());
-    }
+using PrinterSdk::PrinterProperty;
 
-    std::vector<PrinterSdk::PrinterProperty> given;
-};
-
-// An adapter for its list only.
-class Adapter : public PrinterSdk::IPrinterAdapter {
+class Adapter : public PrinterSdk::IPrinterAdapter, public PrinterSdk::PrinterListProvider {
 public:
     int Open() override { return 0; }
     int Close() override { return 0; }
     PrinterSdk::IPrintCap* GetPrintCap(const wchar_t*) override { return nullptr; }
     PrinterSdk::IScanCap* GetScanCap(const wchar_t*) override { return nullptr; }
     PrinterSdk::ICopyCap* GetCopyCap(const wchar_t*) override { return nullptr; }
-    PrinterSdk::PrinterListProvider* GetPrinterListProvider() override { return &list; }
+    PrinterSdk::PrinterListProvider* GetPrinterListProvider() override { return this; }
+    void GetPrinterList(std::vector<PrinterProperty>& list) override { list = printers; }
 
-    List list;
+    std::vector<PrinterProperty> printers;
 };
 
 Adapter& TheAdapter() {
-    static Adapter* const adapter = new Adapter;
+    static auto* const adapter = new Adapter;
     return *adapter;
 }
 
@@ -37,6 +30,6 @@ PrinterSdk::IPrinterAdapter& PrinterSdk::IPrinterAdapter::GetInstance() {
     return TheAdapter();
 }
 
-void Bench::HavePrinters(std::vector<PrinterSdk::PrinterProperty> printers) {
-    TheAdapter().list.given = std::move(printers);
+void Bench::KnowPrinters(std::vector<PrinterProperty> printers) {
+    TheAdapter().printers = std::move(printers);
 }

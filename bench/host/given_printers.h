@@ -7,6 +7,6 @@
 namespace Bench {
 
 // Makes these the printers that the adapter knows.
-PRINTERADAPTER_API void HavePrinters(std::vector<PrinterSdk::PrinterProperty> printers);
+PRINTERADAPTER_API void KnowPrinters(std::vector<PrinterSdk::PrinterProperty> printers);
 
 }  // namespace Bench

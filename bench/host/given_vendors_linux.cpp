@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "host/common/utf8.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
 
 namespace {
@@ -34,16 +35,10 @@ bool VendorDllMgr::GetDeviceHandle(HINSTANCE& module, const std::string& moduleN
     return true;
 }
 
-// The benchmarks' texts are ASCII.
-std::string PrinterUtil::WStringToString(const std::wstring& text) {
-    std::string narrow;
-    narrow.reserve(text.size());
-    for (const wchar_t character : text) {
-        narrow += static_cast<char>(character);
-    }
-    return narrow;
-}
-
 void Bench::SupportVendors(std::vector<VendorInfo> vendors) {
     Given() = std::move(vendors);
+}
+
+std::string PrinterUtil::WStringToString(const std::wstring& text) {
+    return Host::ToUtf8(text);
 }

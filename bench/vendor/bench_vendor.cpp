@@ -1,7 +1,8 @@
 // A vendor with the entry points that are measured, each doing as little as can be. BENCH_CONNECTED
 // is what it says when asked whether the host is joined to its access point; 0 is yes.
 
-#include <cstring>
+#include <algorithm>
+#include <array>
 
 #include "VendorSdk/entry_points.h"
 
@@ -23,9 +24,24 @@ VENDORSDK_EXPORT(PrinterUSBNetConfigEvent);
 
 namespace {
 
-const VendorSdk::DeviceInfo device{631, 1, "VNB3K12345", "bench", "Example LaserPrinter 4000",
-                                   "",  ""};
-const VendorSdk::WifiConfigInfo network{-61.5F, "Example Office 5 GHz", ""};
+// As many as there is room for.
+const std::array<VendorSdk::DeviceInfo, 64> devices = [] {
+    std::array<VendorSdk::DeviceInfo, 64> list{};
+    list.fill({1, 2, "VNB3K12345", "bench", "Example LaserPrinter 4000 series", "", ""});
+    return list;
+}();
+const std::array<VendorSdk::WifiConfigInfo, 128> networks = [] {
+    std::array<VendorSdk::WifiConfigInfo, 128> list{};
+    list.fill({-61.5F, "Example Office 5 GHz", ""});
+    return list;
+}();
+
+template <class List, class Record>
+int Write(const List& list, Record* room, std::int32_t* count) {
+    std::copy(list.begin(), list.end(), room);
+    *count = static_cast<std::int32_t>(list.size());
+    return 0;
+}
 
 }  // namespace
 
@@ -78,20 +94,14 @@ int IsConnectCurrentWifiAP() {
     return BENCH_CONNECTED;
 }
 
-int GetDeviceInfoByUsb(std::uint16_t, std::uint16_t, VendorSdk::DeviceInfo* devices,
+int GetDeviceInfoByUsb(std::uint16_t, std::uint16_t, VendorSdk::DeviceInfo* room,
                        std::int32_t* count) {
-    for (*count = 0; *count < 64; ++*count) {
-        std::memcpy(&devices[*count], &device, sizeof device);
-    }
-    return 0;
+    return Write(devices, room, count);
 }
 
-int USBWifiScan(const VendorSdk::DeviceInfo*, std::int32_t, VendorSdk::WifiConfigInfo* networks,
+int USBWifiScan(const VendorSdk::DeviceInfo*, std::int32_t, VendorSdk::WifiConfigInfo* room,
                 std::int32_t* count) {
-    for (*count = 0; *count < 128; ++*count) {
-        std::memcpy(&networks[*count], &network, sizeof network);
-    }
-    return 0;
+    return Write(networks, room, count);
 }
 
 int PrinterUSBNetConfigEvent(const VendorSdk::DeviceInfo*, const VendorSdk::WifiConfigInfo*) {

@@ -1,6 +1,9 @@
 #include "host/PrinterDiscoverAPI/usb_monitor.h"
 
+#include <algorithm>
+#include <chrono>
 #include <exception>
+#include <new>
 #include <utility>
 
 #include "host/PrinterDiscoverAPI/diagnostics.h"
@@ -12,6 +15,7 @@ namespace {
 
 constexpr int kStarted = 0;
 constexpr int kNotStarted = -1;
+constexpr std::chrono::milliseconds kMemoryPause{100};
 
 void LogProblem(const std::string& problem) {
     Host::Report(LOG_LEVEL_ERROR, L"USB monitor: " + Host::FromUtf8(problem),
@@ -93,17 +97,25 @@ std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun() {
 }
 
 void UsbMonitor::Watch(Run& run) {
-    for (;;) {
-        const UsbEvent event = run.events->Wait();
-        if (event.kind == UsbEvent::Kind::interrupted) {
-            return;
-        }
-        for (const UsbChange& change : ChangesBy(run, event)) {
-            if (!Deliver(run, change)) {
-                return;
-            }
+    for (bool goesOn = true; goesOn;) {
+        try {
+            goesOn = TakeEvent(run);
+        } catch (const std::bad_alloc&) {
+            // An event is lost, and there is no memory to say so; the process goes on.
+            std::this_thread::sleep_for(kMemoryPause);
         }
     }
+}
+
+// Waits for an event and reports what it has changed; false when the run is over.
+bool UsbMonitor::TakeEvent(Run& run) {
+    const UsbEvent event = run.events->Wait();
+    if (event.kind == UsbEvent::Kind::interrupted) {
+        return false;
+    }
+    const std::vector<UsbChange> changes = ChangesBy(run, event);
+    return std::all_of(changes.begin(), changes.end(),
+                       [&](const UsbChange& change) { return Deliver(run, change); });
 }
 
 std::vector<UsbChange> UsbMonitor::ChangesBy(Run& run, const UsbEvent& event) {

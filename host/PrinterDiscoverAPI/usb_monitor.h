@@ -40,6 +40,7 @@ private:
 
     std::shared_ptr<Run> NewRun();
     void Watch(Run& run);
+    bool TakeEvent(Run& run);
     std::vector<UsbChange> ChangesBy(Run& run, const UsbEvent& event);
     bool Deliver(const Run& run, const UsbChange& change);
     bool IsInsideReport() const;

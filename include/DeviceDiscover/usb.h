@@ -2,20 +2,29 @@
 
 // Printers on USB: which are there, which are plugged in, and putting one of them on a network.
 //
-// DiscoverUsbInterface is the way in. UsbConnInterface chooses the vendor: a printer that is only
-// known by the hardware identifier of its port through the identifiers that the application's
-// vendors list, one that has a record by its model id. UsbInterfaceMonitor turns "plugged in" into
-// complete records. Nothing happens before the first call, which loads the vendors' modules;
-// everything lives until the process ends.
+// DiscoverUsbInterface is the way in: it logs each call with its key inputs, the pass phrase among
+// them. UsbConnInterface chooses the vendor: a printer that is only known by the hardware
+// identifier of its port goes by the identifiers that the application's vendors list, one that has
+// a record by its model id. UsbInterfaceMonitor turns "plugged in" into complete records. Nothing
+// happens before the first call that needs a vendor, which loads the vendors' modules; everything
+// lives until the process ends.
 //
 // Results, unless said otherwise:
 //    0  success
 //   -1  nothing could be called: no vendor for the identifier or the device, or its module
 //       lacks the entry point
-//   -2  not initialised: the application named no vendor, or one without USB identifiers
+//   -2  not initialised: the application named no vendor, or one without USB identifiers (see
+//       UsbConnInterface::Init)
 //   any other value is the vendor's own
 // Failures are logged and returned. What can be thrown is the standard library's own: out of
-// memory, std::system_error when a thread is not to be had, and std::out_of_range where said.
+// memory, and std::out_of_range where said. When a thread is not to be had for a printer that was
+// plugged in, std::system_error goes to the device manager that reported it.
+//
+// Every operation may be called from any thread, but for UsbConnInterface::Init, and for the start
+// and the stop of the monitor, which belong on one thread. An operation that asks a vendor waits
+// for it. Printers that were plugged in a moment ago may still be reported while the process ends:
+// an application whose callback stands on objects of its own stops the monitor before they go, and
+// lets its callbacks end.
 
 #include <cstddef>
 #include <cstdint>
@@ -52,28 +61,32 @@ static_assert(offsetof(DeviceUsbInfo, extra1) == 100 && offsetof(DeviceUsbInfo, 
 static_assert(offsetof(DeviceUsbInfo, extra3) == 196);
 static_assert(offsetof(DeviceUsbInfo, isNetConfigured) == 228);
 
-// The way in. Start and stop of the monitor are meant for one thread; the others are for any.
+// The way in.
 class DEVICEDISCOVER_API DiscoverUsbInterface {
 public:
     static DiscoverUsbInterface& GetInstance();
     ~DiscoverUsbInterface();
 
-    // Reports each printer that is plugged in from now on: about a second after it was, with one
-    // call of info.callback a record, on a thread of its own and possibly on several at once. A
-    // further start replaces the registration. Always 0.
+    // Reports each printer that is plugged in from now on: a second after it was, when it has had
+    // time to get ready, with one call of info.callback for each record that its vendor gives. Each
+    // printer has a thread of its own, so that calls may come at the same time; what they return is
+    // ignored, and they must not throw. A further start replaces the registration. Always 0, also
+    // when the device manager cannot watch, which only its own log tells.
     int StartDeviceMonitor(const DeviceCallbackInfo& info);
 
-    // Ends the reports: what a thread still has to report is dropped. Always 0.
+    // Ends the reports: what a thread still has to report is dropped. A call of the callback that
+    // has begun goes to its end, and may do so after this returns. Always 0.
     int StopDeviceMonitor();
 
     // Appends the USB printers that the application's printer adapter knows, each marked whether
-    // one with the same serial number is known over WLAN too. A serial number of 64 characters or a
-    // model of 32 does not fit and leaves its field empty; fields that the adapter does not know
-    // are zero. Always 0.
+    // one with the same serial number is known over WLAN too; two without a serial number are the
+    // same. A serial number of 64 characters or a model of 32 does not fit and leaves its field
+    // empty; fields that the adapter does not know are zero. Asks no vendor. Always 0.
     int GetDeviceNoConfigNet(std::vector<DeviceUsbInfo>& devices);
 
-    // Appends the records of the printers on the host's USB printer ports. 0 when at least one
-    // port's vendor answered, else -1. Throws std::out_of_range as UsbConnInterface does.
+    // Appends the records of the printers on the host's USB printer ports, in the order of their
+    // identifiers. 0 when at least one port's vendor succeeded, else -1, also when there is no
+    // port. Throws std::out_of_range as UsbConnInterface does.
     int GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices);
 
     // Hands the printer a network's name and pass phrase. The pass phrase is written to the log:
@@ -107,8 +120,9 @@ public:
     static UsbConnInterface& GetInstance();
 
     // Reads the application's vendor list again and adds the vendors and identifiers that are not
-    // yet known; false when the list is empty or one vendor has no USB identifiers. Not to be
-    // called while another operation of this class runs.
+    // yet known; false when the list is empty or one vendor has no USB identifiers, and then the
+    // identifiers of those after it are not read. This is how an application goes on after -2, once
+    // it has its vendors. Not to be called while another operation of this class runs.
     bool Init();
 
     // Appends the records of the printers of one hardware identifier, VID_vvvv&PID_pppp exactly as
@@ -154,7 +168,8 @@ public:
     // Forgets the application's callback; threads that still wait find nobody to report to.
     void ClearDeviceStateCallbackInfo();
 
-    // Takes one change from the device manager and returns at once. Always 0.
+    // Takes one change from the device manager, of which only an arrival counts, and returns at
+    // once. Always 0.
     int CallBackFunc(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state,
                      const std::wstring& deviceId);
 

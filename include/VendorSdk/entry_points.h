@@ -68,17 +68,19 @@ using IsConnectCurrentWifiAPFunction = int();
 // --- USB ----------------------------------------------------------------------------------------
 
 // Writes the records of the attached printers of that product and vendor id to `devices`, which has
-// room for 64, and their number to `count`, which is 0 at first. 0: success.
+// room for 64, and their number to `count`, which is 0 at first. Every field of a record is
+// written; a number beyond 64 counts as none at all. 0: success, also without a printer.
 using GetDeviceInfoByUsbFunction = int(std::uint16_t productId, std::uint16_t vendorId,
                                        DeviceInfo* devices, std::int32_t* count);
 
 // Writes the Wi-Fi networks that the printer sees to `networks`, which has room for 128, and their
-// number to `count`, which is 0 at first. `option` comes from the application as it stands. 0:
-// success.
+// number to `count`, which is 0 at first; a number beyond 128 counts as none at all. `option` comes
+// from the application as it stands. 0: success, also without a network.
 using USBWifiScanFunction = int(const DeviceInfo* device, std::int32_t option,
                                 WifiConfigInfo* networks, std::int32_t* count);
 
-// Hands a printer on USB a network name and pass phrase. 0: success.
+// Hands a printer on USB a network name and pass phrase. 0: success; another result is logged, and
+// reaches the application as -1.
 using PrinterUSBNetConfigEventFunction = int(const DeviceInfo* device,
                                              const WifiConfigInfo* network);
 

@@ -48,7 +48,8 @@ int DescribePrinters(std::uint16_t productId, std::uint16_t vendorId,
 int DescribeNetworks(int weakest, VendorSdk::WifiConfigInfo* networks, std::int32_t& count) {
     const auto current = CurrentNetwork(kPatienceForCurrent);
     const auto inRange = NetworksInRange(kPatienceForNetworks);
-    if (!inRange) {
+    // A service that hangs may also end in no networks.
+    if (!inRange || (inRange->empty() && !current)) {
         ReportProblem("the host's Wi-Fi service does not answer");
         return kNoWifiAnswer;
     }

@@ -46,7 +46,7 @@ constexpr int kNoResources = 19;   // the process has no thread or memory left
 // GetDeviceInfoByUsb
 constexpr int kNoAccess = 20;     // no rights to the device
 constexpr int kBusy = 21;         // another program has the device
-constexpr int kNoUsbAnswer = 22;  // the device does not answer, or USB cannot be looked at
+constexpr int kNoUsbAnswer = 22;  // the device does not answer, or libusb does not work
 
 // The USB entry points
 constexpr int kNoRecord = 23;  // no record, or no room for the answer

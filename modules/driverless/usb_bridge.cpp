@@ -138,7 +138,7 @@ BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
     }
     if (likely.size() > 1) {
         return Nothing(kSeveralAlike, "several printers on USB are like " + name +
-                                          ", and none of them says its serial number");
+                                          ", and no serial number tells them apart");
     }
     return {kOk, likely.front()};
 }

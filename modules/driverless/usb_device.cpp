@@ -18,7 +18,7 @@ constexpr std::uint8_t kPrinterRequest = static_cast<std::uint8_t>(LIBUSB_ENDPOI
                                          static_cast<std::uint8_t>(LIBUSB_RECIPIENT_INTERFACE);
 constexpr std::uint8_t kDeviceRequest = LIBUSB_ENDPOINT_IN;
 
-// No answer is longer: its own length has two bytes in a device id, and one in a string.
+// More than any device id needs.
 constexpr std::size_t kLongestAnswer = 4096;
 
 struct FreeConfiguration {

@@ -3,10 +3,14 @@
 
 #include "vendor/vendor_table.h"
 
+#include <atomic>
+#include <chrono>
 #include <cstddef>
+#include <thread>
 
 #include "DeviceDiscover/scan.h"
 #include "tests/support/broker_test.h"
+#include "vendor/table_gate.h"
 
 namespace {
 
@@ -152,7 +156,7 @@ TEST_F(VendorTables, OfTheNetworkLogWhatAModuleLacksInSlotOrder) {
 }
 
 TEST_F(VendorTables, OfUsbLogWhatAModuleLacksInAnOrderOfTheirOwn) {
-    EntryOf("scripted_all", Broker::kUsbEntryPoints<UsbEntry>, &VendorInfo::vendorName);
+    EntryOf("scripted_none", Broker::kUsbEntryPoints<UsbEntry>, &VendorInfo::vendorName);
     EXPECT_THAT(TakeLines(), ElementsAre(Logged(4, "pGetDeviceInfoByUsb is nullptr, err:"),
                                          Logged(4, "pPrinterUSBNetConfigEvent is nullptr, err:"),
                                          Logged(4, "pGetUSBWifiScan is nullptr, err:"),
@@ -248,6 +252,48 @@ TEST_F(Release, CanBeFollowedByBindingAgain) {
     EXPECT_EQ(table.at("alpha").StopDeviceScan(), 0);
     Broker::ReleaseVendors(table);
     EXPECT_EQ(ScriptedVendors::ReleaseAll("scripted_all"), 0);
+}
+
+TEST(TableGate, LetsAnyoneInUntilItIsClosed) {
+    Broker::TableGate gate;
+    {
+        const Broker::TableUse first(gate);
+        const Broker::TableUse second(gate);
+        EXPECT_TRUE(first);
+        EXPECT_TRUE(second);
+    }
+    gate.Close();
+    EXPECT_FALSE(Broker::TableUse(gate));
+    EXPECT_FALSE(Broker::TableUse(gate));
+    gate.Close();
+}
+
+TEST(TableGate, IsClosedOnceNobodyIsInside) {
+    Broker::TableGate gate;
+    std::atomic<bool> inside{false};
+    std::atomic<bool> left{false};
+    std::thread user([&] {
+        const Broker::TableUse use(gate);
+        EXPECT_TRUE(use);
+        inside = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        left = true;
+    });
+    while (!inside) {
+        std::this_thread::yield();
+    }
+    gate.Close();
+    EXPECT_TRUE(left);
+    user.join();
+}
+
+TEST(TableGate, DoesNotWaitForEverForAThreadThatTheSystemHasEnded) {
+    Broker::TableGate gate;
+    const Broker::TableUse neverLeaves(gate);
+    const auto start = std::chrono::steady_clock::now();
+    gate.Close();
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
+    EXPECT_FALSE(Broker::TableUse(gate));
 }
 
 }  // namespace

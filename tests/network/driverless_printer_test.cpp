@@ -41,6 +41,8 @@ TEST(Describe, PrefersTheSerialNumberThenTheDeviceIdThenTheUuidThenTheName) {
     EXPECT_EQ(Describe(Ipp(), At(), attributes).serialNumber, "S1");
     attributes.serialNumber.clear();
     EXPECT_EQ(Describe(Ipp(), At(), attributes).serialNumber, "S2");
+    attributes.deviceId = "SERN:S3;";
+    EXPECT_EQ(Describe(Ipp(), At(), attributes).serialNumber, "S3");
     attributes.deviceId.clear();
     EXPECT_EQ(Describe(Ipp(), At(), attributes).serialNumber, kUuid);
     EXPECT_EQ(Describe(Ipp(), At({{"uuid", kUuid}}), {}).serialNumber, kUuid);

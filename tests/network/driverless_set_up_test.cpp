@@ -207,6 +207,16 @@ TEST(OfferedNetworks, LeaveOutPrintersOwn) {
     EXPECT_EQ(Names(offered.Take({{"HomeNet", 50}}, "HomeNet")), "HomeNet ");
 }
 
+TEST(StrongestOf, LeavesOutTheWeakAndTheWeakest) {
+    const Networks networks{{"A", 50}, {"B", 70}, {"C", 50}, {"D", 0}};
+    EXPECT_EQ(Names(StrongestOf(networks, 0, 9)), "B A C D ");
+    EXPECT_EQ(Names(StrongestOf(networks, -1, 9)), "B A C D ");
+    EXPECT_EQ(Names(StrongestOf(networks, 50, 9)), "B A C ");
+    EXPECT_EQ(Names(StrongestOf(networks, 51, 9)), "B ");
+    EXPECT_EQ(Names(StrongestOf(networks, 0, 2)), "B A ");
+    EXPECT_EQ(Names(StrongestOf(networks, 101, 9)), "");
+}
+
 int Ignore(const VendorSdk::WifiConfigInfo*) {
     return 0;
 }

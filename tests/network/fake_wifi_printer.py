@@ -1,9 +1,10 @@
-"""A printer in its own network that behaves as a test wants it to. Writes one line an event:
+"""A printer in its own network, or behind a bridge for USB, that behaves as a test wants it to. Writes one line an event:
 "ready", "given NAME PASS-PHRASE tls|plain" in hexadecimal digits, "vanishes".
 
-usage: fake_wifi_printer.py [--address ADDRESS] [--behaviour BEHAVIOUR] [--certificate FILE]
-                            [--state NUMBER] [--network NAME] [--without-tls BEHAVIOUR]
-                            [--over-tls BEHAVIOUR]
+usage: fake_wifi_printer.py [--address ADDRESS] [--port PORT] [--behaviour BEHAVIOUR]
+                            [--certificate FILE] [--state NUMBER] [--network NAME]
+                            [--without-tls BEHAVIOUR] [--over-tls BEHAVIOUR]
+                            [--serial NUMBER] [--model NAME] [--uuid UUID]
 
 behaviours: joins (default), hesitates (keeps its old state and network for a moment, then joins),
 stays (takes the settings, and keeps its state and network), leaves (goes when it has taken them,
@@ -36,6 +37,15 @@ class Printer:
         self.network = options.network.encode()
 
     def attributes(self):
+        return self.identity() + self.wifi()
+
+    def identity(self):
+        known = ((TEXT, "printer-serial-number", self.options.serial),
+                 (TEXT, "printer-make-and-model", self.options.model),
+                 (URI, "printer-uuid", self.options.uuid and "urn:uuid:" + self.options.uuid))
+        return b"".join(attribute(tag, name, text.encode()) for tag, name, text in known if text)
+
+    def wifi(self):
         if self.options.behaviour == "no-wifi":
             return b""
         uris = [b"ipp://printer/ipp/print"]
@@ -135,6 +145,7 @@ def serve_quietly(*arguments):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--address", default="")
+    parser.add_argument("--port", type=int, default=631)
     parser.add_argument("--behaviour", default="joins")
     parser.add_argument("--certificate")
     parser.add_argument("--state", type=int, default=4)
@@ -142,13 +153,16 @@ def main():
     parser.add_argument("--without-tls", choices=["answers", "closes", "waits", "late"],
                         default="answers")
     parser.add_argument("--over-tls", choices=["answers", "waits"], default="answers")
+    parser.add_argument("--serial")
+    parser.add_argument("--model")
+    parser.add_argument("--uuid")
     options = parser.parse_args()
     certificate = None
     if options.certificate:
         certificate = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
         certificate.load_cert_chain(options.certificate)
     printer = Printer(options)
-    listener = socket.create_server((options.address, 631))
+    listener = socket.create_server((options.address, options.port))
     print("ready", flush=True)
     while True:
         try:

@@ -1,7 +1,7 @@
-// Drives the entry points for a printer's own network, for the network tests: through the broker
-// or, with --module, a module's directly. Takes one JSON object a line from standard input and
-// writes one a line: what was reported, what was returned, and the seconds that it took. Bytes are
-// hexadecimal digits.
+// Drives the entry points for a printer's own network, and for one on USB, for the network tests:
+// through the broker or, with --module, a module's directly. Takes one JSON object a line from
+// standard input and writes one a line: what was reported, what was returned, and the seconds that
+// it took. Bytes are hexadecimal digits.
 //
 //   {"do": "connected"}     IsConnectCurrentWifiAP; --module only
 //   {"do": "describe"}      GetDeviceInfoByNet, into a record of which every byte is ff
@@ -10,6 +10,9 @@
 //   {"do": "start"}, {"do": "stop"}     StartAPWifiScan, with --module on a thread of its own, and
 //                                       StopAPWifiScan
 //   {"do": "callback-sleeps", "milliseconds": N}          how long the callback takes from now on
+//   {"do": "usb-configure", "serial": TEXT, "model": TEXT, "place": TEXT, "name": HEX,
+//    "passPhrase": HEX}     PrinterUSBNetConfigEvent
+//   {"do": "usb-networks", "option": N}                   USBWifiScan
 //   {"do": "exit"}          leaves main, in the middle of whatever runs
 
 #include <dlfcn.h>
@@ -26,6 +29,7 @@
 #include <span>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "VendorSdk/entry_points.h"
@@ -103,7 +107,36 @@ struct Operations {
     std::function<int(WifiConfigInfo&)> configure;
     std::function<int(DeviceInfo&)> present;
     std::function<int(DeviceInfo&)> describe;
+    std::function<int(const DeviceInfo&, const WifiConfigInfo&)> configureOverUsb;
+    std::function<int(const DeviceInfo&, int, std::vector<WifiConfigInfo>&)> networksOverUsb;
 };
+
+template <typename To, typename From>
+To As(const From& from) {
+    To to;
+    static_assert(sizeof to == sizeof from);
+    std::memcpy(&to, &from, sizeof to);
+    return to;
+}
+
+void AddUsbOfBroker(Operations& operations) {
+    using Facade = PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
+    using Device = PrinterDeviceDiscoverSdk::DeviceInfo;
+    using Network = PrinterDeviceDiscoverSdk::WifiConfigInfo;
+    operations.configureOverUsb = [](const DeviceInfo& device, const WifiConfigInfo& network) {
+        return Facade::GetInstance().SetDeviceAPNetConfigByUsb(As<Device>(device),
+                                                               As<Network>(network));
+    };
+    operations.networksOverUsb = [](const DeviceInfo& device, int option,
+                                    std::vector<WifiConfigInfo>& networks) {
+        std::vector<Network> found;
+        const int result = Facade::GetInstance().GetUSBWifiScan(As<Device>(device), found, option);
+        for (const Network& network : found) {
+            networks.push_back(As<WifiConfigInfo>(network));
+        }
+        return result;
+    };
+}
 
 Operations OfBroker() {
     using Facade = PrinterDeviceDiscoverSdk::DiscoverNetConnInterface;
@@ -130,6 +163,7 @@ Operations OfBroker() {
         PrinterDeviceDiscoverSdk::DiscoverBasic::GetVendorSdkDeviceInfo(own, device);
         return result;
     };
+    AddUsbOfBroker(operations);
     return operations;
 }
 
@@ -141,6 +175,26 @@ Function* EntryPoint(void* module, const char* name) {
         std::exit(3);
     }
     return reinterpret_cast<Function*>(symbol);
+}
+
+void AddUsbOfModule(Operations& operations, void* module) {
+    using namespace VendorSdk;
+    const auto configure =
+        EntryPoint<PrinterUSBNetConfigEventFunction>(module, "PrinterUSBNetConfigEvent");
+    const auto scan = EntryPoint<USBWifiScanFunction>(module, "USBWifiScan");
+    operations.configureOverUsb = [configure](const DeviceInfo& device,
+                                              const WifiConfigInfo& network) {
+        return configure(&device, &network);
+    };
+    operations.networksOverUsb = [scan](const DeviceInfo& device, int option,
+                                        std::vector<WifiConfigInfo>& networks) {
+        networks.resize(128);
+        std::memset(networks.data(), 0xFF, networks.size() * sizeof networks[0]);
+        std::int32_t count = 0;
+        const int result = scan(&device, option, networks.data(), &count);
+        networks.resize(static_cast<std::size_t>(count));
+        return result;
+    };
 }
 
 Operations OfModule(const char* path) {
@@ -169,6 +223,7 @@ Operations OfModule(const char* path) {
     operations.configure = [configure](WifiConfigInfo& network) { return configure(&network); };
     operations.present = [present](DeviceInfo& device) { return present(&device); };
     operations.describe = [describe](DeviceInfo& device) { return describe(&device); };
+    AddUsbOfModule(operations, module);
     return operations;
 }
 
@@ -205,6 +260,38 @@ Json Present(const Operations& operations, const Json& command) {
     return {{"result", operations.present(device)}};
 }
 
+template <std::size_t size>
+void PutText(char (&field)[size], const Json& command, const char* key) {
+    command.value(key, std::string()).copy(field, size - 1);
+}
+
+Json ConfigureOverUsb(const Operations& operations, const Json& command) {
+    DeviceInfo device{};
+    PutText(device.deviceSN, command, "serial");
+    PutText(device.extra1, command, "model");
+    PutText(device.extra2, command, "place");
+    device.code2 = 5;
+    std::strcpy(device.modelID, "driverless");
+    WifiConfigInfo network{};
+    PutHex(network.ssid, command.at("name"));
+    PutHex(network.pwd, command.at("passPhrase"));
+    return {{"result", operations.configureOverUsb(device, network)}};
+}
+
+Json NetworksOverUsb(const Operations& operations, const Json& command) {
+    DeviceInfo device{};
+    std::strcpy(device.modelID, "driverless");
+    std::vector<WifiConfigInfo> found;
+    const int result = operations.networksOverUsb(device, command.at("option"), found);
+    Json networks = Json::array();
+    for (const WifiConfigInfo& network : found) {
+        networks.push_back(
+            {network.ssid, network.rssi,
+             Hex(std::span(network.ssid).subspan(std::strlen(network.ssid))) + Hex(network.pwd)});
+    }
+    return {{"result", result}, {"networks", networks}};
+}
+
 void Obey(const Operations& operations, const Json& command) {
     const std::string what = command.at("do");
     const auto begin = std::chrono::steady_clock::now();
@@ -217,6 +304,10 @@ void Obey(const Operations& operations, const Json& command) {
         event = Configure(operations, command);
     } else if (what == "present") {
         event = Present(operations, command);
+    } else if (what == "usb-configure") {
+        event = ConfigureOverUsb(operations, command);
+    } else if (what == "usb-networks") {
+        event = NetworksOverUsb(operations, command);
     } else if (what == "stop") {
         event["result"] = operations.stop();
     } else if (what == "start") {

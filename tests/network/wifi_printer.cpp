@@ -2,12 +2,12 @@
 // writes one line an event to standard output: "ready", "given NAME PASS-PHRASE" in hexadecimal
 // digits, "state NUMBER". It must run in network and UTS namespaces of its own.
 //
-// usage: wifi_printer FOLDER ADDRESS [--beside-bridge] [--tls] [--refuses] [--joins-in MS]
-//                     [--network NAME=PASS-PHRASE ...]
+// usage: wifi_printer FOLDER ADDRESS [--port PORT] [--serial NUMBER] [--beside-bridge] [--tls]
+//                     [--refuses] [--joins-in MS] [--network NAME=PASS-PHRASE ...]
 //
-// Who asks at ADDRESS, port 631, reaches the printer through a bridge on the printer itself, as
-// over USB: it is trusted. With --beside-bridge it is reached directly, and trusts nobody. The
-// networks are those in its range; it is given others in vain.
+// Who asks at ADDRESS, port 631 or PORT, reaches the printer through a bridge on the printer
+// itself, as over USB: it is trusted. With --beside-bridge it is reached directly, and trusts
+// nobody but this host itself. The networks are those in its range; it is given others in vain.
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -29,12 +29,13 @@
 
 namespace {
 
-constexpr int kPort = 631;
 constexpr int kHiddenPort = 8631;
 
 struct Options {
     std::string folder;
     std::string address;
+    int port = 631;
+    std::string serialNumber = "RADIO1";
     bool besideBridge = false;
     bool tls = false;
     bool refuses = false;
@@ -184,11 +185,11 @@ void Bridge(int outside) {
     close(outside);
 }
 
-void OpenBridge(const std::string& address) {
+void OpenBridge(const std::string& address, int port) {
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const int yes = 1;
     setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    const sockaddr_in place = At(address.c_str(), kPort);
+    const sockaddr_in place = At(address.c_str(), port);
     if (bind(listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
         listen(listener, 16) != 0) {
         std::perror("wifi_printer: bridge");
@@ -217,7 +218,8 @@ Options Parse(int count, char** arguments) {
     options.address = arguments[2];
     for (int i = 3; i < count; ++i) {
         const std::string argument = arguments[i];
-        const bool takesValue = argument == "--joins-in" || argument == "--network";
+        const bool takesValue = argument == "--joins-in" || argument == "--network" ||
+                                argument == "--port" || argument == "--serial";
         if (takesValue && ++i == count) {
             BadUsage(argument + " needs a value");
         }
@@ -228,6 +230,10 @@ Options Parse(int count, char** arguments) {
             options.tls = true;
         } else if (argument == "--refuses") {
             options.refuses = true;
+        } else if (argument == "--port") {
+            options.port = std::stoi(value);
+        } else if (argument == "--serial") {
+            options.serialNumber = value;
         } else if (argument == "--joins-in") {
             options.joinsIn = std::chrono::milliseconds(std::stol(value));
         } else if (argument == "--network") {
@@ -244,7 +250,7 @@ pappl_system_t* NewSystem(const Options& options) {
     static const char log[] = "-";
     const pappl_soptions_t choices = options.tls ? PAPPL_SOPTIONS_NONE : PAPPL_SOPTIONS_NO_TLS;
     pappl_system_t* const system = papplSystemCreate(
-        choices, "Acme Radio", options.besideBridge ? kPort : kHiddenPort, nullptr,
+        choices, "Acme Radio", options.besideBridge ? options.port : kHiddenPort, nullptr,
         options.folder.c_str(), log, PAPPL_LOGLEVEL_INFO, nullptr, false);
     if (system == nullptr) {
         std::perror("wifi_printer: system");
@@ -266,9 +272,10 @@ int main(int count, char** arguments) {
     // Keys are made here, not in the machine's own folder.
     setenv("CUPS_SERVERROOT", radio.options.folder.c_str(), 1);
     pappl_system_t* const system = NewSystem(radio.options);
-    pappl_printer_t* const printer =
-        papplPrinterCreate(system, 0, "Acme Radio Laser", "acme",
-                           "MFG:Acme;MDL:Radio Laser;CMD:ACME;SN:RADIO1;", "file:///dev/null");
+    const std::string deviceId =
+        "MFG:Acme;MDL:Radio Laser;CMD:ACME;SN:" + radio.options.serialNumber + ";";
+    pappl_printer_t* const printer = papplPrinterCreate(system, 0, "Acme Radio Laser", "acme",
+                                                        deviceId.c_str(), "file:///dev/null");
     if (printer == nullptr) {
         std::perror("wifi_printer: printer");
         return 1;
@@ -276,7 +283,7 @@ int main(int count, char** arguments) {
     // Nobody sees it on a network before it is on one.
     papplPrinterSetDNSSDName(printer, nullptr);
     if (!radio.options.besideBridge) {
-        OpenBridge(radio.options.address);
+        OpenBridge(radio.options.address, radio.options.port);
     }
     std::thread([system] {
         while (!papplSystemIsRunning(system)) {

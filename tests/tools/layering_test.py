@@ -41,6 +41,15 @@ class Layering(unittest.TestCase):
         self.assertEqual(self.check("scan/x.cpp", '#include "host/PrinterUtil/vendor_list.h"\n'),
                          ["scan/x.cpp: scan/ must not include host/PrinterUtil/vendor_list.h"])
 
+    def test_the_adapter_may_include_the_interface_it_implements_and_no_other(self):
+        for name in ("printer_sdk.h", "usb.h"):
+            self.write(f"include/DeviceDiscover/{name}", "#pragma once\n")
+        name = "host/PrinterAdapter/x.cpp"
+        self.assertEqual(self.check(name, '#include "DeviceDiscover/printer_sdk.h"\n'), [])
+        self.assertEqual(self.check(name, '#include "DeviceDiscover/usb.h"\n'),
+                         [f"{name}: host/PrinterAdapter/ must not include "
+                          "include/DeviceDiscover/usb.h"])
+
     def test_headers_of_one_system_are_named(self):
         for header in ("windows.h", "Windows.h", "winsock2.h", "shellapi.h", "unistd.h", "dlfcn.h",
                        "pthread.h", "sys/stat.h", "linux/if.h", "signal.h", "poll.h"):

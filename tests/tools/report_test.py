@@ -30,12 +30,11 @@ class Report(unittest.TestCase):
             "ping": {"SilentAddress/real_time": 301.5, "Loopback/real_time": 0.05},
             **{f"choice_{vendors}": {"Choice": 100, "ChoiceByHand": 100}
                for vendors in (1, 10, 100)},
-            **{f"usb_{identifiers}": {
-                "UsbDevices": 100, "UsbDevicesByHand": 200, "UsbNetworks": 100,
-                "UsbNetworksByHand": 200, "UsbPlugToCallback/iterations:1/real_time": 1001}
-               for identifiers in (1, 100, 10000)},
-            **{f"usb_printers_{printers}": {"UsbPrinters": printers}
-               for printers in (10, 100, 1000)}}
+            **{f"usb_{ids}": {"Enumeration": 70, "EnumerationByHand": 100,
+                              "UsbWifiScan": 60, "UsbWifiScanByHand": 100,
+                              **{f"UsbPrinters/{printers}": 100 for printers in (10, 100, 1000)}}
+               for ids in (1, 100, 10000)},
+            "arrival": {"Arrival/iterations:1/real_time": 1001.0}}
         self.race = {tool: {"first": 1.0, "all": 1.0, "memory": 1024}
                      for tool in ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")}
         self.race["ippfind"].update(first=10.0, all=10.0)
@@ -81,13 +80,19 @@ class Report(unittest.TestCase):
             self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
             self.assertRegex(result.stdout, rf"ping of a silent address, ms +{milliseconds}\.00 +{row}  over\n")
 
-    def test_a_plugged_in_printer_that_is_told_of_early_or_late_is_over(self):
+    def test_an_arrival_that_is_reported_early_or_late_is_over(self):
         for milliseconds, row in ((999, "at least 1000.00"), (1021, "at most 1020.00")):
-            self.times["usb_1"]["UsbPlugToCallback/iterations:1/real_time"] = milliseconds
+            self.times["arrival"]["Arrival/iterations:1/real_time"] = milliseconds
             result = self.report()
             self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
             self.assertRegex(result.stdout,
-                             rf"USB: plugged in to callback, ms +{milliseconds}\.00 +{row}  over\n")
+                             rf"USB: plugged in to reported, ms +{milliseconds}\.00 +{row}  over\n")
+
+    def test_many_usb_identifiers_that_cost_more_are_over(self):
+        self.times["usb_10000"]["Enumeration"] = 92
+        result = self.report()
+        self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
+        self.assertRegex(result.stdout, r"port of 10,000 identifiers / of one +1\.31 .* over\n")
 
     def test_a_missing_median_is_named(self):
         del self.times["binding"]["BindingByHand/100/real_time"]
