@@ -69,6 +69,13 @@ constexpr KnownResult kKnownResults[] = {
      "network that the printer was put on"},
     {18, "the printer's record has no serial number. Name it: `devicediscover ap check SERIAL`"},
     {19, "no thread or memory was left. Close other programs, and try again"},
+    {20,
+     "no rights to the device. Run this as root, or become a member of the group lp, and try "
+     "again"},
+    {21, "another program keeps the printer to itself. Wait for it to end, or end it"},
+    {22,
+     "the device does not answer. Unplug it, plug it in again, and see whether it is switched on"},
+    {23, "no room was given for what was found"},
 };
 
 int OnNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network) {

@@ -1,5 +1,6 @@
 #include "app/cancellation.h"
 
+#include "app/arrival_list.h"
 #include "app/interrupt.h"
 #include "app/network_list.h"
 #include "app/printer_list.h"
@@ -12,6 +13,7 @@ void CancelOnInterrupt() {
         NotifyOnInterrupt([] {
             PrinterList::GetInstance().Cancel();
             NetworkList::GetInstance().Cancel();
+            ArrivalList::GetInstance().Cancel();
             Cancellation::GetInstance().Cancel();
         });
     });

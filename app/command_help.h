@@ -12,6 +12,7 @@ inline constexpr const char* kApplication = R"(Examples:
   devicediscover scan --json --watch      one JSON object a line, until Ctrl-C
   devicediscover state CN12345678         would that printer take a job?
   devicediscover vendors                  what can each vendor's modules do?
+  devicediscover usb ports                which printers are plugged in?
   devicediscover setup                    put a new printer on your Wi-Fi network
 `devicediscover COMMAND --help` has more on each command.
 
@@ -167,13 +168,81 @@ Exit status 1: the printer is not on the local network.
 
 )";
 
+inline constexpr const char* kUsb = R"(Examples:
+  devicediscover usb list                 which of them is not on the network?
+  devicediscover usb ports                what is plugged in?
+  devicediscover usb watch                what is plugged in from now on?
+  devicediscover usb networks CN12345678  which networks does that one see?
+  devicediscover usb configure CN12345678 --network Office
+`devicediscover usb COMMAND --help` has more on each. `devicediscover setup
+--usb` puts a printer on the network and finds it there.
+
+)";
+
+inline constexpr const char* kUsbList = R"(Examples:
+  devicediscover usb list
+  devicediscover usb list --json | jq 'select(.onNetwork == false)'
+
+The USB printers that are installed on this computer, plugged in or not: serial
+number, model, and whether the printer is on the network too, so that this
+computer has it twice. - and null: not known. Elsewhere than on a terminal these
+are separated by tabs. Exit status 1: none is installed.
+
+)";
+
+inline constexpr const char* kUsbPorts = R"(Examples:
+  devicediscover usb ports
+  devicediscover usb ports --json | jq -r .serialNumber
+
+Serial number, make and model, place on USB, and vendor, as the printer's vendor
+reports them.
+Printers that are plugged in and that no vendor reports are named on standard
+error, with the USB identifier to put into the vendor list. Exit status 1: none
+is plugged in that a vendor reports.
+
+)";
+
+inline constexpr const char* kUsbWatch = R"(Examples:
+  devicediscover usb watch                until Ctrl-C
+  devicediscover usb watch --seconds 60
+  devicediscover usb watch --json | jq -r .serialNumber
+
+Each printer about a second after it is plugged in: the time, serial number,
+make and model, place on USB, and vendor. One that is plugged in again is shown again; those
+that were there before are not. Exit status 1: none was plugged in.
+
+)";
+
+inline constexpr const char* kUsbNetworks = R"(Examples:
+  devicediscover usb networks CN12345678
+  devicediscover usb networks --json | jq -r .network
+
+The signal is as the printer's vendor measures it. Exit status 1: no network, or
+no such printer.
+
+)";
+
+inline constexpr const char* kUsbConfigure = R"(Examples:
+  devicediscover usb configure CN12345678 --network Office
+  devicediscover usb configure --network Office --pass-phrase-file office.txt
+  devicediscover usb configure --network Guests --open
+
+Exit status 1: the printer was not put on the network, or there is no such
+printer.
+
+)";
+
 inline constexpr const char* kSetup = R"(Examples:
   devicediscover setup                    asks for network and pass phrase
   devicediscover setup --network Office --pass-phrase-file office.txt --json
   devicediscover setup --no-rejoin        this computer is on that network anyway
+  devicediscover setup --usb              the printer is on a USB cable
+  devicediscover setup --usb CN12345678   this one of them
 
-Join this computer to the new printer's own network first: `devicediscover wifi
-list` shows it, `devicediscover wifi join NAME` joins it. The steps are: which
+Without --usb, join this computer to the new printer's own network first:
+`devicediscover wifi list` shows it, `devicediscover wifi join NAME` joins it.
+With --usb plug the printer in; this computer stays on its network, which should
+be the one that the printer is to be on. The steps are: which
 printer; which network, picked from a list on a terminal; its pass phrase;
 putting the printer on it; joining this computer to it; finding the printer
 there. Should one fail, it says what to do. Ctrl-C ends it between and within

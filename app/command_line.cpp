@@ -17,6 +17,7 @@
 #include "app/scan_command.h"
 #include "app/setup_command.h"
 #include "app/state_command.h"
+#include "app/usb_command.h"
 #include "app/vendors_command.h"
 #include "app/wifi_command.h"
 
@@ -155,6 +156,9 @@ struct Options {
     SetupOptions setup;
     ScanOptions networkScan;
     CheckOptions check;
+    ScanOptions usbWatch{std::chrono::duration<double>(kLongest), true};
+    UsbNetworksOptions usbNetworks;
+    UsbConfigureOptions usbConfigure;
     PassPhraseOptions passPhrase;
     std::string network;
     std::string address;
@@ -232,16 +236,86 @@ void AddAccessPointCommands(Commands& commands, Options& all) {
         ->needs(serial);
 }
 
+void AddUsbSerialNumber(CLI::App& command, std::string& serialNumber) {
+    command
+        .add_option("SERIAL", serialNumber,
+                    "The printer's serial number; not needed where\nonly one is plugged in")
+        ->check([](const std::string& text) -> std::string {
+            return text.empty() ? "the serial number is empty; leave it out for the only printer"
+                                : "";
+        });
+}
+
+void AddUsbWatch(CLI::App& usb, Commands& commands, Options& all) {
+    CLI::App& watch = commands.Add(usb, "watch", "Show printers as they are plugged in.",
+                                   WithStatuses(Help::kUsbWatch),
+                                   [&] { return UsbWatch(all.settings, all.usbWatch); });
+    watch
+        .add_option_function<double>(
+            "--seconds",
+            [&all](const double& seconds) {
+                all.usbWatch = {std::chrono::duration<double>(seconds), false};
+            },
+            "How long to watch, from 0.1 to 86400 (default: until Ctrl-C)")
+        ->type_name("N")
+        ->check(CheckSeconds);
+}
+
+void AddUsbCommands(Commands& commands, Options& all) {
+    CLI::App& usb = commands.Group("usb", "Printers on USB.", Help::kUsb);
+    commands.Add(usb, "list", "Show the USB printers of this computer.",
+                 WithStatuses(Help::kUsbList), [&] { return UsbList(all.settings); });
+    commands.Add(usb, "ports", "Show the printers that are plugged in.",
+                 WithStatuses(Help::kUsbPorts), [&] { return UsbPorts(all.settings); });
+    AddUsbWatch(usb, commands, all);
+    CLI::App& networks =
+        commands.Add(usb, "networks", "Show the networks that a printer on USB can be put on.",
+                     WithStatuses(Help::kUsbNetworks),
+                     [&] { return UsbNetworks(all.settings, all.usbNetworks); });
+    AddUsbSerialNumber(networks, all.usbNetworks.serialNumber);
+    networks
+        .add_option(
+            "--option", all.usbNetworks.option,
+            "A whole number for the printer's vendor (default 0);\nfor driverless the weakest "
+            "signal to show, up to 100")
+        ->type_name("N")
+        ->check([](const std::string& text) -> std::string {
+            int number = 0;
+            return CLI::detail::lexical_cast(text, number) ? ""
+                                                           : "'" + text + "' is no whole number";
+        });
+    CLI::App& configure =
+        commands.Add(usb, "configure", "Put a printer on USB on a network.",
+                     std::string(Help::kUsbConfigure) + Help::kPassPhrase + Help::kExitStatuses,
+                     [&] { return UsbConfigure(all.settings, all.usbConfigure); });
+    AddUsbSerialNumber(configure, all.usbConfigure.serialNumber);
+    AddNetworkName(configure, "--network", all.usbConfigure.network, "The network's name");
+    configure.get_option("--network")->required();
+    AddPassPhrase(configure, all.usbConfigure.passPhrase);
+}
+
 void AddSetupCommand(CLI::App& app, Commands& commands, Options& all) {
     CLI::App& setup =
         commands.Add(app, "setup", "Put a new printer on a Wi-Fi network, and find it there.",
                      std::string(Help::kPassPhrase) + Help::kSetup,
                      [&] { return Setup(all.settings, all.setup); });
+    setup
+        .add_option_function<std::string>(
+            "--usb",
+            [&all](const std::string& serialNumber) {
+                all.setup.usb = true;
+                all.setup.usbSerialNumber = serialNumber;
+            },
+            "The printer is on USB, not on Wi-Fi; its serial\nnumber where more than one is "
+            "plugged in")
+        ->expected(0, 1)
+        ->type_name("[SERIAL]");
     AddNetworkName(setup, "--network", all.setup.network, "The network to put the printer on");
     AddPassPhrase(setup, all.setup.passPhrase);
     AddFlag(setup, "--no-rejoin", all.setup.noRejoin, "Do not join this computer to that network");
     AddSeconds(setup, "--timeout", all.setup.timeout, "How long to look for the printer there");
     AddSeconds(setup, "--seconds", all.setup.listTime, "How long to look for networks");
+    setup.get_option("--seconds")->excludes("--usb");
 }
 
 // The innermost command that was named, and the words that name it.
@@ -350,6 +424,7 @@ ExitStatus RunCommandLine(std::vector<std::string> arguments) {
     AddPrinterCommands(app, commands, options);
     AddWifiCommands(app, commands, options);
     AddAccessPointCommands(commands, options);
+    AddUsbCommands(commands, options);
     AddSetupCommand(app, commands, options);
 
     try {

@@ -1,5 +1,7 @@
 #include "app/json_output.h"
 
+#include <fmt/chrono.h>
+
 #include <array>
 #include <nlohmann/json.hpp>
 
@@ -15,7 +17,7 @@ std::string Line(const Json& object) {
 
 // The kind of service. What its number stands for is each vendor's own affair; it is known of one.
 Json Service(const Printer& printer) {
-    constexpr std::array names{"ipp", "ipps", "pdl-datastream", "printer"};
+    constexpr std::array names{"ipp", "ipps", "pdl-datastream", "printer", "usb"};
     const bool named =
         printer.vendor == "driverless" && printer.service >= 1 && printer.service <= names.size();
     return named ? Json(names[printer.service - 1U]) : Json(printer.service);
@@ -42,6 +44,13 @@ Json ModuleObject(const ModuleSurvey& module) {
             {"loaded", module.IsLoaded()},
             {"problem", module.IsLoaded() ? Json() : Json(module.problem)},
             {"entryPoints", entryPoints}};
+}
+
+Json UsbPrinterObject(const UsbPrinter& printer) {
+    return {{"serialNumber", printer.serialNumber},
+            {"makeAndModel", printer.makeAndModel},
+            {"place", printer.address},
+            {"vendor", printer.vendor}};
 }
 
 }  // namespace
@@ -103,6 +112,30 @@ std::string CheckJson(const Printer& printer, int result) {
     object["onLocalNetwork"] = result == 0;
     object["result"] = result;
     return Line(object);
+}
+
+std::string InstalledPrinterJson(const InstalledPrinter& printer) {
+    return Line({{"serialNumber", printer.serialNumber},
+                 {"model", printer.model},
+                 {"onNetwork", printer.isOnNetwork ? Json(*printer.isOnNetwork) : Json()}});
+}
+
+std::string UsbPrinterJson(const UsbPrinter& printer) {
+    return Line(UsbPrinterObject(printer));
+}
+
+std::string ArrivalJson(const Arrival& arrival) {
+    const std::time_t time = std::chrono::system_clock::to_time_t(arrival.time);
+    Json object{{"time", fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(time))}};
+    object.update(UsbPrinterObject(arrival.printer));
+    return Line(object);
+}
+
+std::string UsbConfigureJson(const UsbPrinter& printer, const std::string& network, int result) {
+    return Line({{"serialNumber", printer.serialNumber},
+                 {"network", network},
+                 {"configured", result == 0},
+                 {"result", result}});
 }
 
 std::string StepJson(const StepEvent& event) {

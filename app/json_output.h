@@ -7,6 +7,7 @@
 #include "app/host_wifi.h"
 #include "app/network.h"
 #include "app/printer.h"
+#include "app/usb_printer.h"
 #include "app/vendor_survey.h"
 #include "host/PrinterUtil/vendor_list.h"
 
@@ -26,6 +27,11 @@ std::string JoinJson(const std::string& network, bool joined);
 std::string PingJson(const std::string& address, bool answers);
 std::string ConfigureJson(const std::string& network, int result);
 std::string CheckJson(const Printer& printer, int result);
+
+std::string InstalledPrinterJson(const InstalledPrinter& printer);
+std::string UsbPrinterJson(const UsbPrinter& printer);
+std::string ArrivalJson(const Arrival& arrival);
+std::string UsbConfigureJson(const UsbPrinter& printer, const std::string& network, int result);
 
 // One event of a journey: how a step stands, and what is known by then.
 struct StepEvent {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
-#include <vector>
 
 #include "app/access_point_printer.h"
 #include "app/cancellation.h"
@@ -23,6 +22,7 @@ namespace App {
 namespace {
 
 using Clock = NetworkList::Clock;
+using NetworkSource = std::function<std::vector<Network>()>;
 
 // Whether the printer's vendor looks for networks; otherwise this computer's own list will do.
 bool Start(const Settings& settings, std::optional<NetworkScanSession>& session) {
@@ -36,26 +36,8 @@ bool Start(const Settings& settings, std::optional<NetworkScanSession>& session)
     }
 }
 
-std::vector<Network> SeenByPrinter(const Settings& settings, std::chrono::duration<double> time) {
-    NetworkList& list = NetworkList::GetInstance();
-    std::optional<NetworkScanSession> session;
-    if (!Start(settings, session)) {
-        return {};
-    }
-    StatusLine status(settings, {});
-    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
-    constexpr auto tick = std::chrono::milliseconds(200);
-    while (Clock::now() < end) {
-        list.WaitForNews(std::min(end, Clock::now() + tick));
-        Cancellation::GetInstance().Check();
-        status.Draw(ScanStatus<Network>(list.GetItems().size(), false, end));
-    }
-    session->Stop();
-    return list.GetItems();
-}
-
 // The names, in the order of the networks, each once.
-std::vector<std::string> NamesToOffer(const Settings& settings, std::chrono::duration<double> time,
+std::vector<std::string> NamesToOffer(const Settings& settings, const NetworkSource& seenByPrinter,
                                       const std::string& leftOut) {
     std::vector<std::string> names;
     const auto add = [&](const std::string& name) {
@@ -64,7 +46,7 @@ std::vector<std::string> NamesToOffer(const Settings& settings, std::chrono::dur
             names.push_back(name);
         }
     };
-    for (const Network& network : SeenByPrinter(settings, time)) {
+    for (const Network& network : seenByPrinter()) {
         add(network.name);
     }
     if (names.empty()) {
@@ -126,10 +108,10 @@ std::optional<std::string> Pick(const Settings& settings, const std::vector<std:
 
 }  // namespace
 
-std::string ChooseNetwork(const Settings& settings, std::chrono::duration<double> time,
+std::string ChooseNetwork(const Settings& settings, const NetworkSource& seenByPrinter,
                           const std::string& leftOut) {
     for (;;) {
-        const std::vector<std::string> names = NamesToOffer(settings, time, leftOut);
+        const std::vector<std::string> names = NamesToOffer(settings, seenByPrinter, leftOut);
         if (!names.empty()) {
             WriteList(settings, names);
         }
@@ -137,6 +119,25 @@ std::string ChooseNetwork(const Settings& settings, std::chrono::duration<double
             return *picked;
         }
     }
+}
+
+std::vector<Network> SeenFromAccessPoint(const Settings& settings,
+                                         std::chrono::duration<double> time) {
+    NetworkList& list = NetworkList::GetInstance();
+    std::optional<NetworkScanSession> session;
+    if (!Start(settings, session)) {
+        return {};
+    }
+    StatusLine status(settings, {});
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
+    constexpr auto tick = std::chrono::milliseconds(200);
+    while (Clock::now() < end) {
+        list.WaitForNews(std::min(end, Clock::now() + tick));
+        Cancellation::GetInstance().Check();
+        status.Draw(ScanStatus<Network>(list.GetItems().size(), false, end));
+    }
+    session->Stop();
+    return list.GetItems();
 }
 
 }  // namespace App

@@ -27,12 +27,18 @@ bool CanBeAsked(const std::string& productId) {
     });
 }
 
+// A printer on this computer's USB may be announced by this computer itself.
+bool IsElsewhere(const Printer& printer) {
+    return !printer.address.starts_with("127.");
+}
+
 // Where it may be: a printer may move, and others may have its serial number.
 std::vector<Printer> Candidates(const Printer& wanted) {
     std::vector<Printer> printers = PrinterList::GetInstance().GetLatestFirst();
     const auto others =
         std::remove_if(printers.begin(), printers.end(), [&](const Printer& printer) {
-            return printer.vendor != wanted.vendor || printer.serialNumber != wanted.serialNumber;
+            return printer.vendor != wanted.vendor || printer.serialNumber != wanted.serialNumber ||
+                   !IsElsewhere(printer);
         });
     printers.erase(others, printers.end());
     return printers;

@@ -9,11 +9,11 @@
 #include "app/cancellation.h"
 #include "app/host_wifi.h"
 #include "app/messages.h"
-#include "app/network_choice.h"
 #include "app/printer_search.h"
 #include "app/problem.h"
 #include "app/prompt.h"
 #include "app/setup_progress.h"
+#include "app/setup_route.h"
 
 namespace App {
 
@@ -21,12 +21,6 @@ namespace {
 
 constexpr int kJoinAttempts = 3;
 constexpr auto kJoinPause = std::chrono::seconds(2);
-
-// Why a step failed, and how to go on.
-struct StepFailed {
-    std::string problem;
-    std::optional<int> result;
-};
 
 std::string NameOf(const Printer& printer) {
     return fmt::format("{}, serial number {}",
@@ -48,7 +42,11 @@ std::string PlacesOf(const std::vector<Printer>& printers) {
 class Journey {
 public:
     Journey(const Settings& appSettings, const SetupOptions& setupOptions)
-        : settings(appSettings), options(setupOptions), progress(appSettings) {}
+        : settings(appSettings),
+          options(setupOptions),
+          progress(appSettings),
+          route(setupOptions.usb ? UsbRoute(appSettings, setupOptions.usbSerialNumber)
+                                 : AccessPointRoute(appSettings, setupOptions.listTime)) {}
 
     ExitStatus Run();
 
@@ -67,6 +65,7 @@ private:
     const Settings& settings;
     const SetupOptions& options;
     SetupProgress progress;
+    const std::unique_ptr<SetupRoute> route;
 };
 
 ExitStatus Journey::Run() {
@@ -102,19 +101,7 @@ void Journey::Steps() {
 
 Printer Journey::WhichPrinter() {
     progress.Begin(SetupStep::Printer);
-    const DeviceAnswer answer = AskForDevice(settings);
-    if (answer.result != 0) {
-        throw StepFailed{Explanation(settings, answer.result, "GetDeviceInfoByNet") +
-                             "\nThen start the set-up again; nothing was changed.",
-                         answer.result};
-    }
-    Printer printer(answer.device);
-    if (printer.serialNumber.empty()) {
-        throw StepFailed{
-            "the printer tells no serial number, and could not be found again afterwards.\n"
-            "`devicediscover ap configure` puts it on a network all the same.",
-            std::nullopt};
-    }
+    const Printer printer = route->FindPrinter();
     StepEvent event;
     event.printers = {printer};
     progress.Done(fmt::format("{}, vendor {}", NameOf(printer), printer.vendor), event);
@@ -125,7 +112,7 @@ std::string Journey::WhichNetwork() {
     progress.Begin(SetupStep::Network);
     std::string network = options.network;
     if (network.empty()) {
-        network = ChooseNetwork(settings, options.listTime, CurrentAccessPoint(settings).network);
+        network = route->PickNetwork();
     }
     if (network.empty()) {
         throw StepFailed{"no network was picked.\nName it with --network NAME.", std::nullopt};
@@ -146,15 +133,12 @@ std::shared_ptr<Secret> Journey::WhichPassPhrase(const std::string& network) {
 
 void Journey::Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase) {
     progress.Begin(SetupStep::Configure);
-    const int result = ConfigureNetwork(settings, network, passPhrase);
+    const int result = route->Configure(network, passPhrase);
     if (result != 0) {
-        throw StepFailed{
-            fmt::format("the printer was not put on {}: {}\nCheck the network's name and pass "
-                        "phrase, join the printer's own network again should this computer\nhave "
-                        "left it, and start the set-up again. {}",
-                        network, Explanation(settings, result, "PrinterAPNetConfigEvent"),
-                        AdviceToReadLog()),
-            result};
+        const SetupRoute::Failure failure = route->ExplainConfigure(result);
+        throw StepFailed{fmt::format("the printer was not put on {}: {}\n{} {}", network,
+                                     failure.why, failure.advice, AdviceToReadLog()),
+                         result};
     }
     StepEvent event;
     event.network = network;
@@ -167,6 +151,10 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Secret>& 
     progress.Begin(SetupStep::Rejoin);
     if (options.noRejoin) {
         progress.Skipped("Left out, as asked for");
+        return;
+    }
+    if (!route->LeavesNetwork()) {
+        progress.Skipped("This computer stays on the network it is on");
         return;
     }
     if (!Join(network, passPhrase)) {
@@ -245,8 +233,8 @@ void RequirePick(const Settings& settings) {
     const std::string obstacle = ObstacleToAsking(settings);
     if (!obstacle.empty()) {
         throw WrongInput("there is no terminal to pick the network on: " + obstacle +
-                         "\nName it with --network NAME; `devicediscover ap scan` shows which "
-                         "there are.");
+                         "\nName it with --network NAME; `devicediscover ap scan` and "
+                         "`devicediscover usb networks` show\nwhich there are.");
     }
 }
 

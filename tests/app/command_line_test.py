@@ -39,7 +39,7 @@ class CommandLine(AppTest):
         self.assertEqual(result.output, f"devicediscover {app_test.VERSION}\n")
 
     def test_a_command_is_needed(self):
-        self.assert_refused(saying="scan, state, vendors, wifi, ping, ap or setup")
+        self.assert_refused(saying="scan, state, vendors, wifi, ping, ap, usb or setup")
         self.assert_refused("search", saying="no command or option 'search'")
         self.assert_refused("scan", "state", saying="state")
 

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/network.h"
+#include "app/secret.h"
+#include "app/settings.h"
+#include "app/usb_printer.h"
+
+namespace App {
+
+// The USB printers that are installed on the host. This and the others may take a while, and throw
+// Interrupted.
+std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings);
+
+// The printers that are plugged in.
+struct PluggedPrinters {
+    std::vector<UsbPrinter> printers;  // as their vendors report them
+    std::vector<std::string>
+        problems;  // a line for each port whose printers are not all among them
+};
+
+// Throws Problem when no printer on USB could be reached at all.
+PluggedPrinters PrintersPluggedIn(const Settings& settings);
+
+// Says why no printer is shown, and what to do.
+std::string NoneIsPluggedIn(const PluggedPrinters& plugged);
+
+// Why a printer cannot be talked to, and what to do.
+struct NoUsbPrinter {
+    std::string reason;
+};
+
+// The printer with that serial number, as it is or as a table shows it; where it is empty, the only
+// one that is plugged in. Throws NoUsbPrinter, WrongInput when it has to be named, and as
+// PrintersPluggedIn.
+UsbPrinter FindPluggedIn(const Settings& settings, const std::string& serialNumber);
+
+// The networks that the printer sees. `option` goes to its vendor as it stands.
+struct NetworksAnswer {
+    int result;  // 0: success
+    std::vector<Network> networks;
+};
+NetworksAnswer NetworksSeenBy(const Settings& settings, const UsbPrinter& printer, int option);
+
+// Puts the printer on a network; 0: success.
+int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
+                     const std::string& network, const std::shared_ptr<Secret>& passPhrase);
+
+// What it means that the entry point's result was not 0, and how to go on where that is known.
+// Throws Problem when no vendor could have been asked at all.
+std::string UsbExplanation(const UsbPrinter& printer, int result, const std::string& entryPoint);
+
+}  // namespace App

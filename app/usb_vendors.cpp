@@ -1,0 +1,168 @@
+#include "app/usb_vendors.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <optional>
+#include <sstream>
+
+#include "DeviceDiscover/DeviceDiscover.h"
+#include "app/access_point_printer.h"
+#include "app/problem.h"
+#include "app/vendor_survey.h"
+#include "host/PrinterUtil/vendor_list.h"
+#include "platform/PrinterUtil/PrinterUtil.h"
+
+namespace App {
+
+namespace {
+
+using PrinterDeviceDiscoverSdk::DeviceInfo;
+using PrinterDeviceDiscoverSdk::UsbConnInterface;
+using PrinterUtil::WStringToString;
+
+constexpr int kNothingToCall = -1;
+
+// As the broker reads them: only blanks separate.
+std::vector<std::string> UsbIdsOf(const VendorInfo& vendor) {
+    std::vector<std::string> usbIds;
+    std::istringstream text(vendor.usbIdList);
+    for (std::string usbId; std::getline(text, usbId, ' ');) {
+        if (!usbId.empty()) {
+            usbIds.push_back(usbId);
+        }
+    }
+    return usbIds;
+}
+
+struct Listing {
+    std::string vendor;
+    std::string usbId;
+};
+
+// Who lists the identifier first, by that comparison.
+template <class IsSame>
+std::optional<Listing> FindListing(IsSame isSame) {
+    for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
+        for (const std::string& usbId : UsbIdsOf(vendor)) {
+            if (isSame(usbId)) {
+                return Listing{vendor.productId, usbId};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+bool DiffersInCaseOnly(const std::string& one, const std::string& other) {
+    const auto isSame = [](unsigned char a, unsigned char b) {
+        return std::toupper(a) == std::toupper(b);
+    };
+    return std::equal(one.begin(), one.end(), other.begin(), other.end(), isSame);
+}
+
+std::string NotListed(const std::string& usbId) {
+    const auto similar =
+        FindListing([&](const std::string& listed) { return DiffersInCaseOnly(listed, usbId); });
+    const std::string path = PrinterUtil::DescribeVendorList().path;
+    return similar ? fmt::format("{}: the usbIdList of vendor {} has {}; make it the same, in {}",
+                                 usbId, similar->vendor, similar->usbId, path)
+                   : fmt::format("{}: no vendor has it in its usbIdList, in {}", usbId, path);
+}
+
+std::string PluggedIn(const UsbPortMap& ports) {
+    std::string text;
+    for (const auto& port : ports) {
+        text += fmt::format(" {}", WStringToString(port.first));
+    }
+    return text.empty() ? "" : "\nPlugged in now:" + text;
+}
+
+void RequireIdentifiers(const UsbPortMap& ports) {
+    const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
+    std::string without;
+    for (const VendorInfo& vendor : list.vendors) {
+        if (UsbIdsOf(vendor).empty()) {
+            without += "\n  vendor " + vendor.productId;
+        }
+    }
+    if (!without.empty()) {
+        throw Problem(
+            "no printer on USB can be reached while the vendor list has a vendor without USB "
+            "identifiers:" +
+            without + "\nName those of its printers in its usbIdList, in " + list.path +
+            PluggedIn(ports));
+    }
+}
+
+// A printer's port whose vendor is known.
+struct ServedPort {
+    std::wstring deviceId;
+    std::string vendor;
+    std::size_t plugged;
+};
+
+// Asks the vendor again; nothing when it reports all that is plugged in.
+std::string NotReported(const ServedPort& port) {
+    const auto& [deviceId, vendor, plugged] = port;
+    const std::string usbId = WStringToString(deviceId);
+    std::vector<DeviceInfo> devices;
+    const int result = UsbConnInterface::GetInstance().GetDeviceInfoByUsb(devices, deviceId);
+    if (result == kNothingToCall) {
+        return fmt::format("{}: vendor {} cannot be asked about printers on USB", usbId, vendor);
+    }
+    if (result != 0) {
+        return fmt::format("{}: vendor {} does not report it: {}", usbId, vendor,
+                           VendorsResult(result, vendor));
+    }
+    return devices.size() >= plugged ? ""
+                                     : fmt::format("{}: {} plugged in, vendor {} reports {}", usbId,
+                                                   plugged, vendor, devices.size());
+}
+
+}  // namespace
+
+std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const UsbPortMap& ports) {
+    const ServiceSurvey survey = SurveyConfiguration({entryPoint});
+    if (survey.anyVendorServes) {
+        RequireIdentifiers(ports);
+        return survey.problems;
+    }
+    std::string text = "no vendor can do this";
+    for (const std::string& problem : survey.problems) {
+        text += "\n  " + problem;
+    }
+    throw Problem(text +
+                  "\nName a vendor list with --vendors FILE, or put the modules in order; "
+                  "`devicediscover vendors` shows what is there.");
+}
+
+std::vector<std::string> UnreportedPorts(const UsbPortMap& ports, std::size_t reported) {
+    std::vector<std::string> lines;
+    std::vector<ServedPort> served;
+    std::size_t expected = 0;
+    for (const auto& [deviceId, port] : ports) {
+        const std::string usbId = WStringToString(deviceId);
+        const auto listing =
+            FindListing([&](const std::string& listed) { return listed == usbId; });
+        if (listing) {
+            const auto plugged = static_cast<std::size_t>(std::max(port.first, 1));
+            served.push_back({deviceId, listing->vendor, plugged});
+            expected += plugged;
+        } else {
+            lines.push_back(NotListed(usbId));
+        }
+    }
+    if (reported >= expected) {
+        return lines;
+    }
+    for (const ServedPort& port : served) {
+        const std::string line = NotReported(port);
+        if (!line.empty()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
+}
+
+}  // namespace App

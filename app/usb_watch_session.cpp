@@ -1,0 +1,52 @@
+#include "app/usb_watch_session.h"
+
+#include <exception>
+
+#include "app/awaiting.h"
+#include "app/messages.h"
+#include "app/usb_vendors.h"
+
+namespace App {
+
+namespace {
+
+using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
+
+int OnArrival(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
+    ArrivalList::GetInstance().Add({UsbPrinter(*device), std::chrono::system_clock::now()});
+    return 0;
+}
+
+}  // namespace
+
+UsbWatchSession::UsbWatchSession(const Settings& settings) {
+    for (const std::string& problem : RequireUsbVendors("GetDeviceInfoByUsb", {})) {
+        Warn(problem);
+    }
+    const std::function<int()> work = [] {
+        return DiscoverUsbInterface::GetInstance().StartDeviceMonitor({OnArrival, 0});
+    };
+    Await(settings, "Asking for what is plugged in", work);
+    running = true;
+}
+
+UsbWatchSession::~UsbWatchSession() {
+    try {
+        Stop();
+    } catch (const std::exception& failure) {
+        Warn(std::string("the watch was not stopped: ") + failure.what());
+    }
+    if (isLate) {
+        Warn("a printer is still being reported; nobody waits for that any more.");
+    }
+}
+
+void UsbWatchSession::Stop() {
+    if (!running) {
+        return;
+    }
+    running = false;
+    isLate = !StopInTime([] { return DiscoverUsbInterface::GetInstance().StopDeviceMonitor(); });
+}
+
+}  // namespace App

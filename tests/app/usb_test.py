@@ -1,0 +1,543 @@
+"""`devicediscover usb`."""
+
+import datetime
+import signal
+import struct
+import time
+
+import app_test
+from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, USAGE, json_lines, system_path
+from access_point_test import documented_results
+from host_test import PASS_PHRASE, Terminal, reported
+from usb_host_test import (OTHER_USB_ID, USB_ID, UsbTest, change, installed, port, usb_device,
+                           vendor)
+
+OFFICE = ["usb", "configure", "SN1", "--network", "Office"]
+REQUESTS = [signal.SIGINT] if ON_WINDOWS else [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]
+
+
+def device_record(serial, model="Fake 1000"):
+    return struct.pack("<HH64s32s64s32s32s", 0, 5, serial.encode(), b"scripted", model.encode(),
+                       b"usb:1-4", b"")
+
+
+class UsbList(UsbTest):
+    def test_each_printer_says_whether_it_is_on_the_network(self):
+        self.host(installed("SN1", "Fake 1"), installed("SN2", "Fake 2"),
+                  installed("SN3", "Fake 3", 2), installed("SN2", "Fake 2", 2),
+                  installed("SN4", "Fake 4", 3))
+        result = self.run_app("usb", "list")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1\tFake 1\tno\nSN2\tFake 2\tyes\n")
+        self.assertEqual(result.errors, "")
+        self.assertEqual(json_lines(self.run_app("usb", "list", "--json").output),
+                         [{"serialNumber": "SN1", "model": "Fake 1", "onNetwork": False},
+                          {"serialNumber": "SN2", "model": "Fake 2", "onNetwork": True}])
+
+    def test_without_a_serial_number_nobody_can_tell(self):
+        self.host(installed("", "Fake 1"), installed("s" * 64, "m" * 32), installed("", "x", 2))
+        result = self.run_app("usb", "list")
+        self.assertEqual(result.output, "-\tFake 1\t-\n-\t-\t-\n")
+        first, _ = json_lines(self.run_app("usb", "list", "--json").output)
+        self.assertEqual(first, {"serialNumber": "", "model": "Fake 1", "onNetwork": None})
+
+    def test_a_terminal_shows_a_table(self):
+        self.host(installed("SN1", "Fake 1"))
+        terminal = Terminal(self, "usb", "list")
+        terminal.expect(r"SERIAL NUMBER +MODEL +ON THE NETWORK\n")
+        terminal.expect(r"SN1 +Fake 1 +no *\n")
+        self.assertEqual(terminal.finish(), FOUND)
+
+    def test_texts_of_printers_cannot_steer_the_terminal(self):
+        self.host(installed(r"SN\u001b[2J", r"\u202eFake"))
+        self.assertEqual(self.run_app("usb", "list").output, "SN\ufffd[2J\t\ufffdFake\tno\n")
+
+    def test_without_printers_it_says_where_to_look(self):
+        self.host(installed("SN3", "Fake 3", 2))
+        result = self.run_app("usb", "list")
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(result.output, "")
+        self.assert_mentions(result.errors, "no USB printer is installed", "usb ports", "log")
+
+    def test_it_needs_no_vendor(self):
+        self.list_file = self.vendor_list([])
+        self.host(installed("SN1"))
+        self.assert_status(self.run_app("usb", "list"), FOUND)
+
+    def test_ctrl_c_ends_the_wait_for_a_slow_spooler(self):
+        self.host(installed("SN1"), "delay GetPrinterList 60000")
+        terminal = Terminal(self, "usb", "list")
+        terminal.expect(r"Looking for the printers of this computer, \d s")
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), NONE_FOUND)
+        terminal.expect("interrupted")
+
+
+class UsbPorts(UsbTest):
+    def test_each_printer_is_a_line(self):
+        self.script(usb_device("SN1", "Fake 1"), usb_device("SN2", "Fake 2", place=""))
+        self.host(port(devices=2))
+        result = self.run_app("usb", "ports")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1\tFake 1\tusb:1-4\tscripted\nSN2\tFake 2\t-\tscripted\n")
+        self.assertEqual(result.errors, "")
+        self.assertEqual(json_lines(self.run_app("usb", "ports", "--json").output)[0],
+                         {"serialNumber": "SN1", "makeAndModel": "Fake 1", "place": "usb:1-4",
+                          "vendor": "scripted"})
+        question, *_ = self.arguments_of("GetDeviceInfoByUsb")
+        self.assertEqual(question[:4], b"\xcd\xab\x34\x12")
+
+    def test_each_port_goes_to_the_vendor_that_lists_it(self):
+        self.list_file = self.vendor_list([vendor(), vendor("scripted_all_b", "b", OTHER_USB_ID)])
+        self.script("[scripted_all]", usb_device("SN1"), "[scripted_all_b]",
+                    usb_device("SN2", vendor="b"))
+        self.host(port(), port(OTHER_USB_ID))
+        self.assertEqual(self.run_app("usb", "ports").output,
+                         "SN1\tFake 1000\tusb:1-4\tscripted\nSN2\tFake 1000\tusb:1-4\tb\n")
+        self.assertEqual(self.calls_of("GetDeviceInfoByUsb"), ["scripted_all", "scripted_all_b"])
+
+    def test_a_port_that_no_vendor_lists_is_named(self):
+        self.script(usb_device("SN1"))
+        self.host(port(), port("VID_9999&PID_0001"))
+        result = self.run_app("usb", "ports")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1\tFake 1000\tusb:1-4\tscripted\n")
+        self.assertEqual(result.errors, "devicediscover: warning: VID_9999&PID_0001: no vendor has it"
+                                        f" in its usbIdList, in {system_path(self.list_file)}\n")
+        self.assertEqual(len(self.calls_of("GetDeviceInfoByUsb")), 1, "nothing is missing")
+
+    def test_an_identifier_that_is_listed_in_other_letters_is_named(self):
+        self.list_file = self.vendor_list([vendor(usb_ids="VID_1234&PID_abcd")])
+        self.script(usb_device("SN1"))
+        self.host(port())
+        result = self.run_app("usb", "ports")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, f"{USB_ID}: the usbIdList of vendor scripted has "
+                                            "VID_1234&PID_abcd; make it the same")
+
+    def test_each_failure_that_its_vendor_documents_has_a_meaning(self):
+        self.list_file = self.vendor_list([vendor(product_id="driverless")])
+        self.host(port(devices=2))
+        for entry_point, least, command in (
+                ("GetDeviceInfoByUsb", {20, 21, 22}, ["ports"]),
+                ("USBWifiScan", {8}, ["networks", "SN1"])):
+            results = documented_results(entry_point)
+            self.assertLessEqual(least, set(results))
+            for number in results:
+                with self.subTest(entry_point, result=number):
+                    self.script(usb_device("SN1", vendor="driverless"),
+                                f"result {entry_point} {number}")
+                    result = self.run_app("usb", *command)
+                    self.assert_status(result, NONE_FOUND)
+                    self.assertRegex(result.errors, f"the vendor's result {number} "
+                                                    r"\(of vendor driverless: .{20}")
+
+    def test_a_printer_that_its_vendor_does_not_report_is_missed(self):
+        self.list_file = self.vendor_list([vendor(), vendor("scripted_all_b", "b", OTHER_USB_ID)])
+        self.script("[scripted_all]", usb_device("SN1"),
+                    "[scripted_all_b]", "result GetDeviceInfoByUsb 77")
+        self.host(port(), port(OTHER_USB_ID))
+        result = self.run_app("usb", "ports")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "SN1\tFake 1000\tusb:1-4\tscripted\n")
+        self.assert_mentions(result.errors, f"warning: {OTHER_USB_ID}: vendor b does not report it:"
+                                            " the vendor's result 77\n")
+        self.assertNotIn(USB_ID + ":", result.errors)
+
+    def test_fewer_printers_than_are_plugged_in_are_told(self):
+        self.script(usb_device("SN1"))
+        self.host(port(devices=3))
+        result = self.run_app("usb", "ports")
+        self.assert_status(result, FOUND)
+        self.assert_mentions(result.errors, f"{USB_ID}: 3 plugged in, vendor scripted reports 1")
+
+    def test_none_at_all(self):
+        for script, host, saying in (
+                ((), (), "no printer is plugged in"),
+                ((), (port(),), f"{USB_ID}: 1 plugged in, vendor scripted reports 0"),
+                (("result GetDeviceInfoByUsb 5",), (port(),), "the vendor's result 5"),
+                ((usb_device("SN1"), "count GetDeviceInfoByUsb 65"), (port(),), "reports 0"),
+                ((usb_device("SN1"),), (port("VID_9999&PID_0001"),), "VID_9999&PID_0001: no ")):
+            with self.subTest(saying):
+                self.script(*script)
+                self.host(*host)
+                result = self.run_app("usb", "ports")
+                self.assert_status(result, NONE_FOUND)
+                self.assertEqual(result.output, "")
+                self.assert_mentions(result.errors, saying, "Plug it in", "usb watch", "log")
+
+    def test_a_vendor_without_identifiers_keeps_all_from_being_reached(self):
+        for usb_ids in ("", "  "):
+            with self.subTest(usb_ids):
+                self.list_file = self.vendor_list([vendor(), vendor("scripted_all_b", "b", usb_ids)])
+                self.host(port())
+                result = self.run_app("usb", "ports")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors, "without USB identifiers:\n  vendor b\n",
+                                     "usbIdList", system_path(self.list_file),
+                                     "Plugged in now: " + USB_ID)
+        self.assertEqual(self.records(), [])
+
+    def test_without_a_vendor_that_could_it_could_not_run(self):
+        for vendors in ([], [vendor("scripted_none")], [vendor("no_such_module")],
+                        [vendor("scripted_without_GetDeviceInfoByUsb")]):
+            with self.subTest(vendors):
+                self.list_file = self.vendor_list(vendors)
+                self.host(port())
+                for command in ("ports", "networks"):
+                    result = self.run_app("usb", command)
+                    self.assert_status(result, COULD_NOT_RUN)
+                    self.assert_mentions(result.errors, "no vendor can do this", "--vendors",
+                                         *("vendor " + one["productId"] for one in vendors))
+
+    def test_an_identifier_that_is_too_short_is_told(self):
+        self.list_file = self.vendor_list([vendor(usb_ids="VID_1234")])
+        self.host(port("VID_1234"))
+        result = self.run_app("usb", "ports")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "too short", "VID_vvvv&PID_pppp",
+                             system_path(self.list_file))
+
+    def test_ctrl_c_ends_the_wait_for_a_slow_vendor(self):
+        self.script(usb_device("SN1"), "delay GetDeviceInfoByUsb 60000")
+        self.host(port())
+        terminal = Terminal(self, "usb", "ports")
+        terminal.expect(r"Asking the printers on USB who they are, \d s")
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), NONE_FOUND)
+        terminal.expect("interrupted")
+
+
+class UsbWatch(UsbTest):
+    def test_each_arrival_is_a_line_also_the_same_printer_s_again(self):
+        self.script(usb_device("SN1", "Fake 1"))
+        self.host(change(), change(after=300), change(state=0))
+        result = self.run_app("usb", "watch", "--seconds", "3")
+        self.assert_status(result, FOUND)
+        self.assertRegex(result.output, r"^(\d\d:\d\d:\d\d\tSN1\tFake 1\tusb:1-4\tscripted\n){2}$")
+        self.assertEqual(result.errors, "")
+        self.assertEqual(self.host_calls("St"), ["StartMonitor", "StopMonitor"])
+
+    def test_json_comes_as_it_happens_and_tells_the_time(self):
+        self.script(usb_device("SN1", "Fake 1"))
+        self.host(change(after=0), change(after=1500))
+        before = datetime.datetime.now(datetime.timezone.utc).replace(microsecond=0)
+        process = self.start_app("usb", "watch", "--json")
+        first, = json_lines(process.stdout.readline().decode())
+        start = time.monotonic()
+        second, = json_lines(process.stdout.readline().decode())
+        self.assertGreater(time.monotonic() - start, 0.7)
+        self.assertEqual(list(first), ["time", "serialNumber", "makeAndModel", "place", "vendor"])
+        self.assertEqual((first["serialNumber"], first["vendor"]), ("SN1", "scripted"))
+        self.assertGreaterEqual(datetime.datetime.fromisoformat(
+            first["time"].replace("Z", "+00:00")), before)
+        self.assertGreater(second["time"], first["time"])
+
+    def test_what_was_there_before_is_not_shown(self):
+        self.script(usb_device("SN1"))
+        self.host(port())
+        result = self.run_app("usb", "watch", "--seconds", "1.5")
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(result.output, "")
+        self.assert_mentions(result.errors, "no printer was plugged in", "usb ports", "log")
+
+    def test_each_request_to_end_stops_it_properly(self):
+        for request in REQUESTS:
+            with self.subTest(request):
+                self.setUp()
+                self.script(usb_device("SN1"))
+                self.host(change())
+                process = self.start_app("usb", "watch")
+                process.stdout.readline()
+                process.send_signal(request)
+                _, errors = process.communicate(timeout=app_test.PATIENCE)
+                self.assertEqual((process.returncode, errors), (FOUND, b""))
+                self.assertEqual(self.host_calls("St"), ["StartMonitor", "StopMonitor"])
+
+    def test_it_goes_on_until_then(self):
+        self.script(usb_device("SN1"))
+        self.host(change(after=4000))
+        process = self.start_app("usb", "watch")
+        self.wait_until(lambda: self.host_calls("StartMonitor"), "the watch starts")
+        time.sleep(7)
+        self.assertIsNone(process.poll())
+        process.send_signal(signal.SIGINT)
+        output, _ = process.communicate(timeout=app_test.PATIENCE)
+        self.assertEqual(process.returncode, FOUND)
+        self.assertEqual(output.count(b"SN1"), 1)
+
+    def test_a_printer_that_is_being_asked_does_not_hold_up_the_end(self):
+        self.script(usb_device("SN1"), "delay GetDeviceInfoByUsb 60000")
+        self.host(change(after=0))
+        process = self.start_app("usb", "watch")
+        self.wait_until(lambda: self.calls_of("GetDeviceInfoByUsb"), "the vendor is asked")
+        start = time.monotonic()
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(app_test.PATIENCE), NONE_FOUND)
+        self.assertLess(time.monotonic() - start, 10)
+
+    def test_one_ctrl_c_ends_the_wait_for_a_monitor_that_does_not_stop(self):
+        self.script(usb_device("SN1"))
+        self.host(change(after=0), "delay StopMonitor 60000")
+        terminal = Terminal(self, "usb", "watch")
+        terminal.expect("1 arrival so far, until Ctrl-C")
+        start = time.monotonic()
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), FOUND)
+        self.assertLess(time.monotonic() - start, 20)
+        self.assert_mentions(terminal.text, "warning: a printer is still being reported")
+
+    def test_a_reader_that_leaves_ends_it_quietly(self):
+        self.script(usb_device("SN1"))
+        self.host(*(change(after=50) for _ in range(200)))
+        process = self.start_app("usb", "watch", "--json")
+        process.stdout.readline()
+        process.stdout.close()
+        self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
+        self.assertEqual(process.stderr.read(), b"")
+
+    def test_a_storm_of_arrivals_is_shown_whole(self):
+        self.script(usb_device("SN1"))
+        self.host(*(change(after=0) for _ in range(200)))
+        result = self.run_app("usb", "watch", "--json", "--seconds", "6")
+        self.assert_status(result, FOUND)
+        self.assertEqual(len(json_lines(result.output)), 200)
+
+    def test_a_terminal_shows_a_table_that_grows(self):
+        self.script(usb_device("SN1", "Fake 1"))
+        self.host(change(after=500))
+        terminal = Terminal(self, "usb", "watch", "--seconds", "4")
+        terminal.expect(r"Looking for arrivals, \d s left \(Ctrl-C stops\)")
+        terminal.expect(r"TIME +SERIAL NUMBER +MAKE AND MODEL +PLACE +VENDOR")
+        terminal.expect(r"\d\d:\d\d:\d\d +SN1 +Fake 1 +usb:1-4 +scripted")
+        self.assertEqual(terminal.finish(), FOUND)
+        terminal.expect("1 arrival found")
+
+    def test_vendors_that_cannot_take_part_are_named(self):
+        self.list_file = self.vendor_list([vendor(), vendor("scripted_none", "b", OTHER_USB_ID)])
+        self.script(usb_device("SN1"))
+        self.host(change(after=0))
+        result = self.run_app("usb", "watch", "--seconds", "2")
+        self.assert_status(result, FOUND)
+        self.assert_mentions(result.errors, "warning: vendor b", "GetDeviceInfoByUsb")
+
+    def test_without_a_vendor_that_could_it_could_not_run(self):
+        for vendors, saying in (([vendor("scripted_none")], "no vendor can do this"),
+                                ([vendor(usb_ids="")], "without USB identifiers")):
+            with self.subTest(saying):
+                self.list_file = self.vendor_list(vendors)
+                result = self.run_app("usb", "watch", "--seconds", "1")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors, saying)
+        self.assertEqual(self.host_calls("StartMonitor"), [])
+
+
+class UsbNetworks(UsbTest):
+    def setUp(self):
+        super().setUp()
+        self.script(usb_device("SN1"), usb_device("SN2"), reported("Office", 82),
+                    reported(r"Caf\xc3\xa9", -57.5), reported("", 3), reported("Office", 7))
+        self.host(port(devices=2))
+
+    def test_each_network_that_is_reported_is_a_line(self):
+        result = self.run_app("usb", "networks", "SN1")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "Office\t82\nCaf\u00e9\t-57.5\n-\t3\nOffice\t7\n")
+        self.assertEqual(result.errors, "")
+        self.assertEqual(json_lines(self.run_app("usb", "networks", "SN1", "--json").output)[0],
+                         {"network": "Office", "signal": 82.0})
+
+    def test_the_vendor_receives_the_printer_s_record_and_the_number(self):
+        for arguments, number in (([], 0), (["--option", "-7"], -7)):
+            with self.subTest(number):
+                self.setUp()
+                self.assert_status(self.run_app("usb", "networks", "SN2", *arguments), FOUND)
+                question, = self.arguments_of("USBWifiScan")
+                self.assertEqual(question, device_record("SN2") + struct.pack("<ii", number, 0))
+
+    def test_the_only_printer_need_not_be_named(self):
+        result = self.run_app("usb", "networks")
+        self.assert_status(result, USAGE)
+        self.assert_mentions(result.errors, "more than one printer on USB: SN1, SN2")
+        self.script(usb_device(""), reported("Office"))
+        self.host(port())
+        self.assert_status(self.run_app("usb", "networks"), FOUND)
+
+    def test_a_printer_that_is_not_there(self):
+        result = self.run_app("usb", "networks", "SN7")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "serial number 'SN7'", "there is SN1, SN2", "usb watch")
+        self.assertEqual(self.calls_of("USBWifiScan"), [])
+        self.host()
+        for command in (["networks", "SN1"], ["networks"], [*OFFICE[1:], "--open"]):
+            result = self.run_app("usb", *command)
+            self.assert_status(result, NONE_FOUND)
+            self.assert_mentions(result.errors, "no printer is plugged in")
+
+    def test_the_serial_number_may_be_copied_from_the_table(self):
+        self.script(usb_device(r"SN\x1b1"), reported("Office"))
+        shown = self.run_app("usb", "ports").output.split("\t")[0]
+        self.assert_status(self.run_app("usb", "networks", shown), FOUND)
+
+    def test_no_network(self):
+        for lines, saying in ((("result USBWifiScan 5", reported("Office")),
+                               "no networks: the vendor's result 5\n"),
+                              (("result USBWifiScan -1",), "vendor scripted has failed"),
+                              ((), "reports no network"),
+                              ((reported("Office"), "count USBWifiScan 129"),
+                               "reports no network")):
+            with self.subTest(saying):
+                self.script(usb_device("SN1"), *lines)
+                result = self.run_app("usb", "networks", "SN1")
+                self.assert_status(result, NONE_FOUND)
+                self.assertEqual(result.output, "")
+                self.assert_mentions(result.errors, saying, "log")
+
+    def test_a_vendor_that_cannot_do_it(self):
+        for entry_point, command in (("USBWifiScan", ["networks", "SN1"]),
+                                     ("PrinterUSBNetConfigEvent", [*OFFICE[1:], "--open"])):
+            with self.subTest(entry_point):
+                self.list_file = self.vendor_list([vendor("scripted_without_" + entry_point)])
+                result = self.run_app("usb", *command)
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors, "vendor scripted cannot do this", entry_point,
+                                     "devicediscover vendors")
+
+    def test_a_vendor_s_name_that_is_not_listed(self):
+        self.script(usb_device("SN1", vendor="stranger"))
+        result = self.run_app("usb", "networks", "SN1")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "vendor stranger", "no such productId")
+
+    def test_ctrl_c_ends_the_wait_for_a_slow_printer(self):
+        self.script(usb_device("SN1"), "delay USBWifiScan 60000")
+        terminal = Terminal(self, "usb", "networks", "SN1")
+        terminal.expect(r"Asking the printer for the networks it sees, \d s")
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), NONE_FOUND)
+        terminal.expect("interrupted")
+
+
+class UsbConfigure(UsbTest):
+    def setUp(self):
+        super().setUp()
+        self.script(usb_device("SN0"), usb_device("SN1"))
+        self.host(port(devices=2))
+
+    def received(self):
+        return self.arguments_of("PrinterUSBNetConfigEvent")
+
+    def test_the_vendor_receives_the_very_bytes(self):
+        name, pass_phrase = "Caf\u00e9 \U0001f5a8 " + "n" * 116, "p\u00e4ss " + "w" * 25
+        self.assertEqual([len(name.encode()), len(pass_phrase.encode())], [127, 31])
+        result = self.run_app("usb", "configure", "SN1", "--network", name, "--pass-phrase-file",
+                              self.pass_phrase_file(pass_phrase))
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, f"the printer was put on {name}\n")
+        self.assertEqual(result.errors, "")
+        self.assertEqual(self.received(), [device_record("SN1") + struct.pack(
+            "<f128s32s", 0, name.encode(), pass_phrase.encode())])
+        self.assertIn("SetDeviceAPNetConfigByUsb", self.log())
+        self.assertNotIn(pass_phrase, self.log())
+
+    def test_from_the_prompt(self):
+        terminal = Terminal(self, *OFFICE)
+        terminal.expect("Pass phrase of Office")
+        terminal.type(PASS_PHRASE + "\r")
+        terminal.expect("the printer was put on Office")
+        self.assertEqual(terminal.finish(), FOUND)
+        self.assertEqual(self.received(), [device_record("SN1") + struct.pack(
+            "<f128s32s", 0, b"Office", PASS_PHRASE.encode())])
+        self.assertNotIn(PASS_PHRASE, terminal.text)
+        self.assertNotIn(PASS_PHRASE, self.log())
+
+    def test_ctrl_c_at_the_prompt_gives_the_printer_nothing(self):
+        terminal = Terminal(self, *OFFICE)
+        terminal.expect("Pass phrase of Office")
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), NONE_FOUND)
+        if not ON_WINDOWS:
+            self.assertTrue(terminal.shows_typing())
+        self.assertEqual(self.received(), [])
+
+    def test_an_open_network(self):
+        result = self.run_app(*OFFICE, "--open", "--json")
+        self.assert_status(result, FOUND)
+        self.assertEqual(json_lines(result.output), [{"serialNumber": "SN1", "network": "Office",
+                                                      "configured": True, "result": 0}])
+
+    def test_a_pass_phrase_that_a_printer_cannot_be_given_is_not_cut(self):
+        result = self.run_app(*OFFICE, "--pass-phrase-file", self.pass_phrase_file("w" * 32))
+        self.assert_status(result, USAGE)
+        self.assert_mentions(result.errors, "32 bytes", "31")
+        self.assertEqual(self.received(), [])
+
+    def test_a_failure_is_told_and_where_to_read_why(self):
+        self.script(usb_device("SN1"), "result PrinterUSBNetConfigEvent 12")
+        result = self.run_app(*OFFICE, "--json", "--pass-phrase-file", self.pass_phrase_file())
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(json_lines(result.output), [{"serialNumber": "SN1", "network": "Office",
+                                                      "configured": False, "result": -1}])
+        self.assert_mentions(result.errors, "not put on Office: vendor scripted has failed", "log")
+        self.assertIn("call Func Fail12", self.log())
+        self.assert_not_shown(result)
+        self.assertNotIn(PASS_PHRASE, self.log())
+
+    def test_what_a_known_vendor_needs_is_told(self):
+        self.list_file = self.vendor_list([vendor(product_id="driverless")])
+        self.script(usb_device("SN1", vendor="driverless"), "result PrinterUSBNetConfigEvent 15")
+        result = self.run_app(*OFFICE, "--open")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "vendor driverless has failed", "ipp-usb")
+
+    def test_the_printer_is_looked_for_before_the_pass_phrase_is_asked_for(self):
+        terminal = Terminal(self, "usb", "configure", "SN7", "--network", "Office")
+        self.assertEqual(terminal.finish(), NONE_FOUND)
+        self.assertNotIn("Pass phrase", terminal.text)
+
+    def test_a_long_wait_is_shown_and_ctrl_c_ends_it(self):
+        self.script(usb_device("SN1"), "delay PrinterUSBNetConfigEvent 60000")
+        terminal = Terminal(self, *OFFICE, "--open")
+        terminal.expect(r"Waiting for the printer to join Office, 1 s \(Ctrl-C stops\)")
+        terminal.type("\x03")
+        self.assertEqual(terminal.finish(), NONE_FOUND)
+        terminal.expect("interrupted")
+
+
+class UsbArguments(UsbTest):
+    def test_wrong_arguments(self):
+        for arguments, saying in (([], "list, ports, watch, networks or configure"),
+                                  (["lsit"], "'lsit'"),
+                                  (["list", "SN1"], "'SN1'"),
+                                  (["watch", "--seconds", "0"], "0.1 to 86400"),
+                                  (["networks", ""], "serial number is empty"),
+                                  (["networks", "--option", "x"], "'x' is no whole number"),
+                                  (["configure", "SN1", "--open"], "--network"),
+                                  (["configure", "--network", "", "--open"], "empty"),
+                                  (["configure", "--network", "n" * 128, "--open"], "128 bytes"),
+                                  (["configure", "SN1", "--network", "x"], "standard input")):
+            with self.subTest(arguments):
+                result = self.run_app("usb", *arguments)
+                self.assert_status(result, USAGE)
+                self.assertEqual(result.output, "")
+                self.assert_mentions(result.errors, saying, "--help")
+        self.assertEqual(self.records(), [])
+
+    def test_what_may_be_a_pass_phrase_is_not_repeated(self):
+        result = self.run_app(*OFFICE, PASS_PHRASE)
+        self.assert_status(result, USAGE)
+        self.assert_mentions(result.errors, "--pass-phrase-file")
+        self.assert_not_shown(result)
+
+    def test_help_says_how_each_command_ends(self):
+        for command in (["usb"], *(["usb", name] for name in ("list", "ports", "watch", "networks",
+                                                              "configure"))):
+            with self.subTest(command):
+                result = self.run_app(*command, "--help", listed=False)
+                self.assert_status(result, FOUND)
+                self.assert_mentions(result.output, "Examples:", "Exit status",
+                                     "devicediscover " + " ".join(command))
+
+
+if __name__ == "__main__":
+    app_test.main()
