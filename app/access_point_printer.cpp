@@ -3,11 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <exception>
 
 #include "app/awaiting.h"
 #include "app/host_wifi.h"
-#include "app/messages.h"
 #include "app/problem.h"
 #include "app/text.h"
 #include "app/vendor_survey.h"
@@ -185,26 +183,8 @@ NetworkScanSession::NetworkScanSession(const Settings& settings) {
     if (result != 0) {
         throw NoScan{Explanation(settings, result, "StartAPWifiScan")};
     }
-    running = true;
-}
-
-NetworkScanSession::~NetworkScanSession() {
-    try {
-        Stop();
-    } catch (const std::exception& failure) {
-        Warn(std::string("the scan was not stopped: ") + failure.what());
-    }
-    if (isLate) {
-        Warn("the vendor has not stopped its scan in time; nobody waits for it any more.");
-    }
-}
-
-void NetworkScanSession::Stop() {
-    if (!running) {
-        return;
-    }
-    running = false;
-    isLate = !StopInTime([] { return DiscoverNetConnInterface::GetInstance().StopAPWifiScan(); });
+    scan.emplace("the vendor",
+                 [] { return DiscoverNetConnInterface::GetInstance().StopAPWifiScan(); });
 }
 
 }  // namespace App

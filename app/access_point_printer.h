@@ -7,6 +7,7 @@
 #include "app/network_list.h"
 #include "app/printer.h"
 #include "app/problem.h"
+#include "app/running_scan.h"
 #include "app/secret.h"
 #include "app/settings.h"
 
@@ -49,18 +50,12 @@ public:
     // Throws NoScan when no scan could be started, NoVendor when no vendor has one, Interrupted:
     // then a scan that is started all the same runs until the process ends.
     explicit NetworkScanSession(const Settings& settings);
-    ~NetworkScanSession();
 
-    // Waits for the vendor; after a request to end the program only for a moment. That a vendor
-    // took longer is told at the end of the session, when no live display is torn by it.
-    void Stop();
-
-    NetworkScanSession(const NetworkScanSession&) = delete;
-    NetworkScanSession& operator=(const NetworkScanSession&) = delete;
+    // As that of RunningScan.
+    void Stop() { scan->Stop(); }
 
 private:
-    bool running = false;
-    bool isLate = false;  // the vendor has not stopped in time
+    std::optional<RunningScan> scan;
 };
 
 // Why a scan was not started, though vendors could do it.

@@ -1,8 +1,5 @@
 #include "app/scan_session.h"
 
-#include <exception>
-
-#include "app/awaiting.h"
 #include "app/cancellation.h"
 #include "app/messages.h"
 #include "app/problem.h"
@@ -32,35 +29,17 @@ int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 ScanSession::ScanSession() {
     CancelOnInterrupt();
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
-    running = discovery.StartDeviceScan({OnDevice, 0}) == 0;
+    const bool started = discovery.StartDeviceScan({OnDevice, 0}) == 0;
+    if (started) {
+        scan.emplace("a vendor", [&discovery] { return discovery.StopDeviceScan(); });
+    }
     const std::vector<std::string> problems = ScanProblems();
-    if (!running) {
+    if (!started) {
         ThrowCouldNotStart(problems);
     }
     for (const std::string& problem : problems) {
         Warn(problem);
     }
-}
-
-ScanSession::~ScanSession() {
-    try {
-        Stop();
-    } catch (const std::exception& failure) {
-        Warn(std::string("the scan was not stopped: ") + failure.what());
-    }
-    if (isLate) {
-        Warn("a vendor has not stopped its scan in time; nobody waits for it any more.");
-    }
-}
-
-void ScanSession::Stop() {
-    if (!running) {
-        return;
-    }
-    running = false;
-    isLate = !StopInTime([] {
-        return PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance().StopDeviceScan();
-    });
 }
 
 }  // namespace App

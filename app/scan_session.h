@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "app/printer_list.h"
+#include "app/running_scan.h"
 
 namespace App {
 
@@ -11,21 +14,14 @@ public:
     // Starts the scan, and names on standard error each vendor that cannot take part. Throws
     // Problem when none can.
     ScanSession();
-    ~ScanSession();
 
-    // Returns when every vendor has been told; after a request to end the program it waits for
-    // them only for a moment. That one took longer is told at the end of the session, when no live
-    // display is torn by it.
-    void Stop();
+    // As that of RunningScan.
+    void Stop() { scan->Stop(); }
 
     PrinterList& Printers() { return PrinterList::GetInstance(); }
 
-    ScanSession(const ScanSession&) = delete;
-    ScanSession& operator=(const ScanSession&) = delete;
-
 private:
-    bool running = false;
-    bool isLate = false;  // a vendor has not stopped in time
+    std::optional<RunningScan> scan;
 };
 
 }  // namespace App

@@ -129,8 +129,10 @@ class Interrupt(AppTest):
         process = self.start_scan("--watch")
         process.send_signal(signal.SIGINT)
         self.wait_until(lambda: self.calls_of("StopDeviceScan"), "the vendor's stop is called")
+        start = time.monotonic()
         _, errors = self.end_with(process, signal.SIGINT)
         self.assertEqual(process.returncode, ENDED_BY_CTRL_C)
+        self.assertLess(time.monotonic() - start, 10)
         self.assertEqual(errors, "")
 
     @on_linux

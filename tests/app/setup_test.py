@@ -343,16 +343,20 @@ class SetupOnTerminal(SetupTest):
     def start(self, *arguments, **options):
         return Terminal(self, "setup", "--seconds", "1", *arguments, **options)
 
-    def test_network_and_pass_phrase_are_asked_for(self):
-        self.script(PRINTER, reported("Office", 80), reported("DIRECT-printer", 99),
-                    reported("", 60), reported("Guests", 40), reported("Office", 30))
-        terminal = self.start()
-        terminal.expect(r"\[1/6\] Which printer\n +Fake 7, serial number SN1")
+    @staticmethod
+    def pick_guests(terminal):
         terminal.expect(r"1 +Office *\n *2 +Guests *\n")
         terminal.expect("Its number or name, or Enter to look again:")
         terminal.type("2\r")
         terminal.expect("Pass phrase of Guests")
         terminal.type(PASS_PHRASE + "\r")
+
+    def test_network_and_pass_phrase_are_asked_for(self):
+        self.script(PRINTER, reported("Office", 80), reported("DIRECT-printer", 99),
+                    reported("", 60), reported("Guests", 40), reported("Office", 30))
+        terminal = self.start()
+        terminal.expect(r"\[1/6\] Which printer\n +Fake 7, serial number SN1")
+        self.pick_guests(terminal)
         terminal.expect(r"is on Guests at 192\.0\.2\.7 port 631")
         self.assertEqual(terminal.finish(), FOUND)
         self.assert_given_to_the_printer("Guests")
@@ -363,11 +367,7 @@ class SetupOnTerminal(SetupTest):
     def test_log_lines_on_the_terminal_leave_the_questions_there(self):
         self.script(PRINTER, reported("Office", 80), reported("Guests", 40))
         terminal = self.start("--log-level", "warning")
-        terminal.expect(r"1 +Office *\n *2 +Guests *\n")
-        terminal.expect("Its number or name, or Enter to look again:")
-        terminal.type("2\r")
-        terminal.expect("Pass phrase of Guests")
-        terminal.type(PASS_PHRASE + "\r")
+        self.pick_guests(terminal)
         terminal.expect(r"is on Guests at")
         self.assertEqual(terminal.finish(), FOUND)
         self.assertNotIn("Looking for networks", terminal.text)

@@ -32,8 +32,6 @@ ENVIRONMENT.pop("DEVICEDISCOVER_VENDORS", None)
 
 # Sanitizers make everything slower; nothing here measures speed.
 SLACK = float(os.environ.get("NETWORK_TEST_SLACK", "1"))
-# What has to be over in 2 s is, on a machine that is busy with other things too.
-TWO_SECONDS = 3 * SLACK
 
 IPP, IPPS, PDL_DATASTREAM, LPD = 1, 2, 3, 4
 READY, NOT_READY, NO_ANSWER, UNKNOWN, NO_PRINTER, OTHER_PRINTER = 1, 2, 3, 4, 5, 6
@@ -205,6 +203,15 @@ class NetworkTest(unittest.TestCase):
     def stop_printer(self, number):
         lab("stop-printer", number)
         self.printers.discard(number)
+
+    def await_forgotten(self, name):
+        """Avahi's cache keeps what says good-bye for a second, on a busy machine for longer."""
+        entry = ";" + name.replace(" ", "\\032") + ";"
+        deadline = time.monotonic() + PATIENCE
+        while entry in subprocess.run(["avahi-browse", "-pc", "_ipp._tcp"], capture_output=True,
+                                      text=True, timeout=PATIENCE, check=True).stdout:
+            self.assertLess(time.monotonic(), deadline, name + " is still there")
+            time.sleep(0.05)
 
     def limit_avahi(self, objects):
         """Starts Avahi afresh, with so many objects for each client."""
@@ -428,8 +435,8 @@ class ComingAndGoing(NetworkTest):
         probe.start()
         probe.await_printers(2)
         self.stop_printer(1)
-        # Avahi's cache keeps what says good-bye for a second.
-        self.assertEqual(len(probe.found(2)), 2)
+        self.await_forgotten("Acme Laser 1")
+        self.assertEqual(len(probe.found(1)), 2)
         self.start_printer(1)
         back = probe.await_event("found")
         self.assertEqual(back["make_and_model"], "Acme Laser 1")
@@ -541,10 +548,11 @@ class Stopping(NetworkTest):
     def assert_stops_at_once(self, probe):
         begin = time.monotonic()
         self.assertEqual(probe.ask("stop"), 0)
-        ended = [e for e in probe.seen if e["event"] == "ended"] or [probe.await_event("ended")]
+        self.assertLess(time.monotonic() - begin, 0.5 * SLACK)
+        ended = [e for e in probe.seen if e["event"] == "ended"] or [
+            probe.await_event("ended", 1 * SLACK)]
         self.assertEqual(ended[0]["result"], 0)
-        # What a printer that hangs is waited for is 2 s.
-        self.assertLess(time.monotonic() - begin, 1.5 * SLACK)
+        self.assertLess(time.monotonic() - begin, 1 * SLACK)
 
     def test_a_scan_stops_at_once(self):
         self.have_printers(2)
@@ -697,7 +705,7 @@ class PrintersOfAllKinds(NetworkTest):
         probe.tell("state " + printer["serial"])
         event = probe.await_event("state")
         self.assertEqual(event["result"], state)
-        self.assertLess(event["took"], TWO_SECONDS)
+        self.assertLess(event["took"], 2.2 * SLACK)
 
     def test_a_printer_that_says_nothing_is_reported_from_its_announcement(self):
         self.assert_reported_from_announcement("silent")
@@ -727,7 +735,7 @@ class PrintersOfAllKinds(NetworkTest):
         probe = self.probe()
         probe.start()
         probe.await_printers(5)
-        self.assertLess(probe.seen[-1]["seconds"], 2 * SLACK)
+        self.assertLess(probe.seen[-1]["seconds"], 1.5 * SLACK)
         probe.await_printers(13)
 
     def test_text_from_the_network_is_cut_and_cleaned(self):
@@ -828,7 +836,7 @@ class State(NetworkTest):
                 probe.tell("state x")
                 event = probe.await_event("state")
                 self.assertEqual(event["result"], NO_ANSWER)
-                self.assertLess(event["took"], TWO_SECONDS)
+                self.assertLess(event["took"], 2.2 * SLACK)
 
     def test_a_failed_connection_makes_the_module_forget_the_printer(self):
         probe = self.known()

@@ -15,7 +15,7 @@ import time
 import unittest
 
 from lab import LAB, PATIENCE, Lines, lab
-from network_test import IPP, IPPS, NO_AVAHI, NO_BUS, SLACK, TWO_SECONDS, Probe, text_below, text_of
+from network_test import IPP, IPPS, NO_AVAHI, NO_BUS, SLACK, Probe, text_below, text_of
 
 PRINTER = os.environ["WIFI_PRINTER"]
 STATE = os.environ["LAB_NETWORK_STATE"]
@@ -67,7 +67,7 @@ class SetUpProbe(Probe):
     def end_of_scan(self):
         """The result of a scan that was stopped; its end may come before the stop's."""
         ended = [event for event in self.seen if event["event"] == "ended"]
-        return (ended[0] if ended else self.await_event("ended"))["result"]
+        return (ended[0] if ended else self.await_event("ended", SLACK))["result"]
 
 
 class HostWifi:
@@ -245,7 +245,7 @@ class RealPrinter(SetUpTest):
         for name, pass_phrase in ((NAME, "1234567"), ("", PASS_PHRASE), ("n" * 33, PASS_PHRASE)):
             event = probe.configured(name, pass_phrase)
             self.assertEqual(event["result"], NOT_VALID)
-            self.assertLess(event["took"], SLACK)
+            self.assertLess(event["took"], 0.2 * SLACK)
         self.assertEqual(printer.given(), [])
 
     def test_the_longest_name_and_pass_phrase_arrive_whole(self):
@@ -282,8 +282,14 @@ class RealPrinter(SetUpTest):
         self.assertEqual(event["result"], OK)
         self.assertGreater(event["took"], 9)
 
-    def assert_not_left(self, printer, probe):
+    def assert_not_left(self, lose_wifi):
         """Nothing is known of a printer whose host has lost its own Wi-Fi."""
+        printer, probe = self.begin("--joins-in", "60000",
+                                    environment={"DRIVERLESS_JOIN_SECONDS": "4"})
+        probe.configure(NAME, PASS_PHRASE)
+        printer.await_line("state 7")
+        time.sleep(1.5)  # so that its answer is through
+        lose_wifi()
         printer.end()
         self.running.remove(printer)
         event = probe.await_event("configure")
@@ -291,22 +297,10 @@ class RealPrinter(SetUpTest):
         self.assertLess(event["took"], 8 * SLACK)
 
     def test_a_host_whose_wifi_service_ends_has_not_left(self):
-        printer, probe = self.begin("--joins-in", "60000",
-                                    environment={"DRIVERLESS_JOIN_SECONDS": "4"})
-        probe.configure(NAME, PASS_PHRASE)
-        printer.await_line("state 7")
-        time.sleep(1.5)  # so that its answer is through
-        self.wifi.end()
-        self.assert_not_left(printer, probe)
+        self.assert_not_left(lambda: self.wifi.end())
 
     def test_a_host_whose_wifi_is_switched_off_has_not_left(self):
-        printer, probe = self.begin("--joins-in", "60000",
-                                    environment={"DRIVERLESS_JOIN_SECONDS": "4"})
-        probe.configure(NAME, PASS_PHRASE)
-        printer.await_line("state 7")
-        time.sleep(1.5)  # so that its answer is through
-        self.wifi.switch_off()
-        self.assert_not_left(printer, probe)
+        self.assert_not_left(lambda: self.wifi.switch_off())
 
     def test_a_printer_that_opens_its_network_again_says_how_it_went(self):
         printer, probe = self.begin("--joins-in", "5000")
@@ -424,7 +418,7 @@ class OtherPrinters(SetUpTest):
                 probe = self.probe()
                 connected = probe.asked("connected")
                 self.assertEqual(connected["result"], OK)
-                self.assertLess(connected["took"], TWO_SECONDS)
+                self.assertLess(connected["took"], 2.2 * SLACK)
                 event = probe.asked("describe")
                 self.assertEqual((event["result"], event["kind"], event["port"]), (OK, IPPS, 631))
                 self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], OK)
@@ -443,7 +437,7 @@ class OtherPrinters(SetUpTest):
                 printer.end()
                 self.running.remove(printer)
                 self.assertEqual((event["result"], event["kind"]), (OK, IPP))
-                self.assertLess(event["took"], 1.8 * SLACK)
+                self.assertLess(event["took"], 1.5 * SLACK)
 
     def test_a_failure_of_an_earlier_attempt_is_not_taken_for_the_outcome(self):
         _, probe = self.begin("hesitates", "--state", "6", "--network", NAME)
@@ -469,7 +463,7 @@ class OtherPrinters(SetUpTest):
         _, probe = self.begin("silent")
         event = probe.asked("connected")
         self.assertEqual(event["result"], NOT_REACHED)
-        self.assertLess(event["took"], TWO_SECONDS)
+        self.assertLess(event["took"], 2.2 * SLACK)
 
     def test_in_another_network_nobody_is_asked(self):
         self.have_wifi("HomeNet")
@@ -477,7 +471,7 @@ class OtherPrinters(SetUpTest):
         probe = self.probe()
         event = probe.asked("connected")
         self.assertEqual(event["result"], NOT_PRINTERS_NETWORK)
-        self.assertLess(event["took"], SLACK)
+        self.assertLess(event["took"], 0.2 * SLACK)
         self.assertEqual(probe.configured(NAME, PASS_PHRASE)["result"], NOT_REACHED)
 
     def test_further_networks_can_be_named(self):
@@ -506,7 +500,7 @@ class OtherPrinters(SetUpTest):
         self.wifi.process.send_signal(signal.SIGSTOP)
         event = probe.asked("connected")
         self.assertEqual(event["result"], NO_WIFI_ANSWER)
-        self.assertLess(event["took"], TWO_SECONDS)
+        self.assertLess(event["took"], 2.2 * SLACK)
         self.wifi.process.send_signal(signal.SIGCONT)
         self.assertEqual(probe.result("connected"), OK)
 
