@@ -49,25 +49,25 @@ std::string ScanStatus(std::size_t found, bool watch,
 // Shows the running scan until its time is over or it is cancelled, and stops it.
 template <class Item, class Session>
 void ShowScan(Session& session, ScanView<Item>& view, const ScanOptions& options) {
-    using Clock = typename ItemList<Item>::Clock;
+    using ListClock = typename ItemList<Item>::Clock;
     constexpr auto tick = std::chrono::milliseconds(200);
     ItemList<Item>& list = ItemList<Item>::GetInstance();
     const auto end =
-        Clock::now() + std::chrono::duration_cast<typename Clock::duration>(options.time);
+        ListClock::now() + std::chrono::duration_cast<typename ListClock::duration>(options.time);
     const auto isOver = [&] {
-        return list.IsCancelled() || (!options.watch && Clock::now() >= end);
+        return list.IsCancelled() || (!options.watch && ListClock::now() >= end);
     };
-    const auto show = [&](typename Clock::time_point until) {
+    const auto show = [&](typename ListClock::time_point until) {
         const std::vector<Item> news = list.WaitForNews(until);
         view.Show(news, ScanStatus<Item>(list.GetItems().size(), options.watch, end));
     };
-    show(Clock::now());
+    show(ListClock::now());
     while (!isOver() && !OutputReaderIsGone()) {
-        const auto next = Clock::now() + tick;
+        const auto next = ListClock::now() + tick;
         show(options.watch ? next : std::min(next, end));
     }
     session.Stop();
-    show(Clock::now());
+    show(ListClock::now());
     view.Finish();
 }
 

@@ -12,7 +12,7 @@ bool IsUtf8(std::string_view bytes) {
     return ToUtf8(FromUtf8(bytes)) == bytes;
 }
 
-bool IsControl(wchar_t character) {
+bool IsControlCharacter(wchar_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
@@ -23,7 +23,7 @@ bool IsText(std::string_view name) {
         return false;
     }
     const std::wstring text = FromUtf8(name);
-    return std::none_of(text.begin(), text.end(), IsControl);
+    return std::none_of(text.begin(), text.end(), IsControlCharacter);
 }
 
 std::wstring NetworkNameText(std::string_view name) {

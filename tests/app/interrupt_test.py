@@ -9,7 +9,7 @@ import time
 import unittest
 
 import app_test
-from app_test import FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device
+from app_test import FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device, json_lines, system_path
 
 REQUESTS = [signal.SIGINT] if ON_WINDOWS else [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]
 # As the system reports it; the emulator passes the lowest byte on.
@@ -81,14 +81,18 @@ class Interrupt(AppTest):
         self.assertTrue(os.get_blocking(output))
 
     def test_a_slow_reader_gets_everything(self):
-        self.script(*(device(f"SN{n}", model="M" * 63) for n in range(1000)), "until-stopped")
-        process = self.start_scan("--watch", "--json")
-        time.sleep(1)
+        serials = [f"SN{n}" for n in range(1000)]
+        self.script(*(device(serial, model="M" * 63) for serial in [*serials, "last"]),
+                    "until-stopped")
+        process = self.start_scan("--watch", "--json", "--log-file", system_path(self.log_file))
+        self.wait_until(lambda: os.path.exists(self.log_file) and
+                        self.read(self.log_file).count(" callback(") > len(serials),
+                        "all but the last are with the application")
         process.send_signal(signal.SIGINT)
         time.sleep(0.3)
-        lines = process.stdout.read().splitlines()
+        lines = json_lines(process.stdout.read().decode())
         self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
-        self.assertEqual(len(lines), 1000)
+        self.assertEqual([line["serialNumber"] for line in lines][:1000], serials)
 
     def test_watch_goes_on_until_interrupted(self):
         self.script(device("SN1"), "until-stopped")

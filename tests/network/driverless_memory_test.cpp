@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <future>
@@ -22,24 +21,10 @@
 #include "platform/compiler.h"
 #include "query_pool.h"
 #include "results.h"
+#include "tests/support/failing_memory.h"
 
 VENDORSDK_EXPORT(IsConnectCurrentWifiAP);
 VENDORSDK_EXPORT(StartDeviceScan);
-
-namespace {
-
-std::atomic<bool> onlyForCaller{false};
-thread_local bool isCaller = false;
-
-void* AllocateOrThrow(std::size_t size) {
-    void* const memory = onlyForCaller && !isCaller ? nullptr : std::malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-}  // namespace
 
 // The thread sanitizer asks for this. The standard library is not built with it, which therefore
 // does not see how an exception that two threads hold counts who holds it.
@@ -48,43 +33,10 @@ extern "C" const char* __tsan_default_suppressions() {
     return "race:std::__exception_ptr::exception_ptr::_M_release";
 }
 
-// In place of the library's own, for the whole program.
-
-void* operator new(std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void* operator new[](std::size_t size) {
-    return AllocateOrThrow(size);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
 namespace Driverless {
 namespace {
 
 using std::chrono::milliseconds;
-
-// While one of these lives, no other thread is given memory.
-class MemoryForCaller {
-public:
-    MemoryForCaller() {
-        isCaller = true;
-        onlyForCaller = true;
-    }
-    ~MemoryForCaller() { onlyForCaller = false; }
-    MemoryForCaller(const MemoryForCaller&) = delete;
-    MemoryForCaller& operator=(const MemoryForCaller&) = delete;
-};
 
 // Accepts connections and says nothing.
 class Listener {
@@ -113,13 +65,13 @@ protected:
 };
 
 TEST_F(WithoutMemory, TheHostsNetworkIsNotFoundAndTheCallerIsToldWhy) {
-    const MemoryForCaller memory;
+    const FailingMemory::FailsForOthers memory;
     EXPECT_EQ(IsConnectCurrentWifiAP(), kNoResources);
 }
 
 TEST_F(WithoutMemory, ALookAtTheNetworksEndsAndSaysWhy) {
     std::promise<std::future<std::vector<NetworkInRange>>> taken;
-    const MemoryForCaller memory;
+    const FailingMemory::FailsForOthers memory;
     FindNetworks([&](auto found) { taken.set_value(std::move(found)); });
     EXPECT_THROW(taken.get_future().get().get(), std::bad_alloc);
 }
@@ -129,7 +81,7 @@ TEST_F(WithoutMemory, AQuestionToAPrinterEndsAndTheCallerIsToldWhy) {
     Printer printer;
     printer.address = printer.host = "127.0.0.1";
     printer.port = listener.Port();
-    const MemoryForCaller memory;
+    const FailingMemory::FailsForOthers memory;
     EXPECT_THROW(AskInTime(printer, milliseconds(2000)), std::bad_alloc);
 }
 
@@ -138,7 +90,7 @@ TEST_F(WithoutMemory, QuestionsOfAScanHaveNoAnswer) {
     QueryPool queries([&](PrinterTable::QueryId query, const auto& attributes) {
         answered.at(query).set_value(attributes.has_value());
     });
-    const MemoryForCaller memory;
+    const FailingMemory::FailsForOthers memory;
     for (PrinterTable::QueryId id = 0; id < answered.size(); ++id) {
         queries.Start({id, {}, Clock::now() + milliseconds(2000)});
         EXPECT_FALSE(answered.at(id).get_future().get());
@@ -147,7 +99,7 @@ TEST_F(WithoutMemory, QuestionsOfAScanHaveNoAnswer) {
 
 TEST_F(WithoutMemory, AWatchOfAnnouncementsFailsAndSaysSo) {
     std::promise<int> failed;
-    const MemoryForCaller memory;
+    const FailingMemory::FailsForOthers memory;
     const DnssdBrowser browser([&](const DnssdEvent& event) { failed.set_value(event.result); });
     EXPECT_EQ(failed.get_future().get(), kNoBrowsing);
 }
@@ -155,7 +107,7 @@ TEST_F(WithoutMemory, AWatchOfAnnouncementsFailsAndSaysSo) {
 TEST_F(WithoutMemory, AScanEndsAtOnceAndSaysSo) {
     VendorSdk::DeviceCallbackInfo info{[](const VendorSdk::DeviceInfo*) { return 0; }, 0};
     const auto start = Clock::now();
-    const MemoryForCaller memory;
+    const FailingMemory::FailsForOthers memory;
     EXPECT_EQ(StartDeviceScan(&info), kNoBrowsing);
     EXPECT_LT(Clock::now() - start, milliseconds(2000));
 }

@@ -1,9 +1,8 @@
 """The network that scripts/lab-network made, and processes in it that tell what happens."""
 
 import os
-import queue
+import select
 import subprocess
-import threading
 import time
 
 LAB = os.environ["LAB_NETWORK"]
@@ -23,45 +22,55 @@ PLAYER_ENVIRONMENT = {**os.environ, "TSAN_OPTIONS": os.environ.get("TSAN_OPTIONS
 
 
 class Lines:
-    """A process that writes one line an event."""
+    """A process that writes one line an event. What it wrote before it let something be seen is there
+    for who has seen that."""
 
     def __init__(self, arguments):
         self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE,
-                                        stderr=subprocess.DEVNULL, text=True,
-                                        env=PLAYER_ENVIRONMENT)
-        self.lines = queue.Queue()
+                                        stderr=subprocess.DEVNULL, env=PLAYER_ENVIRONMENT)
+        os.set_blocking(self.process.stdout.fileno(), False)
+        self.rest = b""
+        self.unseen = []
         self.seen = []
-        self.reader = threading.Thread(target=self._read, daemon=True)
-        self.reader.start()
+        self.ended = False
 
-    def _read(self):
-        for line in self.process.stdout:
-            self.lines.put(line.strip())
-        self.lines.put(None)
+    def _read(self, seconds):
+        """Whether something came in that time."""
+        output = self.process.stdout.fileno()
+        if self.ended or not select.select([output], [], [], max(0, seconds))[0]:
+            return False
+        data = os.read(output, 65536)
+        self.ended = not data
+        *lines, self.rest = (self.rest + data).split(b"\n")
+        self.unseen += [line.decode().strip() for line in lines]
+        return True
 
     def await_line(self, wanted, seconds=PATIENCE):
         deadline = time.monotonic() + seconds
         while True:
-            line = self.lines.get(timeout=max(0.01, deadline - time.monotonic()))
-            self.seen.append(line)
-            if line == wanted:
-                return
-            assert line is not None, f"it ended: {self.seen}"
+            while self.unseen:
+                self.seen.append(self.unseen.pop(0))
+                if self.seen[-1] == wanted:
+                    return
+            if not self._read(deadline - time.monotonic()):
+                how = "it ended" if self.ended else f"not in {seconds} s"
+                raise AssertionError(f"no '{wanted}', {how}: {self.seen}")
 
     def all(self):
-        while not self.lines.empty():
-            self.seen.append(self.lines.get())
+        while self._read(0):
+            pass
+        self.seen += self.unseen
+        self.unseen = []
         return self.seen
 
     def given(self):
         """What the printer was given: names and pass phrases as text, and what else it says."""
         def text(digits):
             return "" if digits == "-" else bytes.fromhex(digits).decode()
-        calls = [line.split() for line in self.all() if line and line.startswith("given ")]
+        calls = [line.split() for line in self.all() if line.startswith("given ")]
         return [(text(call[1]), text(call[2]), *call[3:]) for call in calls]
 
     def end(self):
         self.process.kill()
         self.process.wait()
-        self.reader.join()
         self.process.stdout.close()

@@ -71,10 +71,9 @@ std::string Hex(std::string_view text) {
 }
 
 void Enter(pappl_wifi_state_t state) {
-    {
-        const std::lock_guard lock(TheRadio().mutex);
-        TheRadio().wifi.state = state;
-    }
+    // Who sees the state finds it told.
+    const std::lock_guard lock(TheRadio().mutex);
+    TheRadio().wifi.state = state;
     Say("state " + std::to_string(state));
 }
 

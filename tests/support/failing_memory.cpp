@@ -1,5 +1,6 @@
 #include "tests/support/failing_memory.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -8,8 +9,13 @@ namespace {
 thread_local long untilFailure = 0;  // 0: none fails
 thread_local bool failed = false;
 thread_local bool staysGone = false;
+thread_local bool isFavourite = false;
+std::atomic<bool> onlyForFavourite{false};
 
 void* Allocate(std::size_t size) noexcept {
+    if (onlyForFavourite && !isFavourite) {
+        return nullptr;
+    }
     if (untilFailure > 0 && --untilFailure == 0) {
         failed = true;
         untilFailure = staysGone ? 1 : 0;
@@ -38,6 +44,16 @@ FailsAt::FailsAt(long number, Then then) {
 
 FailsAt::~FailsAt() {
     untilFailure = 0;
+}
+
+FailsForOthers::FailsForOthers() {
+    isFavourite = true;
+    onlyForFavourite = true;
+}
+
+FailsForOthers::~FailsForOthers() {
+    onlyForFavourite = false;
+    isFavourite = false;
 }
 
 bool HasFailed() {

@@ -15,7 +15,16 @@ public:
     FailsAt& operator=(const FailsAt&) = delete;
 };
 
-// Whether the allocation has failed that was to fail last.
+// While one of these lives, no thread but its own is given memory.
+class FailsForOthers {
+public:
+    FailsForOthers();
+    ~FailsForOthers();
+    FailsForOthers(const FailsForOthers&) = delete;
+    FailsForOthers& operator=(const FailsForOthers&) = delete;
+};
+
+// Whether the allocation of a FailsAt has failed that was to fail last.
 bool HasFailed();
 
 }  // namespace FailingMemory
