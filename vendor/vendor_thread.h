@@ -9,7 +9,7 @@
 namespace Broker {
 
 // Runs `body` on a thread of its own that nobody waits for. Throws std::system_error when there is
-// none to be had. A thread that has no memory for a line ends without it: there is nobody to tell.
+// none to be had. A body that has no memory ends where it is: there is nobody to tell.
 //
 // The thread does not end before it is detached: the run-time library of MinGW-w64 mixes up its
 // threads when one ends while it is being detached, and one that is started next never runs. It
@@ -22,7 +22,7 @@ void RunDetached(Body body) {
         try {
             body();
         } catch (const std::bad_alloc&) {
-            // A line is lost.
+            // What it had still to do is lost.
         }
         while (!*detached) {
             std::this_thread::yield();

@@ -70,8 +70,9 @@ public:
     // Reports each printer that is plugged in from now on: a second after it was, when it has had
     // time to get ready, with one call of info.callback for each record that its vendor gives. Each
     // printer has a thread of its own, so that calls may come at the same time; what they return is
-    // ignored, and they must not throw. A further start replaces the registration. Always 0, also
-    // when the device manager cannot watch, which only its own log tells.
+    // ignored, and they must not throw. A printer whose thread has no memory is not reported. A
+    // further start replaces the registration. Always 0, also when the device manager cannot watch,
+    // which only its own log tells.
     int StartDeviceMonitor(const DeviceCallbackInfo& info);
 
     // Ends the reports: what a thread still has to report is dropped. A call of the callback that
@@ -169,7 +170,8 @@ public:
     void ClearDeviceStateCallbackInfo();
 
     // Takes one change from the device manager, of which only an arrival counts, and returns at
-    // once. Always 0.
+    // once. Always 0. An identifier that a vendor lists but that is too short to hold its numbers is
+    // told in a line of its own, "deviceId is too short, err:", before that of the failure.
     int CallBackFunc(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state,
                      const std::wstring& deviceId);
 

@@ -1,6 +1,9 @@
 // How the USB dispatcher's tables come about: the vendors', and that of the hardware identifiers.
 
+#include <atomic>
+
 #include "tests/broker/usb_support.h"
+#include "tests/support/in_threads.h"
 
 namespace {
 
@@ -33,6 +36,16 @@ protected:
         return ScriptedModule(moduleName).Calls().size();
     }
 };
+
+TEST_F(UsbBinding, HappensOnceWhenManyThreadsComeFirst) {
+    ScriptedVendors::Support({Alpha()});
+    std::atomic<int> succeeded{0};
+    InThreads(8, [&](int) { succeeded += Enumerate(kId) == 0 ? 1 : 0; });
+    EXPECT_EQ(succeeded, 8);
+    EXPECT_THAT(ScriptedVendors::Requests(),
+                ElementsAre("GetCurrentSupportList", "GetDeviceHandle scripted_all",
+                            "GetCurrentSupportList"));
+}
 
 TEST_F(UsbBinding, HappensOnTheFirstCallAndReadsTheListTwice) {
     ScriptedVendors::Support({Alpha()});

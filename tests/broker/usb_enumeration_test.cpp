@@ -235,8 +235,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Reading{"VID_1234&PID_ABCD&REV_0100&MI_00", 0xABCD, 0x1234, "pid:abcdvid1234"},
                     Reading{"xxxx5678yyyyy9ABCzzzz", 0x9ABC, 0x5678, "pid:9abcvid5678"},
                     // No more than four digits.
-        Reading{"VID_12345PID_ABCDE", 0xABCD, 0x1234, "pid:abcdvid1234"},
-        // As much as there is.
+                    Reading{"VID_12345PID_ABCDE", 0xABCD, 0x1234, "pid:abcdvid1234"},
+                    // As much as there is.
                     Reading{"VID_1234&PID_", 0, 0x1234, "pid:0vid1234"},
                     Reading{"VID_1234&PID_A", 0xA, 0x1234, "pid:avid1234"},
                     Reading{"VID_1234&PID_ABC", 0xABC, 0x1234, "pid:abcvid1234"},

@@ -2,6 +2,7 @@
 // host's ports.
 
 #include <cstring>
+#include <stdexcept>
 
 #include "tests/broker/usb_support.h"
 #include "tests/support/guarded_memory.h"
@@ -282,6 +283,15 @@ TEST_F(UsbPorts, WithoutVendorsAreAFailure) {
                                  EnumerationSaid(4, "NOINITOK")}));
 }
 
+TEST_F(UsbPorts, OfWhichOneIsTooShortToHoldItsNumbersEndWithAnException) {
+    With({Vendor("alpha", "scripted_all", std::string(kId) + " VID_9")});
+    ScriptedModule("scripted_all").AddDevice(VendorDeviceOf("one"));
+    ScriptedHost::Plugged({{Wide(kId), {1, 1}}, {L"VID_9", {1, 1}}});
+    std::vector<DeviceInfo> devices;
+    EXPECT_THROW(It().GetDeviceInfoByUsb(devices), std::out_of_range);
+    EXPECT_THAT(devices, SizeIs(1)) << "what was found before stays";
+}
+
 class UsbFacade : public UsbTest {};
 
 TEST_F(UsbFacade, BindsNothingItself) {
@@ -366,6 +376,21 @@ TEST_F(UsbFacade, StartsAndStopsTheMonitor) {
     EXPECT_THAT(ScriptedVendors::Requests(), IsEmpty());
 }
 
+TEST_F(UsbFacade, RegistersBeforeItStartsTheManagerWithWhatItRegistered) {
+    static std::vector<std::string> callsAtTheLine;
+    RecordingLog::OnLine([](const RecordingLog::Line& line) {
+        if (line.text.starts_with(L"Set info")) {
+            callsAtTheLine = ScriptedHost::UsbCalls();
+        }
+    });
+    callsAtTheLine = {"no line"};
+    It().StartDeviceMonitor({Application::OnDevice, 77});
+    RecordingLog::OnLine({});
+    EXPECT_THAT(callsAtTheLine, IsEmpty());
+    EXPECT_EQ(ScriptedHost::MonitorAtItsStart().value, 77);
+    EXPECT_NE(ScriptedHost::MonitorAtItsStart().callback, nullptr);
+}
+
 TEST_F(UsbFacade, KeepsTheRegistrationThatTheManagerHolds) {
     It().StartDeviceMonitor({Application::OnDevice, 77});
     const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo* const held = ScriptedHost::Monitor();
@@ -382,11 +407,16 @@ TEST_F(UsbFacade, KeepsTheRegistrationThatTheManagerHolds) {
     EXPECT_EQ(ScriptedHost::Monitor(), held);
     EXPECT_EQ(held->value, -78);
     EXPECT_EQ(held->callback, trampoline);
+    EXPECT_EQ(ScriptedHost::MonitorAtItsStart().value, -78);
+    EXPECT_THAT(ScriptedHost::UsbCalls(),
+                ElementsAre("StartMonitor", "StopMonitor", "StartMonitor"));
 }
 
 TEST_F(UsbFacade, SaysNothingOfAManagerThatCannotStart) {
     ScriptedHost::AnswerStarts(-1);
     EXPECT_EQ(It().StartDeviceMonitor({Application::OnDevice, 1}), 0);
+    EXPECT_THAT(TakeLines(), ElementsAre(FacadeSaid("Start usb Monitor", "StartDeviceMonitor"),
+                                         ClearLine(), SetLine("1")));
     EXPECT_EQ(It().StopDeviceMonitor(), 0);
 }
 

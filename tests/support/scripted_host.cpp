@@ -30,6 +30,7 @@ struct State {
     int startResult = 0;
     std::vector<std::string> usbCalls;
     const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo* monitor = nullptr;
+    PrinterDiscoverAPI::DeviceStateChangeCallbackInfo monitorAtItsStart{};
     unsigned starts = 0;
 };
 
@@ -91,6 +92,10 @@ std::vector<std::string> UsbCalls() {
 
 const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo* Monitor() {
     return With([](State& state) { return state.monitor; });
+}
+
+PrinterDiscoverAPI::DeviceStateChangeCallbackInfo MonitorAtItsStart() {
+    return With([](State& state) { return state.monitorAtItsStart; });
 }
 
 int Report(int state, const std::wstring& deviceId) {
@@ -197,6 +202,7 @@ int PrinterUsbDeviceManager::StartMonitor(const DeviceStateChangeCallbackInfo& i
     NoteUsbCall("StartMonitor");
     const unsigned start = With([&](State& state) {
         state.monitor = &info;
+        state.monitorAtItsStart = info;
         return ++state.starts;
     });
     if (!TheState().script.changes.empty()) {

@@ -45,7 +45,10 @@ PRINTERDISCOVERAPI_API std::vector<std::string> UsbCalls();
 // The registration that StartMonitor was given last: the very record, not a copy of it.
 PRINTERDISCOVERAPI_API const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo* Monitor();
 
-// Reports a change to that registration on the calling thread and returns its result, also after
+// A copy of that registration as it was when StartMonitor was called.
+PRINTERDISCOVERAPI_API PrinterDiscoverAPI::DeviceStateChangeCallbackInfo MonitorAtItsStart();
+
+// Reports a change to the registration on the calling thread and returns its result, also after
 // the monitor was stopped. -1 before the first start.
 PRINTERDISCOVERAPI_API int Report(int state, const std::wstring& deviceId);
 
