@@ -170,8 +170,8 @@ public:
     void ClearDeviceStateCallbackInfo();
 
     // Takes one change from the device manager, of which only an arrival counts, and returns at
-    // once. Always 0. An identifier that a vendor lists but that is too short to hold its numbers is
-    // told in a line of its own, "deviceId is too short, err:", before that of the failure.
+    // once. Always 0. An identifier that a vendor lists but that is too short to hold its numbers
+    // is told in a line of its own, "deviceId is too short, err:", before that of the failure.
     int CallBackFunc(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state,
                      const std::wstring& deviceId);
 
