@@ -67,7 +67,7 @@ std::string NotListed(const std::string& usbId) {
     const std::string path = PrinterUtil::DescribeVendorList().path;
     return similar ? fmt::format("{}: the usbIdList of vendor {} has {}; make it the same, in {}",
                                  usbId, similar->vendor, similar->usbId, path)
-                   : fmt::format("{}: no vendor has it in its usbIdList, in {}", usbId, path);
+                   : fmt::format("{}: no vendor has it or * in its usbIdList, in {}", usbId, path);
 }
 
 std::string PluggedIn(const UsbPortMap& ports) {
@@ -90,8 +90,8 @@ void RequireIdentifiers(const UsbPortMap& ports) {
         throw Problem(
             "no printer on USB can be reached while the vendor list has a vendor without USB "
             "identifiers:" +
-            without + "\nName those of its printers in its usbIdList, in " + list.path +
-            PluggedIn(ports));
+            without + "\nName those of its printers, or * for all, in its usbIdList, in " +
+            list.path + PluggedIn(ports));
     }
 }
 

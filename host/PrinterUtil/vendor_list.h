@@ -17,7 +17,7 @@ struct VendorListReport {
     std::string path;                   // empty when no list was found
     std::string moduleFolder;           // empty when the list could not be read
     std::vector<std::string> problems;  // one line each, with the file and the place in it
-    std::vector<VendorInfo> vendors;    // those without a problem
+    std::vector<VendorInfo> vendors;    // those without a problem; see "*" in README.md
 };
 
 // Reads the list as VendorDllMgr does, and logs nothing.

@@ -1,5 +1,8 @@
 #include "host/PrinterUtil/vendor_list_state.h"
 
+#include <algorithm>
+
+#include "host/PrinterUtil/plugged_in.h"
 #include "host/PrinterUtil/vendor_list_finder.h"
 #include "host/PrinterUtil/vendor_list_parser.h"
 #include "host/common/paths.h"
@@ -31,6 +34,9 @@ VendorListReport VendorListState::ReadLocked() {
         ParseVendorList(found.text, found.path, report);
     } else {
         report.problems.push_back(found.problem);
+    }
+    if (std::any_of(report.vendors.begin(), report.vendors.end(), ServesAnyPrinter)) {
+        AddUnnamed(report.vendors, PluggedInIdentifiers());
     }
     moduleFolder = report.moduleFolder;
     return report;

@@ -96,14 +96,28 @@ class UsbPorts(UsbTest):
                          "SN1\tFake 1000\tusb:1-4\tscripted\nSN2\tFake 1000\tusb:1-4\tb\n")
         self.assertEqual(self.calls_of("GetDeviceInfoByUsb"), ["scripted_all", "scripted_all_b"])
 
+    def test_an_asterisk_stands_for_every_printer_that_nobody_names(self):
+        self.list_file = self.vendor_list([vendor(product_id="any", usb_ids="*"),
+                                           vendor("scripted_all_b", "b", OTHER_USB_ID)])
+        self.script("[scripted_all]", usb_device("SN1", vendor="any"), "[scripted_all_b]",
+                    usb_device("SN2", vendor="b"))
+        self.host(port(), port(OTHER_USB_ID))
+        result = self.run_app("usb", "ports")
+        self.assertEqual(result.output,
+                         "SN1\tFake 1000\tusb:1-4\tany\nSN2\tFake 1000\tusb:1-4\tb\n")
+        self.assertEqual(result.errors, "")
+        self.assertEqual(self.calls_of("GetDeviceInfoByUsb"), ["scripted_all", "scripted_all_b"],
+                         "the vendor that names it comes first")
+
     def test_a_port_that_no_vendor_lists_is_named(self):
         self.script(usb_device("SN1"))
         self.host(port(), port("VID_9999&PID_0001"))
         result = self.run_app("usb", "ports")
         self.assert_status(result, FOUND)
         self.assertEqual(result.output, "SN1\tFake 1000\tusb:1-4\tscripted\n")
-        self.assertEqual(result.errors, "devicediscover: warning: VID_9999&PID_0001: no vendor has it"
-                                        f" in its usbIdList, in {system_path(self.list_file)}\n")
+        self.assertEqual(result.errors,
+                         "devicediscover: warning: VID_9999&PID_0001: no vendor has it or * in its "
+                         f"usbIdList, in {system_path(self.list_file)}\n")
         self.assertEqual(len(self.calls_of("GetDeviceInfoByUsb")), 1, "nothing is missing")
 
     def test_an_identifier_that_is_listed_in_other_letters_is_named(self):
