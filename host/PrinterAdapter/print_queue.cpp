@@ -20,12 +20,22 @@ std::string WithoutUrn(const std::string& uuid) {
     return uuid.starts_with(kUrn) ? uuid.substr(kUrn.size()) : uuid;
 }
 
+// A printer on USB that speaks IPP is reached through a service of this host's, which the queue
+// knows by its address or by its name.
+bool IsBridged(const DeviceUri& uri) {
+    const bool isHere =
+        uri.host == "localhost" || uri.host.starts_with("127.") || uri.host == "::1";
+    const bool isQueue = uri.path.starts_with("printers/") || uri.path.starts_with("classes/");
+    return uri.scheme.starts_with("ipp") ? isHere && !isQueue
+                                         : uri.host.find(" (USB)._") != std::string::npos;
+}
+
 }  // namespace
 
 PrinterSdk::PrinterProperty PrinterOf(const PrintQueue& queue) {
     const DeviceUri uri = ReadDeviceUri(queue.deviceUri);
     DeviceId id = ReadDeviceId(queue.deviceId);
-    const std::int32_t connectType = ConnectTypeOfScheme(uri.scheme);
+    std::int32_t connectType = ConnectTypeOfScheme(uri.scheme);
     if (connectType == PrinterSdk::kConnectTypeUsb) {
         id.serialNumber = FirstOf(id.serialNumber, uri.Parameter("serial"));
         id.manufacturer = FirstOf(id.manufacturer, uri.host);
@@ -33,6 +43,7 @@ PrinterSdk::PrinterProperty PrinterOf(const PrintQueue& queue) {
     } else if (connectType == PrinterSdk::kConnectTypeWlan) {
         const std::string uuid = FirstOf(uri.Parameter("uuid"), queue.uuid);
         id.serialNumber = FirstOf(id.serialNumber, WithoutUrn(uuid));
+        connectType = IsBridged(uri) ? PrinterSdk::kConnectTypeUsb : connectType;
     }
     PrinterSdk::PrinterProperty printer;
     printer.name = Host::FromUtf8(queue.name);

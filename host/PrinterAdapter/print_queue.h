@@ -18,7 +18,8 @@ struct PrintQueue {
     std::string state;
 };
 
-// The printer behind the queue.
+// The printer behind the queue. One on USB that speaks IPP has a queue of a network printer, at
+// this host's own address or with a name that ends in " (USB)": it is on USB all the same.
 //
 // Serial number: that of the device identifier, else that of a USB device URI. A network printer
 // whose serial number is not known has the UUID in its place, the printer's own if the device URI

@@ -50,6 +50,26 @@ TEST(PrintQueue, OnTheNetworkWithoutASerialNumberHasThePrintersUuidElseTheQueues
     EXPECT_EQ(PrinterOf(QueueOf("ipp://192.0.2.1/ipp/print")).modelID, L"");
 }
 
+TEST(PrintQueue, ThatLeadsToABridgeOfThisHostIsOnUsb) {
+    for (const char* const uri :
+         {"ipp://localhost:60000/ipp/print", "ipps://127.0.0.1:60001/ipp/print",
+          "ipp://[::1]:60000/ipp/print", "dnssd://Laser%20%28USB%29._ipp._tcp.local/?uuid=1-2"}) {
+        const auto printer = PrinterOf(QueueOf(uri));
+        EXPECT_EQ(printer.connectType, PrinterSdk::kConnectTypeUsb) << uri;
+        EXPECT_NE(printer.serialNumber, L"") << uri;
+    }
+    EXPECT_EQ(PrinterOf(QueueOf("dnssd://Laser%20%28USB%29._ipp._tcp.local/?uuid=1")).serialNumber,
+              L"1");
+}
+
+TEST(PrintQueue, ThatLeadsToAnotherQueueOrServiceOfThisHostIsOnTheNetwork) {
+    for (const char* const uri : {"ipp://localhost:631/printers/other",
+                                  "ipp://127.0.0.1/classes/all", "socket://127.0.0.1:9100",
+                                  "dnssd://Laser._ipp._tcp.local/", "ipp://192.0.2.1/ipp/print"}) {
+        EXPECT_EQ(PrinterOf(QueueOf(uri)).connectType, PrinterSdk::kConnectTypeWlan) << uri;
+    }
+}
+
 TEST(PrintQueue, OfAnotherKindHasNeither) {
     const auto printer = PrinterOf(QueueOf("file:/dev/null"));
     EXPECT_EQ(printer.connectType, 0);
