@@ -162,8 +162,14 @@ std::string UsbExplanation(const UsbPrinter& printer, int result, const std::str
                       "what is there.");
     }
     std::string text = shown + " has failed";
+    if (entryPoint == "PrinterUSBNetConfigEvent") {
+        text +=
+            ". Are the network's name and the pass phrase right, and is the network in the "
+            "printer's "
+            "reach? The log's line \"call Func Fail\" ends with the vendor's own result";
+    }
     if (printer.vendor == kNeedsBridge && entryPoint == "PrinterUSBNetConfigEvent") {
-        text += "; it needs a printer that speaks IPP over USB, and the program ipp-usb to run";
+        text += ". The printer has to speak IPP over USB, and the program ipp-usb to run";
     }
     return text;
 }

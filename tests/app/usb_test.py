@@ -502,7 +502,8 @@ class UsbConfigure(UsbTest):
         self.script(usb_device("SN1", vendor="driverless"), "result PrinterUSBNetConfigEvent 15")
         result = self.run_app(*OFFICE, "--open")
         self.assert_status(result, NONE_FOUND)
-        self.assert_mentions(result.errors, "vendor driverless has failed", "ipp-usb")
+        self.assert_mentions(result.errors, "vendor driverless has failed", "pass phrase right",
+                             "call Func Fail", "ipp-usb")
 
     def test_the_printer_is_looked_for_before_the_pass_phrase_is_asked_for(self):
         terminal = Terminal(self, "usb", "configure", "SN7", "--network", "Office")
