@@ -73,7 +73,8 @@ constexpr KnownResult kKnownResults[] = {
     {21, "another program keeps the printer to itself. Wait for it to end, or end it"},
     {22,
      "the device does not answer. Unplug it, plug it in again, and see whether it is switched on"},
-    {23, "no room was given for what was found"},
+    {23,
+     "no record, or no room for the answer, was given to the vendor; tell who made this program"},
 };
 
 int OnNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network) {

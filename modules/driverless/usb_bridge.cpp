@@ -85,6 +85,14 @@ bool IsSameModel(const BridgedPrinter& bridged, const VendorSdk::DeviceInfo& rec
            LowerCase(byDeviceId.makeAndModel) == wanted;
 }
 
+template <class Predicate>
+std::vector<BridgedPrinter> Those(const std::vector<BridgedPrinter>& printers,
+                                  Predicate predicate) {
+    std::vector<BridgedPrinter> those;
+    std::copy_if(printers.begin(), printers.end(), std::back_inserter(those), predicate);
+    return those;
+}
+
 BridgeSearch Nothing(int result, const std::string& problem) {
     ReportProblem(problem);
     return {result, std::nullopt};
@@ -119,26 +127,29 @@ std::vector<std::uint16_t> BridgePorts(const std::vector<ListeningPort>& listeni
 BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
                            const VendorSdk::DeviceInfo& record) {
     const std::string serialNumber = FieldText(record.deviceSN);
-    const auto same =
-        std::find_if(printers.begin(), printers.end(),
-                     [&](const BridgedPrinter& one) { return IsSame(one, serialNumber); });
-    if (same != printers.end()) {
-        return {kOk, *same};
+    std::vector<BridgedPrinter> likely =
+        Those(printers, [&](const BridgedPrinter& one) { return IsSame(one, serialNumber); });
+    const std::vector<BridgedPrinter> ofModel =
+        Those(likely, [&](const BridgedPrinter& one) { return IsSameModel(one, record); });
+    if (!ofModel.empty()) {
+        likely = ofModel;
     }
-    // Where one side says no serial number, the model tells, as long as there is only one of it.
-    std::vector<BridgedPrinter> likely;
-    std::copy_if(printers.begin(), printers.end(), std::back_inserter(likely),
-                 [&](const BridgedPrinter& one) {
-                     return !(HasSerialNumber(record) && SaysSerialNumber(one)) &&
-                            IsSameModel(one, record);
-                 });
+    if (likely.empty()) {
+        // Where one side says no serial number, the model tells, as long as there is only one of
+        // it.
+        likely = Those(printers, [&](const BridgedPrinter& one) {
+            return !(HasSerialNumber(record) && SaysSerialNumber(one)) && IsSameModel(one, record);
+        });
+    }
     const std::string name = FieldText(record.extra1) + " (" + serialNumber + ")";
     if (likely.empty()) {
-        return Nothing(kNotReached, "no bridge for printers on USB has " + name);
+        return Nothing(kNotReached,
+                       "no bridge for printers on USB has " + name +
+                           ": see whether it speaks IPP over USB, and plug it in again");
     }
     if (likely.size() > 1) {
         return Nothing(kSeveralAlike, "several printers on USB are like " + name +
-                                          ", and no serial number tells them apart");
+                                          ", and nothing tells them apart: unplug the others");
     }
     return {kOk, likely.front()};
 }
@@ -146,8 +157,10 @@ BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
 BridgeSearch FindBridged(const VendorSdk::DeviceInfo& record, Clock::time_point deadline) {
     const auto ports = BridgePorts(LocalListeningPorts(), WantedRange(), geteuid());
     if (ports.empty()) {
-        return Nothing(kNoBridge,
-                       "no bridge for printers on USB, such as ipp-usb, runs on this host");
+        return Nothing(
+            kNoBridge,
+            "no bridge for printers on USB runs on this host: install and start ipp-usb, "
+            "or name the ports of another in DRIVERLESS_USB_BRIDGE_PORTS");
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     return ChooseBridged(AskAll(ports, std::max(left, std::chrono::milliseconds(0))), record);

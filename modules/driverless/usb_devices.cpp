@@ -69,9 +69,9 @@ const char* Advice(int result) {
         case kNoAccess:
             return "this user has no rights to the device; those of the group \"lp\" often have";
         case kBusy:
-            return "another program has the device";
+            return "another program has the device: end it, or wait for it";
         default:
-            return "it does not answer";
+            return "it does not answer: see whether it is switched on, and plug it in again";
     }
 }
 

@@ -171,6 +171,16 @@ TEST(ChooseBridged, DoesNotGuessBetweenPrintersOfOneModel) {
         -kSeveralAlike);
 }
 
+TEST(ChooseBridged, DoesNotGuessBetweenPrintersOfOneSerialNumber) {
+    const auto record = OnUsb("MFG:Acme;MDL:9;SN:B;");
+    EXPECT_EQ(Chosen({Bridged(1, "B", "Acme 9"), Bridged(2, "B", "Acme 9")}, record),
+              -kSeveralAlike);
+    EXPECT_EQ(Chosen({Bridged(1, "B", "Other"), Bridged(2, "B", "Another")}, record),
+              -kSeveralAlike);
+    EXPECT_EQ(Chosen({Bridged(1, "B", "Other"), Bridged(2, "B", "Acme 9")}, record), 2)
+        << "the model tells them apart";
+}
+
 TEST(UsbRecord, SaysWhetherThereIsASerialNumber) {
     EXPECT_TRUE(HasSerialNumber(OnUsb("SN:B;")));
     EXPECT_FALSE(HasSerialNumber(OnUsb("MFG:Acme;")));
