@@ -184,7 +184,7 @@ NetworkScanSession::NetworkScanSession(const Settings& settings) {
     if (result != 0) {
         throw NoScan{Explanation(settings, result, "StartAPWifiScan")};
     }
-    scan.emplace("the vendor",
+    scan.emplace("scan", "the vendor has not stopped its scan",
                  [] { return DiscoverNetConnInterface::GetInstance().StopAPWifiScan(); });
 }
 

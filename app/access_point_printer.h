@@ -7,7 +7,7 @@
 #include "app/network_list.h"
 #include "app/printer.h"
 #include "app/problem.h"
-#include "app/running_scan.h"
+#include "app/running_work.h"
 #include "app/secret.h"
 #include "app/settings.h"
 
@@ -51,11 +51,11 @@ public:
     // then a scan that is started all the same runs until the process ends.
     explicit NetworkScanSession(const Settings& settings);
 
-    // As that of RunningScan.
+    // As that of RunningWork.
     void Stop() { scan->Stop(); }
 
 private:
-    std::optional<RunningScan> scan;
+    std::optional<RunningWork> scan;
 };
 
 // Why a scan was not started, though vendors could do it.

@@ -31,7 +31,8 @@ ScanSession::ScanSession() {
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
     const bool started = discovery.StartDeviceScan({OnDevice, 0}) == 0;
     if (started) {
-        scan.emplace("a vendor", [&discovery] { return discovery.StopDeviceScan(); });
+        scan.emplace("scan", "a vendor has not stopped its scan",
+                     [&discovery] { return discovery.StopDeviceScan(); });
     }
     const std::vector<std::string> problems = ScanProblems();
     if (!started) {

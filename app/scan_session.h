@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "app/printer_list.h"
-#include "app/running_scan.h"
+#include "app/running_work.h"
 
 namespace App {
 
@@ -15,13 +15,13 @@ public:
     // Problem when none can.
     ScanSession();
 
-    // As that of RunningScan.
+    // As that of RunningWork.
     void Stop() { scan->Stop(); }
 
     PrinterList& Printers() { return PrinterList::GetInstance(); }
 
 private:
-    std::optional<RunningScan> scan;
+    std::optional<RunningWork> scan;
 };
 
 }  // namespace App

@@ -1,7 +1,5 @@
 #include "app/usb_watch_session.h"
 
-#include <exception>
-
 #include "app/awaiting.h"
 #include "app/messages.h"
 #include "app/usb_vendors.h"
@@ -27,26 +25,8 @@ UsbWatchSession::UsbWatchSession(const Settings& settings) {
         return DiscoverUsbInterface::GetInstance().StartDeviceMonitor({OnArrival, 0});
     };
     Await(settings, "Asking for what is plugged in", work);
-    running = true;
-}
-
-UsbWatchSession::~UsbWatchSession() {
-    try {
-        Stop();
-    } catch (const std::exception& failure) {
-        Warn(std::string("the watch was not stopped: ") + failure.what());
-    }
-    if (isLate) {
-        Warn("a printer is still being reported; nobody waits for that any more.");
-    }
-}
-
-void UsbWatchSession::Stop() {
-    if (!running) {
-        return;
-    }
-    running = false;
-    isLate = !StopInTime([] { return DiscoverUsbInterface::GetInstance().StopDeviceMonitor(); });
+    watch.emplace("watch", "the device manager has not stopped its reports",
+                  [] { return DiscoverUsbInterface::GetInstance().StopDeviceMonitor(); });
 }
 
 }  // namespace App

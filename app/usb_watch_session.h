@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "app/arrival_list.h"
+#include "app/running_work.h"
 #include "app/settings.h"
 
 namespace App {
@@ -12,18 +15,12 @@ public:
     // Names on standard error each vendor that cannot take part. Throws Problem when none can,
     // Interrupted.
     explicit UsbWatchSession(const Settings& settings);
-    ~UsbWatchSession();
 
-    // Returns when no printer is being reported any more; after a request to end the program it
-    // waits for that only for a moment.
-    void Stop();
-
-    UsbWatchSession(const UsbWatchSession&) = delete;
-    UsbWatchSession& operator=(const UsbWatchSession&) = delete;
+    // As that of RunningWork: returns when no printer is being reported any more.
+    void Stop() { watch->Stop(); }
 
 private:
-    bool running = false;
-    bool isLate = false;
+    std::optional<RunningWork> watch;
 };
 
 }  // namespace App

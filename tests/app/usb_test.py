@@ -299,7 +299,7 @@ class UsbWatch(UsbTest):
         terminal.type("\x03")
         self.assertEqual(terminal.finish(), FOUND)
         self.assertLess(time.monotonic() - start, 20)
-        self.assert_mentions(terminal.text, "warning: a printer is still being reported")
+        self.assert_mentions(terminal.text, "warning: the device manager has not stopped its reports in time")
 
     def test_a_reader_that_leaves_ends_it_quietly(self):
         self.script(usb_device("SN1"))

@@ -1,4 +1,4 @@
-#include "app/running_scan.h"
+#include "app/running_work.h"
 
 #include <chrono>
 #include <exception>
@@ -9,21 +9,21 @@
 
 namespace App {
 
-RunningScan::RunningScan(std::string who, std::function<int()> stopScan)
-    : owner(std::move(who)), stop(std::move(stopScan)) {}
+RunningWork::RunningWork(std::string what, std::string late, std::function<int()> stopWork)
+    : name(std::move(what)), lateness(std::move(late)), stop(std::move(stopWork)) {}
 
-RunningScan::~RunningScan() {
+RunningWork::~RunningWork() {
     try {
         Stop();
     } catch (const std::exception& failure) {
-        Warn(std::string("the scan was not stopped: ") + failure.what());
+        Warn("the " + name + " was not stopped: " + failure.what());
     }
     if (isLate) {
-        Warn(owner + " has not stopped its scan in time; nobody waits for it any more.");
+        Warn(lateness + " in time; nobody waits for it any more.");
     }
 }
 
-void RunningScan::Stop() {
+void RunningWork::Stop() {
     constexpr auto patience = std::chrono::seconds(3);
     if (!running) {
         return;
