@@ -118,7 +118,7 @@ class ScanJson(AppTest):
         services = {printer["serialNumber"]: printer["service"]
                     for printer in json_lines(result.output)}
         self.assertEqual([services[f"driverless{number}"] for number in range(6)],
-                         [0, "ipp", "ipps", "pdl-datastream", "printer", 5])
+                         [0, "ipp", "ipps", "pdl-datastream", "printer", "usb"])
         self.assertEqual([services[f"other{number}"] for number in range(6)], list(range(6)))
 
     def test_ill_formed_and_steering_text_is_ascii_json(self):
