@@ -1,6 +1,7 @@
 #include <libudev.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -23,6 +24,7 @@ constexpr std::string_view kPrinterClass = "7/";      // of INTERFACE, class/sub
 constexpr std::string_view kPrinterClassFile = "07";  // of bInterfaceClass
 constexpr int kReceiveBuffer = 4 * 1024 * 1024;
 constexpr int kReopenMilliseconds = 200;
+constexpr int kServiceCheckMilliseconds = 1000;
 constexpr int kScans = 5;
 
 template <class Object, Object* (*Release)(Object*)>
@@ -107,16 +109,38 @@ std::optional<UsbPrinter> PrinterOf(udev_device* device) {
     return printer;
 }
 
-// The udev daemon passes an event on when its rules have been applied. Where no such daemon runs,
-// the kernel's own events say as much of what is there.
-const char* EventSource() {
-    return access("/run/udev/control", F_OK) == 0 ? "udev" : "kernel";
+std::string NoEvents(int error) {
+    return "no device events: " + SystemMessage(error) +
+           "; printers that are plugged in will not be noticed";
 }
 
-Monitor OpenMonitor(udev* context, std::string& problem) {
-    Monitor monitor(udev_monitor_new_from_netlink(context, EventSource()));
+// Which udev daemon runs, if any: by its control socket, which each makes anew. One whose sockets
+// the system keeps for it through a restart loses no event.
+struct DeviceService {
+    bool runs = false;
+    ino_t socket = 0;
+    timespec since{};
+
+    static DeviceService Now() {
+        struct stat file {};
+        if (stat("/run/udev/control", &file) != 0) {
+            return {};
+        }
+        return {true, file.st_ino, file.st_ctim};
+    }
+
+    bool operator==(const DeviceService& other) const {
+        return runs == other.runs && socket == other.socket && since.tv_sec == other.since.tv_sec &&
+               since.tv_nsec == other.since.tv_nsec;
+    }
+};
+
+// The udev daemon passes an event on when its rules have been applied. Where no such daemon runs,
+// the kernel's own events say as much of what is there.
+Monitor OpenMonitor(udev* context, const DeviceService& service, std::string& problem) {
+    Monitor monitor(udev_monitor_new_from_netlink(context, service.runs ? "udev" : "kernel"));
     if (!monitor) {
-        problem = "no device events: " + SystemMessage(errno);
+        problem = NoEvents(errno);
         return nullptr;
     }
     // A smaller buffer only means more to list again after a storm of events.
@@ -126,7 +150,7 @@ Monitor OpenMonitor(udev* context, std::string& problem) {
     }
     const int result = udev_monitor_enable_receiving(monitor.get());
     if (result < 0) {
-        problem = "no device events: " + SystemMessage(-result);
+        problem = NoEvents(-result);
         return nullptr;
     }
     return monitor;
@@ -153,9 +177,10 @@ Enumeration UsbDevices(udev* context, std::string& problem) {
 
 class UdevEvents : public UsbEvents {
 public:
-    UdevEvents(Context&& freshContext, Monitor&& openMonitor)
+    UdevEvents(Context&& freshContext, Monitor&& openMonitor, const DeviceService& present)
         : context(std::move(freshContext)),
           monitor(std::move(openMonitor)),
+          service(present),
           wake(eventfd(0, EFD_CLOEXEC)) {
         if (wake < 0) {
             throw std::system_error(errno, std::system_category(), "eventfd");
@@ -170,7 +195,9 @@ public:
             }
             std::array<pollfd, 2> files{pollfd{wake, POLLIN, 0},
                                         pollfd{udev_monitor_get_fd(monitor.get()), POLLIN, 0}};
-            if (poll(files.data(), files.size(), -1) < 0) {
+            const int ready = poll(files.data(), files.size(), kServiceCheckMilliseconds);
+            if (ready <= 0) {
+                NoticeAnotherService();
                 continue;
             }
             if (files[0].revents != 0) {
@@ -193,11 +220,7 @@ private:
         if (!device) {
             const bool dropped = errno != 0 && errno != EAGAIN && errno != EINTR;
             if (dropped || (signs & ~POLLIN) != 0) {
-                const std::string reason = dropped ? SystemMessage(errno) : "they have ended";
-                monitor.reset();
-                Host::Report(LOG_LEVEL_WARNING,
-                             L"USB monitor: device events were missed: " + Host::FromUtf8(reason),
-                             L"PrinterUsbDeviceManager::StartMonitor");
+                Close(dropped ? SystemMessage(errno) : "they have ended");
             }
             return std::nullopt;
         }
@@ -212,6 +235,23 @@ private:
         return std::nullopt;
     }
 
+    // Nothing is said of what happens between a device service's end and the next one's start, nor
+    // that it has ended.
+    void NoticeAnotherService() {
+        const DeviceService now = DeviceService::Now();
+        if (!(now == service)) {
+            Close(now.runs ? "the device service has been started"
+                           : "the device service has ended");
+        }
+    }
+
+    void Close(const std::string& reason) {
+        monitor.reset();
+        Host::Report(LOG_LEVEL_WARNING,
+                     L"USB monitor: device events were missed: " + Host::FromUtf8(reason),
+                     L"PrinterUsbDeviceManager::StartMonitor");
+    }
+
     UsbEvent Reopen() {
         for (;;) {
             pollfd file{wake, POLLIN, 0};
@@ -219,7 +259,8 @@ private:
                 return {UsbEvent::Kind::interrupted, {}};
             }
             std::string problem;
-            monitor = OpenMonitor(context.get(), problem);
+            service = DeviceService::Now();
+            monitor = OpenMonitor(context.get(), service, problem);
             if (monitor) {
                 return {UsbEvent::Kind::missed, {}};
             }
@@ -228,6 +269,7 @@ private:
 
     const Context context;
     Monitor monitor;
+    DeviceService service;
     const int wake;
 };
 
@@ -257,14 +299,15 @@ bool ListUsbPrinters(std::vector<UsbPrinter>& printers, std::string& problem) {
 std::unique_ptr<UsbEvents> UsbEvents::Open(std::string& problem) {
     Context context(udev_new());
     if (!context) {
-        problem = "no device events: " + SystemMessage(errno);
+        problem = NoEvents(errno);
         return nullptr;
     }
-    Monitor monitor = OpenMonitor(context.get(), problem);
+    const DeviceService service = DeviceService::Now();
+    Monitor monitor = OpenMonitor(context.get(), service, problem);
     if (!monitor) {
         return nullptr;
     }
-    return std::make_unique<UdevEvents>(std::move(context), std::move(monitor));
+    return std::make_unique<UdevEvents>(std::move(context), std::move(monitor), service);
 }
 
 bool OtherThreadsAreGone() {

@@ -3,6 +3,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "tests/host/usb/device_service_linux.h"
@@ -84,6 +86,54 @@ TEST_F(UsbEvents, ThatWereDroppedAreMadeUpForByWhatIsThere) {
               L"(PrinterUsbDeviceManager::StartMonitor)");
     service.Tell("add", "1-1/1-1:1.0");
     EXPECT_THAT(WaitForReports(3), ElementsAre(kCame, kWent, kCame));
+}
+
+// Waits until as many lines have been logged, and gives the last.
+std::wstring AwaitLine(std::size_t count) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (RecordingLog::Lines().size() < count && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    const auto lines = RecordingLog::Lines();
+    return lines.size() == count ? lines.back().text : L"";
+}
+
+// A device service that ends breaks nothing: no event comes any more. There the printer is not in
+// the system's list, so that it has gone meanwhile.
+TEST_F(UsbEvents, OfADeviceServiceThatWasRestartedAreMadeUpForByWhatIsThere) {
+    const std::filesystem::path control = "/run/udev/control";
+    ASSERT_EQ(manager.StartMonitor(Registration()), 0);
+    service.Tell("add", "1-1/1-1:1.0");
+    EXPECT_THAT(WaitForReports(1), ElementsAre(kCame));
+    std::filesystem::remove(control);
+    EXPECT_THAT(WaitForReports(2), ElementsAre(kCame, kWent));
+    EXPECT_EQ(AwaitLine(1),
+              L"USB monitor: device events were missed: the device service has ended"
+              L"(PrinterUsbDeviceManager::StartMonitor)");
+    std::ofstream(control).close();
+    EXPECT_EQ(AwaitLine(2),
+              L"USB monitor: device events were missed: the device service has been started"
+              L"(PrinterUsbDeviceManager::StartMonitor)");
+    // It is told again until it is heard: the line comes before the events are opened anew.
+    while (ReportsTo().size() < 3) {
+        service.Tell("add", "1-1/1-1:1.0");
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_THAT(WaitForReports(3), ElementsAre(kCame, kWent, kCame));
+}
+
+// One that is restarted at once leaves only another control socket.
+TEST_F(UsbEvents, OfADeviceServiceThatIsAnotherOneAreMadeUpForByWhatIsThere) {
+    const std::filesystem::path control = "/run/udev/control";
+    ASSERT_EQ(manager.StartMonitor(Registration()), 0);
+    service.Tell("add", "1-1/1-1:1.0");
+    EXPECT_THAT(WaitForReports(1), ElementsAre(kCame));
+    std::ofstream("/run/udev/next").close();
+    std::filesystem::rename("/run/udev/next", control);
+    EXPECT_THAT(WaitForReports(2), ElementsAre(kCame, kWent));
+    EXPECT_EQ(AwaitLine(1),
+              L"USB monitor: device events were missed: the device service has been started"
+              L"(PrinterUsbDeviceManager::StartMonitor)");
 }
 
 TEST_F(UsbEvents, ComeWhileManyThreadsStartAndStop) {
