@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -134,6 +136,38 @@ TEST_F(UsbEvents, OfADeviceServiceThatIsAnotherOneAreMadeUpForByWhatIsThere) {
     EXPECT_EQ(AwaitLine(1),
               L"USB monitor: device events were missed: the device service has been started"
               L"(PrinterUsbDeviceManager::StartMonitor)");
+}
+
+// While it lives, the process has no file left to open.
+class NoMoreFiles {
+public:
+    NoMoreFiles() {
+        getrlimit(RLIMIT_NOFILE, &former);
+        const int next = dup(0);
+        close(next);
+        const rlimit none{static_cast<rlim_t>(next), former.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoMoreFiles() { setrlimit(RLIMIT_NOFILE, &former); }
+    NoMoreFiles(const NoMoreFiles&) = delete;
+    NoMoreFiles& operator=(const NoMoreFiles&) = delete;
+
+private:
+    rlimit former{};
+};
+
+TEST_F(UsbEvents, ThatCannotBeHadAreAFailureThatIsLogged) {
+    {
+        const NoMoreFiles none;
+        EXPECT_EQ(manager.StartMonitor(Registration()), -1);
+    }
+    const auto lines = RecordingLog::Lines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0].level, LOG_LEVEL_ERROR);
+    EXPECT_EQ(lines[0].text,
+              L"USB monitor: no device events: Too many open files; printers that are plugged in "
+              L"will not be noticed(PrinterUsbDeviceManager::StartMonitor)");
+    EXPECT_EQ(manager.StartMonitor(Registration()), 0);
 }
 
 TEST_F(UsbEvents, ComeWhileManyThreadsStartAndStop) {
