@@ -21,7 +21,7 @@
 
 #include "VendorSdk/entry_points.h"
 #include "results.h"
-#include "tests/network/simulated_printers.h"
+#include "tests/support/simulated_usb.h"
 
 VENDORSDK_EXPORT(GetDeviceInfoByUsb);
 
@@ -77,20 +77,20 @@ protected:
         return numbers;
     }
 
-    void Plug(const SimulatedPrinter& printer) { usb.Plug(printer); }
+    void Plug(const SimulatedDevice& printer) { usb.Plug(printer); }
 
     void PlugSaying(const std::string& deviceId, Manner manner = Manner::Answers) {
-        SimulatedPrinter printer;
+        SimulatedDevice printer;
         printer.deviceId = deviceId;
         printer.manner = manner;
         Plug(printer);
     }
 
-    SimulatedPrinters usb;
+    SimulatedUsb usb;
 };
 
-SimulatedPrinter At(const std::string& place, const std::string& serialNumber) {
-    SimulatedPrinter printer;
+SimulatedDevice At(const std::string& place, const std::string& serialNumber) {
+    SimulatedDevice printer;
     printer.place = place;
     printer.deviceId = "MFG:Acme;MDL:USB Laser;SN:" + serialNumber + ";";
     return printer;
@@ -124,7 +124,7 @@ TEST_F(UsbPrinters, OfOneModelAreAllReportedByTheirPlace) {
 }
 
 TEST_F(UsbPrinters, BehindAHubHaveTheWholeWayAsTheirPlace) {
-    SimulatedPrinter hub = At("1-4", "-");
+    SimulatedDevice hub = At("1-4", "-");
     hub.productId = 0x0099;
     hub.interfaceClasses = {9};
     Plug(hub);
@@ -135,9 +135,9 @@ TEST_F(UsbPrinters, BehindAHubHaveTheWholeWayAsTheirPlace) {
 }
 
 TEST_F(UsbPrinters, OfOtherModelsAndMakersAreLeftOut) {
-    SimulatedPrinter otherModel = At("1-1", "A");
+    SimulatedDevice otherModel = At("1-1", "A");
     otherModel.productId = 0x0002;
-    SimulatedPrinter otherMaker = At("1-2", "B");
+    SimulatedDevice otherMaker = At("1-2", "B");
     otherMaker.vendorId = 0x1210;
     Plug(otherModel);
     Plug(otherMaker);
@@ -148,14 +148,14 @@ TEST_F(UsbPrinters, OfOtherModelsAndMakersAreLeftOut) {
 }
 
 TEST_F(UsbPrinters, WithSeveralInterfacesAreReportedOnceAndAskedAtTheRightOne) {
-    SimulatedPrinter composite;
+    SimulatedDevice composite;
     composite.interfaceClasses = {0xFF, 8, 7, 7};
     Plug(composite);
     EXPECT_THAT(SerialNumbers(Ask()), ElementsAre("USB1"));
 }
 
 TEST_F(UsbPrinters, DoNotIncludeWhatIsNoPrinter) {
-    SimulatedPrinter disk;
+    SimulatedDevice disk;
     disk.interfaceClasses = {8, 3};
     Plug(disk);
     const Look look = Ask();
@@ -187,7 +187,7 @@ TEST_F(UsbPrinters, CannotBeLookedForWithoutAnyFileToSpare) {
 }
 
 TEST_F(UsbPrinters, ThatWereUnpluggedAreGone) {
-    const SimulatedPrinter printer = At("1-1", "A");
+    const SimulatedDevice printer = At("1-1", "A");
     Plug(printer);
     Plug(At("1-2", "B"));
     usb.Unplug(printer);
@@ -209,8 +209,8 @@ TEST_F(UsbPrinters, HaveTheSerialNumberOfTheirDeviceIdInAnySpelling) {
         {"SERN:A3", "A3"},
         {"MFG:Acme;SN:;SERN:A4;", "A4"}};
     for (const auto& [deviceId, serialNumber] : spellings) {
-        SimulatedPrinters other;
-        SimulatedPrinter printer;
+        SimulatedUsb other;
+        SimulatedDevice printer;
         printer.deviceId = deviceId;
         other.Plug(printer);
         EXPECT_THAT(SerialNumbers(Ask()), ElementsAre(serialNumber)) << deviceId;
@@ -225,7 +225,7 @@ TEST_F(UsbPrinters, HaveTheSerialNumberOfTheDeviceWhereTheDeviceIdHasNone) {
 }
 
 TEST_F(UsbPrinters, WithoutSerialNumbersAreToldApartByTheirPlace) {
-    SimulatedPrinter printer;
+    SimulatedDevice printer;
     printer.deviceId = "MFG:Acme;MDL:9;";
     printer.serialNumber.clear();
     Plug(printer);
@@ -238,7 +238,7 @@ TEST_F(UsbPrinters, WithoutSerialNumbersAreToldApartByTheirPlace) {
 }
 
 TEST_F(UsbPrinters, ThatRefuseTheirDeviceIdAreDescribedByTheirStrings) {
-    SimulatedPrinter printer;
+    SimulatedDevice printer;
     printer.manner = Manner::RefusesDeviceId;
     printer.maker = u"Grün \U0001F5A8";
     Plug(printer);
@@ -249,7 +249,7 @@ TEST_F(UsbPrinters, ThatRefuseTheirDeviceIdAreDescribedByTheirStrings) {
 }
 
 TEST_F(UsbPrinters, ThatSayNothingOfThemselvesAreDescribedByTheirNumbers) {
-    SimulatedPrinter printer;
+    SimulatedDevice printer;
     printer.manner = Manner::RefusesDeviceId;
     printer.maker.clear();
     printer.product.clear();
@@ -326,8 +326,8 @@ TEST_F(UsbPrinters, ThatThisUserMayNotOpenAreForbidden) {
 }
 
 TEST_F(UsbPrinters, ThatCannotBeAskedDoNotHideTheOthers) {
-    const SimulatedPrinter forbidden = At("1-1", "A");
-    SimulatedPrinter taken = At("1-2", "B");
+    const SimulatedDevice forbidden = At("1-1", "A");
+    SimulatedDevice taken = At("1-2", "B");
     taken.manner = Manner::EverythingIsTaken;
     Plug(forbidden);
     Plug(taken);
@@ -365,32 +365,28 @@ TEST_F(UsbPrinters, AreSixtyFourAtMost) {
 
 // What another program finds out about the same devices: serial number, and maker and product.
 std::set<std::pair<std::string, std::string>> AsLsusbSeesThem() {
-    // Only the test bed's library: a sanitizer's run-time does not fit a program without it.
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(
-        popen("LD_PRELOAD=libumockdev-preload.so.0 lsusb -v -d 1209:0001 2>/dev/null", "r"),
-        pclose);
+    std::istringstream lines(RunAndRead("lsusb -v -d 1209:0001 2>/dev/null"));
     std::set<std::pair<std::string, std::string>> printers;
     std::string maker;
     std::string product;
     std::string serialNumber;
-    std::array<char, 512> line{};
+    std::string line;
     const auto textOf = [&line] {
-        std::istringstream words(line.data());
+        std::istringstream words(line);
         std::string word;
         words >> word >> word >> std::ws;
         std::getline(words, word);
         return word;
     };
-    while (std::fgets(line.data(), line.size(), pipe.get()) != nullptr) {
-        const std::string text = line.data();
+    while (std::getline(lines, line)) {
         int interfaceClass = 0;
-        if (text.find("iManufacturer ") != std::string::npos) {
+        if (line.find("iManufacturer ") != std::string::npos) {
             maker = textOf();
-        } else if (text.find("iProduct ") != std::string::npos) {
+        } else if (line.find("iProduct ") != std::string::npos) {
             product = textOf();
-        } else if (text.find("iSerial ") != std::string::npos) {
+        } else if (line.find("iSerial ") != std::string::npos) {
             serialNumber = textOf();
-        } else if (std::sscanf(line.data(), " bInterfaceClass %d", &interfaceClass) == 1 &&
+        } else if (std::sscanf(line.c_str(), " bInterfaceClass %d", &interfaceClass) == 1 &&
                    interfaceClass == 7) {
             printers.emplace(serialNumber, maker + " " + product);
         }
@@ -400,7 +396,7 @@ std::set<std::pair<std::string, std::string>> AsLsusbSeesThem() {
 
 TEST_F(UsbPrinters, AreWhatLsusbSees) {
     for (int port = 1; port <= 5; ++port) {
-        SimulatedPrinter printer = At("1-" + std::to_string(port), "");
+        SimulatedDevice printer = At("1-" + std::to_string(port), "");
         printer.manner = Manner::RefusesDeviceId;
         printer.serialNumber = u"S";
         printer.serialNumber += static_cast<char16_t>(u'0' + port);

@@ -10,9 +10,9 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tests/host/usb/simulated_usb.h"
 #include "tests/host/usb/usb_reports.h"
 #include "tests/support/recording_log.h"
+#include "tests/support/simulated_usb.h"
 
 namespace UsbTest {
 
@@ -212,10 +212,11 @@ TEST_F(UsbMonitor, IgnoresADeviceThatHasGoneBeforeItCouldBeRead) {
 TEST_F(UsbMonitor, ReportsWhatHasChangedWhileTheDeviceServiceWasGone) {
     const std::set<int> before = OpenSockets();
     Start();
+    const std::set<int> started = OpenSockets();
     usb.Plug(kPrinter);
     WaitForReports(1);
     int broken = 0;
-    for (const int socket : OpenSockets()) {
+    for (const int socket : started) {
         if (before.count(socket) == 0) {
             ASSERT_EQ(shutdown(socket, SHUT_RDWR), 0);
             ++broken;

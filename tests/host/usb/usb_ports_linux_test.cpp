@@ -8,9 +8,9 @@
 #include <sstream>
 #include <thread>
 
-#include "tests/host/usb/simulated_usb.h"
 #include "tests/host/usb/usb_reports.h"
 #include "tests/support/recording_log.h"
+#include "tests/support/simulated_usb.h"
 
 namespace RecordingLog {
 

@@ -1,4 +1,4 @@
-#include "tests/network/simulated_printers.h"
+#include "tests/support/simulated_usb.h"
 
 #include <gtest/gtest.h>
 #include <linux/usbdevice_fs.h>
@@ -34,13 +34,13 @@ std::string Text(const char* format, unsigned value) {
     return text.data();
 }
 
-unsigned BusOf(const SimulatedPrinter& printer) {
-    return static_cast<unsigned>(std::stoul(printer.place));
+unsigned BusOf(const SimulatedDevice& device) {
+    return static_cast<unsigned>(std::stoul(device.place));
 }
 
 // Device numbers follow from places, so that no two devices of a test have the same.
-unsigned NumberOf(const SimulatedPrinter& printer) {
-    const std::string ports = printer.place.substr(printer.place.find('-') + 1);
+unsigned NumberOf(const SimulatedDevice& device) {
+    const std::string ports = device.place.substr(device.place.find('-') + 1);
     const std::size_t dot = ports.find('.');
     const auto port = static_cast<unsigned>(std::stoul(ports));
     return dot == std::string::npos
@@ -48,18 +48,18 @@ unsigned NumberOf(const SimulatedPrinter& printer) {
                : 90 + port * 10 + static_cast<unsigned>(std::stoul(ports.substr(dot + 1)));
 }
 
-std::string NodeOf(const SimulatedPrinter& printer) {
-    return "/dev/bus/usb/" + Text("%03u", BusOf(printer)) + '/' + Text("%03u", NumberOf(printer));
+std::string NodeOf(const SimulatedDevice& device) {
+    return "/dev/bus/usb/" + Text("%03u", BusOf(device)) + '/' + Text("%03u", NumberOf(device));
 }
 
 // The device lies in its hub's folder, and that in its bus's.
-std::string FolderOf(const SimulatedPrinter& printer) {
-    std::string folder = "/devices/pci0000:00/0000:00:14.0/usb" + std::to_string(BusOf(printer));
-    for (std::size_t dot = printer.place.find('.'); dot != std::string::npos;
-         dot = printer.place.find('.', dot + 1)) {
-        folder += '/' + printer.place.substr(0, dot);
+std::string FolderOf(const SimulatedDevice& device) {
+    std::string folder = "/devices/pci0000:00/0000:00:14.0/usb" + std::to_string(BusOf(device));
+    for (std::size_t dot = device.place.find('.'); dot != std::string::npos;
+         dot = device.place.find('.', dot + 1)) {
+        folder += '/' + device.place.substr(0, dot);
     }
-    return folder + '/' + printer.place;
+    return folder + '/' + device.place;
 }
 
 using Bytes = std::vector<std::uint8_t>;
@@ -70,19 +70,19 @@ void Append(Bytes& bytes, std::initializer_list<unsigned> values) {
     }
 }
 
-std::string DescriptorsOf(const SimulatedPrinter& printer) {
-    const auto count = static_cast<unsigned>(printer.interfaceClasses.size());
+std::string DescriptorsOf(const SimulatedDevice& device) {
+    const auto count = static_cast<unsigned>(device.interfaceClasses.size());
     const unsigned length = 9 + count * (9 + 7);
     Bytes bytes;
     Append(bytes, {18, 1, 0x00, 0x02, 0, 0, 0, 64});
-    Append(bytes, {printer.vendorId & 0xFF, printer.vendorId >> 8});
-    Append(bytes, {printer.productId & 0xFF, printer.productId >> 8, 0x00, 0x01});
+    Append(bytes, {device.vendorId & 0xFF, device.vendorId >> 8});
+    Append(bytes, {device.productId & 0xFF, device.productId >> 8, 0x00, 0x01});
     Append(bytes,
-           {printer.maker.empty() ? 0U : kMakerText, printer.product.empty() ? 0U : kProductText,
-            printer.serialNumber.empty() ? 0U : kSerialNumberText, 1});
+           {device.maker.empty() ? 0U : kMakerText, device.product.empty() ? 0U : kProductText,
+            device.serialNumber.empty() ? 0U : kSerialNumberText, 1});
     Append(bytes, {9, 2, length & 0xFF, length >> 8, count, 1, 0, 0xC0, 50});
     for (unsigned index = 0; index < count; ++index) {
-        Append(bytes, {9, 4, index, 0, 1, printer.interfaceClasses[index], 1, 2, 0});
+        Append(bytes, {9, 4, index, 0, 1, device.interfaceClasses[index], 1, 2, 0});
         Append(bytes, {7, 5, index + 1, 2, 0x00, 0x02, 0});
     }
     std::string digits;
@@ -102,18 +102,44 @@ std::string TextFile(const std::string& name, const std::u16string& text) {
                : "\nA: " + name + "=" + std::string(text.begin(), text.end()) + "\\n";
 }
 
-std::string DescriptionOf(const SimulatedPrinter& printer) {
+std::string FolderOfInterface(const SimulatedDevice& device, std::size_t index) {
+    return FolderOf(device) + '/' + device.place + ":1." + std::to_string(index);
+}
+
+std::string ProductOf(const SimulatedDevice& device) {
+    return "\nE: PRODUCT=" + Text("%x", device.vendorId) + '/' + Text("%x", device.productId) +
+           "/100";
+}
+
+std::string DescriptionOfInterface(const SimulatedDevice& device, std::size_t index) {
+    const unsigned interfaceClass = device.interfaceClasses[index];
     std::ostringstream text;
-    text << "P: " << FolderOf(printer) << "\nN: " << NodeOf(printer).substr(5)
-         << "\nE: DEVTYPE=usb_device\nE: SUBSYSTEM=usb\nE: DEVNAME=" << NodeOf(printer)
-         << "\nE: BUSNUM=" << Text("%03u", BusOf(printer))
-         << "\nE: DEVNUM=" << Text("%03u", NumberOf(printer)) << "\nA: busnum=" << BusOf(printer)
-         << "\nA: devnum=" << NumberOf(printer) << "\nA: speed=480\nA: bConfigurationValue=1"
-         << "\nA: idVendor=" << Text("%04x", printer.vendorId)
-         << "\nA: idProduct=" << Text("%04x", printer.productId)
-         << TextFile("manufacturer", printer.maker) << TextFile("product", printer.product)
-         << TextFile("serial", printer.serialNumber)
-         << "\nH: descriptors=" << DescriptorsOf(printer) << "\n\n";
+    text << "P: " << FolderOfInterface(device, index)
+         << "\nE: DEVTYPE=usb_interface\nE: SUBSYSTEM=usb";
+    if (device.hasProductProperty) {
+        text << ProductOf(device) << "\nE: INTERFACE=" << interfaceClass << "/1/2";
+    }
+    text << "\nA: bInterfaceNumber=" << Text("%02x", static_cast<unsigned>(index))
+         << "\nA: bInterfaceClass=" << Text("%02x", interfaceClass)
+         << "\nA: bInterfaceSubClass=01\nA: bInterfaceProtocol=02\n\n";
+    return text.str();
+}
+
+std::string DescriptionOf(const SimulatedDevice& device) {
+    std::ostringstream text;
+    text << "P: " << FolderOf(device) << "\nN: " << NodeOf(device).substr(5)
+         << "\nE: DEVTYPE=usb_device\nE: SUBSYSTEM=usb\nE: DEVNAME=" << NodeOf(device)
+         << "\nE: BUSNUM=" << Text("%03u", BusOf(device))
+         << "\nE: DEVNUM=" << Text("%03u", NumberOf(device)) << "\nA: busnum=" << BusOf(device)
+         << "\nA: devnum=" << NumberOf(device) << "\nA: speed=480\nA: bConfigurationValue=1"
+         << "\nA: idVendor=" << Text("%04x", device.vendorId)
+         << "\nA: idProduct=" << Text("%04x", device.productId)
+         << TextFile("manufacturer", device.maker) << TextFile("product", device.product)
+         << TextFile("serial", device.serialNumber) << ProductOf(device)
+         << "\nH: descriptors=" << DescriptorsOf(device) << "\n\n";
+    for (std::size_t index = 0; index < device.interfaceClasses.size(); ++index) {
+        text << DescriptionOfInterface(device, index);
+    }
     return text.str();
 }
 
@@ -138,11 +164,11 @@ std::string LittleEndian(std::u16string_view units) {
     return bytes;
 }
 
-Answer StringDescriptor(const SimulatedPrinter& printer, std::uint8_t number,
+Answer StringDescriptor(const SimulatedDevice& device, std::uint8_t number,
                         std::uint16_t language) {
     constexpr char16_t english = 0x0409;
-    const std::array<std::u16string, 4> texts{std::u16string(1, english), printer.maker,
-                                              printer.product, printer.serialNumber};
+    const std::array<std::u16string, 4> texts{std::u16string(1, english), device.maker,
+                                              device.product, device.serialNumber};
     if (number >= texts.size() || texts.at(number).empty() ||
         (number != 0 && language != english)) {
         return std::nullopt;
@@ -156,23 +182,23 @@ bool IsForDeviceId(const Question& question) {
 }
 
 // Only the printer's own interfaces know the device id.
-Answer DeviceIdOf(const SimulatedPrinter& printer, const Question& question) {
+Answer DeviceIdOf(const SimulatedDevice& device, const Question& question) {
     const std::size_t interface = question.index >> 8;
-    if (printer.manner == Manner::RefusesDeviceId || question.value != 0 ||
-        interface >= printer.interfaceClasses.size() || printer.interfaceClasses[interface] != 7) {
+    if (device.manner == Manner::RefusesDeviceId || question.value != 0 ||
+        interface >= device.interfaceClasses.size() || device.interfaceClasses[interface] != 7) {
         return std::nullopt;
     }
-    const std::size_t length = printer.deviceId.size() + 2;
+    const std::size_t length = device.deviceId.size() + 2;
     return std::string{static_cast<char>(length >> 8), static_cast<char>(length & 0xFF)} +
-           printer.deviceId;
+           device.deviceId;
 }
 
-Answer AnswerOf(const SimulatedPrinter& printer, const Question& question) {
+Answer AnswerOf(const SimulatedDevice& device, const Question& question) {
     if (IsForDeviceId(question)) {
-        return DeviceIdOf(printer, question);
+        return DeviceIdOf(device, question);
     }
     if (question.type == 0x80 && question.request == 6 && question.value >> 8 == 3) {
-        return StringDescriptor(printer, static_cast<std::uint8_t>(question.value & 0xFF),
+        return StringDescriptor(device, static_cast<std::uint8_t>(question.value & 0xFF),
                                 question.index);
     }
     if (question.type == 0x80 && question.request == 8) {
@@ -205,10 +231,10 @@ struct Conversation {
 // A device that is plugged in.
 class Plugged {
 public:
-    explicit Plugged(SimulatedPrinter plugged) : printer(std::move(plugged)) {}
+    explicit Plugged(SimulatedDevice plugged) : device(std::move(plugged)) {}
 
     void Serve(UMockdevIoctlClient* client) {
-        if (printer.manner == Manner::GoneMeanwhile) {
+        if (device.manner == Manner::GoneMeanwhile) {
             Complete(client, -1, ENODEV);
             return;
         }
@@ -259,15 +285,15 @@ private:
     }
 
     void Claim(UMockdevIoctlClient* client) {
-        const bool isTaken = printer.manner == Manner::InterfaceIsTaken ||
-                             printer.manner == Manner::EverythingIsTaken;
+        const bool isTaken =
+            device.manner == Manner::InterfaceIsTaken || device.manner == Manner::EverythingIsTaken;
         conversations[client].isClaimed = !isTaken;
         Complete(client, isTaken ? -1 : 0, isTaken ? EBUSY : 0);
     }
 
     // Whether the system lets the question through to the device.
     bool IsAllowed(const Question& question, bool isClaimed) const {
-        switch (printer.manner) {
+        switch (device.manner) {
             case Manner::EverythingIsTaken:
                 return false;
             case Manner::InterfaceIsTaken:
@@ -288,10 +314,10 @@ private:
             Complete(client, -1, EBUSY);
             return;
         }
-        if (printer.manner == Manner::Silent) {
+        if (device.manner == Manner::Silent) {
             conversations[client].waiting.push_back(std::move(urb));
         } else {
-            Fill(UrbIn(urb), std::span(buffer->data, size).subspan(8), AnswerOf(printer, question));
+            Fill(UrbIn(urb), std::span(buffer->data, size).subspan(8), AnswerOf(device, question));
             conversations[client].done.push_back(std::move(urb));
         }
         Complete(client, 0, 0);
@@ -327,13 +353,13 @@ private:
         Complete(client, 0, 0);
     }
 
-    const SimulatedPrinter printer;
+    const SimulatedDevice device;
     std::map<UMockdevIoctlClient*, Conversation> conversations;
 };
 
 }  // namespace
 
-class SimulatedPrinters::Bed {
+class SimulatedUsb::Bed {
 public:
     Bed() : testbed(umockdev_testbed_new()), handler(umockdev_ioctl_base_new()) {
         g_signal_connect(handler, "handle-ioctl", G_CALLBACK(Handle), this);
@@ -352,35 +378,55 @@ public:
     Bed(const Bed&) = delete;
     Bed& operator=(const Bed&) = delete;
 
-    void Plug(const SimulatedPrinter& printer) {
+    void Plug(const SimulatedDevice& device) {
         GError* error = nullptr;
-        {
-            const std::lock_guard lock(mutex);
-            plugged.emplace(NodeOf(printer), printer);
-        }
-        umockdev_testbed_add_from_string(testbed, DescriptionOf(printer).c_str(), &error);
-        if (error == nullptr) {
-            umockdev_testbed_attach_ioctl(testbed, NodeOf(printer).c_str(), handler, &error);
+        const bool isNew = Remember(device);
+        umockdev_testbed_add_from_string(testbed, DescriptionOf(device).c_str(), &error);
+        if (error == nullptr && isNew) {
+            umockdev_testbed_attach_ioctl(testbed, NodeOf(device).c_str(), handler, &error);
         }
         if (error != nullptr) {
-            ADD_FAILURE() << printer.place << ": " << error->message;
+            ADD_FAILURE() << device.place << ": " << error->message;
             g_error_free(error);
             return;
         }
-        SetMode(NodeOf(printer), 0666);
+        SetMode(NodeOf(device), 0666);
         // The test bed's own connection comes before the device says no.
-        SetMode("/ioctl" + NodeOf(printer), 0666);
+        SetMode("/ioctl" + NodeOf(device), 0666);
     }
 
-    void Unplug(const SimulatedPrinter& printer) {
-        const std::string path = "/sys" + FolderOf(printer);
+    void Unplug(const SimulatedDevice& device) {
+        for (std::size_t index = 0; index < device.interfaceClasses.size(); ++index) {
+            Remove(FolderOfInterface(device, index));
+        }
+        Remove(FolderOf(device));
+    }
+
+    void TellAgain(const SimulatedDevice& device) {
+        umockdev_testbed_uevent(testbed, ("/sys" + FolderOf(device)).c_str(), "add");
+        for (std::size_t index = 0; index < device.interfaceClasses.size(); ++index) {
+            const std::string path = "/sys" + FolderOfInterface(device, index);
+            umockdev_testbed_uevent(testbed, path.c_str(), "add");
+        }
+    }
+
+    void Forbid(const SimulatedDevice& device) { SetMode(NodeOf(device), 0); }
+
+private:
+    void Remove(const std::string& folder) {
+        const std::string path = "/sys" + folder;
         umockdev_testbed_uevent(testbed, path.c_str(), "remove");
         umockdev_testbed_remove_device(testbed, path.c_str());
     }
 
-    void Forbid(const SimulatedPrinter& printer) { SetMode(NodeOf(printer), 0); }
+    // The device at its node; false when one was there before, whose connection stays.
+    bool Remember(const SimulatedDevice& device) {
+        const std::lock_guard lock(mutex);
+        const bool isNew = plugged.erase(NodeOf(device)) == 0;
+        plugged.emplace(NodeOf(device), device);
+        return isNew;
+    }
 
-private:
     void SetMode(const std::string& path, mode_t mode) const {
         EXPECT_EQ(chmod((root + path).c_str(), mode), 0) << path << ": " << std::strerror(errno);
     }
@@ -400,20 +446,36 @@ private:
     std::map<std::string, Plugged> plugged;
 };
 
-SimulatedPrinters::SimulatedPrinters() : bed(std::make_unique<Bed>()) {}
+SimulatedUsb::SimulatedUsb() : bed(std::make_unique<Bed>()) {}
 
-SimulatedPrinters::~SimulatedPrinters() = default;
+SimulatedUsb::~SimulatedUsb() = default;
 
-void SimulatedPrinters::Plug(const SimulatedPrinter& printer) {
-    bed->Plug(printer);
+void SimulatedUsb::Plug(const SimulatedDevice& device) {
+    bed->Plug(device);
 }
 
-void SimulatedPrinters::Unplug(const SimulatedPrinter& printer) {
-    bed->Unplug(printer);
+void SimulatedUsb::Unplug(const SimulatedDevice& device) {
+    bed->Unplug(device);
 }
 
-void SimulatedPrinters::Forbid(const SimulatedPrinter& printer) {
-    bed->Forbid(printer);
+void SimulatedUsb::TellAgain(const SimulatedDevice& device) {
+    bed->TellAgain(device);
+}
+
+void SimulatedUsb::Forbid(const SimulatedDevice& device) {
+    bed->Forbid(device);
+}
+
+std::string RunAndRead(const std::string& command) {
+    // Only the test bed's library: a sanitizer's run-time does not fit a program without it.
+    const std::string line = "LD_PRELOAD=libumockdev-preload.so.0 " + command;
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(line.c_str(), "r"), pclose);
+    std::string output;
+    std::array<char, 4096> part{};
+    while (const std::size_t length = std::fread(part.data(), 1, part.size(), pipe.get())) {
+        output.append(part.data(), length);
+    }
+    return output;
 }
 
 }  // namespace UsbTest
