@@ -132,7 +132,7 @@ class JourneyTest(unittest.TestCase):
         errors_path = os.path.join(self.state, "errors")
         with open(errors_path, "w", encoding="utf-8") as errors:
             process = subprocess.Popen(
-                [PROGRAM, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                self.command(*arguments), stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                 stderr=errors, text=True, env=self.environment(**environment))
         watchdog = threading.Timer(4 * PATIENCE * SLACK, process.kill)
         watchdog.start()
@@ -153,6 +153,10 @@ class JourneyTest(unittest.TestCase):
             ended = Ended(process.returncode, "".join(lines), errors.read())
         self.assert_secret(ended.output, ended.errors)
         return ended
+
+    @staticmethod
+    def command(*arguments):
+        return [PROGRAM, *arguments]
 
     def environment(self, **more):
         return {**ENVIRONMENT, "XDG_STATE_HOME": os.path.join(self.state, "log"), **more}

@@ -25,9 +25,10 @@ class Lines:
     """A process that writes one line an event. What it wrote before it let something be seen is there
     for who has seen that."""
 
-    def __init__(self, arguments):
+    def __init__(self, arguments, environment=None):
         self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE,
-                                        stderr=subprocess.DEVNULL, env=PLAYER_ENVIRONMENT)
+                                        stderr=subprocess.DEVNULL,
+                                        env=environment or PLAYER_ENVIRONMENT)
         os.set_blocking(self.process.stdout.fileno(), False)
         self.rest = b""
         self.unseen = []
@@ -55,6 +56,14 @@ class Lines:
             if not self._read(deadline - time.monotonic()):
                 how = "it ended" if self.ended else f"not in {seconds} s"
                 raise AssertionError(f"no '{wanted}', {how}: {self.seen}")
+
+    def next(self, seconds=PATIENCE):
+        """The next line; None when there is none in that time."""
+        deadline = time.monotonic() + seconds
+        while not self.unseen and self._read(deadline - time.monotonic()):
+            pass
+        self.seen += self.unseen[:1]
+        return self.unseen.pop(0) if self.unseen else None
 
     def all(self):
         while self._read(0):

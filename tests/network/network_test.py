@@ -21,7 +21,8 @@ from lab import LAB, PATIENCE, lab
 PROGRAM = os.environ["DEVICEDISCOVER_PROGRAM"]
 PROBE = os.environ["SCAN_PROBE"]
 MODULE = os.environ["DRIVERLESS_MODULE"]
-SUPPRESSIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "tsan.supp")
+SUPPRESSIONS = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))),
+                            "thread_sanitizer_suppressions")
 FAKE_PRINTER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "fake_printer.py")
 
 TSAN_OPTIONS = ":".join(

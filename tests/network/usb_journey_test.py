@@ -1,0 +1,145 @@
+"""A printer that is plugged in, as a person goes about it: the application with the list and the
+modules beside it, the system's own device libraries over simulated devices, and a printer that
+speaks the standard behind a bridge on this host.
+
+Runs inside scripts/lab-network, on the browsing side. The environment names what journey_test.py
+and usb_bed.py need.
+"""
+
+import json
+import os
+import signal
+import time
+import unittest
+
+from journey_test import JourneyTest
+from lab import PATIENCE, Lines
+from office import PRINTER, announced
+from set_up_test import NAME, PASS_PHRASE, SERIAL
+from usb_bed import UsbBed
+
+MODEL = "Acme Radio Laser"
+BRIDGE_PORT = 60000
+WAIT = 1.0  # from a printer's arrival until it is asked who it is
+DISK = ("1209", "0002", "8")
+OTHER_MODEL = ("1209", "00aB")
+
+
+def described(serial, place):
+    return {"serialNumber": serial, "makeAndModel": MODEL, "place": place, "vendor": "driverless"}
+
+
+class UsbJourney(JourneyTest):
+    def setUp(self):
+        super().setUp()
+        self.usb = UsbBed()
+        self.running.append(self.usb)
+
+    @staticmethod
+    def command(*arguments):
+        return UsbBed.seen_by(JourneyTest.command(*arguments))
+
+    def environment(self, **more):
+        return super().environment(**self.usb.environment(), **more)
+
+    def watch(self):
+        watch = Lines(self.command("usb", "watch", "--json"), self.environment())
+        self.running.append(watch)
+        return watch
+
+    def assert_arrival(self, line, serial, place):
+        self.assertIsNotNone(line, "no printer was reported")
+        arrival = json.loads(line)
+        self.assertRegex(arrival.pop("time"), r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ$")
+        self.assertEqual(arrival, described(serial, place))
+
+    def plug_until_seen(self, watch, serial, place):
+        """The watch may have just begun, and does not report what was there before."""
+        deadline = time.monotonic() + PATIENCE
+        while time.monotonic() < deadline:
+            plugged = time.monotonic()
+            self.usb.plug(place, serial)
+            line = watch.next(4 * WAIT)
+            if line:
+                self.assertGreaterEqual(time.monotonic() - plugged, WAIT)
+                return line
+            self.usb.unplug(place)
+        return None
+
+    def on_usb(self):
+        """The printer, as its bridge has it."""
+        folder = os.path.join(self.state, "bridged")
+        os.makedirs(folder)
+        printer = Lines(["unshare", "-u", PRINTER, folder, "127.0.0.1", "--beside-bridge",
+                         "--port", str(BRIDGE_PORT), "--serial", SERIAL, "--network",
+                         f"{NAME}={PASS_PHRASE}"])
+        self.running.append(printer)
+        printer.await_line("ready")
+        return printer
+
+    def appear_on_network(self, _):
+        """The same printer, now that it has joined."""
+        self.printer("--serial", SERIAL)
+        self.running.append(announced())
+
+    def test_one_that_is_plugged_in_is_there_a_second_later(self):
+        watch = self.watch()
+        self.assert_arrival(self.plug_until_seen(watch, "A", "1-1"), "A", "usb:1-1")
+
+        self.usb.plug("1-3", "DISK", *DISK)
+        self.usb.unplug("1-1")
+        self.assertIsNone(watch.next(2 * WAIT))
+
+        plugged = time.monotonic()
+        self.usb.plug("1-1", "A")
+        self.assert_arrival(watch.next(), "A", "usb:1-1")
+        self.assertGreaterEqual(time.monotonic() - plugged, WAIT)
+
+        # What arrives is a model, and each printer of it is reported, once.
+        self.usb.plug("1-2", "B")
+        self.assert_arrival(watch.next(), "A", "usb:1-1")
+        self.assert_arrival(watch.next(), "B", "usb:1-2")
+        self.assertIsNone(watch.next(2 * WAIT))
+
+        watch.process.send_signal(signal.SIGINT)
+        self.assertEqual(watch.process.wait(PATIENCE), 0)
+
+    def test_all_that_are_plugged_in_are_listed(self):
+        self.usb.plug("1-1", "A")
+        self.usb.plug("2-4", "B", *OTHER_MODEL)
+        self.usb.plug("1-3", "DISK", *DISK)
+        listed = self.devicediscover("usb", "ports", "--json")
+        self.assertEqual((listed.status, listed.errors), (0, ""), str(listed))
+        self.assertEqual(sorted(listed.objects(), key=lambda one: one["serialNumber"]),
+                         [described("A", "usb:1-1"), described("B", "usb:2-4")])
+
+    def test_over_its_cable_it_gets_onto_the_network_and_is_found_there(self):
+        bridged = self.on_usb()
+        self.usb.plug("1-1", SERIAL)
+        networks = self.devicediscover("usb", "networks", SERIAL, "--json")
+        self.assertEqual(networks.status, 0, str(networks))
+        self.assertIn(NAME, [one["network"] for one in networks.objects()])
+
+        ended = self.devicediscover(
+            "setup", "--usb", "--network", NAME, "--pass-phrase-file", "-", secret=PASS_PHRASE,
+            on_line=lambda line, _: line.startswith("[6/6]") and self.appear_on_network(line))
+        self.assertEqual((ended.status, ended.errors), (0, ""), str(ended))
+        self.assertEqual(bridged.given(), [(NAME, PASS_PHRASE)])
+        self.assertIn("This computer stays on the network it is on", ended.output)
+        self.assertIn(f"{MODEL}, serial number {SERIAL}, is on {NAME} at ",
+                      ended.output.splitlines()[-1])
+        self.assert_masked_log()
+
+    def test_a_wrong_pass_phrase_is_told(self):
+        bridged = self.on_usb()
+        self.usb.plug("1-1", SERIAL)
+        ended = self.devicediscover("usb", "configure", "--network", NAME, "--pass-phrase-file",
+                                    "-", secret="wrong-horse battery")
+        self.assertEqual((ended.status, ended.output), (1, ""), str(ended))
+        self.assertIn("pass phrase", ended.errors)
+        self.assertEqual(bridged.given(), [(NAME, "wrong-horse battery")])
+        self.assert_masked_log()
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
