@@ -123,6 +123,9 @@ def measured(figures):
         time = cpu(f"UsbPrinters/{printers}/1")
         yield f"USB: {printers} printers, as many on the network", nanoseconds(time)
         yield "  each", nanoseconds(time / printers)
+    few, most = (cpu(f"UsbPrinters/{printers}/1") / printers
+                 for printers in (USB_PRINTERS[0], USB_PRINTERS[-1]))
+    yield f"  growth of each from {USB_PRINTERS[0]} to {USB_PRINTERS[-1]}", f"{most / few:.2f}"
     for tool in TOOLS if figures.race else ():
         first, last, memory = (figures.scan(tool, what) for what in ("first", "all", "memory"))
         yield (f"scan, 20 printers: {tool}",

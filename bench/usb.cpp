@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -189,10 +190,11 @@ void KnowPrinters(std::int64_t count) {
     Bench::KnowPrinters(std::move(printers));
 }
 
-std::promise<void>* reported = nullptr;
+// The records of an arrival come on the arrival's own thread, also those after the first.
+std::atomic<std::promise<void>*> reported = nullptr;
 
 int OnDevice(const DeviceInfo*) {
-    if (auto* const waiting = std::exchange(reported, nullptr)) {
+    if (auto* const waiting = reported.exchange(nullptr)) {
         waiting->set_value();
     }
     return 0;

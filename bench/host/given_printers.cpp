@@ -14,7 +14,9 @@ public:
     PrinterSdk::IScanCap* GetScanCap(const wchar_t*) override { return nullptr; }
     PrinterSdk::ICopyCap* GetCopyCap(const wchar_t*) override { return nullptr; }
     PrinterSdk::PrinterListProvider* GetPrinterListProvider() override { return this; }
-    void GetPrinterList(std::vector<PrinterProperty>& list) override { list = printers; }
+    void GetPrinterList(std::vector<PrinterProperty>& list) override {
+        list.insert(list.end(), printers.begin(), printers.end());
+    }
 
     std::vector<PrinterProperty> printers;
 };

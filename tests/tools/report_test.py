@@ -80,6 +80,12 @@ class Report(unittest.TestCase):
             self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
             self.assertRegex(result.stdout, rf"ping of a silent address, ms +{milliseconds}\.00 +{row}  over\n")
 
+    def test_growth_is_that_of_one_printers_share(self):
+        for usb in ("usb_1", "usb_100", "usb_10000"):
+            self.times[usb].update({"UsbPrinters/10": 100, "UsbPrinters/1000": 12300})
+        result = self.report()
+        self.assertRegex(result.stdout, r"growth of each from 10 to 1000 +1\.23\n")
+
     def test_an_arrival_that_is_reported_early_or_late_is_over(self):
         for milliseconds, row in ((999, "at least 1000.00"), (1021, "at most 1020.00")):
             self.times["arrival"]["Arrival/iterations:1/real_time"] = milliseconds
