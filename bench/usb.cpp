@@ -23,6 +23,7 @@
 #include "bench/host/given_vendors.h"
 #include "bench/support.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
+#include "tests/host/usb/device_service_linux.h"
 
 namespace {
 
@@ -31,7 +32,6 @@ using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterDeviceDiscoverSdk::DiscoverBasic;
 using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
-using PrinterDeviceDiscoverSdk::UsbInterfaceMonitor;
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
 using PrinterSdk::PrinterProperty;
 
@@ -62,8 +62,8 @@ Function* FunctionOf(const char* name) {
 unsigned IdentifierCount() {
     const char* const text = std::getenv("BENCH_USB_IDS");
     const int count = text == nullptr ? 1 : std::atoi(text);
-    if (count < 1 || count > 0x10000) {
-        throw std::runtime_error("BENCH_USB_IDS wants a number from 1 to 65536");
+    if (count < 1 || count > 0xFFFF) {
+        throw std::runtime_error("BENCH_USB_IDS wants a number from 1 to 65535");
     }
     return static_cast<unsigned>(count);
 }
@@ -73,7 +73,7 @@ void Prepare() {
     std::string id;
     for (unsigned number = 0; number < IdentifierCount(); ++number) {
         std::array<char, 32> text{};
-        std::snprintf(text.data(), text.size(), "VID_1234&PID_%04X", number);
+        std::snprintf(text.data(), text.size(), "VID_1209&PID_%04X", number + 1);
         id = text.data();
         vendor.usbIdList += id + ' ';
         byHand.products[id] = kProductId;
@@ -238,21 +238,24 @@ void UsbPrinters(benchmark::State& state) {
 }
 BENCHMARK(UsbPrinters)->Arg(10)->Arg(100)->Arg(1000);
 
-// From the moment a printer is plugged in to the first call of the application.
+// From the moment the device service tells that a printer is plugged in to the first call of the
+// application.
 void Arrival(benchmark::State& state) {
-    UsbInterfaceMonitor& monitor = UsbInterfaceMonitor::GetInstance();
-    monitor.SetDeviceStateCallbackInfo({OnDevice, 0});
+    const std::string interface = "1-1/1-1:1.0";
+    const UsbTest::DeviceService service;
+    DiscoverUsbInterface::GetInstance().StartDeviceMonitor({OnDevice, 0});
     for (auto _ : state) {
         std::promise<void> waiting;
         reported = &waiting;
-        monitor.CallBackFunc({}, PrinterUsbApiStruct::DEVICE_STATE_ARRIVED, deviceId);
+        service.Tell("add", interface);
         waiting.get_future().wait();
         // The other records of the same arrival are not this one's any more.
         state.PauseTiming();
+        service.Tell("remove", interface);
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
         state.ResumeTiming();
     }
-    monitor.ClearDeviceStateCallbackInfo();
+    DiscoverUsbInterface::GetInstance().StopDeviceMonitor();
 }
 BENCHMARK(Arrival)->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
