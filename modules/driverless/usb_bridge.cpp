@@ -154,6 +154,10 @@ BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
     return {kOk, likely.front()};
 }
 
+bool IsStillThere(const Printer& bridged, const PrinterAttributes& answer) {
+    return PrinterAt(bridged.port, answer).serialNumber == bridged.serialNumber;
+}
+
 BridgeSearch FindBridged(const VendorSdk::DeviceInfo& record, Clock::time_point deadline) {
     const auto ports = BridgePorts(LocalListeningPorts(), WantedRange(), geteuid());
     if (ports.empty()) {

@@ -43,6 +43,10 @@ struct BridgeSearch {
 BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
                            const VendorSdk::DeviceInfo& record);
 
+// Whether what answers where the printer was reached is still the printer: a bridge may give the
+// port to another one that is plugged in.
+bool IsStillThere(const Printer& bridged, const PrinterAttributes& answer);
+
 // Asks what is behind the bridges and chooses. Comes back by `deadline`.
 BridgeSearch FindBridged(const VendorSdk::DeviceInfo& record, Clock::time_point deadline);
 

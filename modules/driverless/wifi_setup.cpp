@@ -59,6 +59,10 @@ Recipient InItsNetwork(const AccessPoint& accessPoint) {
     return recipient;
 }
 
+bool IsOnUsb(const Recipient& recipient) {
+    return recipient.network.empty();
+}
+
 // A bridge takes what it passes on as it is: it stays on this host and the cable.
 Recipient OnUsb(const BridgedPrinter& bridged) {
     return {bridged.printer, *bridged.attributes.wifiState, bridged.printer, {}};
@@ -67,7 +71,7 @@ Recipient OnUsb(const BridgedPrinter& bridged) {
 // Whether the host is known to have left the network. One whose Wi-Fi is off or has ended is joined
 // to nothing, too, but sees nothing either.
 bool HasLeft(const Recipient& recipient) {
-    if (recipient.network.empty()) {
+    if (IsOnUsb(recipient)) {
         return false;
     }
     const auto current = CurrentNetwork(kStatePatience);
@@ -119,7 +123,8 @@ std::optional<int> LookOnce(const Recipient& recipient, JoinWatch& watch) {
     const IppAnswer answer =
         AskInTime(recipient.printer, tls ? kStatePatienceWithTls : kStatePatience,
                   {IppQuestion::Kind::AttributesWithWifi, {}});
-    if (answer.kind == IppAnswer::Kind::Granted) {
+    const bool isThere = !IsOnUsb(recipient) || IsStillThere(recipient.printer, answer.attributes);
+    if (answer.kind == IppAnswer::Kind::Granted && isThere) {
         return watch.Answered(answer.attributes, Clock::now());
     }
     return HasLeft(recipient) ? watch.Gone(Clock::now()) : watch.Silent(Clock::now());
@@ -134,6 +139,17 @@ int Follow(const Recipient& recipient, JoinWatch watch) {
     }
 }
 
+const char* Outcome(int result) {
+    switch (result) {
+        case kNotVisible:
+            return " does not see the network ";
+        case kCannotJoin:
+            return " is not let in with that pass phrase by the network ";
+        default:
+            return " has not joined in time the network ";
+    }
+}
+
 int Give(const Recipient& recipient, const WifiSettings& settings) {
     if (const auto refusal = Send(recipient, settings)) {
         return *refusal;
@@ -143,6 +159,10 @@ int Give(const Recipient& recipient, const WifiSettings& settings) {
     const int result =
         Follow(recipient, JoinWatch(settings.name, recipient.state, Clock::now(), JoinLimit()));
     ReportDetail("it ended with " + std::to_string(result));
+    // Over USB the result does not get as far as the user.
+    if (result != kOk && IsOnUsb(recipient)) {
+        ReportProblem(recipient.printer.makeAndModel + " on USB" + Outcome(result) + settings.name);
+    }
     return result;
 }
 

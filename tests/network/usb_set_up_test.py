@@ -161,6 +161,16 @@ class OverUsb(UsbTest):
         event = probe.await_event("usb-configure")
         self.assertEqual(event["result"], CANNOT_JOIN)
 
+    def test_another_printer_in_its_place_says_nothing_of_it(self):
+        printer = self.bridged("--joins-in", "60000")
+        probe = self.probe(environment={"DRIVERLESS_JOIN_SECONDS": "4"})
+        self.configure(probe, NAME, PASS_PHRASE)
+        printer.await_line("state 7")
+        time.sleep(0.5)  # so that its answer is through
+        self.gone(printer)
+        self.fake_bridged("--state", "6", serial="OTHER")
+        self.assertEqual(probe.await_event("usb-configure")["result"], TIMED_OUT)
+
     def test_other_ports_can_be_named(self):
         self.bridged(port=9700)
         self.assertEqual(self.result(self.probe(), NAME, PASS_PHRASE), NO_BRIDGE)
