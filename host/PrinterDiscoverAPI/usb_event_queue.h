@@ -12,6 +12,8 @@ namespace PrinterDiscoverAPI {
 class UsbEventQueue {
 public:
     void Put(const UsbEvent& event);
+    // An event could not be kept: once the others are taken, Wait says that some were missed.
+    void Lose();
     UsbEvent Wait();
     void Interrupt();
 
@@ -19,6 +21,7 @@ private:
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<UsbEvent> events;
+    bool hasLost = false;
     bool interrupted = false;
 };
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kStarted = 0;
 constexpr int kNotStarted = -1;
-constexpr std::chrono::milliseconds kMemoryPause{100};
+constexpr std::chrono::milliseconds kPause{100};
 
 void LogProblem(const std::string& problem) {
     Host::Report(LOG_LEVEL_ERROR, L"USB monitor: " + Host::FromUtf8(problem),
@@ -102,7 +102,10 @@ void UsbMonitor::Watch(Run& run) {
             goesOn = TakeEvent(run);
         } catch (const std::bad_alloc&) {
             // An event is lost, and there is no memory to say so; the process goes on.
-            std::this_thread::sleep_for(kMemoryPause);
+            std::this_thread::sleep_for(kPause);
+        } catch (const std::exception& error) {
+            LogProblem(std::string("an event is lost: ") + error.what());
+            std::this_thread::sleep_for(kPause);
         }
     }
 }

@@ -2,6 +2,8 @@
 
 #include <cfgmgr32.h>
 
+#include <new>
+
 #include "host/PrinterDiscoverAPI/usb_device_path.h"
 
 namespace PrinterDiscoverAPI {
@@ -73,8 +75,13 @@ std::unique_ptr<UsbNotifications> NotifyByConfigurationManager(UsbEventQueue& qu
 }
 
 void PutUsbEvent(UsbEventQueue& queue, UsbEvent::Kind kind, std::wstring_view path) {
-    if (const std::optional<UsbPrinter> printer = UsbPrinterOfPath(path)) {
-        queue.Put({kind, *printer});
+    // The system called, and takes no exceptions.
+    try {
+        if (const std::optional<UsbPrinter> printer = UsbPrinterOfPath(path)) {
+            queue.Put({kind, *printer});
+        }
+    } catch (const std::bad_alloc&) {
+        queue.Lose();
     }
 }
 

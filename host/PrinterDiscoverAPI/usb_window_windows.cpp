@@ -130,7 +130,10 @@ public:
         made.get_future().wait();
     }
     ~WindowNotifications() override {
-        Window::Close(handle);
+        // Without a window the message would go to the thread that is here.
+        if (handle != nullptr) {
+            Window::Close(handle);
+        }
         thread.join();
     }
 
