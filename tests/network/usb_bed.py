@@ -18,9 +18,9 @@ class UsbBed:
         self.process.stdin.flush()
         assert self.process.stdout.readline() == "done\n", f"the test bed failed: {words}"
 
-    def plug(self, place, serial, *numbers):
-        """`numbers`: vendor's, product's, and interface's class, in hexadecimal digits."""
-        self._do("plug", place, serial, *numbers)
+    def plug(self, place, serial, *more):
+        """`more`: vendor's, product's, and interface's class, in hexadecimal digits; "silent"."""
+        self._do("plug", place, serial, *more)
 
     def unplug(self, place):
         self._do("unplug", place)

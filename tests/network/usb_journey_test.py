@@ -22,6 +22,7 @@ MODEL = "Acme Radio Laser"
 BRIDGE_PORT = 60000
 WAIT = 1.0  # from a printer's arrival until it is asked who it is
 DISK = ("1209", "0002", "8")
+PRINTER_CLASS = ("1209", "0001", "7")
 OTHER_MODEL = ("1209", "00aB")
 
 
@@ -101,6 +102,14 @@ class UsbJourney(JourneyTest):
         self.assert_arrival(watch.next(), "B", "usb:1-2")
         self.assertIsNone(watch.next(2 * WAIT))
 
+        watch.process.send_signal(signal.SIGINT)
+        self.assertEqual(watch.process.wait(PATIENCE), 0)
+
+    def test_it_ends_while_a_printer_is_being_asked(self):
+        watch = self.watch()
+        self.assert_arrival(self.plug_until_seen(watch, "A", "1-1"), "A", "usb:1-1")
+        self.usb.plug("1-2", "B", *PRINTER_CLASS, "silent")
+        time.sleep(WAIT + 0.3)  # it is waited for a second
         watch.process.send_signal(signal.SIGINT)
         self.assertEqual(watch.process.wait(PATIENCE), 0)
 

@@ -1,6 +1,6 @@
 // Simulated USB devices for a program that asks for them line by line:
 //
-//     plug PLACE SERIAL [VENDOR-ID PRODUCT-ID [CLASS]]      numbers in hexadecimal digits
+//     plug PLACE SERIAL [VENDOR-ID PRODUCT-ID [CLASS [silent]]]      numbers in hexadecimal digits
 //     unplug PLACE
 //
 // Each is answered with "done" when the system has told of it. The first line that it writes is the
@@ -33,6 +33,9 @@ UsbTest::SimulatedDevice DeviceIn(std::istream& words) {
     }
     if (words >> interfaceClass) {
         device.interfaceClasses = {interfaceClass};
+    }
+    if (std::string manner; words >> manner && manner == "silent") {
+        device.manner = UsbTest::Manner::Silent;
     }
     return device;
 }
