@@ -8,8 +8,10 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <future>
 #include <new>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -24,7 +26,9 @@
 #include "tests/support/failing_memory.h"
 
 VENDORSDK_EXPORT(IsConnectCurrentWifiAP);
+VENDORSDK_EXPORT(PrinterUSBNetConfigEvent);
 VENDORSDK_EXPORT(StartDeviceScan);
+VENDORSDK_EXPORT(USBWifiScan);
 
 // The thread sanitizer asks for this. The standard library is not built with it, which therefore
 // does not see how an exception that two threads hold counts who holds it.
@@ -102,6 +106,25 @@ TEST_F(WithoutMemory, AWatchOfAnnouncementsFailsAndSaysSo) {
     const FailingMemory::FailsForOthers memory;
     const DnssdBrowser browser([&](const DnssdEvent& event) { failed.set_value(event.result); });
     EXPECT_EQ(failed.get_future().get(), kNoBrowsing);
+}
+
+TEST_F(WithoutMemory, NoNetworksForUsbAreFoundAndTheCallerIsToldWhy) {
+    const VendorSdk::DeviceInfo device{};
+    std::vector<VendorSdk::WifiConfigInfo> networks(128);
+    std::int32_t count = -1;
+    const FailingMemory::FailsForOthers memory;
+    EXPECT_EQ(USBWifiScan(&device, 0, networks.data(), &count), kNoResources);
+    EXPECT_EQ(count, 0);
+}
+
+TEST_F(WithoutMemory, NoBridgeIsAskedAndTheCallerIsToldWhy) {
+    const Listener listener;
+    setenv("DRIVERLESS_USB_BRIDGE_PORTS", std::to_string(listener.Port()).c_str(), 1);
+    const VendorSdk::DeviceInfo device{};
+    VendorSdk::WifiConfigInfo network{};
+    std::strcpy(network.ssid, "Office");
+    const FailingMemory::FailsForOthers memory;
+    EXPECT_EQ(PrinterUSBNetConfigEvent(&device, &network), kNoResources);
 }
 
 TEST_F(WithoutMemory, AScanEndsAtOnceAndSaysSo) {

@@ -21,6 +21,7 @@
 
 #include "VendorSdk/entry_points.h"
 #include "results.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/simulated_usb.h"
 
 VENDORSDK_EXPORT(GetDeviceInfoByUsb);
@@ -428,6 +429,23 @@ TEST_F(UsbPrinters, AreFoundBySeveralThreadsAtOnce) {
     }
     for (std::thread& thread : threads) {
         thread.join();
+    }
+}
+
+TEST_F(UsbPrinters, WithoutMemoryAreNoneAndTheCallerIsToldWhy) {
+    Plug(At("1-1", "A"));
+    std::vector<VendorSdk::DeviceInfo> records(kRoom);
+    std::int32_t count = -1;
+    for (long number = 1;; ++number) {
+        const FailingMemory::FailsAt memory(number, FailingMemory::Then::StaysGone);
+        const int result = GetDeviceInfoByUsb(kProductId, kVendorId, records.data(), &count);
+        if (!FailingMemory::HasFailed()) {
+            EXPECT_EQ(result, Driverless::kOk);
+            EXPECT_GT(number, 1);
+            break;
+        }
+        ASSERT_EQ(result, Driverless::kNoResources) << number;
+        ASSERT_EQ(count, 0) << number;
     }
 }
 
