@@ -89,8 +89,7 @@ UsbConnInterface& UsbConnInterface::GetInstance() {
 }
 
 UsbConnInterface::UsbConnInterface() {
-    initialised = Broker::BindFirst([this] { return GetDeviceFunc() && GetUsbItemMap(); },
-                                    [this] { UnInit(); });
+    initialised = Broker::BindFirst([this] { return Init(); }, [this] { UnInit(); });
 }
 
 UsbConnInterface::~UsbConnInterface() {
