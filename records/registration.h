@@ -16,18 +16,21 @@ auto Callback(Info& registration) {
     return std::atomic_ref(registration.callback).load(std::memory_order_acquire);
 }
 
-// Replaces `registration`. Fields that already hold their value are left alone, so that a vendor
-// may read its registration without precautions while the application starts the same scan again.
+// Replaces one field. One that already holds its value is left alone, so that whoever holds the
+// registration may read it without precautions while the application starts the same again.
+template <class Field>
+void ReplaceField(Field& field, Field value) {
+    const std::atomic_ref shared(field);
+    if (shared.load(std::memory_order_relaxed) != value) {
+        shared.store(value, std::memory_order_release);
+    }
+}
+
+// Replaces `registration`, each field on its own.
 template <class Info>
 void Register(Info& registration, const Info& info) {
-    const auto replace = [](auto& field, auto value) {
-        const std::atomic_ref shared(field);
-        if (shared.load(std::memory_order_relaxed) != value) {
-            shared.store(value, std::memory_order_release);
-        }
-    };
-    replace(registration.param, info.param);
-    replace(registration.callback, info.callback);
+    ReplaceField(registration.param, info.param);
+    ReplaceField(registration.callback, info.callback);
 }
 
 template <class OwnInfo, class VendorSideInfo>

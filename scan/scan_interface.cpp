@@ -12,20 +12,6 @@ using Vendors = Broker::VendorTable<ScanInterface::VendorEntry>;
 using DeviceFunction = int(const VendorSdk::DeviceInfo*);
 using DeviceSlot = DeviceFunction* ScanInterface::VendorEntry::*;
 
-// Finds the entry point that serves the device; null, with the reason logged, when there is none.
-DeviceFunction* FindDeviceFunction(const Vendors& vendors, DeviceSlot slot,
-                                   const DeviceInfo& device, const Broker::Location& where) {
-    const auto vendor = Broker::FindVendor(vendors, device, where);
-    if (vendor == vendors.end()) {
-        return nullptr;
-    }
-    DeviceFunction* const function = vendor->second.*slot;
-    if (function == nullptr) {
-        Broker::Log(LOG_LEVEL_ERROR, where, "call pFunc is nullptr - fail:");
-    }
-    return function;
-}
-
 int CallWith(DeviceFunction& function, const DeviceInfo& device) {
     const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
     return function(&vendorDevice);
@@ -34,7 +20,7 @@ int CallWith(DeviceFunction& function, const DeviceInfo& device) {
 // Tells the device's vendor of a connection event.
 int Notify(const Vendors& vendors, DeviceSlot slot, const DeviceInfo& device,
            const Broker::Location& where) {
-    DeviceFunction* const function = FindDeviceFunction(vendors, slot, device, where);
+    DeviceFunction* const function = Broker::FindFunction(vendors, slot, device, where);
     if (function == nullptr) {
         return Broker::kNothingToCall;
     }
@@ -127,7 +113,7 @@ int ScanInterface::GetDeviceConnectState(const DeviceInfo& device) {
         return Broker::NotInitialised(HERE);
     }
     DeviceFunction* const function =
-        FindDeviceFunction(vendors, &VendorEntry::GetDeviceConnectState, device, HERE);
+        Broker::FindFunction(vendors, &VendorEntry::GetDeviceConnectState, device, HERE);
     if (function == nullptr) {
         return Broker::kNothingToCall;
     }

@@ -1,3 +1,4 @@
+#include <cstring>
 #include <unordered_set>
 
 #include "DeviceDiscover/printer_sdk.h"
@@ -5,6 +6,7 @@
 #include "platform/PrinterUtil/PrinterUtil.h"
 #include "records/bounded_copy.h"
 #include "records/device_lines.h"
+#include "records/registration.h"
 
 using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterSdk::PrinterProperty;
@@ -45,7 +47,11 @@ DiscoverUsbInterface::~DiscoverUsbInterface() = default;
 
 int DiscoverUsbInterface::StartDeviceMonitor(const DeviceCallbackInfo& info) {
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "Start usb Monitor");
-    monitorRegistration = UsbInterfaceMonitor::GetInstance().SetDeviceStateCallbackInfo(info);
+    const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo registration =
+        UsbInterfaceMonitor::GetInstance().SetDeviceStateCallbackInfo(info);
+    // The device manager may be reading what a start before gave it, on a thread of its own.
+    Broker::ReplaceField(monitorRegistration.value, registration.value);
+    Broker::ReplaceField(monitorRegistration.callback, registration.callback);
     PrinterDiscoverAPI::PrinterUsbDeviceManager::GetInstance().StartMonitor(monitorRegistration);
     return 0;
 }
@@ -75,7 +81,8 @@ int DiscoverUsbInterface::GetDeviceNoConfigNet(std::vector<DeviceUsbInfo>& devic
         Broker::Log(LOG_LEVEL_WARNING, HERE, "usbList is empty");
     }
     for (const PrinterProperty* const printer : usbPrinters) {
-        DeviceUsbInfo device{};
+        DeviceUsbInfo device;
+        std::memset(&device, 0, sizeof device);  // its last byte, which no field has, among them
         PrinterPropertyToDeviceInfo(*printer, device);
         device.isNetConfigured = wlanSerialNumbers.contains(printer->serialNumber);
         Broker::Log(LOG_LEVEL_WARNING, HERE, "get one usbInfo");

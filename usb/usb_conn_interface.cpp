@@ -59,23 +59,6 @@ VendorSdk::GetDeviceInfoByUsbFunction* FindEnumeration(
     return vendor->second.pGetDeviceInfoByUsb;
 }
 
-// The entry point of the device's vendor; null, with the reason logged, when there is none.
-template <class Function>
-Function* FindFunction(const Vendors& vendors, const DeviceInfo& device,
-                       Function* UsbConnInterface::VendorEntry::*slot,
-                       const Broker::Location& where) {
-    Broker::Log(LOG_LEVEL_DEBUG, where, "modeid:", Broker::FieldText(device, device.modelID));
-    const auto vendor = Broker::FindVendor(vendors, device, where);
-    if (vendor == vendors.end()) {
-        return nullptr;
-    }
-    Function* const function = vendor->second.*slot;
-    if (function == nullptr) {
-        Broker::Log(LOG_LEVEL_ERROR, where, "call pFunc is nullptr - fail:");
-    }
-    return function;
-}
-
 void AppendDevices(std::vector<DeviceInfo>& devices, const VendorSdk::DeviceInfo* found,
                    std::int32_t count, const Broker::Location& where) {
     for (std::int32_t i = 0; i < count; ++i) {
@@ -106,8 +89,7 @@ UsbConnInterface& UsbConnInterface::GetInstance() {
 }
 
 UsbConnInterface::UsbConnInterface() {
-    initialised = Broker::BindFirst([this] { return GetDeviceFunc() && GetUsbItemMap(); },
-                                    [this] { UnInit(); });
+    initialised = Broker::BindFirst([this] { return Init(); }, [this] { UnInit(); });
 }
 
 UsbConnInterface::~UsbConnInterface() {
@@ -209,7 +191,8 @@ int UsbConnInterface::GetUSBWifiScan(const DeviceInfo& device,
         return Broker::NotInitialised(HERE);
     }
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP2");
-    const auto scan = FindFunction(vendors, device, &VendorEntry::pGetUSBWifiScan, HERE);
+    Broker::Log(LOG_LEVEL_DEBUG, HERE, "modeid:", Broker::FieldText(device, device.modelID));
+    const auto scan = Broker::FindFunction(vendors, &VendorEntry::pGetUSBWifiScan, device, HERE);
     if (scan == nullptr) {
         return Broker::kNothingToCall;
     }
@@ -237,8 +220,9 @@ int UsbConnInterface::PrinterUSBNetConfigEvent(const DeviceInfo& device,
     if (!initialised) {
         return Broker::NotInitialised(HERE);
     }
+    Broker::Log(LOG_LEVEL_DEBUG, HERE, "modeid:", Broker::FieldText(device, device.modelID));
     const auto configure =
-        FindFunction(vendors, device, &VendorEntry::pPrinterUSBNetConfigEvent, HERE);
+        Broker::FindFunction(vendors, &VendorEntry::pPrinterUSBNetConfigEvent, device, HERE);
     if (configure == nullptr) {
         return Broker::kNothingToCall;
     }
@@ -247,7 +231,7 @@ int UsbConnInterface::PrinterUSBNetConfigEvent(const DeviceInfo& device,
     DiscoverBasic::GetVendorSdkWifoConfigInfo(network, vendorNetwork);
     const int result =
         Broker::Outcome(configure(&vendorDevice, &vendorNetwork), "call Func Fail", HERE);
-    return result == 0 ? 0 : Broker::kNothingToCall;
+    return result == 0 ? 0 : Broker::kVendorFailed;
 }
 
 }  // namespace PrinterDeviceDiscoverSdk

@@ -15,6 +15,9 @@ inline constexpr int kNothingToCall = -1;
 inline constexpr int kNotInitialised = -2;
 inline constexpr int kNoCallback = -3;
 
+// What every failure of a vendor becomes where the application is not told which it was.
+inline constexpr int kVendorFailed = -1;
+
 // Refuses an operation of a dispatcher that has no vendors yet.
 inline int NotInitialised(const Location& where) {
     Log(LOG_LEVEL_ERROR, where, "NOINITOK");
@@ -42,6 +45,22 @@ typename VendorTable<Entry>::const_iterator FindVendor(
         Log(LOG_LEVEL_ERROR, where, "call Func map find fail:");
     }
     return vendor;
+}
+
+// The entry point that the device's vendor has in `slot`; null, with the reason logged, when there
+// is none.
+template <class Entry, class Function>
+Function* FindFunction(const VendorTable<Entry>& vendors, Function* Entry::*slot,
+                       const PrinterDeviceDiscoverSdk::DeviceInfo& device, const Location& where) {
+    const auto vendor = FindVendor(vendors, device, where);
+    if (vendor == vendors.end()) {
+        return nullptr;
+    }
+    Function* const function = vendor->second.*slot;
+    if (function == nullptr) {
+        Log(LOG_LEVEL_ERROR, where, "call pFunc is nullptr - fail:");
+    }
+    return function;
 }
 
 // The vendors' form of the application's record.

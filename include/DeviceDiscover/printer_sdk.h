@@ -1,7 +1,9 @@
 #pragma once
 
 // The interfaces of the application's printer SDK, with their default bodies. The order of each
-// virtual table is fixed. The library itself calls one operation: the last of IPrinterAdapter.
+// virtual table is fixed. The library itself calls one operation: the last of IPrinterAdapter. Of
+// the other pure operations only the number and the places count: their names and arguments are
+// this header's own, and what they do and return is between the printer SDK and who uses it.
 
 #include <cstdint>
 #include <string>
@@ -89,7 +91,8 @@ public:
     virtual IScanCap* GetScanCap(const wchar_t* printer) = 0;
     virtual ICopyCap* GetCopyCap(const wchar_t* printer) = 0;
 
-    // The list of printers; it belongs to the adapter.
+    // The list of printers, which belongs to the adapter; null when there is none, which counts as
+    // no printers. May be called from any thread, by several at once.
     virtual PrinterListProvider* GetPrinterListProvider() = 0;
 };
 

@@ -22,9 +22,10 @@
 //
 // Every operation may be called from any thread, but for UsbConnInterface::Init, and for the start
 // and the stop of the monitor, which belong on one thread. An operation that asks a vendor waits
-// for it. Printers that were plugged in a moment ago may still be reported while the process ends:
-// an application whose callback stands on objects of its own stops the monitor before they go, and
-// lets its callbacks end.
+// for it, and GetDeviceNoConfigNet waits for the application's printer adapter. Printers that were
+// plugged in a moment ago may still be reported while the process ends: an application whose
+// callback stands on objects of its own stops the monitor before they go, and lets its callbacks
+// end.
 
 #include <cstddef>
 #include <cstdint>
@@ -41,9 +42,9 @@
 
 namespace PrinterDeviceDiscoverSdk {
 
-// A printer on USB: the fields of a DeviceInfo, and whether it is on the network already. It
-// crosses the library's border inside a vector: its layout is fixed, and its first 228 bytes are
-// those of a DeviceInfo.
+// A printer on USB: the fields of a DeviceInfo, text fields being NUL-terminated narrow text, and
+// whether it is on the network already. It crosses the library's border inside a vector: its layout
+// is fixed, and its first 228 bytes are those of a DeviceInfo.
 struct DeviceUsbInfo {
     std::uint16_t code1;
     std::uint16_t code2;
@@ -75,8 +76,9 @@ public:
     // which only its own log tells.
     int StartDeviceMonitor(const DeviceCallbackInfo& info);
 
-    // Ends the reports: what a thread still has to report is dropped. A call of the callback that
-    // has begun goes to its end, and may do so after this returns. Always 0.
+    // Ends the reports: what a thread still has to report is dropped. Waits for none of them: a
+    // call of the callback that has begun goes to its end, and may do so after this returns. Always
+    // 0.
     int StopDeviceMonitor();
 
     // Appends the USB printers that the application's printer adapter knows, each marked whether
@@ -90,9 +92,9 @@ public:
     // port. Throws std::out_of_range as UsbConnInterface does.
     int GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices);
 
-    // Hands the printer a network's name and pass phrase. The pass phrase is written to the log:
-    // whoever keeps the log keeps it secret. The result is that of
-    // UsbConnInterface::PrinterUSBNetConfigEvent.
+    // Hands the printer a network's name and pass phrase, as
+    // UsbConnInterface::PrinterUSBNetConfigEvent, whose result this has. The pass phrase is written
+    // to the log: whoever keeps the log keeps it secret.
     int SetDeviceAPNetConfigByUsb(const DeviceInfo& device, const WifiConfigInfo& network);
 
     // As UsbConnInterface::GetUSBWifiScan.
@@ -135,7 +137,9 @@ public:
     // vendor that reports more than 128 networks is taken to report none.
     int GetUSBWifiScan(const DeviceInfo& device, std::vector<WifiConfigInfo>& networks, int option);
 
-    // Hands the printer a network's name and pass phrase. Every failure of the vendor's is -1.
+    // Hands the printer a network's name and pass phrase; of a name that fills its 128 characters,
+    // or a pass phrase that fills its 32, the last one is cut off. Every failure of the vendor's is
+    // -1.
     int PrinterUSBNetConfigEvent(const DeviceInfo& device, const WifiConfigInfo& network);
 
     UsbConnInterface(const UsbConnInterface&) = delete;
@@ -170,8 +174,11 @@ public:
     void ClearDeviceStateCallbackInfo();
 
     // Takes one change from the device manager, of which only an arrival counts, and returns at
-    // once. Always 0. An identifier that a vendor lists but that is too short to hold its numbers
-    // is told in a line of its own, "deviceId is too short, err:", before that of the failure.
+    // once. Always 0. When the records are not to be had, the arrival's thread logs why and reports
+    // nothing. An identifier that a vendor lists but that is too short to hold its numbers is told
+    // in a line of its own, "deviceId is too short, err:", before that of the failure, -1. A thread
+    // that has no memory ends without a report, and maybe without a line; later arrivals do not
+    // suffer from it.
     int CallBackFunc(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state,
                      const std::wstring& deviceId);
 

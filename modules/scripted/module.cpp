@@ -120,6 +120,7 @@ int PrinterUSBNetConfigEvent(const VendorSdk::DeviceInfo* device,
                              const VendorSdk::WifiConfigInfo* network) {
     const ScriptedVendor::Presence vendor;
     const ScriptedVendor::UsbNetConfig setting{*device, *network};
-    return vendor ? vendor->Answer("PrinterUSBNetConfigEvent", device, &setting, sizeof setting)
+    return vendor ? vendor->Answer("PrinterUSBNetConfigEvent", device, network, &setting,
+                                   sizeof setting)
                   : 0;
 }

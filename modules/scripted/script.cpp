@@ -112,6 +112,14 @@ std::string EntryPointName(const std::string& word) {
     return word;
 }
 
+// One that writes records and says how many.
+std::string CountingEntryPointName(const std::string& word) {
+    if (EntryPointName(word) != "GetDeviceInfoByUsb" && word != "USBWifiScan") {
+        Refuse(Quoted(word) + " writes no count");
+    }
+    return word;
+}
+
 template <std::size_t Width>
 void Fill(char (&field)[Width], const std::string& text) {
     if (text.size() > Width) {
@@ -171,7 +179,7 @@ constexpr Directive kDirectives[] = {
      }},
     {"count", 3,
      [](Script& script, const Words& words) {
-         script.counts[EntryPointName(words[1])] = Number(words[2]);
+         script.counts[CountingEntryPointName(words[1])] = Number(words[2]);
      }},
     {"device", 8,
      [](Script& script, const Words& words) { script.devices.push_back(Device(words)); }},

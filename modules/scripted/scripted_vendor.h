@@ -33,6 +33,8 @@ struct Call {
     // The address of the argument record, of the room for records in an enumeration; null when
     // there is none.
     const void* argument;
+    // The address of the network in a configuration on USB; null otherwise.
+    const void* second;
     std::size_t size;  // the record's bytes, as they were when the call came
     unsigned char bytes[sizeof(UsbNetConfig)];
 };

@@ -53,12 +53,12 @@ Vendor::Vendor(const char* name)
 }
 
 int Vendor::Answer(const char* entryPoint, const void* argument, std::size_t size) {
-    return Answer(entryPoint, argument, argument, argument == nullptr ? 0 : size);
+    return Answer(entryPoint, argument, nullptr, argument, argument == nullptr ? 0 : size);
 }
 
-int Vendor::Answer(const char* entryPoint, const void* argument, const void* record,
-                   std::size_t size) {
-    Call call{entryPoint, argument, size, {}};
+int Vendor::Answer(const char* entryPoint, const void* argument, const void* second,
+                   const void* record, std::size_t size) {
+    Call call{entryPoint, argument, second, size, {}};
     if (size > 0) {
         std::memcpy(call.bytes, record, size);
     }
@@ -198,14 +198,14 @@ int Vendor::FillDevice(VendorSdk::DeviceInfo* device) {
 
 int Vendor::ListDevices(const UsbEnumeration& question, VendorSdk::DeviceInfo* devices,
                         std::int32_t* count) {
-    const int result = Answer("GetDeviceInfoByUsb", devices, &question, sizeof question);
+    const int result = Answer("GetDeviceInfoByUsb", devices, nullptr, &question, sizeof question);
     List("GetDeviceInfoByUsb", &Script::devices, kRoomForDevices, devices, count);
     return result;
 }
 
 int Vendor::ListNetworks(const UsbWifiScan& question, const VendorSdk::DeviceInfo* device,
                          VendorSdk::WifiConfigInfo* networks, std::int32_t* count) {
-    const int result = Answer("USBWifiScan", device, &question, sizeof question);
+    const int result = Answer("USBWifiScan", device, nullptr, &question, sizeof question);
     List("USBWifiScan", &Script::networks, kRoomForNetworks, networks, count);
     return result;
 }

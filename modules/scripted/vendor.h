@@ -21,8 +21,9 @@ public:
 
     // Records the call, waits as scripted, and gives the scripted result.
     int Answer(const char* entryPoint, const void* argument, std::size_t size);
-    // The same for arguments that `record` puts together.
-    int Answer(const char* entryPoint, const void* argument, const void* record, std::size_t size);
+    // The same for two arguments, which `record` puts together with the others.
+    int Answer(const char* entryPoint, const void* argument, const void* second, const void* record,
+               std::size_t size);
 
     // Answer StartDeviceScan and StartAPWifiScan: report what is scripted and run as long as the
     // script says. All their threads have ended when they return.

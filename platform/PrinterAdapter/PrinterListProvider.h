@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace PrinterSdk {
@@ -25,6 +27,19 @@ struct PrinterProperty {
     std::int32_t connectType = 0;
     std::wstring state;
 };
+static_assert(std::is_standard_layout_v<PrinterProperty>);
+static_assert(offsetof(PrinterProperty, name) == 0 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, description) == 1 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, deviceUri) == 2 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, portName) == 3 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, serialNumber) == 4 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, modelID) == 5 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, manufacturer) == 6 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, location) == 7 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, driverName) == 8 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, connectType) == 9 * sizeof(std::wstring));
+static_assert(offsetof(PrinterProperty, state) == 9 * sizeof(std::wstring) + alignof(std::wstring));
+static_assert(sizeof(PrinterProperty) == 10 * sizeof(std::wstring) + alignof(std::wstring));
 
 // Lists the printers that the adapter knows, of the library PrinterAdapter. The order of the
 // virtual table is fixed: the destructor, then the list.
@@ -32,7 +47,8 @@ class PrinterListProvider {
 public:
     virtual ~PrinterListProvider() = default;
 
-    // Appends every printer that the adapter knows to `printers`.
+    // Appends every printer that the adapter knows to `printers`. May be called from any thread, by
+    // several at once.
     virtual void GetPrinterList(std::vector<PrinterProperty>& printers) = 0;
 };
 

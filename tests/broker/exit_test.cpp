@@ -8,8 +8,10 @@
 
 namespace {
 
-// Runs a program that ends in the middle of its work again and again.
-void EndInTheMiddle(const std::string& program, int rounds, const std::string& pace) {
+// Runs a program that ends in the middle of its work again and again, each time another moment
+// after the given one, in milliseconds.
+void EndInTheMiddle(const std::string& program, int rounds, const std::string& pace,
+                    int moment = 0) {
     const std::string script = Process::FreshFile("script");
     std::ofstream(script) << pace
                           << "repeat 0\n"
@@ -25,7 +27,8 @@ void EndInTheMiddle(const std::string& program, int rounds, const std::string& p
     const bool mayHang = Process::MayHangAtItsEnd();
     int hung = 0;
     for (int round = 0; round < rounds; ++round) {
-        const int status = Process::Run(program, {std::to_string(round % 7)}, mayHang ? 8 : 60);
+        const int status =
+            Process::Run(program, {std::to_string(moment + round % 7)}, mayHang ? 8 : 60);
         if (status == Process::kHung && mayHang) {
             ++hung;
             ASSERT_LE(hung, 1) << "by round " << round;
@@ -49,6 +52,10 @@ TEST(Exit, WhileVendorsReportWithoutAPauseIsNoCrashAHundredTimes) {
 
 TEST(Exit, WhileArrivalsOnUsbAreTakenUpIsNoCrashThirtyTimes) {
     EndInTheMiddle("arrival_at_exit", 30, "");
+}
+
+TEST(Exit, WhileArrivalsOnUsbStillWaitIsNoCrash) {
+    EndInTheMiddle("arrival_at_exit", 5, "", -500);
 }
 
 }  // namespace

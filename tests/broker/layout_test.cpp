@@ -1,8 +1,10 @@
-// The order of members that the interface gives its classes and the application's records.
+// The order of members that the interface gives its classes and the application's records, and what
+// two private operations promise.
 
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 #include "tests/support/application.h"
 #include "tests/support/broker_test.h"
@@ -56,23 +58,6 @@ static_assert(offsetof(DeviceUsbInfo, extra2) == offsetof(DeviceInfo, extra2));
 static_assert(offsetof(DeviceUsbInfo, extra3) == offsetof(DeviceInfo, extra3));
 static_assert(offsetof(DeviceUsbInfo, isNetConfigured) == sizeof(DeviceInfo));
 static_assert(std::is_same_v<decltype(DeviceUsbInfo::isNetConfigured), bool>);
-
-using PrinterSdk::PrinterProperty;
-constexpr std::size_t kText = sizeof(std::wstring);
-static_assert(std::is_standard_layout_v<PrinterProperty>);
-static_assert(offsetof(PrinterProperty, name) == 0 * kText);
-static_assert(offsetof(PrinterProperty, description) == 1 * kText);
-static_assert(offsetof(PrinterProperty, deviceUri) == 2 * kText);
-static_assert(offsetof(PrinterProperty, portName) == 3 * kText);
-static_assert(offsetof(PrinterProperty, serialNumber) == 4 * kText);
-static_assert(offsetof(PrinterProperty, modelID) == 5 * kText);
-static_assert(offsetof(PrinterProperty, manufacturer) == 6 * kText);
-static_assert(offsetof(PrinterProperty, location) == 7 * kText);
-static_assert(offsetof(PrinterProperty, driverName) == 8 * kText);
-static_assert(offsetof(PrinterProperty, connectType) == 9 * kText);
-static_assert(std::is_same_v<decltype(PrinterProperty::connectType), std::int32_t>);
-static_assert(offsetof(PrinterProperty, state) == 9 * kText + alignof(std::wstring));
-static_assert(sizeof(PrinterProperty) == 10 * kText + alignof(std::wstring));
 
 using PrinterDiscoverAPI::DeviceStateChangeCallbackInfo;
 static_assert(sizeof(DeviceStateChangeCallbackInfo) == 16);
@@ -165,6 +150,15 @@ template struct Reveal<UsbMutex, &UsbConnInterface::mutex>;
 template struct Reveal<UsbIdMap, &UsbConnInterface::usbIdMap>;
 template struct Reveal<UsbVendors, &UsbConnInterface::vendors>;
 
+struct UsbSplit {
+    using Member = bool (UsbConnInterface::*)(const std::string&, std::vector<std::string>&);
+};
+struct UsbUnInit {
+    using Member = void (UsbConnInterface::*)();
+};
+template struct Reveal<UsbSplit, &UsbConnInterface::split>;
+template struct Reveal<UsbUnInit, &UsbConnInterface::UnInit>;
+
 template <class Tag, class Object>
 std::size_t OffsetIn(const Object& object) {
     const void* const member = &(object.*Private<Tag>::member);
@@ -212,6 +206,52 @@ TEST_F(Layout, OfTheIdentifiersIsTheTextAndItsProductId) {
     EXPECT_EQ(dispatcher.*Private<UsbIdMap>::member, expected);
     EXPECT_EQ((dispatcher.*Private<UsbVendors>::member).size(), 1u);
     EXPECT_TRUE(dispatcher.*Private<UsbInitialised>::member);
+}
+
+// The pieces of `text`, behind one that is there already, and whether there was a text at all.
+std::pair<bool, std::vector<std::string>> SplitBehindOne(const std::string& text) {
+    std::vector<std::string> pieces{"kept"};
+    UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
+    const bool result = (dispatcher.*Private<UsbSplit>::member)(text, pieces);
+    return {result, pieces};
+}
+
+class UsbInside : public BrokerTest {};
+
+TEST_F(UsbInside, CutsATextIntoPiecesThatItAppends) {
+    using Pieces = std::vector<std::string>;
+    EXPECT_EQ(SplitBehindOne(""), std::pair(false, Pieces({"kept"})));
+    EXPECT_EQ(SplitBehindOne(" "), std::pair(true, Pieces({"kept"})));
+    EXPECT_EQ(SplitBehindOne("   "), std::pair(true, Pieces({"kept"})));
+    EXPECT_EQ(SplitBehindOne("a"), std::pair(true, Pieces({"kept", "a"})));
+    EXPECT_EQ(SplitBehindOne(" a  b "), std::pair(true, Pieces({"kept", "a", "b"})));
+    EXPECT_EQ(SplitBehindOne("kept kept"), std::pair(true, Pieces({"kept", "kept", "kept"})));
+    EXPECT_EQ(SplitBehindOne("a\tb\n"), std::pair(true, Pieces({"kept", "a\tb\n"})));
+}
+
+TEST_F(UsbInside, KeepsItsIdentifiersAndItsFlagWhenTheModulesAreGivenBack) {
+    ScriptedVendors::Support({{"alpha", {}, {}, "VID_1234&PID_ABCD", "scripted_all", {}}});
+    UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
+    const std::map<std::string, std::string> usbIds{{"VID_1234&PID_ABCD", "alpha"}};
+    ASSERT_EQ(dispatcher.*Private<UsbIdMap>::member, usbIds);
+    TakeLines();
+    (dispatcher.*Private<UsbUnInit>::member)();
+    EXPECT_TRUE((dispatcher.*Private<UsbVendors>::member).empty());
+    EXPECT_EQ(dispatcher.*Private<UsbIdMap>::member, usbIds);
+    EXPECT_TRUE(dispatcher.*Private<UsbInitialised>::member);
+    EXPECT_THAT(TakeLines(), testing::IsEmpty());
+    // Whatever looks for a vendor now finds none.
+    std::vector<DeviceInfo> devices;
+    EXPECT_EQ(dispatcher.GetDeviceInfoByUsb(devices, L"VID_1234&PID_ABCD"), -1);
+    EXPECT_EQ(TakeLines().back(),
+              LineIs(4, "call Func map find fail, err:", "UsbConnInterface::GetDeviceInfoByUsb"));
+    std::vector<WifiConfigInfo> networks;
+    EXPECT_EQ(dispatcher.GetUSBWifiScan(DeviceOf("alpha"), networks, 0), -1);
+    EXPECT_EQ(TakeLines().back(),
+              LineIs(4, "call Func map find fail:", "UsbConnInterface::GetUSBWifiScan"));
+    EXPECT_EQ(dispatcher.PrinterUSBNetConfigEvent(DeviceOf("alpha"), NetworkOf("office")), -1);
+    EXPECT_EQ(TakeLines().back(),
+              LineIs(4, "call Func map find fail:", "UsbConnInterface::PrinterUSBNetConfigEvent"));
 }
 
 TEST_F(Layout, OfTheUsbMonitorIsTheApplicationsRegistration) {

@@ -312,6 +312,19 @@ TEST_F(UsbMemory, ThatRunsOutDuringOperationsIsForgottenByTheNext) {
     EXPECT_STREQ(printers.back().deviceSN, "a serial number, which is too long");
 }
 
+TEST_F(UsbMemory, IsNotAskedForTheRoomThatVendorsAreGiven) {
+    UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
+    std::vector<WifiConfigInfo> networks;
+    // The first time is not like the others.
+    ASSERT_EQ(Enumerate(), 0);
+    ASSERT_EQ(dispatcher.GetUSBWifiScan(DeviceOf(kAlpha), networks, 0), 0);
+    FailingMemory::LargestAllocation();
+    EXPECT_EQ(Enumerate(), 0);
+    EXPECT_LT(FailingMemory::LargestAllocation(), 64 * sizeof(DeviceInfo));
+    EXPECT_EQ(dispatcher.GetUSBWifiScan(DeviceOf(kAlpha), networks, 0), 0);
+    EXPECT_LT(FailingMemory::LargestAllocation(), 128 * sizeof(WifiConfigInfo));
+}
+
 TEST_F(UsbMemory, ThatRunsOutDuringAnArrivalStartsNoThread) {
     UsbInterfaceMonitor& monitor = UsbInterfaceMonitor::GetInstance();
     monitor.SetDeviceStateCallbackInfo({Application::OnDevice, 1});
@@ -333,6 +346,33 @@ TEST_F(UsbMemory, ThatRunsOutDuringAnArrivalStartsNoThread) {
         .AwaitCalls("GetDeviceInfoByUsb", static_cast<std::size_t>(started) + 1);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     EXPECT_EQ(Application::Reports().size(), static_cast<std::size_t>(started) + 1);
+}
+
+TEST_F(UsbMemory, ThatRunsOutOnTheThreadOfAnArrivalCostsThatArrival) {
+    using namespace std::chrono_literals;
+    UsbInterfaceMonitor& monitor = UsbInterfaceMonitor::GetInstance();
+    monitor.SetDeviceStateCallbackInfo({Application::OnDevice, 1});
+    const ScriptedModule alpha(kModules[0]);
+    alpha.AddDevice(VendorDeviceOf(kAlpha));
+    monitor.CallBackFunc({}, PrinterUsbApiStruct::DEVICE_STATE_ARRIVED, kIdentifier);
+    // It has begun to wait.
+    std::this_thread::sleep_for(300ms);
+    {
+        const FailingMemory::FailsForOthers memory;
+        const long before = FailingMemory::FailedForOthers();
+        const auto giveUp = std::chrono::steady_clock::now() + 30s;
+        while (FailingMemory::FailedForOthers() == before) {
+            ASSERT_LT(std::chrono::steady_clock::now(), giveUp);
+            std::this_thread::sleep_for(5ms);
+        }
+        std::this_thread::sleep_for(100ms);
+    }
+    EXPECT_TRUE(Application::Reports().empty());
+    EXPECT_TRUE(alpha.Calls().empty());
+    monitor.CallBackFunc({}, PrinterUsbApiStruct::DEVICE_STATE_ARRIVED, kIdentifier);
+    alpha.AwaitCalls("GetDeviceInfoByUsb", 1);
+    std::this_thread::sleep_for(100ms);
+    EXPECT_EQ(Application::Reports().size(), 1u);
 }
 
 }  // namespace

@@ -126,8 +126,9 @@ TEST_F(ScriptedVendorTest, NamesLinesThatMakeNoSense) {
                           "device \"\\x4\" \"\" \"\" \"\" \"\" 1 2\n"
                           "device \"a\" \"a modelID of far too many letters\" \"\" \"\" \"\" 1 2\n"
                           "device \"a\" \"\" \"\" \"\" \"\" 65536 2\n"
-                          "threads 0\n"),
-        11);
+                          "threads 0\n"
+                          "count StopDeviceScan 3\n"),
+        12);
     const std::string complaints = testing::internal::GetCapturedStderr();
     EXPECT_EQ(ScanInterface::GetInstance().StopDeviceScan(), 4);
     std::istringstream lines(complaints);
@@ -145,7 +146,8 @@ TEST_F(ScriptedVendorTest, NamesLinesThatMakeNoSense) {
             start + "8: unknown escape \\q", start + "9: \\x needs two hexadecimal digits",
             start + "10: \"a modelID of far too many letters\" is longer than its field of "
                     "32 bytes",
-            start + "11: \"65536\" is out of range", start + "12: \"0\" is out of range"));
+            start + "11: \"65536\" is out of range", start + "12: \"0\" is out of range",
+            start + "13: \"StopDeviceScan\" writes no count"));
 }
 
 TEST_F(ScriptedVendorTest, ReportsAsOftenAsScriptedAndPausesBetween) {

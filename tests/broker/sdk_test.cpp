@@ -9,6 +9,13 @@
 #include "tests/support/broker_test.h"
 #include "tests/support/scripted_adapter.h"
 
+namespace PrinterSdk {
+
+struct PrintTaskInfo {};
+struct DeviceState {};
+
+}  // namespace PrinterSdk
+
 namespace {
 
 using namespace PrinterSdk;
@@ -165,10 +172,13 @@ TEST(VirtualTable, OfTheUiListenerIsReachedByName) {
     IPrinterUiListener listener;
     PrinterProperty printer;
     std::string value;
+    std::vector<PrintTaskInfo> tasks;
     EXPECT_EQ(listener.OnCopyDoneCb(1), 0);
     EXPECT_EQ(listener.OnDocPrintDoneCb(L"file", 1, 2), 0);
     EXPECT_EQ(listener.OnErrorCb(1), 0);
     EXPECT_EQ(listener.OnImgPrintDoneCb(L"file", 1, 2), 0);
+    EXPECT_EQ(listener.OnPrintTaskListRefresh(tasks), 0);
+    EXPECT_EQ(listener.OnPrinterStateNotify(printer, DeviceState{}), 0);
     EXPECT_EQ(listener.OnPrinterDeleted(printer, 1), 0);
     EXPECT_EQ(listener.OnPrinterGetInfoCb(SettingItem{}, 1, value), 0);
     EXPECT_EQ(listener.OnPrinterListChangedRefresh(printer, true), 0);

@@ -66,6 +66,13 @@ TEST_F(UsbEnumeration, LogsEachStepAndAppendsEveryByteInTheVendorsOrder) {
     }
 }
 
+TEST_F(UsbEnumeration, SaysThatItAsksBeforeItDoes) {
+    With({Alpha()});
+    const auto work = [] { Enumerate(kId); };
+    EXPECT_THAT(CallsAtTheLine("STEP4", CallsOfAlpha, work), ElementsAre(IsEmpty()));
+    EXPECT_THAT(CallsAtTheLine("call Func OK", CallsOfAlpha, work), ElementsAre(SizeIs(2)));
+}
+
 TEST_F(UsbEnumeration, AppendsToWhatIsThereAndCountsIt) {
     UsbConnInterface& dispatcher = With({Alpha()});
     AddDevices(1);
@@ -253,6 +260,24 @@ INSTANTIATE_TEST_SUITE_P(
                     // White space that is no blank.
                     Reading{"VID_\t\n12&PID_\r\v\fF", 0xF, 0x12, "pid:fvid12"}),
     [](const auto& instance) { return "Number" + std::to_string(instance.index); });
+
+// Numbers in groups of two, behind commas.
+class InGroups : public std::numpunct<char> {
+    char do_thousands_sep() const override { return ','; }
+    std::string do_grouping() const override { return "\2"; }
+};
+
+TEST_F(UsbEnumeration, ReadsTheIdentifierAsTheGlobalLocaleWritesNumbers) {
+    const std::string grouped = "VID_1,23&PID_ABCD";
+    With({Vendor("alpha", "scripted_all", kId + (' ' + grouped))});
+    const std::locale before = std::locale::global({std::locale(), new InGroups});
+    EXPECT_EQ(Enumerate(kId), 0);
+    EXPECT_EQ(AskedOf("scripted_all").vendorId, 0x1234);
+    EXPECT_EQ(AskedOf("scripted_all").productId, 0xABCD);
+    EXPECT_EQ(Enumerate(grouped), 0);
+    EXPECT_EQ(AskedOf("scripted_all").vendorId, 0x123);
+    std::locale::global(before);
+}
 
 TEST_F(UsbEnumeration, OfAnIdentifierTooShortForTheVendorIdThrowsAfterTheThirdStep) {
     With({Vendor("alpha", "scripted_all", "V VID")});

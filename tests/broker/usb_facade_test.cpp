@@ -99,6 +99,12 @@ TEST_F(UsbPrinters, AreAskedForThroughTheAdaptersLastOperationAndTheListsFirst) 
     EXPECT_THAT(ScriptedHost::UsbCalls(), IsEmpty());
 }
 
+TEST_F(UsbPrinters, AreAskedForOnceTheLineSaysSo) {
+    const auto work = [] { List({OnUsb(L"SN-1")}); };
+    EXPECT_THAT(CallsAtTheLine("Get usb Device printer list", ScriptedAdapter::Calls, work),
+                ElementsAre(IsEmpty()));
+}
+
 TEST_F(UsbPrinters, OfOtherKindsAreNeitherListedNorLogged) {
     for (const int connectType : {0, 3, -1, 4, 2147483647}) {
         EXPECT_THAT(List({Printer(connectType, L"SN-1")}), IsEmpty()) << connectType;
@@ -223,6 +229,17 @@ TEST_F(UsbPorts, AreEnumeratedInTheOrderOfTheirIdentifiers) {
                   Lines({EnumerationSaid(1, "call Func OK2")}) + add + add +
                   Lines({EnumerationSaid(3, "STEP5"), EnumerationSaid(3, "STEP62"),
                          Step("call Func OK2")}));
+}
+
+TEST_F(UsbPorts, AreAskedForBetweenTheLinesThatSaySo) {
+    const auto work = [] {
+        std::vector<DeviceInfo> devices;
+        It().GetDeviceInfoByUsb(devices);
+    };
+    EXPECT_THAT(CallsAtTheLine("Start GetCurrentPrinterPorts", ScriptedHost::UsbCalls, work),
+                ElementsAre(IsEmpty()));
+    EXPECT_THAT(CallsAtTheLine("Stop GetCurrentPrinterPorts", ScriptedHost::UsbCalls, work),
+                ElementsAre(SizeIs(2)));
 }
 
 TEST_F(UsbPorts, OfWhichOneSucceedsAreASuccess) {
@@ -377,16 +394,8 @@ TEST_F(UsbFacade, StartsAndStopsTheMonitor) {
 }
 
 TEST_F(UsbFacade, RegistersBeforeItStartsTheManagerWithWhatItRegistered) {
-    static std::vector<std::string> callsAtTheLine;
-    RecordingLog::OnLine([](const RecordingLog::Line& line) {
-        if (line.text.starts_with(L"Set info")) {
-            callsAtTheLine = ScriptedHost::UsbCalls();
-        }
-    });
-    callsAtTheLine = {"no line"};
-    It().StartDeviceMonitor({Application::OnDevice, 77});
-    RecordingLog::OnLine({});
-    EXPECT_THAT(callsAtTheLine, IsEmpty());
+    const auto work = [] { It().StartDeviceMonitor({Application::OnDevice, 77}); };
+    EXPECT_THAT(CallsAtTheLine("Set info", ScriptedHost::UsbCalls, work), ElementsAre(IsEmpty()));
     EXPECT_EQ(ScriptedHost::MonitorAtItsStart().value, 77);
     EXPECT_NE(ScriptedHost::MonitorAtItsStart().callback, nullptr);
 }
@@ -422,15 +431,9 @@ TEST_F(UsbFacade, SaysNothingOfAManagerThatCannotStart) {
 
 TEST_F(UsbFacade, ClearsTheRegistrationBeforeItStopsTheManager) {
     It().StartDeviceMonitor({Application::OnDevice, 1});
-    static std::vector<std::string> callsAtTheClear;
-    RecordingLog::OnLine([](const RecordingLog::Line& line) {
-        if (line.text.starts_with(L"Clear info")) {
-            callsAtTheClear = ScriptedHost::UsbCalls();
-        }
-    });
-    It().StopDeviceMonitor();
-    RecordingLog::OnLine({});
-    EXPECT_THAT(callsAtTheClear, ElementsAre("StartMonitor"));
+    EXPECT_THAT(
+        CallsAtTheLine("Clear info", ScriptedHost::UsbCalls, [] { It().StopDeviceMonitor(); }),
+        ElementsAre(ElementsAre("StartMonitor")));
 }
 
 TEST_F(UsbFacade, StopsWithoutAStart) {

@@ -22,7 +22,7 @@ protected:
         return {Step(3, "STEP1"), Step(3, "STEP2"), Step(1, "modeid:" + model), Step(3, "STEP3"),
                 Step(3, "STEP4")};
     }
-    // The nine lines of a record that is appended to `before` others.
+    // The eight lines of a record that is appended to `before` others.
     static Lines Appends(const std::string& ssid, const std::string& rssi, int before) {
         const char* const conversion = "DiscoverBasic::GetDiscoverWifoConfigInfo";
         return {Step(3, "STEP...add1"),
@@ -77,6 +77,13 @@ TEST_F(UsbWifiScan, LogsEachStepAndAppendsInTheVendorsOrder) {
     EXPECT_EQ(BytesOf(networks[0]), BytesOf(NetworkOf("office")));
     EXPECT_EQ(BytesOf(networks[1]), BytesOf(NetworkOf("home")));
     EXPECT_EQ(BytesOf(networks[2]), BytesOf(NetworkOf("office")));
+}
+
+TEST_F(UsbWifiScan, SaysThatItAsksBeforeItDoes) {
+    With({Alpha()});
+    const auto work = [] { Scan(); };
+    EXPECT_THAT(CallsAtTheLine("STEP4", CallsOfAlpha, work), ElementsAre(IsEmpty()));
+    EXPECT_THAT(CallsAtTheLine("call Func OK", CallsOfAlpha, work), ElementsAre(SizeIs(2)));
 }
 
 TEST_F(UsbWifiScan, GivesTheVendorACopyOfTheDeviceAndTheOptionAsItStands) {
@@ -237,6 +244,16 @@ TEST_F(UsbNetConfig, GivesTheVendorEveryByteOfBothAndLogsNoPassPhrase) {
     EXPECT_EQ(BytesOf(given.device), BytesOf(DeviceOf("alpha")));
     EXPECT_EQ(BytesOf(given.network), BytesOf(NetworkOf("office")));
     EXPECT_THAT(TakeLines(), ElementsAre(Step(1, "modeid:alpha"), Step(1, "call Func OK")));
+}
+
+TEST_F(UsbNetConfig, GivesTheVendorCopies) {
+    With({Alpha()});
+    const DeviceInfo device = DeviceOf("alpha");
+    const WifiConfigInfo network = NetworkOf("office");
+    EXPECT_EQ(Dispatcher::GetInstance().PrinterUSBNetConfigEvent(device, network), 0);
+    const ScriptedVendor::Call call = ScriptedModule("scripted_all").Calls().back();
+    EXPECT_NE(call.argument, &device);
+    EXPECT_NE(call.second, &network);
 }
 
 TEST_F(UsbNetConfig, TerminatesTextsThatFillTheirFields) {

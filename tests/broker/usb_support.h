@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "tests/support/application.h"
 #include "tests/support/broker_test.h"
 
@@ -57,6 +59,24 @@ protected:
     static Lines BindingLines(const std::string& productId) {
         return {Said(3, "productId" + productId, "GetDeviceFunc")};
     }
+
+    // What `calls` said had been called when each line that begins with `start` was logged, while
+    // `work` ran.
+    static std::vector<Lines> CallsAtTheLine(const std::string& start,
+                                             const std::function<Lines()>& calls,
+                                             const std::function<void()>& work) {
+        const std::wstring wideStart = Wide(start);
+        std::vector<Lines> called;
+        RecordingLog::OnLine([&](const RecordingLog::Line& line) {
+            if (line.text.starts_with(wideStart)) {
+                called.push_back(calls());
+            }
+        });
+        work();
+        RecordingLog::OnLine({});
+        return called;
+    }
+    static Lines CallsOfAlpha() { return ScriptedModule("scripted_all").CallNames(); }
 
     // The lines of an enumeration up to the vendor's call.
     static Lines EnumerationBegins(const std::string& id, const std::string& ids) {

@@ -1,19 +1,25 @@
 #include "tests/support/failing_memory.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace {
 
 thread_local long untilFailure = 0;  // 0: none fails
 thread_local bool failed = false;
+thread_local std::size_t largest = 0;
 thread_local bool staysGone = false;
 thread_local bool isFavourite = false;
 std::atomic<bool> onlyForFavourite{false};
+std::atomic<long> failedForOthers{0};
 
 void* Allocate(std::size_t size) noexcept {
+    largest = std::max(largest, size);
     if (onlyForFavourite && !isFavourite) {
+        ++failedForOthers;
         return nullptr;
     }
     if (untilFailure > 0 && --untilFailure == 0) {
@@ -54,6 +60,14 @@ FailsForOthers::FailsForOthers() {
 FailsForOthers::~FailsForOthers() {
     onlyForFavourite = false;
     isFavourite = false;
+}
+
+long FailedForOthers() {
+    return failedForOthers;
+}
+
+std::size_t LargestAllocation() {
+    return std::exchange(largest, 0);
 }
 
 bool HasFailed() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 // Memory that runs out: a program that has this built in makes its own allocations fail.
 namespace FailingMemory {
 
@@ -23,6 +25,13 @@ public:
     FailsForOthers(const FailsForOthers&) = delete;
     FailsForOthers& operator=(const FailsForOthers&) = delete;
 };
+
+// How many allocations have failed on other threads than that of a FailsForOthers.
+long FailedForOthers();
+
+// The bytes of the largest allocation that the calling thread has asked for since its last call of
+// this.
+std::size_t LargestAllocation();
 
 // Whether the allocation of a FailsAt has failed that was to fail last.
 bool HasFailed();

@@ -24,9 +24,9 @@ std::string Quoted(const std::wstring& text);
 //   join <0 or 1>              the outcome of the next ConnectAP; the host is joined then
 //   delay <operation> <ms>     how long each call of it takes
 //   port "<hardware identifier>" <devices> <bus>
-//   change <ms> <state> "<hardware identifier>"   what the USB monitor reports, so long after the
-//   one
-//                              before it or after the start
+//   change <ms> <state> "<hardware identifier>"
+//                              what the USB monitor reports, so long after the one before it or
+//                              after the start
 //   printer "<serial number>" "<model>" <connect type>
 struct HostScript {
     struct Change {
