@@ -21,7 +21,7 @@ public:
 
 private:
     friend class TableUse;
-    static constexpr int kPatience = 100;
+    static constexpr int kPatience = 100;  // milliseconds
 
     std::atomic<int> inside{0};
     std::atomic<bool> isClosed{false};
