@@ -57,7 +57,7 @@ void AddPrinterInterfaces(const libusb_config_descriptor& configuration, std::ui
     }
 }
 
-std::uint8_t ByteAt(std::string_view bytes, std::size_t at) {
+unsigned ByteAt(std::string_view bytes, std::size_t at) {
     return static_cast<std::uint8_t>(bytes[at]);
 }
 
