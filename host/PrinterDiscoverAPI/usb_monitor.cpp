@@ -97,14 +97,14 @@ std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun() {
 }
 
 void UsbMonitor::Watch(Run& run) {
+    bool hasLost = false;
     for (bool goesOn = true; goesOn;) {
         try {
-            goesOn = TakeEvent(run);
-        } catch (const std::bad_alloc&) {
-            // An event is lost, and there is no memory to say so; the process goes on.
-            std::this_thread::sleep_for(kPause);
-        } catch (const std::exception& error) {
-            LogProblem(std::string("an event is lost: ") + error.what());
+            goesOn = hasLost ? DeliverAll(run, ChangesMeanwhile(run)) : TakeEvent(run);
+            hasLost = false;
+        } catch (const std::exception&) {
+            // Mostly there is no memory, not even to say so. What was lost is made up for.
+            hasLost = true;
             std::this_thread::sleep_for(kPause);
         }
     }
@@ -116,7 +116,11 @@ bool UsbMonitor::TakeEvent(Run& run) {
     if (event.kind == UsbEvent::Kind::interrupted) {
         return false;
     }
-    const std::vector<UsbChange> changes = ChangesBy(run, event);
+    return DeliverAll(run, ChangesBy(run, event));
+}
+
+// Reports the changes; false when the run is over.
+bool UsbMonitor::DeliverAll(const Run& run, const std::vector<UsbChange>& changes) {
     return std::all_of(changes.begin(), changes.end(),
                        [&](const UsbChange& change) { return Deliver(run, change); });
 }
@@ -128,13 +132,31 @@ std::vector<UsbChange> UsbMonitor::ChangesBy(Run& run, const UsbEvent& event) {
     if (event.kind == UsbEvent::Kind::removed) {
         return run.table.Remove(event.printer.path);
     }
-    std::vector<UsbPrinter> present;
-    std::string problem;
-    if (!ListUsbPrinters(present, problem)) {
-        LogProblem("events were missed, and " + problem);
-        return {};
+    return ChangesMeanwhile(run);
+}
+
+// What has changed by what is there now. It is looked for until that is known, lest a printer that
+// went and came again is taken for one that never went.
+std::vector<UsbChange> UsbMonitor::ChangesMeanwhile(Run& run) {
+    std::string logged;
+    while (!HasEnded(run)) {
+        std::vector<UsbPrinter> present;
+        std::string problem;
+        if (ListUsbPrinters(present, problem)) {
+            return run.table.Replace(present);
+        }
+        if (problem != logged) {
+            LogProblem("events were missed, and " + problem);
+            logged = problem;
+        }
+        std::this_thread::sleep_for(kPause);
     }
-    return run.table.Replace(present);
+    return {};
+}
+
+bool UsbMonitor::HasEnded(const Run& run) {
+    const std::lock_guard lock(mutex);
+    return run.ended;
 }
 
 // Reports one change; false when the run is over.

@@ -42,6 +42,9 @@ private:
     void Watch(Run& run);
     bool TakeEvent(Run& run);
     std::vector<UsbChange> ChangesBy(Run& run, const UsbEvent& event);
+    std::vector<UsbChange> ChangesMeanwhile(Run& run);
+    bool HasEnded(const Run& run);
+    bool DeliverAll(const Run& run, const std::vector<UsbChange>& changes);
     bool Deliver(const Run& run, const UsbChange& change);
     bool IsInsideReport() const;
     void WaitForReport(std::unique_lock<std::mutex>& lock);

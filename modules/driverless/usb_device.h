@@ -40,7 +40,7 @@ public:
 
 private:
     struct Close {
-        void operator()(libusb_device_handle* handle) const { libusb_close(handle); }
+        void operator()(libusb_device_handle* opened) const { libusb_close(opened); }
     };
     using Clock = std::chrono::steady_clock;
     struct Answer {

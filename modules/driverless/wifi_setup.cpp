@@ -88,9 +88,14 @@ bool IsTaken(const IppAnswer& answer, const Recipient& recipient) {
            (answer.kind == IppAnswer::Kind::NoAnswer && answer.sent && HasLeft(recipient));
 }
 
-// On the network it may be known by its UUID only.
-void RememberAs(const std::string& serialNumber, Printer printer) {
-    printer.serialNumber = serialNumber;
+// On the network it may be known by its UUID only. It is where its bridge has it, and where the
+// record says; another one that was there before is not any more.
+void RememberAs(const VendorSdk::DeviceInfo& record, Printer printer) {
+    printer.serialNumber = FieldText(record.deviceSN);
+    Printer onUsb = printer;
+    onUsb.address = FieldText(record.extra2);
+    onUsb.port = 0;
+    KnownPrinters().Remember(onUsb);
     KnownPrinters().Remember(printer);
 }
 
@@ -207,7 +212,7 @@ int SetUpWifiOverUsb(const VendorSdk::DeviceInfo& device, const VendorSdk::WifiC
                       " has no Wi-Fi that can be configured");
         return kRefused;
     }
-    RememberAs(FieldText(device.deviceSN), search.found->printer);
+    RememberAs(device, search.found->printer);
     return Give(OnUsb(*search.found), settings);
 }
 

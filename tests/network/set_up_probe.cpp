@@ -6,7 +6,7 @@
 //   {"do": "connected"}     IsConnectCurrentWifiAP; --module only
 //   {"do": "describe"}      GetDeviceInfoByNet, into a record of which every byte is ff
 //   {"do": "configure", "name": HEX, "passPhrase": HEX}   PrinterAPNetConfigEvent
-//   {"do": "present", "serial": TEXT}   IsLocalAreaNetworkOK
+//   {"do": "present", "serial": TEXT, "place": TEXT}   IsLocalAreaNetworkOK
 //   {"do": "start"}, {"do": "stop"}     StartAPWifiScan, with --module on a thread of its own, and
 //                                       StopAPWifiScan
 //   {"do": "callback-sleeps", "milliseconds": N}          how long the callback takes from now on
@@ -253,16 +253,17 @@ Json Describe(const Operations& operations) {
     return event;
 }
 
-Json Present(const Operations& operations, const Json& command) {
-    DeviceInfo device{};
-    command.at("serial").get<std::string>().copy(device.deviceSN, sizeof device.deviceSN - 1);
-    std::strcpy(device.modelID, "driverless");
-    return {{"result", operations.present(device)}};
-}
-
 template <std::size_t size>
 void PutText(char (&field)[size], const Json& command, const char* key) {
     command.value(key, std::string()).copy(field, size - 1);
+}
+
+Json Present(const Operations& operations, const Json& command) {
+    DeviceInfo device{};
+    PutText(device.deviceSN, command, "serial");
+    PutText(device.extra2, command, "place");
+    std::strcpy(device.modelID, "driverless");
+    return {{"result", operations.present(device)}};
 }
 
 Json ConfigureOverUsb(const Operations& operations, const Json& command) {

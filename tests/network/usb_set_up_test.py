@@ -352,6 +352,17 @@ class OnlyOnThisHost(UsbTest):
         self.assertEqual(self.result(probe, NAME, PASS_PHRASE, serial="USB9", model="Acme 9"), OK)
         self.assertEqual(probe.result("present", serial="USB9"), OK)
 
+    def test_another_printer_in_the_same_place_is_known_by_its_own_uuid(self):
+        probe = self.probe()
+        for number, uuid in enumerate((UUID, UUID[:-1] + "c")):
+            printer = self.fake_bridged(model="Acme 9", uuid=uuid)
+            self.assertEqual(self.result(probe, NAME, PASS_PHRASE, serial="usb:1-1",
+                                         model="Acme 9"), OK)
+            self.gone(printer)
+            self.fake_printer(f"Late {number}", 9000 + number,
+                              attributes=["printer-uuid=urn:uuid:" + uuid])
+            self.assertEqual(probe.result("present", serial="usb:1-1", place="usb:1-1"), OK)
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)

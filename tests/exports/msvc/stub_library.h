@@ -27,6 +27,9 @@ struct pair {
     Second second;
 };
 
+template <class Type>
+inline constexpr bool is_standard_layout_v = __is_standard_layout(Type);
+
 // A class of `size` bytes that can be made, copied and destroyed.
 #define STUB_VALUE(name, size)           \
     alignas(8) unsigned char held[size]; \

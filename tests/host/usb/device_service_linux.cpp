@@ -8,6 +8,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <string_view>
@@ -72,6 +73,10 @@ std::string PropertiesOf(const std::string& action, const std::string& path,
 
 DeviceService::DeviceService()
     : socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_KOBJECT_UEVENT)) {
+    if (std::getenv("DEVICE_EVENTS_ARE_OWN") == nullptr) {
+        throw std::runtime_error(
+            "the system's own listeners would hear: use with_own_device_events");
+    }
     if (socket < 0) {
         throw std::runtime_error("no socket for device events");
     }

@@ -7,6 +7,7 @@ namespace UsbTest {
 // Sends events to whoever listens to the device service, over the kernel's own sockets.
 class DeviceService {
 public:
+    // Throws where others listen too: with_own_device_events makes sure that nobody does.
     DeviceService();
     ~DeviceService();
     DeviceService(const DeviceService&) = delete;

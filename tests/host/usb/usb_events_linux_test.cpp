@@ -117,7 +117,8 @@ TEST_F(UsbEvents, OfADeviceServiceThatWasRestartedAreMadeUpForByWhatIsThere) {
               L"USB monitor: device events were missed: the device service has been started"
               L"(PrinterUsbDeviceManager::StartMonitor)");
     // It is told again until it is heard: the line comes before the events are opened anew.
-    while (ReportsTo().size() < 3) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (ReportsTo().size() < 3 && std::chrono::steady_clock::now() < end) {
         service.Tell("add", "1-1/1-1:1.0");
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
@@ -155,6 +156,31 @@ public:
 private:
     rlimit former{};
 };
+
+// What cannot be listed just now is listed later: the printer's end was told to nobody.
+TEST_F(UsbEvents, ThatWereMissedAreMadeUpForWhenTheDevicesCanBeListedAgain) {
+    Gate inside;
+    Gate proceed;
+    InsideReports([&](const Report&) {
+        inside.Open();
+        proceed.Pass();
+    });
+    ASSERT_EQ(manager.StartMonitor(Registration()), 0);
+    service.Tell("add", "1-1/1-1:1.0");
+    inside.Pass();
+    InsideReports({});
+    for (int event = 0; event < 50000; ++event) {
+        service.Tell("change", "1-2/1-2:1.0", 8);
+    }
+    {
+        const NoMoreFiles none;
+        proceed.Open();
+        EXPECT_EQ(AwaitLine(2),
+                  L"USB monitor: events were missed, and the devices cannot be listed: Too many "
+                  L"open files(PrinterUsbDeviceManager::StartMonitor)");
+    }
+    EXPECT_THAT(WaitForReports(2), ElementsAre(kCame, kWent));
+}
 
 TEST_F(UsbEvents, ThatCannotBeHadAreAFailureThatIsLogged) {
     {
