@@ -239,7 +239,8 @@ void AddAccessPointCommands(Commands& commands, Options& all) {
 void AddUsbSerialNumber(CLI::App& command, std::string& serialNumber) {
     command
         .add_option("SERIAL", serialNumber,
-                    "The printer's serial number; not needed where\nonly one is plugged in")
+                    "The printer's serial number, or its place on USB;\nnot needed where only one "
+                    "is plugged in")
         ->check([](const std::string& text) -> std::string {
             return text.empty() ? "the serial number is empty; leave it out for the only printer"
                                 : "";
@@ -256,7 +257,7 @@ void AddUsbWatch(CLI::App& usb, Commands& commands, Options& all) {
             [&all](const double& seconds) {
                 all.usbWatch = {std::chrono::duration<double>(seconds), false};
             },
-            "How long to watch, from 0.1 to 86400 (default: until Ctrl-C)")
+            "How long to watch, from 0.1 to 86400\n(default: until Ctrl-C)")
         ->type_name("N")
         ->check(CheckSeconds);
 }
@@ -306,8 +307,8 @@ void AddSetupCommand(CLI::App& app, Commands& commands, Options& all) {
                 all.setup.usb = true;
                 all.setup.usbSerialNumber = serialNumber;
             },
-            "The printer is on USB, not on Wi-Fi; its serial\nnumber where more than one is "
-            "plugged in")
+            "The printer is on USB, not on Wi-Fi; its serial\nnumber or place there where more "
+            "than one is\nplugged in")
         ->expected(0, 1)
         ->type_name("[SERIAL]");
     AddNetworkName(setup, "--network", all.setup.network, "The network to put the printer on");

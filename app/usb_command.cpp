@@ -56,14 +56,22 @@ ExitStatus Configure(const Settings& settings, const UsbPrinter& printer,
                                 UsbExplanation(printer, result, "PrinterUSBNetConfigEvent"));
 }
 
+// So that nobody waits for one of them.
+void TellWhatIsThere(std::size_t count) {
+    if (count > 0) {
+        Complain(CountOf<Printer>(count) + (count == 1 ? " is" : " are") +
+                 " plugged in already, and not shown; `devicediscover usb ports` shows them.");
+    }
+}
+
 }  // namespace
 
 ExitStatus UsbList(const Settings& settings) {
     const std::vector<InstalledPrinter> printers = InstalledPrinters(settings);
     if (printers.empty()) {
         return Failed(
-            "no USB printer is installed on this computer.\n`devicediscover usb ports` shows those "
-            "that are plugged in.");
+            "no USB printer is installed on this computer, or its print spooler does not answer.\n"
+            "`devicediscover usb ports` shows those that are plugged in.");
     }
     WriteItems(settings, printers, InstalledPrinterJson);
     return kFound;
@@ -83,7 +91,9 @@ ExitStatus UsbPorts(const Settings& settings) {
 }
 
 ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options) {
+    const std::size_t present = CountPluggedIn(settings);
     UsbWatchSession session(settings);
+    TellWhatIsThere(present);
     const auto view = ViewFor<Arrival>(settings, ArrivalJson);
     if (RunScan(session, *view, options)) {
         return kFound;

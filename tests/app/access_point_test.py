@@ -247,8 +247,8 @@ class AccessPointConfigure(HostTest):
     def assert_explained(self, number, *command):
         result = self.run_app(*command)
         self.assert_status(result, NONE_FOUND)
-        self.assertRegex(result.errors,
-                         rf"the vendor's result {number} \(of vendor driverless: .{{20}}")
+        self.assertRegex(result.errors, rf"the vendor's result {number} \(of vendor driverless: "
+                                        r"[^.;]{8,}[.;] \w.{12}", "what it is, and what to do")
         return result.errors
 
     def test_every_result_that_its_vendor_documents_has_a_meaning(self):
