@@ -212,10 +212,10 @@ inline constexpr const char* kUsbWatch = R"(Examples:
   devicediscover usb watch --seconds 60
   devicediscover usb watch --json | jq -r .serialNumber
 
-Each printer about a second after it is plugged in: the time, serial number,
-make and model, place on USB, and vendor. One that is plugged in again is shown
-again. Those that were there before are not shown, only counted on standard
-error. Exit status 1: none was plugged in.
+Each printer about a second after it is plugged in: the time (in JSON that of
+UTC), serial number, make and model, place on USB, and vendor. One that is
+plugged in again is shown again. Those that were there before are not shown,
+only counted on standard error. Exit status 1: none was plugged in.
 
 )";
 
@@ -226,7 +226,8 @@ inline constexpr const char* kUsbNetworks = R"(Examples:
   devicediscover usb networks --json | jq -r .network
 
 Name and signal, separated by tabs elsewhere than on a terminal. The signal is
-as the printer's vendor measures it. `devicediscover usb ports` shows serial
+as the printer's vendor measures it; vendor driverless reports the networks in
+reach of this computer's own Wi-Fi. `devicediscover usb ports` shows serial
 numbers and places. Exit status 1: no network, or no such printer.
 
 )";
@@ -255,12 +256,13 @@ inline constexpr const char* kSetup = R"(Examples:
 Without --usb, join this computer to the new printer's own network first:
 `devicediscover wifi list` shows it, `devicediscover wifi join NAME` joins it.
 With --usb plug the printer in; this computer stays on its network, which should
-be the one that the printer is to be on. The steps are: which
-printer; which network, picked from a list on a terminal; its pass phrase;
-putting the printer on it; joining this computer to it; finding the printer
-there. Should one fail, it says what to do. Ctrl-C ends it between and within
-steps. With --json each step is an object when it starts and when it ends, and
-what is asked goes to standard error.
+be the one that the printer is to be on.
+
+The steps are: which printer; which network, picked from a list on a terminal;
+its pass phrase; putting the printer on it; joining this computer to it; finding
+the printer there. Should one fail, it says what to do. Ctrl-C ends it between
+and within steps. With --json each step is an object when it starts and when it
+ends, and what is asked goes to standard error.
 
 Printers may share a serial number. The vendor tells whether the very one is
 there; where more than one of that number was found, all their places are named,

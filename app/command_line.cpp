@@ -248,9 +248,9 @@ void AddUsbSerialNumber(CLI::App& command, std::string& serialNumber) {
 }
 
 void AddUsbWatch(CLI::App& usb, Commands& commands, Options& all) {
-    CLI::App& watch = commands.Add(usb, "watch", "Show printers as they are plugged in.",
-                                   WithStatuses(Help::kUsbWatch),
-                                   [&] { return UsbWatch(all.settings, all.usbWatch); });
+    CLI::App& watch = commands.Add(
+        usb, "watch", "Show printers as they are plugged in from now on.",
+        WithStatuses(Help::kUsbWatch), [&] { return UsbWatch(all.settings, all.usbWatch); });
     watch
         .add_option_function<double>(
             "--seconds",
@@ -264,7 +264,7 @@ void AddUsbWatch(CLI::App& usb, Commands& commands, Options& all) {
 
 void AddUsbCommands(Commands& commands, Options& all) {
     CLI::App& usb = commands.Group("usb", "Printers on USB.", Help::kUsb);
-    commands.Add(usb, "list", "Show the USB printers of this computer.",
+    commands.Add(usb, "list", "Show the USB printers that are installed on this computer.",
                  WithStatuses(Help::kUsbList), [&] { return UsbList(all.settings); });
     commands.Add(usb, "ports", "Show the printers that are plugged in.",
                  WithStatuses(Help::kUsbPorts), [&] { return UsbPorts(all.settings); });
@@ -359,8 +359,18 @@ std::string AboutExtras(const CLI::App& command) {
                "or with\n--pass-phrase-file";
     }
     const std::vector<std::string> extras = command.remaining();
-    return extras.empty() ? "there is an argument too many"
-                          : "there is no argument or option '" + WithoutValue(extras[0]) + "'";
+    if (!extras.empty()) {
+        return "there is no argument or option '" + WithoutValue(extras[0]) + "'";
+    }
+    for (const CLI::App* outer = command.get_parent(); outer != nullptr;
+         outer = outer->get_parent()) {
+        const std::vector<std::string> early = outer->remaining();
+        if (!early.empty()) {
+            return "'" + WithoutValue(early[0]) +
+                   "' stands before the command; options go behind it";
+        }
+    }
+    return "there is an argument too many";
 }
 
 std::string AboutMismatch(const std::string& text) {

@@ -34,7 +34,10 @@ ExitStatus ShowNetworks(const Settings& settings, const UsbPrinter& printer, int
         return Failed("no networks: " + UsbExplanation(printer, answer.result, "USBWifiScan"));
     }
     if (answer.networks.empty()) {
-        return Failed("the printer reports no network.");
+        return Failed(
+            "the printer reports no network.\nName one all the same: `devicediscover usb configure "
+            "--network NAME`." +
+            AboutNoNetworks(printer));
     }
     WriteItems(settings, answer.networks, NetworkJson);
     return kFound;
@@ -60,7 +63,8 @@ ExitStatus Configure(const Settings& settings, const UsbPrinter& printer,
 void TellWhatIsThere(std::size_t count) {
     if (count > 0) {
         Complain(CountOf<Printer>(count) + (count == 1 ? " is" : " are") +
-                 " plugged in already, and not shown; `devicediscover usb ports` shows them.");
+                 " plugged in already, and not shown; `devicediscover usb ports` shows " +
+                 (count == 1 ? "it." : "them."));
     }
 }
 

@@ -24,8 +24,21 @@ using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
 
-// How a vendor reaches printers on USB is its own affair; it is known of one.
-constexpr const char* kNeedsBridge = "driverless";
+// How a vendor reaches printers on USB, and its results, are its own affair; they are known of one.
+constexpr const char* kKnownVendor = "driverless";
+constexpr const char* kMeaningsOfConfiguration =
+    " Of driverless:"
+    "\n  10: the printer refused, or has no Wi-Fi that can be configured"
+    "\n  11: the printer does not see the network; many know the 2.4 GHz band only"
+    "\n  12: the printer cannot join: wrong pass phrase"
+    "\n  13: the printer did not join in time; `devicediscover scan` shows it if it has since"
+    "\n  14: the printer does not allow it: switch its Wi-Fi set-up on, or its password off"
+    "\n  15: the printer was not reached: it has to speak IPP over USB; plug it in again"
+    "\n  16: no valid name or pass phrase, which has 8 bytes or more; nothing was sent"
+    "\n  19: no thread or memory was left"
+    "\n  23: a fault of this program; report it, together with the log"
+    "\n  24: the program ipp-usb does not run: install and start it"
+    "\n  25: several printers are alike: unplug the others";
 constexpr const char* kAdvice =
     "\nPlug it in, switch it on, and wait a moment; `devicediscover usb watch` shows when it is "
     "there.";
@@ -136,8 +149,10 @@ PluggedPrinters PrintersPluggedIn(const Settings& settings) {
 }
 
 std::string NoneIsPluggedIn(const PluggedPrinters& plugged) {
-    return "no printer is plugged in that a vendor reports" + Lines(plugged.problems) + kAdvice +
-           "\n" + AdviceToReadLog();
+    const char* const saying = plugged.problems.empty()
+                                   ? "no printer is plugged in"
+                                   : "no printer is plugged in that a vendor reports";
+    return saying + Lines(plugged.problems) + kAdvice + "\n" + AdviceToReadLog();
 }
 
 UsbPrinter FindPluggedIn(const Settings& settings, const std::string& name) {
@@ -182,6 +197,13 @@ int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
     return Await(settings, "Waiting for the printer to join " + network, work);
 }
 
+std::string AboutNoNetworks(const UsbPrinter& printer) {
+    return printer.vendor == kKnownVendor
+               ? "\nVendor driverless reports those in reach of this computer's own Wi-Fi: "
+                 "`devicediscover wifi list`."
+               : "";
+}
+
 std::string UsbExplanation(const UsbPrinter& printer, int result, const std::string& entryPoint) {
     if (result != kNothingToCall && result != kNotInitialised) {
         return VendorsResult(result, printer.vendor);
@@ -203,17 +225,15 @@ std::string UsbExplanation(const UsbPrinter& printer, int result, const std::str
                       "\nAsk the vendor for a module that has it; `devicediscover vendors` shows "
                       "what is there.");
     }
-    std::string text = shown + " has failed";
-    if (entryPoint == "PrinterUSBNetConfigEvent") {
-        text +=
-            ". Are the network's name and the pass phrase right, and is the network in the "
-            "printer's "
-            "reach? The log's line \"call Func Fail\" ends with the vendor's own result";
+    if (entryPoint != "PrinterUSBNetConfigEvent") {
+        return shown + " has failed";
     }
-    if (printer.vendor == kNeedsBridge && entryPoint == "PrinterUSBNetConfigEvent") {
-        text += ". The printer has to speak IPP over USB, and the program ipp-usb to run";
-    }
-    return text;
+    return shown +
+           " has failed\nAre the network's name and the pass phrase right, and is the network in "
+           "the "
+           "printer's reach?\nThe line \"call Func Fail\" in the log ends with the vendor's own "
+           "result." +
+           (printer.vendor == kKnownVendor ? kMeaningsOfConfiguration : "");
 }
 
 }  // namespace App

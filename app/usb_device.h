@@ -52,6 +52,9 @@ NetworksAnswer NetworksSeenBy(const Settings& settings, const UsbPrinter& printe
 int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
                      const std::string& network, const std::shared_ptr<Secret>& passPhrase);
 
+// What more there is to know about a printer that reports no network; mostly nothing.
+std::string AboutNoNetworks(const UsbPrinter& printer);
+
 // What it means that the entry point's result was not 0, and how to go on where that is known.
 // Throws Problem when no vendor could have been asked at all.
 std::string UsbExplanation(const UsbPrinter& printer, int result, const std::string& entryPoint);

@@ -1,6 +1,7 @@
 """`devicediscover usb`."""
 
 import datetime
+import re
 import signal
 import struct
 import time
@@ -150,7 +151,7 @@ class UsbPorts(UsbTest):
                     result = self.run_app("usb", *command)
                     self.assert_status(result, NONE_FOUND)
                     self.assertRegex(result.errors, f"the vendor's result {number} "
-                                                    r"\(of vendor driverless: [^.;]{8,}[.;] \w.{12}",
+                                                    r"\(of vendor driverless: [^.;]{8,}[.;] [^)]{9}",
                                      "what it is, and what to do")
 
     def test_a_printer_that_its_vendor_does_not_report_is_missed(self):
@@ -189,7 +190,7 @@ class UsbPorts(UsbTest):
 
     def test_none_at_all(self):
         for script, host, saying in (
-                ((), (), "no printer is plugged in"),
+                ((), (), "no printer is plugged in\n"),
                 ((), (port(),), f"{USB_ID}: 1 plugged in, vendor scripted reports 0"),
                 (("result GetDeviceInfoByUsb 5",), (port(),), "the vendor's result 5"),
                 ((usb_device("SN1"), "count GetDeviceInfoByUsb 65"), (port(),), "reports 0"),
@@ -271,9 +272,11 @@ class UsbWatch(UsbTest):
 
     def test_what_was_there_before_is_counted_and_not_shown(self):
         self.script(usb_device("SN1"))
-        for ports, saying in (([port()], "1 printer is plugged in already"),
+        for ports, saying in (([port()], "1 printer is plugged in already, and not shown; "
+                                         "`devicediscover usb ports` shows it.\n"),
                               ([port(), port("VID_9999&PID_0001", 2)],
-                               "3 printers are plugged in already")):
+                               "3 printers are plugged in already, and not shown; "
+                               "`devicediscover usb ports` shows them.\n")):
             with self.subTest(saying):
                 self.host(*ports)
                 result = self.run_app("usb", "watch", "--seconds", "1.5")
@@ -464,7 +467,7 @@ class UsbNetworks(UsbTest):
         for lines, saying in ((("result USBWifiScan 5", reported("Office")),
                                "no networks: the vendor's result 5\n"),
                               (("result USBWifiScan -1",), "vendor scripted has failed"),
-                              ((), "reports no network"),
+                              ((), "reports no network.\nName one all the same"),
                               ((reported("Office"), "count USBWifiScan 129"),
                                "reports no network")):
             with self.subTest(saying):
@@ -473,6 +476,12 @@ class UsbNetworks(UsbTest):
                 self.assert_status(result, NONE_FOUND)
                 self.assertEqual(result.output, "")
                 self.assert_mentions(result.errors, saying, "log")
+
+    def test_whose_networks_they_are_is_said_where_it_is_known(self):
+        self.list_file = self.vendor_list([vendor(product_id="driverless")])
+        self.script(usb_device("SN1", vendor="driverless"))
+        self.assert_mentions(self.run_app("usb", "networks").errors, "reports no network",
+                             "this computer's own Wi-Fi", "wifi list")
 
     def test_a_vendor_that_cannot_do_it(self):
         for entry_point, command in (("USBWifiScan", ["networks", "SN1"]),
@@ -583,6 +592,18 @@ class UsbConfigure(UsbTest):
         self.assert_mentions(result.errors, "vendor driverless has failed", "pass phrase right",
                              "call Func Fail", "ipp-usb")
 
+    def test_each_failure_that_a_known_vendor_documents_has_a_meaning(self):
+        self.list_file = self.vendor_list([vendor(product_id="driverless")])
+        self.script(usb_device("SN1", vendor="driverless"), "result PrinterUSBNetConfigEvent 15")
+        errors = self.run_app(*OFFICE, "--open").errors
+        results = documented_results("PrinterUSBNetConfigEvent")
+        self.assertLessEqual({10, 13, 14, 15, 24, 25}, set(results))
+        self.assertEqual([int(number) for number in re.findall(r"^  (\d+): .{20}", errors,
+                                                               re.MULTILINE)], sorted(results))
+        self.script(usb_device("SN1"), "result PrinterUSBNetConfigEvent 15")
+        self.list_file = self.vendor_list([vendor()])
+        self.assertNotIn("ipp-usb", self.run_app(*OFFICE, "--open").errors)
+
     def test_the_printer_is_looked_for_before_the_pass_phrase_is_asked_for(self):
         terminal = Terminal(self, "usb", "configure", "SN7", "--network", "Office")
         self.assertEqual(terminal.finish(), NONE_FOUND)
@@ -602,6 +623,7 @@ class UsbArguments(UsbTest):
         for arguments, saying in (([], "list, ports, watch, networks or configure"),
                                   (["lsit"], "'lsit'"),
                                   (["list", "SN1"], "'SN1'"),
+                                  (["--json", "list"], "'--json' stands before the command"),
                                   (["watch", "--seconds", "0"], "0.1 to 86400"),
                                   (["networks", ""], "serial number is empty"),
                                   (["networks", "--option", "x"], "'x' is no whole number"),
