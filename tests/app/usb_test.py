@@ -288,7 +288,7 @@ class UsbWatch(UsbTest):
 
     def test_what_was_there_before_is_told_at_once(self):
         self.host(port())
-        process = self.start_app("usb", "watch", "--json")
+        process = self.start_app("usb", "watch", "--json", "--seconds", "5")
         self.assertEqual(process.stderr.readline().split(b" plugged")[0],
                          b"devicediscover: 1 printer is")
         self.assertIsNone(process.poll())
