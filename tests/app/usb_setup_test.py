@@ -170,7 +170,7 @@ class UsbSetup(UsbSetupTest):
                 self.assertEqual(terminal.finish(), FOUND)
 
     def test_a_printer_that_comes_late_is_waited_for(self):
-        self.usb_and_network([], ["interval 1000"])
+        self.usb_and_network([], ["interval 1600"])
         result = self.setup("--timeout", "30")
         self.assert_status(result, FOUND)
         self.assert_mentions(result.output, "is on Office at 192.0.2.7 port 631")
