@@ -5,7 +5,9 @@
 #include <algorithm>
 
 #include "app/awaiting.h"
+#include "app/broker_result.h"
 #include "app/host_wifi.h"
+#include "app/messages.h"
 #include "app/problem.h"
 #include "app/text.h"
 #include "app/vendor_survey.h"
@@ -17,9 +19,6 @@ namespace {
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::DiscoverNetConnInterface;
-
-constexpr int kNothingToCall = -1;
-constexpr int kNotInitialised = -2;
 
 struct KnownResult {
     int result;
@@ -74,20 +73,13 @@ constexpr KnownResult kKnownResults[] = {
     {22,
      "the device does not answer. Unplug it, plug it in again, and see whether it is switched on"},
     {23,
-     "no record, or no room for the answer, was given to the vendor; tell who made this program"},
+     "the vendor was given no record, or no room for its answer. That is a fault of this program, "
+     "not of the printer. Report it, together with the log"},
 };
 
 int OnNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network) {
     NetworkList::GetInstance().Add(Network(*network));
     return 0;
-}
-
-std::string Lines(const std::vector<std::string>& problems) {
-    std::string text;
-    for (const std::string& problem : problems) {
-        text += "\n  " + problem;
-    }
-    return text;
 }
 
 std::vector<std::string> NeededFor(const std::string& entryPoint) {

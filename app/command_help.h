@@ -184,9 +184,13 @@ inline constexpr const char* kUsbList = R"(Examples:
   devicediscover usb list --json | jq 'select(.onNetwork == false)'
 
 The USB printers that are installed on this computer, plugged in or not: serial
-number, model, and whether the printer is on the network too, so that this
-computer has it twice. - and null: not known. Elsewhere than on a terminal these
-are separated by tabs. Exit status 1: none is installed.
+number, model, and whether the printer is on the network too.
+yes: this computer has it twice, a printer with that serial number is installed
+over the network too. no: none of the installed network printers is known to
+have that serial number; most print spoolers do not tell it of network printers,
+that of Windows never does. - and null: the USB printer's own is not known.
+Elsewhere than on a terminal these are separated by tabs. Exit status 1: none is
+installed, or the print spooler does not answer.
 
 )";
 
@@ -195,7 +199,8 @@ inline constexpr const char* kUsbPorts = R"(Examples:
   devicediscover usb ports --json | jq -r .serialNumber
 
 Serial number, make and model, place on USB, and vendor, as the printer's vendor
-reports them.
+reports them. A printer without a serial number may have its place instead,
+usb:1-4 for one, in JSON too: that changes when it is plugged in elsewhere.
 Printers that are plugged in and that no vendor reports are named on standard
 error, with the USB identifier to put into the vendor list. Exit status 1: none
 is plugged in that a vendor reports.
@@ -207,25 +212,34 @@ inline constexpr const char* kUsbWatch = R"(Examples:
   devicediscover usb watch --seconds 60
   devicediscover usb watch --json | jq -r .serialNumber
 
-Each printer about a second after it is plugged in: the time, serial number,
-make and model, place on USB, and vendor. One that is plugged in again is shown again; those
-that were there before are not. Exit status 1: none was plugged in.
+Each printer about a second after it is plugged in: the time (in JSON that of
+UTC), serial number, make and model, place on USB, and vendor. One that is
+plugged in again is shown again. Those that were there before are not shown,
+only counted on standard error. Exit status 1: none was plugged in.
 
 )";
 
 inline constexpr const char* kUsbNetworks = R"(Examples:
+  devicediscover usb networks             the only printer need not be named
   devicediscover usb networks CN12345678
+  devicediscover usb networks usb:1-4     the one that is plugged in there
   devicediscover usb networks --json | jq -r .network
 
-The signal is as the printer's vendor measures it. Exit status 1: no network, or
-no such printer.
+Name and signal, separated by tabs elsewhere than on a terminal. The signal is
+as the printer's vendor measures it; vendor driverless reports the networks in
+reach of this computer's own Wi-Fi. `devicediscover usb ports` shows serial
+numbers and places. Exit status 1: no network, or no such printer.
 
 )";
 
 inline constexpr const char* kUsbConfigure = R"(Examples:
   devicediscover usb configure CN12345678 --network Office
   devicediscover usb configure --network Office --pass-phrase-file office.txt
-  devicediscover usb configure --network Guests --open
+  devicediscover usb configure usb:1-4 --network Guests --open
+
+Without a serial number or place it is the only printer that is plugged in;
+`devicediscover usb ports` shows which there are. `devicediscover setup --usb`
+also finds the printer on the network afterwards.
 
 Exit status 1: the printer was not put on the network, or there is no such
 printer.
@@ -242,16 +256,19 @@ inline constexpr const char* kSetup = R"(Examples:
 Without --usb, join this computer to the new printer's own network first:
 `devicediscover wifi list` shows it, `devicediscover wifi join NAME` joins it.
 With --usb plug the printer in; this computer stays on its network, which should
-be the one that the printer is to be on. The steps are: which
-printer; which network, picked from a list on a terminal; its pass phrase;
-putting the printer on it; joining this computer to it; finding the printer
-there. Should one fail, it says what to do. Ctrl-C ends it between and within
-steps. With --json each step is an object when it starts and when it ends, and
-what is asked goes to standard error.
+be the one that the printer is to be on.
+
+The steps are: which printer; which network, picked from a list on a terminal;
+its pass phrase; putting the printer on it; joining this computer to it; finding
+the printer there. Should one fail, it says what to do. Ctrl-C ends it between
+and within steps. With --json each step is an object when it starts and when it
+ends, and what is asked goes to standard error.
 
 Printers may share a serial number. The vendor tells whether the very one is
 there; where more than one of that number was found, all their places are named,
-in JSON as "printers" in the place of "printer".
+in JSON as "printers" in the place of "printer". A printer may have another
+serial number there than on USB: its vendor's word is enough, but then no place
+is told, and JSON has neither.
 
 Exit status: 0 the printer was found on the network, 1 a step failed or was
 interrupted, 2 wrong arguments or a pass phrase too long for a printer's record,

@@ -239,7 +239,8 @@ void AddAccessPointCommands(Commands& commands, Options& all) {
 void AddUsbSerialNumber(CLI::App& command, std::string& serialNumber) {
     command
         .add_option("SERIAL", serialNumber,
-                    "The printer's serial number; not needed where\nonly one is plugged in")
+                    "The printer's serial number, or its place on USB;\nnot needed where only one "
+                    "is plugged in")
         ->check([](const std::string& text) -> std::string {
             return text.empty() ? "the serial number is empty; leave it out for the only printer"
                                 : "";
@@ -247,23 +248,23 @@ void AddUsbSerialNumber(CLI::App& command, std::string& serialNumber) {
 }
 
 void AddUsbWatch(CLI::App& usb, Commands& commands, Options& all) {
-    CLI::App& watch = commands.Add(usb, "watch", "Show printers as they are plugged in.",
-                                   WithStatuses(Help::kUsbWatch),
-                                   [&] { return UsbWatch(all.settings, all.usbWatch); });
+    CLI::App& watch = commands.Add(
+        usb, "watch", "Show printers as they are plugged in from now on.",
+        WithStatuses(Help::kUsbWatch), [&] { return UsbWatch(all.settings, all.usbWatch); });
     watch
         .add_option_function<double>(
             "--seconds",
             [&all](const double& seconds) {
                 all.usbWatch = {std::chrono::duration<double>(seconds), false};
             },
-            "How long to watch, from 0.1 to 86400 (default: until Ctrl-C)")
+            "How long to watch, from 0.1 to 86400\n(default: until Ctrl-C)")
         ->type_name("N")
         ->check(CheckSeconds);
 }
 
 void AddUsbCommands(Commands& commands, Options& all) {
     CLI::App& usb = commands.Group("usb", "Printers on USB.", Help::kUsb);
-    commands.Add(usb, "list", "Show the USB printers of this computer.",
+    commands.Add(usb, "list", "Show the USB printers that are installed on this computer.",
                  WithStatuses(Help::kUsbList), [&] { return UsbList(all.settings); });
     commands.Add(usb, "ports", "Show the printers that are plugged in.",
                  WithStatuses(Help::kUsbPorts), [&] { return UsbPorts(all.settings); });
@@ -306,8 +307,8 @@ void AddSetupCommand(CLI::App& app, Commands& commands, Options& all) {
                 all.setup.usb = true;
                 all.setup.usbSerialNumber = serialNumber;
             },
-            "The printer is on USB, not on Wi-Fi; its serial\nnumber where more than one is "
-            "plugged in")
+            "The printer is on USB, not on Wi-Fi; its serial\nnumber or place there where more "
+            "than one is\nplugged in")
         ->expected(0, 1)
         ->type_name("[SERIAL]");
     AddNetworkName(setup, "--network", all.setup.network, "The network to put the printer on");
@@ -358,8 +359,18 @@ std::string AboutExtras(const CLI::App& command) {
                "or with\n--pass-phrase-file";
     }
     const std::vector<std::string> extras = command.remaining();
-    return extras.empty() ? "there is an argument too many"
-                          : "there is no argument or option '" + WithoutValue(extras[0]) + "'";
+    if (!extras.empty()) {
+        return "there is no argument or option '" + WithoutValue(extras[0]) + "'";
+    }
+    for (const CLI::App* outer = command.get_parent(); outer != nullptr;
+         outer = outer->get_parent()) {
+        const std::vector<std::string> early = outer->remaining();
+        if (!early.empty()) {
+            return "'" + WithoutValue(early[0]) +
+                   "' stands before the command; options go behind it";
+        }
+    }
+    return "there is an argument too many";
 }
 
 std::string AboutMismatch(const std::string& text) {

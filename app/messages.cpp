@@ -21,6 +21,14 @@ void Warn(const std::string& text) {
     Complain("warning: " + text);
 }
 
+std::string Lines(const std::vector<std::string>& problems) {
+    std::string text;
+    for (const std::string& problem : problems) {
+        text += "\n  " + problem;
+    }
+    return text;
+}
+
 std::string AdviceToReadLog() {
     const std::string log = LogHelper::LogFilePath();
     return "The reason is in the log" + (log.empty() ? "" : " (" + log + ")") +

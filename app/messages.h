@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace App {
 
@@ -14,6 +15,9 @@ template <class Item>
 std::string CountOf(std::size_t count) {
     return std::to_string(count) + " " + (count == 1 ? Item::kOne : Item::kMany);
 }
+
+// Each as a line of its own below a text, indented.
+std::string Lines(const std::vector<std::string>& problems);
 
 // Where to read why something failed, and how to see it.
 std::string AdviceToReadLog();

@@ -18,6 +18,7 @@ using Clock = PrinterList::Clock;
 constexpr auto kTick = std::chrono::milliseconds(200);
 constexpr auto kPause = std::chrono::seconds(1);  // between two questions to the vendor
 constexpr auto kSettling = std::chrono::seconds(1);
+constexpr auto kLongestToPlace = std::chrono::seconds(5);
 
 bool CanBeAsked(const std::string& productId) {
     const auto vendors = PrinterUtil::DescribeVendorList().vendors;
@@ -50,8 +51,11 @@ void Wait(StatusLine& status, Clock::time_point until) {
     status.Draw();
 }
 
-// The vendor may have seen the printer before the scan did, which so far found another.
-void Settle(StatusLine& status) {
+// The vendor may have seen the printer before the scan did, which so far found another, or none.
+void Settle(StatusLine& status, const Printer& wanted, Clock::time_point latest) {
+    while (Candidates(wanted).empty() && Clock::now() < latest) {
+        Wait(status, std::min(latest, Clock::now() + kTick));
+    }
     for (const auto end = Clock::now() + kSettling; Clock::now() < end;) {
         Wait(status, std::min(end, Clock::now() + kTick));
     }
@@ -70,7 +74,7 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
     do {
         Wait(status, std::min(end, Clock::now() + kTick));
         outcome.printers = Candidates(wanted);
-        if (outcome.printers.empty() || Clock::now() < nextQuestion) {
+        if ((outcome.printers.empty() && !ask) || Clock::now() < nextQuestion) {
             continue;
         }
         // About the printer as it was set up: what was found may be another of its serial number.
@@ -79,7 +83,7 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
         nextQuestion = Clock::now() + kPause;
     } while (!outcome.isOnNetwork && Clock::now() < end);
     if (outcome.isOnNetwork) {
-        Settle(status);
+        Settle(status, wanted, std::min(end, Clock::now() + kLongestToPlace));
         outcome.printers = Candidates(wanted);
     }
     return outcome;

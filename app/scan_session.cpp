@@ -15,11 +15,7 @@ int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 }
 
 [[noreturn]] void ThrowCouldNotStart(const std::vector<std::string>& problems) {
-    std::string text = "no vendor can look for printers";
-    for (const std::string& problem : problems) {
-        text += "\n  " + problem;
-    }
-    throw Problem(text +
+    throw Problem("no vendor can look for printers" + Lines(problems) +
                   "\nName a vendor list with --vendors FILE, or put the modules in order; "
                   "`devicediscover vendors` shows what is there.");
 }

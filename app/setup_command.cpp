@@ -38,6 +38,22 @@ std::string PlacesOf(const std::vector<Printer>& printers) {
     return fmt::format("{}", fmt::join(places, " and "));
 }
 
+// `found` are those of the printer's serial number.
+std::string IsOn(const std::string& network, const Printer& printer,
+                 const std::vector<Printer>& found) {
+    if (found.empty()) {
+        return fmt::format(
+            "{}, is on {}, its vendor says; `devicediscover scan` shows where, "
+            "maybe under another serial number",
+            NameOf(printer), network);
+    }
+    const std::string places = PlacesOf(found);
+    return found.size() == 1
+               ? fmt::format("{}, is on {} at {}", NameOf(found.front()), network, places)
+               : fmt::format("{}, is on {}; that serial number was found at {}", NameOf(printer),
+                             network, places);
+}
+
 // One journey, a step after the other.
 class Journey {
 public:
@@ -188,15 +204,18 @@ bool Journey::Join(const std::string& network, const std::shared_ptr<Secret>& pa
 void Journey::Find(const std::string& network, const Printer& printer) {
     progress.Begin(SetupStep::Find);
     const SearchOutcome outcome = SearchPrinter(settings, printer, options.timeout);
-    if (outcome.printers.empty()) {
+    const std::string places = PlacesOf(outcome.printers);
+    if (!outcome.isOnNetwork && outcome.printers.empty()) {
         throw StepFailed{
-            fmt::format("{} was put on {}, but was not found there within {:g} s.\nSome printers "
+            fmt::format("{} was put on {}, but was not found there within {:g} s{}.\nSome printers "
                         "take longer: `devicediscover scan --watch` shows it when it is there. Is "
                         "this computer\non the same network (`devicediscover wifi current`)?",
-                        NameOf(printer), network, options.timeout.count()),
+                        NameOf(printer), network, options.timeout.count(),
+                        outcome.vendorsResult == 0
+                            ? ""
+                            : ": " + VendorsResult(outcome.vendorsResult, printer.vendor)),
             std::nullopt};
     }
-    const std::string places = PlacesOf(outcome.printers);
     if (!outcome.isOnNetwork) {
         throw StepFailed{
             fmt::format("{}: one with that serial number was found at {}, but the vendor of the "
@@ -210,12 +229,7 @@ void Journey::Find(const std::string& network, const Printer& printer) {
     StepEvent event;
     event.network = network;
     event.printers = outcome.printers;
-    progress.Done(
-        outcome.printers.size() == 1
-            ? fmt::format("{}, is on {} at {}", NameOf(outcome.printers.front()), network, places)
-            : fmt::format("{}, is on {}; that serial number was found at {}", NameOf(printer),
-                          network, places),
-        event);
+    progress.Done(IsOn(network, printer, outcome.printers), event);
 }
 
 std::string Journey::StateOfThings() const {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "app/broker_result.h"
 #include "app/console.h"
 #include "app/json_output.h"
 #include "app/messages.h"
@@ -22,7 +23,6 @@ namespace {
 using Clock = PrinterList::Clock;
 
 constexpr int kReady = 1;
-constexpr int kNothingToCall = -1;
 constexpr auto kPatienceWithOthers = std::chrono::milliseconds(500);
 
 // What is given may have been copied from the table.

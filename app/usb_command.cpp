@@ -34,7 +34,10 @@ ExitStatus ShowNetworks(const Settings& settings, const UsbPrinter& printer, int
         return Failed("no networks: " + UsbExplanation(printer, answer.result, "USBWifiScan"));
     }
     if (answer.networks.empty()) {
-        return Failed("the printer reports no network.");
+        return Failed(
+            "the printer reports no network.\nName one all the same: `devicediscover usb configure "
+            "--network NAME`." +
+            AboutNoNetworks(printer));
     }
     WriteItems(settings, answer.networks, NetworkJson);
     return kFound;
@@ -56,14 +59,23 @@ ExitStatus Configure(const Settings& settings, const UsbPrinter& printer,
                                 UsbExplanation(printer, result, "PrinterUSBNetConfigEvent"));
 }
 
+// So that nobody waits for one of them.
+void TellWhatIsThere(std::size_t count) {
+    if (count > 0) {
+        Complain(CountOf<Printer>(count) + (count == 1 ? " is" : " are") +
+                 " plugged in already, and not shown; `devicediscover usb ports` shows " +
+                 (count == 1 ? "it." : "them."));
+    }
+}
+
 }  // namespace
 
 ExitStatus UsbList(const Settings& settings) {
     const std::vector<InstalledPrinter> printers = InstalledPrinters(settings);
     if (printers.empty()) {
         return Failed(
-            "no USB printer is installed on this computer.\n`devicediscover usb ports` shows those "
-            "that are plugged in.");
+            "no USB printer is installed on this computer, or its print spooler does not answer.\n"
+            "`devicediscover usb ports` shows those that are plugged in.");
     }
     WriteItems(settings, printers, InstalledPrinterJson);
     return kFound;
@@ -83,7 +95,9 @@ ExitStatus UsbPorts(const Settings& settings) {
 }
 
 ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options) {
+    const std::size_t present = CountPluggedIn(settings);
     UsbWatchSession session(settings);
+    TellWhatIsThere(present);
     const auto view = ViewFor<Arrival>(settings, ArrivalJson);
     if (RunScan(session, *view, options)) {
         return kFound;

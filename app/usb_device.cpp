@@ -1,10 +1,13 @@
 #include "app/usb_device.h"
 
 #include <algorithm>
+#include <iterator>
+#include <numeric>
 #include <stdexcept>
 
 #include "app/access_point_printer.h"
 #include "app/awaiting.h"
+#include "app/broker_result.h"
 #include "app/messages.h"
 #include "app/problem.h"
 #include "app/text.h"
@@ -21,10 +24,21 @@ using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
 
-constexpr int kNothingToCall = -1;
-constexpr int kNotInitialised = -2;
-// How a vendor reaches printers on USB is its own affair; it is known of one.
-constexpr const char* kNeedsBridge = "driverless";
+// How a vendor reaches printers on USB, and its results, are its own affair; they are known of one.
+constexpr const char* kKnownVendor = "driverless";
+constexpr const char* kMeaningsOfConfiguration =
+    " Of driverless:"
+    "\n  10: the printer refused, or has no Wi-Fi that can be configured"
+    "\n  11: the printer does not see the network; many know the 2.4 GHz band only"
+    "\n  12: the printer cannot join: wrong pass phrase"
+    "\n  13: the printer did not join in time; `devicediscover scan` shows it if it has since"
+    "\n  14: the printer does not allow it: switch its Wi-Fi set-up on, or its password off"
+    "\n  15: the printer was not reached: it has to speak IPP over USB; plug it in again"
+    "\n  16: no valid name or pass phrase, which has 8 bytes or more; nothing was sent"
+    "\n  19: no thread or memory was left"
+    "\n  23: a fault of this program; report it, together with the log"
+    "\n  24: the program ipp-usb does not run: install and start it"
+    "\n  25: several printers are alike: unplug the others";
 constexpr const char* kAdvice =
     "\nPlug it in, switch it on, and wait a moment; `devicediscover usb watch` shows when it is "
     "there.";
@@ -42,23 +56,59 @@ PluggedPrinters Ask() {
     if (result != 0) {
         RequireUsbVendors("GetDeviceInfoByUsb", ports);
     }
-    return {{devices.begin(), devices.end()}, UnreportedPorts(ports, devices.size())};
+    std::vector<UsbPrinter> printers{devices.begin(), devices.end()};
+    std::vector<std::string> problems = UnreportedPorts(ports, printers);
+    return {std::move(printers), std::move(problems)};
 }
 
-std::string Lines(const std::vector<std::string>& problems) {
-    std::string text;
-    for (const std::string& problem : problems) {
-        text += "\n  " + problem;
+// What is given may have been copied from the table.
+bool IsText(const std::string& text, const std::string& given) {
+    return text == given || DisplayText(text) == given;
+}
+
+bool IsCalled(const UsbPrinter& printer, const std::string& name) {
+    return IsText(printer.serialNumber, name) || IsText(printer.address, name);
+}
+
+std::size_t CountCalled(const std::vector<UsbPrinter>& printers, const std::string& name) {
+    return static_cast<std::size_t>(
+        std::count_if(printers.begin(), printers.end(),
+                      [&](const UsbPrinter& printer) { return IsCalled(printer, name); }));
+}
+
+// By what each can be named: the serial number, with the place where others have it too. Nothing
+// for one that neither of them tells from the others.
+std::string NameAmong(const std::vector<UsbPrinter>& printers, const UsbPrinter& printer) {
+    for (const std::string& name : {printer.serialNumber, printer.address}) {
+        if (!name.empty() && CountCalled(printers, name) == 1) {
+            return Cell(name);
+        }
     }
-    return text;
+    return {};
 }
 
-std::string SerialNumbersOf(const std::vector<UsbPrinter>& printers) {
+std::string NamesOf(const std::vector<UsbPrinter>& printers) {
     std::string text;
     for (const UsbPrinter& printer : printers) {
-        text += (text.empty() ? "" : ", ") + Cell(printer.serialNumber);
+        const std::string name = NameAmong(printers, printer);
+        text += (text.empty() ? "" : ", ") + (name.empty() ? Cell(printer.serialNumber) : name);
     }
     return text;
+}
+
+// Throws unless there is exactly one.
+UsbPrinter TheOnlyOne(const std::vector<UsbPrinter>& printers, const std::string& whichOnes) {
+    if (printers.size() > 1) {
+        const bool canBeNamed = std::none_of(
+            printers.begin(), printers.end(),
+            [&](const UsbPrinter& printer) { return NameAmong(printers, printer).empty(); });
+        throw WrongInput("there is more than one printer on USB" + whichOnes + ": " +
+                         NamesOf(printers) +
+                         (canBeNamed ? "\nName one of them: `devicediscover usb ports` shows which "
+                                       "is which."
+                                     : "\nNothing tells them apart. Unplug the others."));
+    }
+    return printers.front();
 }
 
 }  // namespace
@@ -71,6 +121,17 @@ std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings) {
     };
     const auto devices = Await(settings, "Looking for the printers of this computer", work);
     return {devices.begin(), devices.end()};
+}
+
+std::size_t CountPluggedIn(const Settings& settings) {
+    const std::function<std::size_t()> work = [] {
+        const UsbPortMap ports = PortsNow();
+        return std::accumulate(
+            ports.begin(), ports.end(), std::size_t{0}, [](std::size_t count, const auto& port) {
+                return count + static_cast<std::size_t>(std::max(port.second.first, 1));
+            });
+    };
+    return Await(settings, "Looking at what is plugged in", work);
 }
 
 PluggedPrinters PrintersPluggedIn(const Settings& settings) {
@@ -88,34 +149,30 @@ PluggedPrinters PrintersPluggedIn(const Settings& settings) {
 }
 
 std::string NoneIsPluggedIn(const PluggedPrinters& plugged) {
-    return "no printer is plugged in that a vendor reports" + Lines(plugged.problems) + kAdvice +
-           "\n" + AdviceToReadLog();
+    const char* const saying = plugged.problems.empty()
+                                   ? "no printer is plugged in"
+                                   : "no printer is plugged in that a vendor reports";
+    return saying + Lines(plugged.problems) + kAdvice + "\n" + AdviceToReadLog();
 }
 
-UsbPrinter FindPluggedIn(const Settings& settings, const std::string& serialNumber) {
+UsbPrinter FindPluggedIn(const Settings& settings, const std::string& name) {
     const PluggedPrinters plugged = PrintersPluggedIn(settings);
     const std::vector<UsbPrinter>& printers = plugged.printers;
     if (printers.empty()) {
         throw NoUsbPrinter{NoneIsPluggedIn(plugged)};
     }
-    if (serialNumber.empty()) {
-        if (printers.size() > 1) {
-            throw WrongInput("there is more than one printer on USB: " + SerialNumbersOf(printers) +
-                             "\nName one of them by its serial number.");
-        }
-        return printers.front();
+    if (name.empty()) {
+        return TheOnlyOne(printers, "");
     }
-    const auto found =
-        std::find_if(printers.begin(), printers.end(), [&](const UsbPrinter& printer) {
-            return printer.serialNumber == serialNumber ||
-                   DisplayText(printer.serialNumber) == serialNumber;
-        });
-    if (found == printers.end()) {
-        throw NoUsbPrinter{"no printer with the serial number '" + serialNumber +
-                           "' is plugged in that a vendor reports; there is " +
-                           SerialNumbersOf(printers) + Lines(plugged.problems) + kAdvice};
+    std::vector<UsbPrinter> called;
+    std::copy_if(printers.begin(), printers.end(), std::back_inserter(called),
+                 [&](const UsbPrinter& printer) { return IsCalled(printer, name); });
+    if (called.empty()) {
+        throw NoUsbPrinter{"no printer with the serial number or at the place '" + name +
+                           "' is plugged in that a vendor reports; there is " + NamesOf(printers) +
+                           Lines(plugged.problems) + kAdvice};
     }
-    return *found;
+    return TheOnlyOne(called, " called '" + name + "'");
 }
 
 NetworksAnswer NetworksSeenBy(const Settings& settings, const UsbPrinter& printer, int option) {
@@ -140,6 +197,13 @@ int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
     return Await(settings, "Waiting for the printer to join " + network, work);
 }
 
+std::string AboutNoNetworks(const UsbPrinter& printer) {
+    return printer.vendor == kKnownVendor
+               ? "\nVendor driverless reports those in reach of this computer's own Wi-Fi: "
+                 "`devicediscover wifi list`."
+               : "";
+}
+
 std::string UsbExplanation(const UsbPrinter& printer, int result, const std::string& entryPoint) {
     if (result != kNothingToCall && result != kNotInitialised) {
         return VendorsResult(result, printer.vendor);
@@ -161,17 +225,15 @@ std::string UsbExplanation(const UsbPrinter& printer, int result, const std::str
                       "\nAsk the vendor for a module that has it; `devicediscover vendors` shows "
                       "what is there.");
     }
-    std::string text = shown + " has failed";
-    if (entryPoint == "PrinterUSBNetConfigEvent") {
-        text +=
-            ". Are the network's name and the pass phrase right, and is the network in the "
-            "printer's "
-            "reach? The log's line \"call Func Fail\" ends with the vendor's own result";
+    if (entryPoint != "PrinterUSBNetConfigEvent") {
+        return shown + " has failed";
     }
-    if (printer.vendor == kNeedsBridge && entryPoint == "PrinterUSBNetConfigEvent") {
-        text += ". The printer has to speak IPP over USB, and the program ipp-usb to run";
-    }
-    return text;
+    return shown +
+           " has failed\nAre the network's name and the pass phrase right, and is the network in "
+           "the "
+           "printer's reach?\nThe line \"call Func Fail\" in the log ends with the vendor's own "
+           "result." +
+           (printer.vendor == kKnownVendor ? kMeaningsOfConfiguration : "");
 }
 
 }  // namespace App

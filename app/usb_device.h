@@ -15,6 +15,9 @@ namespace App {
 // Interrupted.
 std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings);
 
+// How many printers are plugged in, whether or not a vendor reports them.
+std::size_t CountPluggedIn(const Settings& settings);
+
 // The printers that are plugged in.
 struct PluggedPrinters {
     std::vector<UsbPrinter> printers;  // as their vendors report them
@@ -33,10 +36,10 @@ struct NoUsbPrinter {
     std::string reason;
 };
 
-// The printer with that serial number, as it is or as a table shows it; where it is empty, the only
-// one that is plugged in. Throws NoUsbPrinter, WrongInput when it has to be named, and as
-// PrintersPluggedIn.
-UsbPrinter FindPluggedIn(const Settings& settings, const std::string& serialNumber);
+// The printer with that serial number or at that place, as it is or as a table shows it; where the
+// name is empty, the only one that is plugged in. Throws NoUsbPrinter, WrongInput when that may be
+// one or the other, and as PrintersPluggedIn.
+UsbPrinter FindPluggedIn(const Settings& settings, const std::string& name);
 
 // The networks that the printer sees. `option` goes to its vendor as it stands.
 struct NetworksAnswer {
@@ -48,6 +51,9 @@ NetworksAnswer NetworksSeenBy(const Settings& settings, const UsbPrinter& printe
 // Puts the printer on a network; 0: success.
 int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
                      const std::string& network, const std::shared_ptr<Secret>& passPhrase);
+
+// What more there is to know about a printer that reports no network; mostly nothing.
+std::string AboutNoNetworks(const UsbPrinter& printer);
 
 // What it means that the entry point's result was not 0, and how to go on where that is known.
 // Throws Problem when no vendor could have been asked at all.

@@ -9,6 +9,8 @@
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "app/access_point_printer.h"
+#include "app/broker_result.h"
+#include "app/messages.h"
 #include "app/problem.h"
 #include "app/vendor_survey.h"
 #include "host/PrinterUtil/vendor_list.h"
@@ -21,8 +23,6 @@ namespace {
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
 using PrinterUtil::WStringToString;
-
-constexpr int kNothingToCall = -1;
 
 // As the broker reads them: only blanks separate.
 std::vector<std::string> UsbIdsOf(const VendorInfo& vendor) {
@@ -128,19 +128,16 @@ std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const 
         RequireIdentifiers(ports);
         return survey.problems;
     }
-    std::string text = "no vendor can do this";
-    for (const std::string& problem : survey.problems) {
-        text += "\n  " + problem;
-    }
-    throw Problem(text +
+    throw Problem("no vendor can do this" + Lines(survey.problems) +
                   "\nName a vendor list with --vendors FILE, or put the modules in order; "
                   "`devicediscover vendors` shows what is there.");
 }
 
-std::vector<std::string> UnreportedPorts(const UsbPortMap& ports, std::size_t reported) {
+std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
+                                         const std::vector<UsbPrinter>& reported) {
     std::vector<std::string> lines;
     std::vector<ServedPort> served;
-    std::size_t expected = 0;
+    std::map<std::string, std::size_t> missing;  // by vendor
     for (const auto& [deviceId, port] : ports) {
         const std::string usbId = WStringToString(deviceId);
         const auto listing =
@@ -148,16 +145,17 @@ std::vector<std::string> UnreportedPorts(const UsbPortMap& ports, std::size_t re
         if (listing) {
             const auto plugged = static_cast<std::size_t>(std::max(port.first, 1));
             served.push_back({deviceId, listing->vendor, plugged});
-            expected += plugged;
+            missing[listing->vendor] += plugged;
         } else {
             lines.push_back(NotListed(usbId));
         }
     }
-    if (reported >= expected) {
-        return lines;
+    for (const UsbPrinter& printer : reported) {
+        std::size_t& ofVendor = missing[printer.vendor];
+        ofVendor -= ofVendor > 0 ? 1 : 0;
     }
     for (const ServedPort& port : served) {
-        const std::string line = NotReported(port);
+        const std::string line = missing[port.vendor] == 0 ? "" : NotReported(port);
         if (!line.empty()) {
             lines.push_back(line);
         }

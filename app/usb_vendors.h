@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "app/usb_printer.h"
+
 namespace App {
 
 // The printers on the host's USB ports by hardware identifier, as the device manager counts them.
@@ -14,9 +16,10 @@ using UsbPortMap = std::map<std::wstring, std::pair<int, int>>;
 // one line for each vendor that cannot serve it. `ports` is only for the advice.
 std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const UsbPortMap& ports);
 
-// Asks each port's vendor again, and returns a line for each port whose printers it does not report
-// one and all, or that no vendor lists. `reported` is how many printers were reported before: when
-// none can be missing, vendors are left alone.
-std::vector<std::string> UnreportedPorts(const UsbPortMap& ports, std::size_t reported);
+// A line for each port whose printers its vendor does not report one and all, or that no vendor
+// lists. `reported` are those that were: a vendor is asked again only when there are less of it
+// than are plugged in.
+std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
+                                         const std::vector<UsbPrinter>& reported);
 
 }  // namespace App

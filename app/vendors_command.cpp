@@ -36,11 +36,7 @@ std::string VendorText(const VendorInfo& vendor, const std::vector<ModuleSurvey>
 }
 
 [[noreturn]] void ThrowNoVendor(const PrinterUtil::VendorListReport& list) {
-    std::string text = "no vendor is supported";
-    for (const std::string& problem : list.problems) {
-        text += "\n  " + problem;
-    }
-    throw Problem(text +
+    throw Problem("no vendor is supported" + Lines(list.problems) +
                   "\nName a vendor list with --vendors FILE, or in the environment variable "
                   "DEVICEDISCOVER_VENDORS.");
 }

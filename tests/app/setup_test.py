@@ -263,13 +263,22 @@ class SetupThatFails(SetupTest):
         self.list_file = self.vendor_list([
             dict(productId="scripted", vendorName="scripted_all",
                  scanModuleName="scripted_all_b")])
-        self.script("[scripted_all]", PRINTER, "[scripted_all_b]", device("SN2"),
-                    device("SN1", vendor="other"))
+        self.script("[scripted_all]", PRINTER, "result IsLocalAreaNetworkOK 17", "[scripted_all_b]",
+                    device("SN2"), device("SN1", vendor="other"))
         start = time.monotonic()
         self.assert_failed("find", "--timeout", "1.5",
                            saying=("was not found there within 1.5 s", "scan --watch"))
         self.assertGreater(time.monotonic() - start, 3)
         self.assertEqual(len(self.calls_of("StopDeviceScan")), 2)
+
+    def test_a_printer_that_only_its_vendor_finds(self):
+        self.list_file = self.vendor_list([
+            dict(productId="scripted", vendorName="scripted_all",
+                 scanModuleName="scripted_all_b")])
+        self.script("[scripted_all]", PRINTER, "[scripted_all_b]", device("SN2"))
+        result = self.setup("--timeout", "1.5")
+        self.assert_status(result, FOUND)
+        self.assert_mentions(result.output, "SN1, is on Office, its vendor says")
 
     def test_a_printer_that_its_vendor_does_not_find(self):
         self.script(PRINTER, "result IsLocalAreaNetworkOK 9")

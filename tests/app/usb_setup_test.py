@@ -99,11 +99,43 @@ class UsbSetup(UsbSetupTest):
         self.assert_failed("printer", result, "'SN0'")
 
     def test_a_printer_that_this_computer_itself_announces_is_not_on_the_network_yet(self):
-        self.script(*ON_USB, "[scripted_all_b]",
+        self.script(*ON_USB, "result IsLocalAreaNetworkOK 17", "[scripted_all_b]",
                     device("SN1", model="Fake 7", address="127.0.0.1", port=60000))
         result = self.setup("--timeout", "1.5")
         self.assert_failed("find", result, "was not found there within 1.5 s")
-        self.assertEqual(self.calls_of("IsLocalAreaNetworkOK"), [])
+
+    def test_a_printer_with_another_serial_number_on_the_network_is_known_to_its_vendor(self):
+        for serial, on_network in (("usb:1-4", "UUID-1"), ("SN1", "UUID-1"), ("SN1", None)):
+            with self.subTest(serial, on_network=on_network):
+                self.setUp()
+                self.script("[scripted_all]", usb_device(serial, "Fake 7"), "[scripted_all_b]",
+                            *([device(on_network, model="Fake 7")] if on_network else []))
+                arguments = ["setup", "--usb", "--network", "Office", "--open", "--timeout", "2"]
+                result = self.run_app(*arguments)
+                self.assert_status(result, FOUND)
+                self.assertEqual(result.output.splitlines()[-1],
+                                 f"      Fake 7, serial number {serial}, is on Office, its vendor "
+                                 "says; `devicediscover scan` shows where, maybe under another "
+                                 "serial number")
+                self.assertEqual(result.errors, "")
+                question, = self.arguments_of("IsLocalAreaNetworkOK")
+                self.assertEqual(question[4:4 + len(serial) + 1], serial.encode() + b"\0")
+                event = json_lines(self.run_app(*arguments, "--json").output)[-1]
+                self.assertEqual(event, {"step": "find", "state": "done", "network": "Office"})
+
+    def test_the_vendor_is_asked_again_until_it_knows_the_printer(self):
+        self.script(*ON_USB, "result IsLocalAreaNetworkOK 17", "[scripted_all_b]", device("UUID-1"))
+        result = self.setup("--timeout", "3")
+        self.assert_failed("find", result, "was not found there within 3 s: the vendor's result 17")
+        self.assertGreaterEqual(len(self.calls_of("IsLocalAreaNetworkOK")), 2)
+
+    def test_a_vendor_that_cannot_tell_is_not_taken_at_its_word(self):
+        self.list_file = self.vendor_list([vendor("scripted_without_IsLocalAreaNetworkOK",
+                                                  scan_module="scripted_all_b")])
+        self.script("[scripted_without_IsLocalAreaNetworkOK]", usb_device("SN1", "Fake 7"),
+                    "[scripted_all_b]", device("UUID-1"))
+        self.host(port())
+        self.assert_failed("find", self.setup("--timeout", "1.5"), "was not found there")
 
     def test_on_a_terminal_the_network_is_picked_of_those_that_the_printer_sees(self):
         self.usb_and_network([reported("Office", 80), reported("Guests", 40),
@@ -138,8 +170,10 @@ class UsbSetup(UsbSetupTest):
                 self.assertEqual(terminal.finish(), FOUND)
 
     def test_a_printer_that_comes_late_is_waited_for(self):
-        self.usb_and_network([], ["interval 1000"])
-        self.assert_status(self.setup("--timeout", "30"), FOUND)
+        self.usb_and_network([], ["interval 1600"])
+        result = self.setup("--timeout", "30")
+        self.assert_status(result, FOUND)
+        self.assert_mentions(result.output, "is on Office at 192.0.2.7 port 631")
 
 
 class UsbSetupThatFails(UsbSetupTest):
@@ -156,6 +190,16 @@ class UsbSetupThatFails(UsbSetupTest):
     def test_which_of_several_printers_has_to_be_said(self):
         result = self.run_app("setup", "--usb", "--network", "Office", "--open")
         self.assert_failed("printer", result, "more than one printer", "SN0, SN1", status=USAGE)
+
+    def test_which_of_two_printers_with_one_serial_number_has_to_be_said(self):
+        self.script("[scripted_all]", usb_device("SN1", "Fake 7"),
+                    usb_device("SN1", "Fake 7", place="usb:1-5"), *ON_NETWORK)
+        self.assert_failed("printer", self.setup(), "called 'SN1': usb:1-4, usb:1-5", status=USAGE)
+        self.assertEqual(self.received(), [])
+        self.assert_status(self.run_app("setup", "--usb", "usb:1-5", "--network", "Office", "--open"),
+                           FOUND)
+        record, = self.received()
+        self.assertIn(b"usb:1-5\0", record)
 
     def test_a_printer_without_serial_number(self):
         self.script("[scripted_all]", usb_device(""))
@@ -185,7 +229,8 @@ class UsbSetupThatFails(UsbSetupTest):
                            status=COULD_NOT_RUN)
 
     def test_a_printer_that_is_not_found(self):
-        self.script(*ON_USB, "[scripted_all_b]", device("SN0"), device("SN1", vendor="other"))
+        self.script(*ON_USB, "result IsLocalAreaNetworkOK 17", "[scripted_all_b]", device("SN0"),
+                    device("SN1", vendor="other"))
         start = time.monotonic()
         self.assert_failed("find", self.setup("--timeout", "1.5"), "was not found there",
                            "wifi current", "scan --watch")

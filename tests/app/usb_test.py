@@ -1,6 +1,7 @@
 """`devicediscover usb`."""
 
 import datetime
+import re
 import signal
 import struct
 import time
@@ -16,9 +17,9 @@ OFFICE = ["usb", "configure", "SN1", "--network", "Office"]
 REQUESTS = [signal.SIGINT] if ON_WINDOWS else [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]
 
 
-def device_record(serial, model="Fake 1000"):
+def device_record(serial, model="Fake 1000", place="usb:1-4"):
     return struct.pack("<HH64s32s64s32s32s", 0, 5, serial.encode(), b"scripted", model.encode(),
-                       b"usb:1-4", b"")
+                       place.encode(), b"")
 
 
 class UsbList(UsbTest):
@@ -57,7 +58,13 @@ class UsbList(UsbTest):
         result = self.run_app("usb", "list")
         self.assert_status(result, NONE_FOUND)
         self.assertEqual(result.output, "")
-        self.assert_mentions(result.errors, "no USB printer is installed", "usb ports", "log")
+        self.assert_mentions(result.errors, "no USB printer is installed",
+                             "or its print spooler does not answer", "usb ports", "log")
+
+    def test_help_says_that_no_means_not_known(self):
+        text = " ".join(self.run_app("usb", "list", "--help", listed=False).output.split())
+        self.assert_mentions(text, "no: none of the installed network printers is known to have "
+                                   "that serial number", "that of Windows never does")
 
     def test_it_needs_no_vendor(self):
         self.list_file = self.vendor_list([])
@@ -144,7 +151,8 @@ class UsbPorts(UsbTest):
                     result = self.run_app("usb", *command)
                     self.assert_status(result, NONE_FOUND)
                     self.assertRegex(result.errors, f"the vendor's result {number} "
-                                                    r"\(of vendor driverless: .{20}")
+                                                    r"\(of vendor driverless: [^.;]{8,}[.;] [^)]{9}",
+                                     "what it is, and what to do")
 
     def test_a_printer_that_its_vendor_does_not_report_is_missed(self):
         self.list_file = self.vendor_list([vendor(), vendor("scripted_all_b", "b", OTHER_USB_ID)])
@@ -165,9 +173,24 @@ class UsbPorts(UsbTest):
         self.assert_status(result, FOUND)
         self.assert_mentions(result.errors, f"{USB_ID}: 3 plugged in, vendor scripted reports 1")
 
+    def test_one_vendor_s_surplus_does_not_hide_what_another_lacks(self):
+        self.list_file = self.vendor_list([vendor(), vendor("scripted_all_b", "b", OTHER_USB_ID)])
+        self.script("[scripted_all]", usb_device("SN1"), usb_device("SN2"))
+        self.host(port(), port(OTHER_USB_ID))
+        result = self.run_app("usb", "ports")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.errors, f"devicediscover: warning: {OTHER_USB_ID}: 1 plugged in, "
+                                        "vendor b reports 0\n")
+        self.assertEqual(self.calls_of("GetDeviceInfoByUsb"),
+                         ["scripted_all", "scripted_all_b", "scripted_all_b"])
+
+    def test_help_says_what_stands_where_there_is_no_serial_number(self):
+        text = " ".join(self.run_app("usb", "ports", "--help", listed=False).output.split())
+        self.assert_mentions(text, "without a serial number may have its place instead", "in JSON")
+
     def test_none_at_all(self):
         for script, host, saying in (
-                ((), (), "no printer is plugged in"),
+                ((), (), "no printer is plugged in\n"),
                 ((), (port(),), f"{USB_ID}: 1 plugged in, vendor scripted reports 0"),
                 (("result GetDeviceInfoByUsb 5",), (port(),), "the vendor's result 5"),
                 ((usb_device("SN1"), "count GetDeviceInfoByUsb 65"), (port(),), "reports 0"),
@@ -247,13 +270,28 @@ class UsbWatch(UsbTest):
             first["time"].replace("Z", "+00:00")), before)
         self.assertGreater(second["time"], first["time"])
 
-    def test_what_was_there_before_is_not_shown(self):
+    def test_what_was_there_before_is_counted_and_not_shown(self):
         self.script(usb_device("SN1"))
+        for ports, saying in (([port()], "1 printer is plugged in already, and not shown; "
+                                         "`devicediscover usb ports` shows it.\n"),
+                              ([port(), port("VID_9999&PID_0001", 2)],
+                               "3 printers are plugged in already, and not shown; "
+                               "`devicediscover usb ports` shows them.\n")):
+            with self.subTest(saying):
+                self.host(*ports)
+                result = self.run_app("usb", "watch", "--seconds", "1.5")
+                self.assert_status(result, NONE_FOUND)
+                self.assertEqual(result.output, "")
+                self.assert_mentions(result.errors, saying, "no printer was plugged in",
+                                     "usb ports", "log")
+                self.assertEqual(self.records(), [], "no vendor is asked about those")
+
+    def test_what_was_there_before_is_told_at_once(self):
         self.host(port())
-        result = self.run_app("usb", "watch", "--seconds", "1.5")
-        self.assert_status(result, NONE_FOUND)
-        self.assertEqual(result.output, "")
-        self.assert_mentions(result.errors, "no printer was plugged in", "usb ports", "log")
+        process = self.start_app("usb", "watch", "--json", "--seconds", "5")
+        self.assertEqual(process.stderr.readline().split(b" plugged")[0],
+                         b"devicediscover: 1 printer is")
+        self.assertIsNone(process.poll())
 
     def test_each_request_to_end_stops_it_properly(self):
         for request in REQUESTS:
@@ -380,7 +418,8 @@ class UsbNetworks(UsbTest):
     def test_a_printer_that_is_not_there(self):
         result = self.run_app("usb", "networks", "SN7")
         self.assert_status(result, NONE_FOUND)
-        self.assert_mentions(result.errors, "serial number 'SN7'", "there is SN1, SN2", "usb watch")
+        self.assert_mentions(result.errors, "serial number or at the place 'SN7'",
+                             "there is SN1, SN2", "usb watch")
         self.assertEqual(self.calls_of("USBWifiScan"), [])
         self.host()
         for command in (["networks", "SN1"], ["networks"], [*OFFICE[1:], "--open"]):
@@ -393,11 +432,42 @@ class UsbNetworks(UsbTest):
         shown = self.run_app("usb", "ports").output.split("\t")[0]
         self.assert_status(self.run_app("usb", "networks", shown), FOUND)
 
+    def test_which_of_several_printers_of_one_serial_number_has_to_be_said(self):
+        self.script(usb_device("SN1"), usb_device("SN1", place="usb:1-5"),
+                    usb_device("SN2", place="usb:1-6"))
+        self.host(port(devices=3))
+        for command in (["networks"], [*OFFICE[1:2], "--network", "Office", "--open"]):
+            with self.subTest(command):
+                for name, saying in (("SN1", "called 'SN1': usb:1-4, usb:1-5"),
+                                     (None, "more than one printer on USB: usb:1-4, usb:1-5, SN2")):
+                    result = self.run_app("usb", *command, *([name] if name else []))
+                    self.assert_status(result, USAGE)
+                    self.assert_mentions(result.errors, saying, "Name one of them", "usb ports")
+        self.assertEqual(self.calls_of("USBWifiScan") + self.calls_of("PrinterUSBNetConfigEvent"), [])
+
+    def test_a_printer_may_be_named_by_its_place(self):
+        self.script(usb_device("SN1"), usb_device("SN1", place="usb:1-5"), reported("Office"))
+        self.assert_status(self.run_app("usb", "networks", "usb:1-5"), FOUND)
+        question, = self.arguments_of("USBWifiScan")
+        self.assertEqual(question[:228], device_record("SN1", place="usb:1-5"))
+        result = self.run_app("usb", "networks", "usb:1-6")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "'usb:1-6'", "there is usb:1-4, usb:1-5")
+
+    def test_nothing_may_tell_printers_apart(self):
+        for place in ("", "usb:1-4"):
+            with self.subTest(place):
+                self.script(usb_device("SN1", place=place), usb_device("SN1", place=place))
+                result = self.run_app("usb", "networks", "SN1")
+                self.assert_status(result, USAGE)
+                self.assert_mentions(result.errors, "called 'SN1': SN1, SN1", "Unplug the others")
+        self.assertEqual(self.calls_of("USBWifiScan"), [])
+
     def test_no_network(self):
         for lines, saying in ((("result USBWifiScan 5", reported("Office")),
                                "no networks: the vendor's result 5\n"),
                               (("result USBWifiScan -1",), "vendor scripted has failed"),
-                              ((), "reports no network"),
+                              ((), "reports no network.\nName one all the same"),
                               ((reported("Office"), "count USBWifiScan 129"),
                                "reports no network")):
             with self.subTest(saying):
@@ -406,6 +476,12 @@ class UsbNetworks(UsbTest):
                 self.assert_status(result, NONE_FOUND)
                 self.assertEqual(result.output, "")
                 self.assert_mentions(result.errors, saying, "log")
+
+    def test_whose_networks_they_are_is_said_where_it_is_known(self):
+        self.list_file = self.vendor_list([vendor(product_id="driverless")])
+        self.script(usb_device("SN1", vendor="driverless"))
+        self.assert_mentions(self.run_app("usb", "networks").errors, "reports no network",
+                             "this computer's own Wi-Fi", "wifi list")
 
     def test_a_vendor_that_cannot_do_it(self):
         for entry_point, command in (("USBWifiScan", ["networks", "SN1"]),
@@ -474,6 +550,17 @@ class UsbConfigure(UsbTest):
             self.assertTrue(terminal.shows_typing())
         self.assertEqual(self.received(), [])
 
+    def test_of_two_printers_with_one_serial_number_the_one_at_the_place_receives_it(self):
+        self.script(usb_device("SN1"), usb_device("SN1", place="usb:1-5"))
+        result = self.run_app(*OFFICE, "--pass-phrase-file", self.pass_phrase_file())
+        self.assert_status(result, USAGE)
+        self.assertEqual(self.received(), [])
+        self.assert_not_shown(result)
+        self.assert_status(self.run_app("usb", "configure", "usb:1-5", "--network", "Office",
+                                        "--pass-phrase-file", self.pass_phrase_file()), FOUND)
+        self.assertEqual(self.received(), [device_record("SN1", place="usb:1-5") + struct.pack(
+            "<f128s32s", 0, b"Office", PASS_PHRASE.encode())])
+
     def test_an_open_network(self):
         result = self.run_app(*OFFICE, "--open", "--json")
         self.assert_status(result, FOUND)
@@ -505,6 +592,18 @@ class UsbConfigure(UsbTest):
         self.assert_mentions(result.errors, "vendor driverless has failed", "pass phrase right",
                              "call Func Fail", "ipp-usb")
 
+    def test_each_failure_that_a_known_vendor_documents_has_a_meaning(self):
+        self.list_file = self.vendor_list([vendor(product_id="driverless")])
+        self.script(usb_device("SN1", vendor="driverless"), "result PrinterUSBNetConfigEvent 15")
+        errors = self.run_app(*OFFICE, "--open").errors
+        results = documented_results("PrinterUSBNetConfigEvent")
+        self.assertLessEqual({10, 13, 14, 15, 24, 25}, set(results))
+        self.assertEqual([int(number) for number in re.findall(r"^  (\d+): .{20}", errors,
+                                                               re.MULTILINE)], sorted(results))
+        self.script(usb_device("SN1"), "result PrinterUSBNetConfigEvent 15")
+        self.list_file = self.vendor_list([vendor()])
+        self.assertNotIn("ipp-usb", self.run_app(*OFFICE, "--open").errors)
+
     def test_the_printer_is_looked_for_before_the_pass_phrase_is_asked_for(self):
         terminal = Terminal(self, "usb", "configure", "SN7", "--network", "Office")
         self.assertEqual(terminal.finish(), NONE_FOUND)
@@ -524,6 +623,7 @@ class UsbArguments(UsbTest):
         for arguments, saying in (([], "list, ports, watch, networks or configure"),
                                   (["lsit"], "'lsit'"),
                                   (["list", "SN1"], "'SN1'"),
+                                  (["--json", "list"], "'--json' stands before the command"),
                                   (["watch", "--seconds", "0"], "0.1 to 86400"),
                                   (["networks", ""], "serial number is empty"),
                                   (["networks", "--option", "x"], "'x' is no whole number"),
@@ -552,6 +652,9 @@ class UsbArguments(UsbTest):
                 self.assert_status(result, FOUND)
                 self.assert_mentions(result.output, "Examples:", "Exit status",
                                      "devicediscover " + " ".join(command))
+                self.assertLessEqual(max(map(len, result.output.splitlines())), 92)
+                about = result.output[result.output.index("Examples:"):].splitlines()
+                self.assertEqual([line for line in about if len(line) > 80], [])
 
 
 if __name__ == "__main__":
