@@ -214,8 +214,10 @@ inline constexpr const char* kUsbWatch = R"(Examples:
 
 Each printer about a second after it is plugged in: the time (in JSON that of
 UTC), serial number, make and model, place on USB, and vendor. One that is
-plugged in again is shown again. Those that were there before are not shown,
-only counted on standard error. Exit status 1: none was plugged in.
+plugged in again is shown again, and so are the others of its model. Those that
+were there before are not shown, only counted on standard error. A model that
+no vendor was asked about, since it came after the first one, is named at the
+end. Exit status 1: none was plugged in.
 
 )";
 

@@ -95,11 +95,15 @@ ExitStatus UsbPorts(const Settings& settings) {
 }
 
 ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options) {
-    const std::size_t present = CountPluggedIn(settings);
+    const UsbPortMap before = PortsPluggedIn(settings);
     UsbWatchSession session(settings);
-    TellWhatIsThere(present);
+    TellWhatIsThere(CountPluggedIn(before));
     const auto view = ViewFor<Arrival>(settings, ArrivalJson);
-    if (RunScan(session, *view, options)) {
+    const bool isAnyReported = RunScan(session, *view, options);
+    for (const std::string& problem : NeverReported(before, isAnyReported)) {
+        Warn(problem);
+    }
+    if (isAnyReported) {
         return kFound;
     }
     return Failed(

@@ -123,15 +123,32 @@ std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings) {
     return {devices.begin(), devices.end()};
 }
 
-std::size_t CountPluggedIn(const Settings& settings) {
-    const std::function<std::size_t()> work = [] {
-        const UsbPortMap ports = PortsNow();
-        return std::accumulate(
-            ports.begin(), ports.end(), std::size_t{0}, [](std::size_t count, const auto& port) {
-                return count + static_cast<std::size_t>(std::max(port.second.first, 1));
-            });
+UsbPortMap PortsPluggedIn(const Settings& settings) {
+    return Await<UsbPortMap>(settings, "Looking at what is plugged in", PortsNow);
+}
+
+std::size_t CountPluggedIn(const UsbPortMap& ports) {
+    return std::accumulate(
+        ports.begin(), ports.end(), std::size_t{0}, [](std::size_t count, const auto& port) {
+            return count + static_cast<std::size_t>(std::max(port.second.first, 1));
+        });
+}
+
+std::vector<std::string> NeverReported(const UsbPortMap& before, bool isAnyReported) {
+    using Lines = std::vector<std::string>;
+    // A vendor may take its time, and the watch is over.
+    constexpr auto patience = std::chrono::seconds(2);
+    const std::function<Lines()> work = [before, isAnyReported] {
+        UsbPortMap since = PortsNow();
+        std::erase_if(since, [&](const auto& port) { return before.count(port.first) != 0; });
+        return UnwatchedPorts(since, isAnyReported);
     };
-    return Await(settings, "Looking at what is plugged in", work);
+    try {
+        return AwaitInterruptibly(
+            work, [] {}, patience);
+    } catch (const Interrupted&) {
+        return {};
+    }
 }
 
 PluggedPrinters PrintersPluggedIn(const Settings& settings) {

@@ -8,6 +8,7 @@
 #include "app/secret.h"
 #include "app/settings.h"
 #include "app/usb_printer.h"
+#include "app/usb_vendors.h"
 
 namespace App {
 
@@ -15,8 +16,12 @@ namespace App {
 // Interrupted.
 std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings);
 
-// How many printers are plugged in, whether or not a vendor reports them.
-std::size_t CountPluggedIn(const Settings& settings);
+// What is plugged in, whether or not a vendor reports it, and how many printers that are.
+UsbPortMap PortsPluggedIn(const Settings& settings);
+std::size_t CountPluggedIn(const UsbPortMap& ports);
+
+// A line for each model that was plugged in after `before` and that a watch cannot have reported.
+std::vector<std::string> NeverReported(const UsbPortMap& before, bool isAnyReported);
 
 // The printers that are plugged in.
 struct PluggedPrinters {

@@ -102,6 +102,36 @@ struct ServedPort {
     std::size_t plugged;
 };
 
+std::optional<Listing> ListingOf(const std::string& usbId) {
+    return FindListing([&](const std::string& listed) { return listed == usbId; });
+}
+
+// Why a watch has not reported that port; empty when it may have.
+std::string NotWatched(const std::wstring& deviceId, bool isAnyReported) {
+    const std::string usbId = WStringToString(deviceId);
+    const auto listing = ListingOf(usbId);
+    if (!listing) {
+        return NotListed(usbId);
+    }
+    std::vector<DeviceInfo> devices;
+    const int result = UsbConnInterface::GetInstance().GetDeviceInfoByUsb(devices, deviceId);
+    if (result == kNothingToCall) {
+        return fmt::format(
+            "{}: not shown, since it was not there when the vendors were first asked; "
+            "`devicediscover usb ports` shows it, and so does a new watch",
+            usbId);
+    }
+    if (result != 0) {
+        return fmt::format("{}: vendor {} does not report it: {}", usbId, listing->vendor,
+                           VendorsResult(result, listing->vendor));
+    }
+    return isAnyReported ? ""
+                         : fmt::format(
+                               "{}: plugged in, but the watch was not told of it; the log "
+                               "says why, or it has only just come",
+                               usbId);
+}
+
 // Asks the vendor again; nothing when it reports all that is plugged in.
 std::string NotReported(const ServedPort& port) {
     const auto& [deviceId, vendor, plugged] = port;
@@ -140,8 +170,7 @@ std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
     std::map<std::string, std::size_t> missing;  // by vendor
     for (const auto& [deviceId, port] : ports) {
         const std::string usbId = WStringToString(deviceId);
-        const auto listing =
-            FindListing([&](const std::string& listed) { return listed == usbId; });
+        const auto listing = ListingOf(usbId);
         if (listing) {
             const auto plugged = static_cast<std::size_t>(std::max(port.first, 1));
             served.push_back({deviceId, listing->vendor, plugged});
@@ -156,6 +185,17 @@ std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
     }
     for (const ServedPort& port : served) {
         const std::string line = missing[port.vendor] == 0 ? "" : NotReported(port);
+        if (!line.empty()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
+}
+
+std::vector<std::string> UnwatchedPorts(const UsbPortMap& ports, bool isAnyReported) {
+    std::vector<std::string> lines;
+    for (const auto& port : ports) {
+        const std::string line = NotWatched(port.first, isAnyReported);
         if (!line.empty()) {
             lines.push_back(line);
         }

@@ -22,4 +22,7 @@ std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const 
 std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
                                          const std::vector<UsbPrinter>& reported);
 
+// The same of models that came while a watch ran, which may have reported some.
+std::vector<std::string> UnwatchedPorts(const UsbPortMap& ports, bool isAnyReported);
+
 }  // namespace App

@@ -25,9 +25,8 @@ class Lines:
     """A process that writes one line an event. What it wrote before it let something be seen is there
     for who has seen that."""
 
-    def __init__(self, arguments, environment=None):
-        self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE,
-                                        stderr=subprocess.DEVNULL,
+    def __init__(self, arguments, environment=None, stderr=subprocess.DEVNULL):
+        self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE, stderr=stderr,
                                         env=environment or PLAYER_ENVIRONMENT)
         os.set_blocking(self.process.stdout.fileno(), False)
         self.rest = b""

@@ -6,7 +6,10 @@ both sides have other addresses. The environment names WIFI_PRINTER and NETWORK_
 
 import os
 import re
+import socket
+import socketserver
 import subprocess
+import threading
 import time
 
 from lab import LAB, PATIENCE, Lines, lab
@@ -80,6 +83,40 @@ def new_printer(folder, network, *arguments):
     """A printer that waits to be put on a network it sees, given as NAME=PASS-PHRASE."""
     return Lines([LAB, "run-beside-printers", "unshare", "-u", PRINTER, folder, "0.0.0.0",
                   "--network", network, *arguments])
+
+
+class _Passage(socketserver.BaseRequestHandler):
+    def handle(self):
+        with socket.create_connection((THERE + "1", 631)) as printer:
+            passages = [threading.Thread(target=self.copy, args=ends, daemon=True)
+                        for ends in ((self.request, printer), (printer, self.request))]
+            for passage in passages:
+                passage.start()
+            for passage in passages:
+                passage.join()
+
+    @staticmethod
+    def copy(source, sink):
+        try:
+            while data := source.recv(65536):
+                sink.sendall(data)
+            sink.shutdown(socket.SHUT_WR)
+        except OSError:  # one of them has gone
+            pass
+
+
+class Bridge(socketserver.ThreadingTCPServer):
+    """What makes the printer, which is on USB, reachable on this host."""
+    allow_reuse_address = True
+    daemon_threads = True
+
+    def __init__(self):
+        super().__init__(("127.0.0.1", 60000), _Passage)
+        threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def end(self):
+        self.shutdown()
+        self.server_close()
 
 
 def move(side, host, old, new):

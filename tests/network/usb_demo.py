@@ -6,19 +6,19 @@ usb_bed.py need, and DEVICEDISCOVER_PROGRAM, whose vendor list is the one beside
 """
 
 import os
+import signal
 import subprocess
 import sys
 import tempfile
 import time
 
-from lab import PATIENCE, Lines, lab
-from office import PRINTER, announced, new_printer
+from lab import PATIENCE, lab
+from office import Bridge, announced, new_printer
 from set_up_demo import INTERRUPTED, LAST_STEP, NETWORK, PASS_PHRASE, PROGRAM, say
 from usb_bed import UsbBed
 
 PLACE, SERIAL = "1-1", "RADIO1"
-BRIDGE_PORT = "60000"
-STARTED = "Start usb Monitor"
+STARTED, REPORTED = "Start usb Monitor", "callback ok"
 
 
 class Demo:
@@ -36,42 +36,38 @@ class Demo:
         say("$ devicediscover " + " ".join(arguments))
         return subprocess.Popen(self.usb.seen_by([PROGRAM, *arguments]), text=True, **options)
 
-    def made(self, name):
-        path = os.path.join(self.folder, name)
-        os.mkdir(path)
-        return path
-
-    def begin(self, printer):
+    def have_printer(self):
+        """It waits for a network, and its bridge makes it reachable on this host."""
+        folder = os.path.join(self.folder, "printer")
+        os.mkdir(folder)
+        printer = new_printer(folder, f"{NETWORK}={PASS_PHRASE}", "--serial", SERIAL)
         self.running.append(printer)
         printer.await_line("ready")
+        self.running.append(Bridge())
 
-    def bridged(self):
-        """The printer as its bridge on this host has it."""
-        self.begin(Lines(["unshare", "-u", PRINTER, self.made("bridged"), "127.0.0.1",
-                          "--beside-bridge", "--port", BRIDGE_PORT, "--serial", SERIAL,
-                          "--network", f"{NETWORK}={PASS_PHRASE}"]))
-
-    def appear_on_network(self):
-        """The same printer, now that it has joined."""
-        self.begin(new_printer(self.made("joined"), NETWORK + "=", "--serial", SERIAL))
-        self.running.append(announced())
-
-    def await_watch(self):
+    def await_log(self, line, seconds):
         log = os.path.join(self.folder, "DeviceDiscover", "DeviceDiscover.log")
-        deadline = time.monotonic() + PATIENCE
+        deadline = time.monotonic() + seconds
         while time.monotonic() < deadline:
             if os.path.exists(log):
                 with open(log, encoding="utf-8") as file:
-                    if STARTED in file.read():
-                        break
+                    if line in file.read():
+                        return True
             time.sleep(0.05)
-        time.sleep(1)  # it looks what is there already before it watches
+        return False
 
     def watch(self):
-        process = self.start("usb", "watch", "--seconds", "5")
-        self.await_watch()
+        """Until a printer has come. One that came before the watch looked is plugged in again."""
+        process = self.start("usb", "watch")
+        self.await_log(STARTED, PATIENCE)
+        time.sleep(0.5)
         say(f"(a printer is plugged in at {PLACE})")
         self.usb.plug(PLACE, SERIAL)
+        while not self.await_log(REPORTED, 4) and process.poll() is None:
+            self.usb.unplug(PLACE)
+            self.usb.plug(PLACE, SERIAL)
+        say("(Ctrl-C)")
+        process.send_signal(signal.SIGINT)
         return process.wait()
 
     def run(self, *arguments):
@@ -89,11 +85,11 @@ class Demo:
             for line in process.stdout:
                 say(line.rstrip("\n"))
                 if line.startswith(LAST_STEP):
-                    self.appear_on_network()
+                    self.running.append(announced())
         return process.wait()
 
     def show(self):
-        self.bridged()
+        self.have_printer()
         for step in (self.watch, lambda: self.run("usb", "ports"), self.set_up):
             status = step()
             say("")

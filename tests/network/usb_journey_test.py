@@ -14,12 +14,11 @@ import unittest
 
 from journey_test import JourneyTest
 from lab import PATIENCE, Lines
-from office import PRINTER, announced
+from office import Bridge
 from set_up_test import NAME, PASS_PHRASE, SERIAL
 from usb_bed import UsbBed
 
 MODEL = "Acme Radio Laser"
-BRIDGE_PORT = 60000
 WAIT = 1.0  # from a printer's arrival until it is asked who it is
 DISK = ("1209", "0002", "8")
 PRINTER_CLASS = ("1209", "0001", "7")
@@ -43,8 +42,8 @@ class UsbJourney(JourneyTest):
     def environment(self, **more):
         return super().environment(**self.usb.environment(), **more)
 
-    def watch(self):
-        watch = Lines(self.command("usb", "watch", "--json"), self.environment())
+    def watch(self, **options):
+        watch = Lines(self.command("usb", "watch", "--json"), self.environment(), **options)
         self.running.append(watch)
         return watch
 
@@ -65,23 +64,15 @@ class UsbJourney(JourneyTest):
                 self.assertGreaterEqual(time.monotonic() - plugged, WAIT)
                 return line
             self.usb.unplug(place)
+            while watch.next(2 * WAIT):  # one that came late
+                pass
         return None
 
     def on_usb(self):
-        """The printer, as its bridge has it."""
-        folder = os.path.join(self.state, "bridged")
-        os.makedirs(folder)
-        printer = Lines(["unshare", "-u", PRINTER, folder, "127.0.0.1", "--beside-bridge",
-                         "--port", str(BRIDGE_PORT), "--serial", SERIAL, "--network",
-                         f"{NAME}={PASS_PHRASE}"])
-        self.running.append(printer)
-        printer.await_line("ready")
+        """The printer, which its bridge makes reachable."""
+        printer = self.printer("--serial", SERIAL)
+        self.running.append(Bridge())
         return printer
-
-    def appear_on_network(self, _):
-        """The same printer, now that it has joined."""
-        self.printer("--serial", SERIAL)
-        self.running.append(announced())
 
     def test_one_that_is_plugged_in_is_there_a_second_later(self):
         watch = self.watch()
@@ -105,13 +96,32 @@ class UsbJourney(JourneyTest):
         watch.process.send_signal(signal.SIGINT)
         self.assertEqual(watch.process.wait(PATIENCE), 0)
 
+    def test_a_model_that_the_vendors_were_not_asked_about_is_named(self):
+        errors = os.path.join(self.state, "errors")
+        with open(errors, "w", encoding="utf-8") as file:
+            watch = self.watch(stderr=file)
+            self.assert_arrival(self.plug_until_seen(watch, "A", "1-1"), "A", "usb:1-1")
+            self.usb.plug("2-4", "B", *OTHER_MODEL)
+            self.assertIsNone(watch.next(2 * WAIT))
+            watch.process.send_signal(signal.SIGINT)
+            self.assertEqual(watch.process.wait(PATIENCE), 0)
+        with open(errors, encoding="utf-8") as file:
+            self.assertEqual(file.readlines()[-1],
+                             "devicediscover: warning: VID_1209&PID_00AB: not shown, since it was "
+                             "not there when the vendors were first asked; `devicediscover usb "
+                             "ports` shows it, and so does a new watch\n")
+
     def test_it_ends_while_a_printer_is_being_asked(self):
         watch = self.watch()
         self.assert_arrival(self.plug_until_seen(watch, "A", "1-1"), "A", "usb:1-1")
+        self.usb.unplug("1-1")
         self.usb.plug("1-2", "B", *PRINTER_CLASS, "silent")
-        time.sleep(WAIT + 0.3)  # it is waited for a second
+        deadline = time.monotonic() + PATIENCE
+        while self.log().count("STEP4(") < 2 and time.monotonic() < deadline:
+            time.sleep(0.02)
         watch.process.send_signal(signal.SIGINT)
         self.assertEqual(watch.process.wait(PATIENCE), 0)
+        self.assertEqual((self.log().count("STEP4("), self.log().count("STEP6")), (2, 1))
 
     def test_all_that_are_plugged_in_are_listed(self):
         self.usb.plug("1-1", "A")
@@ -131,7 +141,7 @@ class UsbJourney(JourneyTest):
 
         ended = self.devicediscover(
             "setup", "--usb", "--network", NAME, "--pass-phrase-file", "-", secret=PASS_PHRASE,
-            on_line=lambda line, _: line.startswith("[6/6]") and self.appear_on_network(line))
+            on_line=lambda line, _: line.startswith("[6/6]") and self.announce())
         self.assertEqual((ended.status, ended.errors), (0, ""), str(ended))
         self.assertEqual(bridged.given(), [(NAME, PASS_PHRASE)])
         self.assertIn("This computer stays on the network it is on", ended.output)
