@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string Line(const Json& object) {
+std::string JsonLine(const Json& object) {
     return object.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
@@ -56,14 +56,14 @@ Json UsbPrinterObject(const UsbPrinter& printer) {
 }  // namespace
 
 std::string PrinterJson(const Printer& printer) {
-    return Line(PrinterObject(printer));
+    return JsonLine(PrinterObject(printer));
 }
 
 std::string StateJson(const Printer& printer, int state) {
     Json object = PrinterObject(printer);
     object["ready"] = state == 1;
     object["state"] = state;
-    return Line(object);
+    return JsonLine(object);
 }
 
 std::string VendorJson(const PrinterUtil::VendorListReport& list, const VendorInfo& vendor,
@@ -75,67 +75,67 @@ std::string VendorJson(const PrinterUtil::VendorListReport& list, const VendorIn
     for (const ModuleSurvey& module : modules) {
         object["modules"].push_back(ModuleObject(module));
     }
-    return Line(object);
+    return JsonLine(object);
 }
 
 std::string NetworkJson(const Network& network) {
-    return Line({{"network", network.name}, {"signal", network.signal}});
+    return JsonLine({{"network", network.name}, {"signal", network.signal}});
 }
 
 std::string HostNetworkJson(const HostNetwork& network) {
-    return Line({{"network", network.name},
-                 {"signal", network.signal},
-                 {"security", Json(network.security)},
-                 {"offered", network.offered}});
+    return JsonLine({{"network", network.name},
+                     {"signal", network.signal},
+                     {"security", Json(network.security)},
+                     {"offered", network.offered}});
 }
 
 std::string AccessPointJson(const AccessPoint& accessPoint) {
-    return Line({{"network", accessPoint.network},
-                 {"hardwareAddress", accessPoint.hardwareAddress},
-                 {"interface", accessPoint.interfaceName}});
+    return JsonLine({{"network", accessPoint.network},
+                     {"hardwareAddress", accessPoint.hardwareAddress},
+                     {"interface", accessPoint.interfaceName}});
 }
 
 std::string JoinJson(const std::string& network, bool joined) {
-    return Line({{"network", network}, {"joined", joined}});
+    return JsonLine({{"network", network}, {"joined", joined}});
 }
 
 std::string PingJson(const std::string& address, bool answers) {
-    return Line({{"address", address}, {"answers", answers}});
+    return JsonLine({{"address", address}, {"answers", answers}});
 }
 
 std::string ConfigureJson(const std::string& network, int result) {
-    return Line({{"network", network}, {"configured", result == 0}, {"result", result}});
+    return JsonLine({{"network", network}, {"configured", result == 0}, {"result", result}});
 }
 
 std::string CheckJson(const Printer& printer, int result) {
     Json object = PrinterObject(printer);
     object["onLocalNetwork"] = result == 0;
     object["result"] = result;
-    return Line(object);
+    return JsonLine(object);
 }
 
 std::string InstalledPrinterJson(const InstalledPrinter& printer) {
-    return Line({{"serialNumber", printer.serialNumber},
-                 {"model", printer.model},
-                 {"onNetwork", printer.isOnNetwork ? Json(*printer.isOnNetwork) : Json()}});
+    return JsonLine({{"serialNumber", printer.serialNumber},
+                     {"model", printer.model},
+                     {"onNetwork", printer.isOnNetwork ? Json(*printer.isOnNetwork) : Json()}});
 }
 
 std::string UsbPrinterJson(const UsbPrinter& printer) {
-    return Line(UsbPrinterObject(printer));
+    return JsonLine(UsbPrinterObject(printer));
 }
 
 std::string ArrivalJson(const Arrival& arrival) {
     const std::time_t time = std::chrono::system_clock::to_time_t(arrival.time);
     Json object{{"time", fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(time))}};
     object.update(UsbPrinterObject(arrival.printer));
-    return Line(object);
+    return JsonLine(object);
 }
 
 std::string UsbConfigureJson(const UsbPrinter& printer, const std::string& network, int result) {
-    return Line({{"serialNumber", printer.serialNumber},
-                 {"network", network},
-                 {"configured", result == 0},
-                 {"result", result}});
+    return JsonLine({{"serialNumber", printer.serialNumber},
+                     {"network", network},
+                     {"configured", result == 0},
+                     {"result", result}});
 }
 
 std::string StepJson(const StepEvent& event) {
@@ -156,7 +156,7 @@ std::string StepJson(const StepEvent& event) {
     if (!event.problem.empty()) {
         object["problem"] = event.problem;
     }
-    return Line(object);
+    return JsonLine(object);
 }
 
 }  // namespace App

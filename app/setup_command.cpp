@@ -117,7 +117,7 @@ void Journey::Steps() {
 
 Printer Journey::WhichPrinter() {
     progress.Begin(SetupStep::Printer);
-    const Printer printer = route->FindPrinter();
+    Printer printer = route->FindPrinter();
     StepEvent event;
     event.printers = {printer};
     progress.Done(fmt::format("{}, vendor {}", NameOf(printer), printer.vendor), event);

@@ -3,28 +3,28 @@
 namespace PrinterSdk {
 
 IPrintCap::IPrintCap() = default;
-IPrintCap::IPrintCap(const IPrintCap& other) = default;
-IPrintCap& IPrintCap::operator=(const IPrintCap& other) = default;
+IPrintCap::IPrintCap(const IPrintCap&) = default;
+IPrintCap& IPrintCap::operator=(const IPrintCap&) = default;
 IPrintCap::~IPrintCap() = default;
 
 IScanCap::IScanCap() = default;
-IScanCap::IScanCap(const IScanCap& other) = default;
-IScanCap& IScanCap::operator=(const IScanCap& other) = default;
+IScanCap::IScanCap(const IScanCap&) = default;
+IScanCap& IScanCap::operator=(const IScanCap&) = default;
 IScanCap::~IScanCap() = default;
 
 ICopyCap::ICopyCap() = default;
-ICopyCap::ICopyCap(const ICopyCap& other) = default;
-ICopyCap& ICopyCap::operator=(const ICopyCap& other) = default;
+ICopyCap::ICopyCap(const ICopyCap&) = default;
+ICopyCap& ICopyCap::operator=(const ICopyCap&) = default;
 ICopyCap::~ICopyCap() = default;
 
 IPrinterAdapter::IPrinterAdapter() = default;
-IPrinterAdapter::IPrinterAdapter(const IPrinterAdapter& other) = default;
-IPrinterAdapter& IPrinterAdapter::operator=(const IPrinterAdapter& other) = default;
+IPrinterAdapter::IPrinterAdapter(const IPrinterAdapter&) = default;
+IPrinterAdapter& IPrinterAdapter::operator=(const IPrinterAdapter&) = default;
 IPrinterAdapter::~IPrinterAdapter() = default;
 
 IPrinterUiListener::IPrinterUiListener() = default;
-IPrinterUiListener::IPrinterUiListener(const IPrinterUiListener& other) = default;
-IPrinterUiListener& IPrinterUiListener::operator=(const IPrinterUiListener& other) = default;
+IPrinterUiListener::IPrinterUiListener(const IPrinterUiListener&) = default;
+IPrinterUiListener& IPrinterUiListener::operator=(const IPrinterUiListener&) = default;
 IPrinterUiListener::~IPrinterUiListener() = default;
 
 int IPrinterUiListener::OnCopyDoneCb(int) {
@@ -67,6 +67,5 @@ int IPrinterUiListener::OnScanProcessCb(int) {
 }  // namespace PrinterSdk
 
 IDeviceChangeListener::IDeviceChangeListener() = default;
-IDeviceChangeListener::IDeviceChangeListener(const IDeviceChangeListener& other) = default;
-IDeviceChangeListener& IDeviceChangeListener::operator=(const IDeviceChangeListener& other) =
-    default;
+IDeviceChangeListener::IDeviceChangeListener(const IDeviceChangeListener&) = default;
+IDeviceChangeListener& IDeviceChangeListener::operator=(const IDeviceChangeListener&) = default;

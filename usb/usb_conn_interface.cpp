@@ -11,7 +11,7 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-using Vendors = Broker::VendorTable<UsbConnInterface::VendorEntry>;
+using UsbVendors = Broker::VendorTable<UsbConnInterface::VendorEntry>;
 
 constexpr std::int32_t kMostDevices = 64;
 constexpr std::int32_t kMostNetworks = 128;
@@ -41,7 +41,7 @@ Broker::TableGate gate;
 // The enumeration of the vendor that lists the identifier; null, with the reason logged, when there
 // is none.
 VendorSdk::GetDeviceInfoByUsbFunction* FindEnumeration(
-    const std::map<std::string, std::string>& usbIdMap, const Vendors& vendors,
+    const std::map<std::string, std::string>& usbIdMap, const UsbVendors& vendors,
     const std::string& usbId, const Broker::Location& where) {
     const auto product = usbIdMap.find(usbId);
     if (product == usbIdMap.end()) {
@@ -143,6 +143,8 @@ bool UsbConnInterface::split(const std::string& text, std::vector<std::string>& 
     return true;
 }
 
+// Its decorated name has the identifier as a copy.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::wstring deviceId) {
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP1");
     std::string usbId;

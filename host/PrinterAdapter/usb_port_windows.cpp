@@ -77,7 +77,7 @@ std::wstring SerialNumberOf(HDEVINFO devices, SP_DEVINFO_DATA& device) {
                                     nullptr) == 0) {
         return {};
     }
-    const std::wstring serialNumber = SerialNumberOfInstance(id.data());
+    std::wstring serialNumber = SerialNumberOfInstance(id.data());
     DEVINST parent = 0;
     if (!serialNumber.empty() || std::wcsstr(id.data(), L"&MI_") == nullptr ||
         CM_Get_Parent(&parent, device.DevInst, 0) != CR_SUCCESS) {

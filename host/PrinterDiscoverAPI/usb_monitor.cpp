@@ -81,7 +81,7 @@ void UsbMonitor::Stop() {
 std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun() {
     std::string problem;
     try {
-        const auto run = std::make_shared<Run>();
+        auto run = std::make_shared<Run>();
         run->events = UsbEvents::Open(problem);
         std::vector<UsbPrinter> present;
         if (run->events && ListUsbPrinters(present, problem)) {

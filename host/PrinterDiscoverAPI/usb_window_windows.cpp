@@ -116,17 +116,8 @@ private:
 
 class WindowNotifications : public UsbNotifications {
 public:
-    WindowNotifications(UsbEventQueue& queue, std::string& problem) {
-        std::promise<void> made;
-        thread = std::thread([&] {
-            Window window(queue, problem);
-            const bool isUsable = problem.empty();
-            handle = window.Handle();
-            made.set_value();
-            if (isUsable) {
-                Window::Run();
-            }
-        });
+    WindowNotifications(UsbEventQueue& queue, std::string& problem)
+        : thread([this, &queue, &problem] { Watch(queue, problem); }) {
         made.get_future().wait();
     }
     ~WindowNotifications() override {
@@ -138,7 +129,19 @@ public:
     }
 
 private:
+    // On the window's thread. `problem` is the maker's, who waits until the window is made.
+    void Watch(UsbEventQueue& queue, std::string& problem) {
+        Window window(queue, problem);
+        const bool isUsable = problem.empty();
+        handle = window.Handle();
+        made.set_value();
+        if (isUsable) {
+            Window::Run();
+        }
+    }
+
     HWND handle = nullptr;
+    std::promise<void> made;
     std::thread thread;
 };
 

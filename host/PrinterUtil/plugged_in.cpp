@@ -50,6 +50,7 @@ std::vector<std::string> PluggedInIdentifiers() {
     std::map<std::wstring, std::pair<int, int>> ports;
     PrinterDiscoverAPI::PrinterUsbDeviceManager::GetInstance().GetCurrentPrinterPorts(ports);
     std::vector<std::string> identifiers;
+    identifiers.reserve(ports.size());
     for (const auto& port : ports) {
         identifiers.push_back(Host::ToUtf8(port.first));
     }

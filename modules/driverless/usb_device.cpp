@@ -209,7 +209,7 @@ bool UsbDevice::KnowsLanguage() {
 
 UsbDevice::Answer UsbDevice::AskForString(std::uint8_t index, std::uint16_t inLanguage) {
     const auto value = static_cast<std::uint16_t>(LIBUSB_DT_STRING << 8U | index);
-    const Answer answer = Ask(kDeviceRequest, LIBUSB_REQUEST_GET_DESCRIPTOR, value, inLanguage);
+    Answer answer = Ask(kDeviceRequest, LIBUSB_REQUEST_GET_DESCRIPTOR, value, inLanguage);
     Note(answer.error);
     return answer;
 }
