@@ -21,7 +21,7 @@ public:
 
 private:
     friend class TableUse;
-    static constexpr int kPatience = 100;  // milliseconds
+    static constexpr int kPatience = 100;  // waits of 1 ms
 
     std::atomic<int> inside{0};
     std::atomic<bool> isClosed{false};

@@ -69,11 +69,12 @@ public:
     ~DiscoverUsbInterface();
 
     // Reports each printer that is plugged in from now on: a second after it was, when it has had
-    // time to get ready, with one call of info.callback for each record that its vendor gives. Each
-    // printer has a thread of its own, so that calls may come at the same time; what they return is
-    // ignored, and they must not throw. A printer whose thread has no memory is not reported. A
-    // further start replaces the registration. Always 0, also when the device manager cannot watch,
-    // which only its own log tells.
+    // time to get ready, with one call of info.callback for each record that its vendor gives: also
+    // those of printers of the same model that were there before. Each arrival has a thread of its
+    // own, so that calls may come at the same time; what they return is ignored, and they must not
+    // throw. A printer whose thread has no memory is not reported. A further start replaces the
+    // registration. Always 0, also when the device manager cannot watch, which only its own log
+    // tells.
     int StartDeviceMonitor(const DeviceCallbackInfo& info);
 
     // Ends the reports: what a thread still has to report is dropped. Waits for none of them: a

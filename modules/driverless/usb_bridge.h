@@ -44,7 +44,8 @@ BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
                            const VendorSdk::DeviceInfo& record);
 
 // Whether what answers where the printer was reached is still the printer: a bridge may give the
-// port to another one that is plugged in.
+// port to another one that is plugged in. One that tells neither serial number nor UUID is taken
+// for any that does not either.
 bool IsStillThere(const Printer& bridged, const PrinterAttributes& answer);
 
 // Asks what is behind the bridges and chooses. Comes back by `deadline`.
