@@ -1,10 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "DeviceDiscover/printer_sdk.h"
+#include "DeviceDiscover/usb.h"
 #include "tests/host/usb/registered_usb_windows.h"
 #include "tests/support/recording_log.h"
 
@@ -143,6 +146,26 @@ TEST(InstalledPrinters, OfAnotherKindAreNeitherOnUsbNorOnTheNetwork) {
     const InstalledPrinter printer(L"file", L"FILE:");
     EXPECT_EQ(printer.Property().connectType, 0);
     EXPECT_EQ(printer.Property().serialNumber, L"");
+}
+
+// No network printer's serial number is known, so that none on USB is known to be on the network.
+TEST(InstalledPrinters, OnUsbAreKnownToTheFacadeAndNeverToBeOnTheNetwork) {
+    using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
+    const std::wstring serialNumber = Own(L"FACADE");
+    RegisteredPrinter device(L"USB\\" + UsbTest::OwnHardwareId() + L'\\' + serialNumber);
+    device.SetPort(L"USB", OwnPortNumber());
+    const InstalledPrinter onUsb(L"usb", OwnPort());
+    const InstalledPrinter onNetwork(L"net", L"IP_" + serialNumber);
+    std::vector<DeviceUsbInfo> devices;
+    EXPECT_EQ(
+        PrinterDeviceDiscoverSdk::DiscoverUsbInterface::GetInstance().GetDeviceNoConfigNet(devices),
+        0);
+    const std::string wanted(serialNumber.begin(), serialNumber.end());
+    const auto isWanted = [&](const DeviceUsbInfo& one) { return one.deviceSN == wanted; };
+    const auto found = std::find_if(devices.begin(), devices.end(), isWanted);
+    ASSERT_NE(found, devices.end());
+    EXPECT_FALSE(found->isNetConfigured);
+    EXPECT_EQ(std::count_if(devices.begin(), devices.end(), isWanted), 1);
 }
 
 }  // namespace
