@@ -84,8 +84,10 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
     } while (!outcome.isOnNetwork && Clock::now() < end);
     if (outcome.isOnNetwork) {
         Settle(status, wanted, std::min(end, Clock::now() + kLongestToPlace));
-        outcome.printers = Candidates(wanted);
     }
+    // The vendor may have taken its time over the last question.
+    outcome.printers = Candidates(wanted);
+    outcome.isOnNetwork = outcome.isOnNetwork || (!ask && !outcome.printers.empty());
     return outcome;
 }
 

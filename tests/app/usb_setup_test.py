@@ -98,6 +98,12 @@ class UsbSetup(UsbSetupTest):
         result = self.run_app("setup", "--usb=SN0", "--network", "Office", "--open")
         self.assert_failed("printer", result, "'SN0'")
 
+    def test_one_that_was_found_while_the_vendor_took_its_time_is_named(self):
+        self.usb_and_network(["result IsLocalAreaNetworkOK 17",
+                              "delay IsLocalAreaNetworkOK 2500"], ["interval 600"])
+        result = self.setup("--timeout", "1.5")
+        self.assert_failed("find", result, "one with that serial number was found at 192.0.2.7")
+
     def test_a_printer_that_this_computer_itself_announces_is_not_on_the_network_yet(self):
         self.script(*ON_USB, "result IsLocalAreaNetworkOK 17", "[scripted_all_b]",
                     device("SN1", model="Fake 7", address="127.0.0.1", port=60000))
