@@ -139,6 +139,14 @@ TEST_F(UsbEvents, OfADeviceServiceThatIsAnotherOneAreMadeUpForByWhatIsThere) {
               L"(PrinterUsbDeviceManager::StartMonitor)");
 }
 
+// The undefined-behaviour sanitizer needs a file for itself where it looks at an object's type.
+constexpr bool kNeedsFiles =
+#ifdef __SANITIZE_ADDRESS__
+    true;
+#else
+    false;
+#endif
+
 // While it lives, the process has no file left to open.
 class NoMoreFiles {
 public:
@@ -159,6 +167,9 @@ private:
 
 // What cannot be listed just now is listed later: the printer's end was told to nobody.
 TEST_F(UsbEvents, ThatWereMissedAreMadeUpForWhenTheDevicesCanBeListedAgain) {
+    if (kNeedsFiles) {
+        GTEST_SKIP() << "the sanitizer needs files";
+    }
     Gate inside;
     Gate proceed;
     InsideReports([&](const Report&) {
@@ -183,6 +194,9 @@ TEST_F(UsbEvents, ThatWereMissedAreMadeUpForWhenTheDevicesCanBeListedAgain) {
 }
 
 TEST_F(UsbEvents, ThatCannotBeHadAreAFailureThatIsLogged) {
+    if (kNeedsFiles) {
+        GTEST_SKIP() << "the sanitizer needs files";
+    }
     {
         const NoMoreFiles none;
         EXPECT_EQ(manager.StartMonitor(Registration()), -1);

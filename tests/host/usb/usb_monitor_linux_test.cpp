@@ -424,7 +424,11 @@ TEST_F(UsbMonitor, DoesNotStartWithoutACallback) {
 
 class UsbMonitorAtExit : public testing::Test {
 protected:
-    UsbMonitorAtExit() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+    UsbMonitorAtExit() {
+        GTEST_FLAG_SET(death_test_style, "threadsafe");
+        // A clone's stack is none that the address sanitizer knows.
+        GTEST_FLAG_SET(death_test_use_fork, true);
+    }
 };
 
 TEST_F(UsbMonitorAtExit, MayStillBeRunning) {
