@@ -424,11 +424,7 @@ TEST_F(UsbMonitor, DoesNotStartWithoutACallback) {
 
 class UsbMonitorAtExit : public testing::Test {
 protected:
-    UsbMonitorAtExit() {
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-        // A clone's stack is none that the address sanitizer knows.
-        GTEST_FLAG_SET(death_test_use_fork, true);
-    }
+    UsbMonitorAtExit() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
 TEST_F(UsbMonitorAtExit, MayStillBeRunning) {
