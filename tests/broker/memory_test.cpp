@@ -352,6 +352,8 @@ TEST_F(UsbMemory, ThatRunsOutOnTheThreadOfAnArrivalCostsThatArrival) {
     using namespace std::chrono_literals;
     UsbInterfaceMonitor& monitor = UsbInterfaceMonitor::GetInstance();
     monitor.SetDeviceStateCallbackInfo({Application::OnDevice, 1});
+    // Bound: the thread sanitizer takes two attempts to make one singleton for a race.
+    UsbConnInterface::GetInstance();
     const ScriptedModule alpha(kModules[0]);
     alpha.AddDevice(VendorDeviceOf(kAlpha));
     monitor.CallBackFunc({}, PrinterUsbApiStruct::DEVICE_STATE_ARRIVED, kIdentifier);

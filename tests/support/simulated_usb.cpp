@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <mutex>
@@ -468,8 +469,8 @@ void SimulatedUsb::Forbid(const SimulatedDevice& device) {
 
 std::string RunAndRead(const std::string& command) {
     // Only the test bed's library: a sanitizer's run-time does not fit a program without it.
-    const std::string line = "LD_PRELOAD=libumockdev-preload.so.0 " + command;
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(line.c_str(), "r"), pclose);
+    setenv("LD_PRELOAD", "libumockdev-preload.so.0", 1);
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     std::string output;
     std::array<char, 4096> part{};
     while (const std::size_t length = std::fread(part.data(), 1, part.size(), pipe.get())) {
