@@ -44,17 +44,26 @@ inline std::uint32_t NetworkOrder(std::uint8_t a, std::uint8_t b, std::uint8_t c
 // Changes a setting of this program's own network.
 void ChangeNetwork(const std::string& setting, const std::string& value);
 
-// What a busy machine may take besides. How exact a ping is the benchmarks measure.
-inline constexpr double kSlack = 250;
+// Pings that ended in time take up to this much longer than was asked.
+inline constexpr double kSlack = 20;
 
 // What the system's clock may be behind.
 inline constexpr double kTick = 1.5;
 
-inline void ExpectSilence(const Pinged& pinged, std::uint32_t timeout) {
-    EXPECT_EQ(pinged.result, 0);
-    EXPECT_TRUE(IsUntouched(pinged.reply));
-    EXPECT_GE(pinged.milliseconds, timeout - kTick);
-    EXPECT_LE(pinged.milliseconds, timeout + kSlack);
+// Pings until one has ended in time, which a busy machine can keep some of them from; how many
+// there were.
+inline int ExpectSilence(const char* host, std::uint32_t timeout) {
+    constexpr int most = 5;
+    for (int count = 1;; ++count) {
+        const Pinged pinged = Ping(host, timeout);
+        EXPECT_EQ(pinged.result, 0);
+        EXPECT_TRUE(IsUntouched(pinged.reply));
+        EXPECT_GE(pinged.milliseconds, timeout - kTick);
+        if (pinged.milliseconds <= timeout + kSlack || count == most) {
+            EXPECT_LE(pinged.milliseconds, timeout + kSlack);
+            return count;
+        }
+    }
 }
 
 }  // namespace HostTest
