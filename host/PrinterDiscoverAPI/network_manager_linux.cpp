@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "host/PrinterDiscoverAPI/wifi_service.h"
-
 namespace Host {
 
 namespace {
@@ -79,13 +77,19 @@ std::string DescribeError(const sdbus::Error& error) {
     return "NetworkManager says: " + MessageOf(error);
 }
 
+WifiProblem ProblemOf(const sdbus::Error& error) {
+    return WifiProblem(DescribeError(error), IsNotRunning(error) ? WifiProblem::Kind::kNotRunning
+                                                                 : WifiProblem::Kind::kFailed);
+}
+
 NetworkManager::NetworkManager() {
     try {
         bus = sdbus::createSystemBusConnection();
         bus->setMethodCallTimeout(kCallLimit);
         use.Of(bus->getEventLoopPollData().fd);
     } catch (const sdbus::Error& error) {
-        throw WifiProblem("the system bus cannot be reached: " + MessageOf(error));
+        throw WifiProblem("the system bus cannot be reached: " + MessageOf(error),
+                          WifiProblem::Kind::kNotRunning);
     }
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/PrinterDiscoverAPI/bus_use_linux.h"
+#include "host/PrinterDiscoverAPI/wifi_service.h"
 
 namespace Host {
 
@@ -45,6 +46,7 @@ bool IsServiceLost(const sdbus::Error& error);   // it is gone or does not answe
 bool IsNoSuchObject(const sdbus::Error& error);  // the object is gone, or cannot do that
 bool IsDenied(const sdbus::Error& error);        // a policy forbids it to this user
 std::string DescribeError(const sdbus::Error& error);
+WifiProblem ProblemOf(const sdbus::Error& error);
 
 // NetworkManager as seen through a connection of its own to the system bus; for one thread. Its
 // operations throw sdbus::Error, and none takes longer than a few seconds.

@@ -1,3 +1,5 @@
+#include <array>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -8,14 +10,40 @@
 #include "host/PrinterDiscoverAPI/wifi_service.h"
 #include "host/common/utf8.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
+#include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 
 namespace PrinterDiscoverAPI {
 
 namespace {
 
-void ReportProblem(LOG_MESSAGE_LEVEL level, const std::wstring& what, const std::string& problem,
-                   std::wstring_view where) {
-    Host::Report(level, what + L": " + Host::FromUtf8(problem), where);
+// What the thread's last operation met. Plain memory: threads may end after the library's own
+// objects are gone.
+struct LastProblem {
+    PrinterWifiProblemKind kind;
+    std::array<char, 512> reason;
+};
+thread_local LastProblem lastProblem{};
+
+PrinterWifiProblemKind KindOf(const Host::WifiProblem& problem) {
+    switch (problem.ItsKind()) {
+        case Host::WifiProblem::Kind::kNoAdapter:
+            return PRINTER_WIFI_NO_ADAPTER;
+        case Host::WifiProblem::Kind::kNotRunning:
+            return PRINTER_WIFI_NOT_RUNNING;
+        default:
+            return PRINTER_WIFI_FAILED;
+    }
+}
+
+void ForgetProblem() {
+    lastProblem = {};
+}
+
+void ReportProblem(LOG_MESSAGE_LEVEL level, const std::wstring& what,
+                   const Host::WifiProblem& problem, std::wstring_view where) {
+    lastProblem = {KindOf(problem), {}};
+    std::strncpy(lastProblem.reason.data(), problem.what(), lastProblem.reason.size() - 1);
+    Host::Report(level, what + L": " + Host::FromUtf8(problem.what()), where);
 }
 
 // Joins what was asked for, looking closer when it is not in sight at once.
@@ -37,7 +65,7 @@ void TryJoin(const Host::JoinRequest& request) {
     try {
         Join(*Host::OpenWifiService(), request);
     } catch (const Host::WifiProblem& problem) {
-        throw Host::WifiProblem(request.WithoutSecret(problem.what()));
+        throw Host::WifiProblem(request.WithoutSecret(problem.what()), problem.ItsKind());
     }
 }
 
@@ -49,6 +77,7 @@ PrinterWifiAPI& PrinterWifiAPI::GetInstance() {
 }
 
 void PrinterWifiAPI::ScanWifiAPBySsid(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks) {
+    ForgetProblem();
     try {
         const auto service = Host::OpenWifiService();
         service->Scan({});
@@ -56,18 +85,19 @@ void PrinterWifiAPI::ScanWifiAPBySsid(std::vector<PrinterWifiApiStruct::WlanInfo
         networks.insert(networks.end(), std::make_move_iterator(inRange.begin()),
                         std::make_move_iterator(inRange.end()));
     } catch (const Host::WifiProblem& problem) {
-        ReportProblem(LOG_LEVEL_WARNING, L"no networks", problem.what(),
+        ReportProblem(LOG_LEVEL_WARNING, L"no networks", problem,
                       L"PrinterWifiAPI::ScanWifiAPBySsid");
     }
 }
 
 void PrinterWifiAPI::QueryConnectedAP(std::wstring& ssid, std::wstring& hardwareAddress,
                                       std::wstring& interfaceName) {
+    ForgetProblem();
     Host::JoinedAccessPoint joined;
     try {
         joined = Host::OpenWifiService()->Joined().value_or(Host::JoinedAccessPoint());
     } catch (const Host::WifiProblem& problem) {
-        ReportProblem(LOG_LEVEL_WARNING, L"joined to nothing", problem.what(),
+        ReportProblem(LOG_LEVEL_WARNING, L"joined to nothing", problem,
                       L"PrinterWifiAPI::QueryConnectedAP");
     }
     ssid = Host::NetworkNameText(joined.name);
@@ -76,16 +106,26 @@ void PrinterWifiAPI::QueryConnectedAP(std::wstring& ssid, std::wstring& hardware
 }
 
 bool PrinterWifiAPI::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
+    ForgetProblem();
     const std::wstring name = std::move(ssid);
     const std::wstring secret = std::move(passPhrase);
     try {
         TryJoin(Host::JoinRequest(name, secret));
         return true;
     } catch (const Host::WifiProblem& problem) {
-        ReportProblem(LOG_LEVEL_ERROR, L"cannot join \"" + name + L'"', problem.what(),
+        ReportProblem(LOG_LEVEL_ERROR, L"cannot join \"" + name + L'"', problem,
                       L"PrinterWifiAPI::ConnectAP");
         return false;
     }
 }
 
 }  // namespace PrinterDiscoverAPI
+
+int PrinterWifiProblem(char* text, std::size_t size) {
+    const auto& [kind, reason] = PrinterDiscoverAPI::lastProblem;
+    if (text != nullptr && size > 0) {
+        std::memset(text, 0, size);
+        std::strncpy(text, reason.data(), size - 1);
+    }
+    return kind;
+}

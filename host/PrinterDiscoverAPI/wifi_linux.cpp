@@ -151,7 +151,7 @@ auto Translated(Work work) {
     try {
         return work();
     } catch (const sdbus::Error& error) {
-        throw WifiProblem(DescribeError(error));
+        throw ProblemOf(error);
     }
 }
 
@@ -161,7 +161,7 @@ public:
     NetworkManagerWifi() {
         Translated([this] { FindAdapters(); });
         if (adapters.empty()) {
-            throw WifiProblem("the host has no Wi-Fi adapter");
+            throw WifiProblem("the host has no Wi-Fi adapter", WifiProblem::Kind::kNoAdapter);
         }
     }
 

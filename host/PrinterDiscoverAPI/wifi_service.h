@@ -18,7 +18,16 @@ inline constexpr std::chrono::seconds kJoinLimit{30};
 // What stands in the way, in words; UTF-8.
 class WifiProblem : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    // What it says about the host's Wi-Fi as a whole.
+    enum class Kind { kNoAdapter, kNotRunning, kFailed };
+
+    explicit WifiProblem(const std::string& words, Kind whatKind = Kind::kFailed)
+        : std::runtime_error(words), kind(whatKind) {}
+
+    Kind ItsKind() const { return kind; }
+
+private:
+    Kind kind;
 };
 
 // The system's Wi-Fi service, opened for one operation and used by one thread. Each operation

@@ -111,7 +111,7 @@ class NativeWifi : public WifiService {
 public:
     NativeWifi() : adapters(client.Adapters()) {
         if (adapters.empty()) {
-            throw WifiProblem("the host has no Wi-Fi adapter");
+            throw WifiProblem("the host has no Wi-Fi adapter", WifiProblem::Kind::kNoAdapter);
         }
     }
 

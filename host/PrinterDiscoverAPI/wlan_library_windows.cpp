@@ -38,7 +38,7 @@ WlanLibrary Load() {
         LoadLibraryExW(L"wlanapi.dll", nullptr,
                        LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (module == nullptr) {
-        throw WifiProblem("the system has no Wi-Fi service");
+        throw WifiProblem("the system has no Wi-Fi service", WifiProblem::Kind::kNotRunning);
     }
     WlanLibrary library{};
     Find(module, "WlanOpenHandle", library.openHandle);
@@ -65,7 +65,9 @@ const WlanLibrary& TheWlanLibrary() {
 
 void RequireWlan(const char* operation, DWORD error) {
     if (error != ERROR_SUCCESS) {
-        throw WifiProblem(DescribeError(operation, error));
+        throw WifiProblem(DescribeError(operation, error), error == ERROR_SERVICE_NOT_ACTIVE
+                                                               ? WifiProblem::Kind::kNotRunning
+                                                               : WifiProblem::Kind::kFailed);
     }
 }
 

@@ -111,10 +111,12 @@ AccessPointSearch FindAccessPoint(Clock::time_point deadline) {
                              answer.attributes}};
 }
 
-std::string AddressOnPrintersNetwork(Clock::time_point deadline) {
+std::optional<std::string> AddressOnPrintersNetwork(Clock::time_point deadline) {
     const auto current = CurrentNetwork(Until(deadline));
-    return current && MayBePrintersOwn(current->name) ? GatewayOf(current->interface)
-                                                      : std::string();
+    if (!current) {
+        return std::nullopt;
+    }
+    return MayBePrintersOwn(current->name) ? GatewayOf(current->interface) : std::string();
 }
 
 }  // namespace Driverless

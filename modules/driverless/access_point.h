@@ -25,7 +25,7 @@ struct AccessPointSearch {
 AccessPointSearch FindAccessPoint(Clock::time_point deadline);
 
 // The address at which a printer's own network, if the host is joined to one by its name, has its
-// printer; else empty.
-std::string AddressOnPrintersNetwork(Clock::time_point deadline);
+// printer; empty when it is joined to none, and nothing when that is not known.
+std::optional<std::string> AddressOnPrintersNetwork(Clock::time_point deadline);
 
 }  // namespace Driverless

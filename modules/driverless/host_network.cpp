@@ -4,21 +4,43 @@
 #include <net/if.h>
 #include <sys/socket.h>
 
+#include <filesystem>
+#include <system_error>
+
 namespace Driverless {
 
-bool IsOnNetwork() {
+namespace {
+
+// Whether an interface that is up, has an IPv4 address and fits is there; true when that cannot be
+// told.
+template <class Fits>
+bool HasInterface(Fits fits) {
     ifaddrs* interfaces = nullptr;
     if (getifaddrs(&interfaces) != 0) {
-        return true;  // not known to be off it
+        return true;
     }
     bool found = false;
     for (const ifaddrs* one = interfaces; one != nullptr && !found; one = one->ifa_next) {
         const bool up = (one->ifa_flags & IFF_UP) != 0 && (one->ifa_flags & IFF_RUNNING) != 0;
-        const bool loopback = (one->ifa_flags & IFF_LOOPBACK) != 0;
-        found = up && !loopback && one->ifa_addr != nullptr && one->ifa_addr->sa_family == AF_INET;
+        const bool hasAddress = one->ifa_addr != nullptr && one->ifa_addr->sa_family == AF_INET;
+        found = up && hasAddress && fits(*one);
     }
     freeifaddrs(interfaces);
     return found;
+}
+
+}  // namespace
+
+bool IsOnNetwork() {
+    return HasInterface([](const ifaddrs& one) { return (one.ifa_flags & IFF_LOOPBACK) == 0; });
+}
+
+bool IsOnWifi(const std::string& classFolder) {
+    return HasInterface([&](const ifaddrs& one) {
+        std::error_code failure;
+        return std::filesystem::exists(
+            std::filesystem::path(classFolder) / one.ifa_name / "phy80211", failure);
+    });
 }
 
 bool IsLoopback(int interface) {

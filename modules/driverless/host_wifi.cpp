@@ -1,5 +1,7 @@
 #include "host_wifi.h"
 
+#include <dlfcn.h>
+
 #include <condition_variable>
 #include <cstdlib>
 #include <future>
@@ -8,7 +10,9 @@
 #include <thread>
 #include <utility>
 
+#include "host_network.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
+#include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 #include "text.h"
 
 namespace Driverless {
@@ -75,12 +79,30 @@ private:
     bool over = false;
 };
 
-HostNetwork AskForCurrent() {
+// What stood in the way of this thread's last question.
+int LastProblem() {
+    // Another library in the place of the application's need not have it.
+    static const auto problem =
+        reinterpret_cast<decltype(&PrinterWifiProblem)>(dlsym(RTLD_DEFAULT, "PrinterWifiProblem"));
+    return problem == nullptr ? PRINTER_WIFI_DONE : problem(nullptr, 0);
+}
+
+// Whether a host about which there was that problem is known to be joined to nothing.
+bool IsJoinedToNone(int problem) {
+    return problem == PRINTER_WIFI_NO_ADAPTER ||
+           (problem == PRINTER_WIFI_NOT_RUNNING && !IsOnWifi());
+}
+
+std::optional<HostNetwork> AskForCurrent() {
     std::wstring name;
     std::wstring hardwareAddress;
     std::wstring interface;
     PrinterWifiAPI::GetInstance().QueryConnectedAP(name, hardwareAddress, interface);
-    return {ToUtf8(name), ToUtf8(interface)};
+    const int problem = LastProblem();
+    if (problem != PRINTER_WIFI_DONE && !IsJoinedToNone(problem)) {
+        return std::nullopt;
+    }
+    return HostNetwork{ToUtf8(name), ToUtf8(interface)};
 }
 
 std::vector<NetworkInRange> AskForNetworks() {

@@ -17,8 +17,9 @@ struct HostNetwork {
     std::string interface;  // of the host
 };
 
-// The network that the host is joined to; nothing when that is not known within `patience`. Throws
-// what keeps the question from being asked (out of memory, no further thread).
+// The network that the host is joined to; nothing when that is not known within `patience`, or
+// cannot be known: who would take that for "none" would take a printer's own network for another.
+// Throws what keeps the question from being asked (out of memory, no further thread).
 std::optional<HostNetwork> CurrentNetwork(std::chrono::milliseconds patience);
 
 struct NetworkInRange {

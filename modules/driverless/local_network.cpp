@@ -22,21 +22,14 @@ namespace Driverless {
 namespace {
 
 constexpr std::chrono::seconds kPatience{5};
-constexpr std::chrono::milliseconds kPatienceForWifi{1000};
 
 // Who is looked for.
 struct Wanted {
     std::string serialNumber;
     std::string uuid;
-    std::string notAt;  // there it answers through its own network
 
-    bool Is(const Printer& printer) const {
-        return IsWanted(printer) && (notAt.empty() || printer.address != notAt);
-    }
-
-private:
     // Others may have its serial number, too.
-    bool IsWanted(const Printer& printer) const {
+    bool Is(const Printer& printer) const {
         if (!uuid.empty() && !printer.uuid.empty()) {
             return printer.uuid == uuid;
         }
@@ -47,8 +40,7 @@ private:
 Wanted WantedBy(const VendorSdk::DeviceInfo& record) {
     const Printer printer = FromRecord(record);
     const auto known = KnownPrinters().Find(printer);
-    return {printer.serialNumber, known ? known->uuid : printer.uuid,
-            AddressOnPrintersNetwork(Clock::now() + kPatienceForWifi)};
+    return {printer.serialNumber, known ? known->uuid : printer.uuid};
 }
 
 // What the scan's thread and the one that waits for it have in common.
@@ -132,7 +124,17 @@ int IsOnLocalNetwork(const VendorSdk::DeviceInfo& record) {
     const auto deadline = Clock::now() + kPatience;
     const auto search = std::make_shared<Search>(std::move(wanted));
     const Looking looking(search);
+    const auto throughItsOwn = AddressOnPrintersNetwork(deadline);
+    if (!throughItsOwn) {
+        ReportProblem(
+            "the host's Wi-Fi service does not answer: a printer that is found may be found "
+            "through its own network");
+        return search->Failure().value_or(kNoWifiAnswer);
+    }
     while (const auto printer = search->Next(deadline)) {
+        if (!throughItsOwn->empty() && printer->address == *throughItsOwn) {
+            continue;
+        }
         if (Answers(*printer)) {
             return kOk;
         }

@@ -2,10 +2,12 @@
 // sense.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -14,6 +16,7 @@
 #include <vector>
 
 #include "VendorSdk/entry_points.h"
+#include "host_network.h"
 #include "host_route.h"
 #include "join_watch.h"
 #include "offered_networks.h"
@@ -85,6 +88,18 @@ TEST(GatewayIn, PassesOverRowsThatMakeNoSense) {
     EXPECT_EQ(Gateway("wlan0\n\nwlan0\tx\ty\n", "wlan0"), "");
     EXPECT_EQ(Gateway("wlan0\t00000000\t01DFA8C0\t0002\t0\t0\t0\t00000000\t0\t0\t0\n", "wlan0"),
               "");
+}
+
+// The loopback is up and has an address everywhere.
+TEST(IsOnWifi, GoesByWhatTheSystemCallsWifi) {
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("driverless-wifi-" + std::to_string(getpid()));
+    EXPECT_FALSE(IsOnWifi(folder.string()));
+    std::filesystem::create_directories(folder / "lo");
+    EXPECT_FALSE(IsOnWifi(folder.string()));
+    std::filesystem::create_directories(folder / "lo" / "phy80211");
+    EXPECT_TRUE(IsOnWifi(folder.string()));
+    std::filesystem::remove_all(folder);
 }
 
 std::string Problem(const std::string& name, const std::string& passPhrase) {

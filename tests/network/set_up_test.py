@@ -667,6 +667,18 @@ class LocalNetwork(SetUpTest):
         probe = self.probe()
         self.assertEqual(probe.result("present", serial="Radio@lab-p.local"), NOT_ON_NETWORK)
 
+    def test_what_is_not_known_of_the_hosts_wifi_does_not_count_as_yes(self):
+        self.have_wifi()
+        self.printer()
+        self.announce()
+        probe = self.probe()
+        self.wifi.process.send_signal(signal.SIGSTOP)
+        event = probe.asked("present", serial=SERIAL)
+        self.assertEqual(event["result"], NO_WIFI_ANSWER)
+        self.assertLess(event["took"], 6 * SLACK)
+        self.wifi.process.send_signal(signal.SIGCONT)
+        self.assertEqual(probe.result("present", serial=SERIAL), NOT_ON_NETWORK)
+
     def test_it_says_when_it_cannot_look(self):
         probe = self.probe(environment={"DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere/bus"})
         self.assertEqual(probe.result("present", serial=SERIAL), NO_BUS)

@@ -229,6 +229,7 @@ TEST_F(WifiWithoutAdapter, IsNoWifi) {
     service.AddEthernet("eth0");
     ExpectNoWifi(L"the host has no Wi-Fi adapter");
     ExpectNotConnected();
+    EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_NO_ADAPTER);
 }
 
 TEST_F(WifiWithoutAdapter, AnAdapterThatIsNotManaged_IsSaidToBe) {
@@ -254,12 +255,15 @@ TEST_F(Wifi, WithoutTheService_SaysSo) {
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     ExpectNoWifi(L"NetworkManager is not running");
     ExpectNotConnected();
+    EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_NOT_RUNNING);
+    EXPECT_EQ(LastProblem().reason, "NetworkManager is not running");
 }
 
 TEST_F(Wifi, WithoutABus_SaysSo) {
     setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus", 1);
     ExpectNoWifi(L"the system bus cannot be reached");
     ExpectNotConnected();
+    EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_NOT_RUNNING);
 }
 
 TEST_F(Wifi, AServiceThatDoesNotAnswer_IsNotAwaitedForEver) {
@@ -268,6 +272,7 @@ TEST_F(Wifi, AServiceThatDoesNotAnswer_IsNotAwaitedForEver) {
     const auto start = Clock::now();
     EXPECT_THAT(Scan(), IsEmpty());
     EXPECT_LT(SecondsSince(start), 8);
+    EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_FAILED);
     kill(process, SIGCONT);
     EXPECT_THAT(TakeLines(),
                 ElementsAre(IsLine(LOG_LEVEL_WARNING, L"has ended or does not answer")));
@@ -292,8 +297,17 @@ TEST_F(Wifi, AServiceThatEndsDuringAScan_EndsIt) {
 
 TEST_F(Wifi, AHostThatIsJoinedToNothing_SaysNothing) {
     service.Add(adapter, {.name = "Home"});
+    EXPECT_FALSE(Connect(L"Homes", L""));
+    EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_FAILED);
+    EXPECT_EQ(LastProblem().reason, "no access point of that name is in range");
+    char cut[3];
+    PrinterWifiProblem(cut, sizeof cut);
+    EXPECT_STREQ(cut, "no");
+    TakeLines();
     ExpectNotConnected();
     EXPECT_THAT(TakeLines(), IsEmpty());
+    EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_DONE);
+    EXPECT_EQ(LastProblem().reason, "");
 }
 
 TEST_F(Wifi, AHostKnowsWhatItIsJoinedTo) {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <string>
 
+#include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 #include "tests/host/printer_discover_api/logged.h"
 #include "tests/host/printer_discover_api/networks.h"
 
@@ -33,6 +34,18 @@ inline Connected QueryConnected() {
 
 inline bool Connect(const std::wstring& ssid, const std::wstring& passPhrase) {
     return PrinterWifiAPI::GetInstance().ConnectAP(ssid, passPhrase);
+}
+
+struct Problem {
+    int kind;
+    std::string reason;
+};
+
+// What stood in the way of the last operation of this thread.
+inline Problem LastProblem() {
+    char reason[200];
+    const int kind = PrinterWifiProblem(reason, sizeof reason);
+    return {kind, reason};
 }
 
 inline double SecondsSince(std::chrono::steady_clock::time_point start) {
