@@ -36,7 +36,7 @@ std::string VendorText(const VendorInfo& vendor, const std::vector<ModuleSurvey>
 }
 
 [[noreturn]] void ThrowNoVendor(const PrinterUtil::VendorListReport& list) {
-    throw Problem("no vendor is supported" + Lines(list.problems) +
+    throw Problem("no vendor is supported" + Lines(list.problems) + Lines(list.notes) +
                   "\nName a vendor list with --vendors FILE, or in the environment variable "
                   "DEVICEDISCOVER_VENDORS.");
 }
@@ -50,6 +50,9 @@ ExitStatus Vendors(const Settings& settings) {
     }
     for (const std::string& problem : list.problems) {
         Warn(problem);
+    }
+    for (const std::string& note : list.notes) {
+        Warn(note);
     }
     if (!settings.json) {
         WriteOutput("Vendor list  " + DisplayText(list.path) + "\nModules      " +

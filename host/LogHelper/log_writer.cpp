@@ -57,10 +57,9 @@ void LogWriter::UseFile(const Settings& settings) {
         // The file stays the same wherever the program goes.
         file.Use(Host::AbsolutePath(Host::PathFromUtf8(settings.filePath)), {});
     } else {
-        const std::filesystem::path folder = Host::UserStateFolder();
+        const auto [folder, reason] = Host::UserStateFolder();
         file.Use(folder.empty() ? folder : folder / kFileName,
-                 "there is no folder for it, " + std::string(Host::UserStateVariables()) +
-                     " being unset");
+                 "there is no folder for it, " + reason);
     }
 }
 

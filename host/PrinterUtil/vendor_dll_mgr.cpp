@@ -12,12 +12,12 @@ namespace {
 constexpr int kListRead = 0;
 constexpr int kListHasProblems = -1;
 
-// Logs one line about a problem; a logger that fails must not fail its caller.
-void LogProblem(const std::string& problem, const wchar_t* where) noexcept {
+// A logger that fails must not fail its caller.
+void LogLine(LOG_MESSAGE_LEVEL level, const std::string& text, const wchar_t* where) noexcept {
     try {
         std::wstringstream line;
-        line << Host::FromUtf8(problem) << L"(" << where << L")";
-        KzLogger::GetInstance().Log(LOG_LEVEL_ERROR, line);
+        line << Host::FromUtf8(text) << L"(" << where << L")";
+        KzLogger::GetInstance().Log(level, line);
     } catch (...) {
         return;
     }
@@ -35,13 +35,16 @@ int VendorDllMgr::GetCurrentSupportList(std::vector<VendorInfo>& vendors) {
     try {
         PrinterUtil::VendorListReport report = PrinterUtil::DescribeVendorList();
         for (const std::string& problem : report.problems) {
-            LogProblem(problem, where);
+            LogLine(LOG_LEVEL_ERROR, problem, where);
+        }
+        for (const std::string& note : report.notes) {
+            LogLine(LOG_LEVEL_WARNING, note, where);
         }
         vendors.insert(vendors.end(), std::make_move_iterator(report.vendors.begin()),
                        std::make_move_iterator(report.vendors.end()));
         return report.problems.empty() ? kListRead : kListHasProblems;
     } catch (const std::exception& error) {
-        LogProblem(std::string("vendor list: ") + error.what(), where);
+        LogLine(LOG_LEVEL_ERROR, std::string("vendor list: ") + error.what(), where);
         return kListHasProblems;
     }
 }
@@ -51,13 +54,13 @@ bool VendorDllMgr::GetDeviceHandle(HINSTANCE& module, const std::string& moduleN
     try {
         const PrinterUtil::ModuleReport report = PrinterUtil::DescribeModule(moduleName);
         if (report.module == nullptr) {
-            LogProblem(report.problem, where);
+            LogLine(LOG_LEVEL_ERROR, report.problem, where);
             return false;
         }
         module = report.module;
         return true;
     } catch (const std::exception& error) {
-        LogProblem(std::string("module: ") + error.what(), where);
+        LogLine(LOG_LEVEL_ERROR, std::string("module: ") + error.what(), where);
         return false;
     }
 }

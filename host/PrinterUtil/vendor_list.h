@@ -18,6 +18,8 @@ struct VendorListReport {
     std::string moduleFolder;           // empty when the list could not be read
     std::vector<std::string> problems;  // one line each, with the file and the place in it
     std::vector<VendorInfo> vendors;    // those without a problem; see "*" in README.md
+    // What was left out or put right without costing a vendor: one line each, as the problems.
+    std::vector<std::string> notes;
 };
 
 // Reads the list as VendorDllMgr does, and logs nothing.

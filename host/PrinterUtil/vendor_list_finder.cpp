@@ -4,9 +4,9 @@
 #include <fstream>
 #include <system_error>
 
+#include "base/environment.h"
 #include "host/PrinterUtil/file_trust.h"
 #include "host/PrinterUtil/module_loader.h"
-#include "host/common/environment.h"
 #include "host/common/paths.h"
 #include "host/common/user_folders.h"
 
@@ -67,24 +67,17 @@ FoundList ReadAt(const fs::path& path) {
 }
 
 // The user's list, for people.
-std::string UsersList(const fs::path& folder) {
-    return folder.empty() ? "one of the user's (there is no folder for it: " +
-                                std::string(Host::UserConfigurationVariables()) + " unset)"
-                          : Host::PathToUtf8(folder / kFileName);
+std::string UsersList(const Host::UserFolder& folder) {
+    return folder.path.empty()
+               ? "one of the user's (there is no folder for it: " + folder.reason + ")"
+               : Host::PathToUtf8(folder.path / kFileName);
 }
 
-}  // namespace
-
-FoundList FindVendorList(const fs::path& chosen) {
-    if (!chosen.empty()) {
-        return ReadAt(chosen);
-    }
-    if (const fs::path named = Host::PathFromEnvironment(kVariable); !named.empty()) {
-        return ReadAt(named);
-    }
-    const fs::path users = Host::UserConfigurationFolder();
+// The user's list, or the one beside this library.
+FoundList FindUnnamedList() {
+    const Host::UserFolder users = Host::UserConfigurationFolder();
     const fs::path beside = LibraryFolder() / kProductFolder;
-    for (const fs::path& folder : {users, beside}) {
+    for (const fs::path& folder : {users.path, beside}) {
         if (!folder.empty() && IsThere(folder / kFileName)) {
             return ReadAt(folder / kFileName);
         }
@@ -93,6 +86,23 @@ FoundList FindVendorList(const fs::path& chosen) {
     none.problem = "vendor list: none found, neither " + UsersList(users) + " nor " +
                    Host::PathToUtf8(beside / kFileName) + "; " + kVariable + " can name one";
     return none;
+}
+
+}  // namespace
+
+FoundList FindVendorList(const fs::path& chosen) {
+    if (!chosen.empty()) {
+        return ReadAt(chosen);
+    }
+    const Base::EnvironmentText named = Base::ReadEnvironment(kVariable);
+    if (!named.text.empty()) {
+        return ReadAt(named.text);
+    }
+    FoundList found = FindUnnamedList();
+    if (!named.ignored.empty()) {
+        found.note = "vendor list: " + named.ignored;
+    }
+    return found;
 }
 
 }  // namespace PrinterUtil

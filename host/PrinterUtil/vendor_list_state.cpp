@@ -30,6 +30,9 @@ VendorListReport VendorListState::ReadLocked() {
     VendorListReport report;
     const FoundList found = FindVendorList(chosenPath);
     report.path = Host::PathToUtf8(found.path);
+    if (!found.note.empty()) {
+        report.notes.push_back(found.note);
+    }
     if (found.problem.empty()) {
         ParseVendorList(found.text, found.path, report);
     } else {

@@ -1,6 +1,7 @@
 #include "host/common/user_folders.h"
 
-#include "host/common/environment.h"
+#include "base/environment.h"
+#include "host/common/folder_rules.h"
 
 namespace Host {
 
@@ -10,40 +11,44 @@ constexpr const char* kProductFolder = "DeviceDiscover";
 
 // A relative path in such a variable would depend on where the program was started; it does not
 // count.
-std::filesystem::path AbsoluteFromEnvironment(const char* variable) {
+std::filesystem::path AbsoluteFromEnvironment(const char* variable, bool& isIgnored) {
     if (variable == nullptr) {
         return {};
     }
-    std::filesystem::path path = PathFromEnvironment(variable);
+    const Base::EnvironmentText value = Base::ReadEnvironment(variable);
+    isIgnored = isIgnored || !value.ignored.empty();
+    const std::filesystem::path path = value.text;
     return path.is_absolute() ? path : std::filesystem::path();
 }
 
-std::filesystem::path Folder(const FolderRule& rule) {
-    if (const auto folder = AbsoluteFromEnvironment(rule.variable); !folder.empty()) {
-        return folder / kProductFolder;
+UserFolder Folder(const FolderRule& rule) {
+    bool isIgnored = false;
+    if (const auto folder = AbsoluteFromEnvironment(rule.variable, isIgnored); !folder.empty()) {
+        return {folder / kProductFolder, {}};
     }
-    if (const auto home = AbsoluteFromEnvironment(rule.homeVariable); !home.empty()) {
-        return home / rule.belowHome / kProductFolder;
+    if (const auto home = AbsoluteFromEnvironment(rule.homeVariable, isIgnored); !home.empty()) {
+        return {home / rule.belowHome / kProductFolder, {}};
     }
-    return {};
+    if (isIgnored && rule.withoutEnvironment != nullptr) {
+        if (const auto folder = rule.withoutEnvironment(); !folder.empty()) {
+            return {folder / kProductFolder, {}};
+        }
+    }
+    const std::string variables(rule.variables);
+    return {{},
+            isIgnored
+                ? variables + " ignored: this program has more rights than the user who started it"
+                : variables + " unset"};
 }
 
 }  // namespace
 
-std::filesystem::path UserStateFolder() {
+UserFolder UserStateFolder() {
     return Folder(kStateRule);
 }
 
-std::filesystem::path UserConfigurationFolder() {
+UserFolder UserConfigurationFolder() {
     return Folder(kConfigurationRule);
-}
-
-std::string_view UserStateVariables() {
-    return kStateRule.variables;
-}
-
-std::string_view UserConfigurationVariables() {
-    return kConfigurationRule.variables;
 }
 
 }  // namespace Host

@@ -1,16 +1,20 @@
 #pragma once
 
 #include <filesystem>
-#include <string_view>
+#include <string>
 
 namespace Host {
 
-// The product's own folders among the user's; empty where the user has none. Neither is made.
-std::filesystem::path UserStateFolder();
-std::filesystem::path UserConfigurationFolder();
+// One of the product's own folders among the user's, which may not be there yet.
+struct UserFolder {
+    std::filesystem::path path;  // empty where the user has none
+    // Why there is none, for people: "XDG_STATE_HOME and HOME unset".
+    std::string reason;
+};
 
-// The variables that name them, for a message that says why there is none.
-std::string_view UserStateVariables();
-std::string_view UserConfigurationVariables();
+// Where the log is, and where the user's vendor list is. An environment that does not count (see
+// base/environment.h) chooses neither.
+UserFolder UserStateFolder();
+UserFolder UserConfigurationFolder();
 
 }  // namespace Host

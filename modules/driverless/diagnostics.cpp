@@ -6,10 +6,12 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <ctime>
+#include <mutex>
+#include <set>
 #include <system_error>
 
+#include "base/environment.h"
 #include "text.h"
 
 namespace Driverless {
@@ -38,15 +40,19 @@ void WriteLine(int file, const std::string& message) {
 // A FIFO without a reader is refused at once, and one whose reader is slow loses lines: the host
 // waits for neither.
 int OpenLogFile() {
-    const char* const path = secure_getenv("DRIVERLESS_LOG");
-    if (path == nullptr || *path == '\0') {
+    const auto [path, ignored] = Base::ReadEnvironment("DRIVERLESS_LOG");
+    if (!ignored.empty()) {
+        WriteLine(STDERR_FILENO, ignored);
+    }
+    if (path.empty()) {
         return -1;
     }
-    const int file = open(path, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC, 0600);
+    const int file =
+        open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC, 0600);
     if (file < 0) {
         const std::string reason = std::generic_category().message(errno);
-        WriteLine(STDERR_FILENO, "cannot write diagnostics to " + std::string(path) + ": " +
-                                     reason + "; they go to standard error");
+        WriteLine(STDERR_FILENO, "cannot write diagnostics to " + path + ": " + reason +
+                                     "; they go to standard error");
     }
     return file;
 }
@@ -57,7 +63,23 @@ int LogFile() {
     return file;
 }
 
+// Never destroyed: settings may be read while the process ends.
+bool IsFirstWordAbout(const std::string& name) {
+    static std::mutex& mutex = *new std::mutex;
+    static std::set<std::string>& told = *new std::set<std::string>;
+    const std::lock_guard lock(mutex);
+    return told.insert(name).second;
+}
+
 }  // namespace
+
+std::string ReadSetting(const char* name) {
+    auto [text, ignored] = Base::ReadEnvironment(name);
+    if (!ignored.empty() && IsFirstWordAbout(name)) {
+        ReportProblem(ignored);
+    }
+    return text;
+}
 
 void ReportProblem(const std::string& message) {
     const int file = LogFile();

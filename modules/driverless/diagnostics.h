@@ -10,6 +10,10 @@
 
 namespace Driverless {
 
+// The text of an environment variable that sets the module up; empty when it is unset, or ignored
+// because this process has more rights than its user, which is reported once a variable.
+std::string ReadSetting(const char* name);
+
 // Something that keeps the module from doing what it was asked to.
 void ReportProblem(const std::string& message);
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <string>
 
+#include "diagnostics.h"
 #include "text.h"
 
 namespace Driverless {
@@ -62,8 +62,7 @@ bool MayBePrintersOwn(std::string_view name, std::string_view patterns) {
 }
 
 bool MayBePrintersOwn(std::string_view name) {
-    const char* const patterns = std::getenv("DEVICEDISCOVER_PRINTER_NETWORKS");
-    return MayBePrintersOwn(name, patterns == nullptr ? "" : patterns);
+    return MayBePrintersOwn(name, ReadSetting("DEVICEDISCOVER_PRINTER_NETWORKS"));
 }
 
 }  // namespace Driverless

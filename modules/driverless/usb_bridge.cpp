@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdlib>
 #include <future>
 #include <iterator>
 #include <map>
@@ -31,8 +30,7 @@ std::optional<std::uint16_t> PortFrom(std::string_view text) {
 }
 
 PortRange WantedRange() {
-    const char* const text = std::getenv(kRangeVariable);
-    return PortRangeFrom(text == nullptr ? std::string() : text);
+    return PortRangeFrom(ReadSetting(kRangeVariable));
 }
 
 Printer PrinterAt(std::uint16_t port, const std::optional<PrinterAttributes>& attributes) {

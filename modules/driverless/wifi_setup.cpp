@@ -33,10 +33,10 @@ constexpr long kLongestLimit = 600;
 
 // How long a printer has to join, from the environment variable DRIVERLESS_JOIN_SECONDS.
 std::chrono::seconds JoinLimit() {
-    const char* const text = std::getenv("DRIVERLESS_JOIN_SECONDS");
+    const std::string text = ReadSetting("DRIVERLESS_JOIN_SECONDS");
     char* end = nullptr;
-    const long seconds = text == nullptr ? 0 : std::strtol(text, &end, 10);
-    const bool valid = text != nullptr && *end == '\0' && seconds >= 1 && seconds <= kLongestLimit;
+    const long seconds = std::strtol(text.c_str(), &end, 10);
+    const bool valid = *end == '\0' && seconds >= 1 && seconds <= kLongestLimit;
     return std::chrono::seconds(valid ? seconds : kDefaultLimit);
 }
 

@@ -4,6 +4,7 @@ import json
 import os
 import shutil
 import subprocess
+import unittest
 
 import app_test
 from app_test import COULD_NOT_RUN, FOUND, MODULES, ON_WINDOWS, AppTest, json_lines, system_path
@@ -40,6 +41,21 @@ class Vendors(AppTest):
             self.assertRegex(result.output, rf"(?m)^ +{name} +{state}$")
         self.assertRegex(result.output, r"(?m)^ +StartDeviceScan +bound$")
         self.assertEqual(result.errors, "")
+
+    @unittest.skipIf(ON_WINDOWS or os.geteuid() != 0, "only root can become another user")
+    def test_the_environment_names_no_list_for_a_program_with_more_rights_than_its_user(self):
+        self.environment["DEVICEDISCOVER_VENDORS"] = self.list_file
+        named = self.run_app("vendors", "--json", listed=False)
+        self.assertEqual(json_lines(named.output)[0]["vendorList"], self.list_file)
+        command = ["setpriv", "--ruid", "65534", *self.command("vendors", "--json", listed=False)]
+        result = subprocess.run(command, env=self.environment, capture_output=True, text=True,
+                                timeout=app_test.PATIENCE)
+        self.assert_status(result, FOUND)
+        self.assertEqual(
+            {vendor["vendorList"] for vendor in json_lines(result.stdout)},
+            {os.path.join(os.path.dirname(app_test.PROGRAM), "DeviceDiscover", "vendors.json")})
+        self.assertIn("the environment variable DEVICEDISCOVER_VENDORS is ignored: this program has "
+                      "more rights than the user who started it", result.stderr)
 
     def test_json_is_one_object_a_vendor(self):
         self.list_file = self.vendor_list([("a", "scripted_all"), ("b", "scripted_all_b")])

@@ -16,6 +16,8 @@ MAY_INCLUDE = {
     "include/VendorSdk": [],
     "include/DeviceDiscover": ["include/VendorSdk/", "platform/"],
     "platform": [],
+    # What the application, its libraries and the modules share.
+    "base": [],
     "records": ["include/", "platform/"],
     "vendor": BROKER,
     "scan": BROKER + ["vendor/"],
@@ -23,15 +25,17 @@ MAY_INCLUDE = {
     "usb": BROKER + ["vendor/", "sdk/"],
     "hostnet": BROKER + ["vendor/"],
     "sdk": BROKER + ["vendor/"],
-    "host/LogHelper": ["platform/", "host/common/"],
-    "host/PrinterUtil": ["platform/", "host/common/"],
+    "host/common": ["platform/", "base/"],
+    "host/LogHelper": ["platform/", "base/", "host/common/"],
+    "host/PrinterUtil": ["platform/", "base/", "host/common/"],
     # The interface that the adapter implements.
-    "host/PrinterAdapter": ["platform/", "host/common/", "include/DeviceDiscover/printer_sdk.h"],
-    "host": ["platform/"],
-    "modules/driverless": ["include/VendorSdk/", "platform/PrinterDiscoverAPI/"],
-    "modules": ["include/VendorSdk/"],
+    "host/PrinterAdapter": ["platform/", "base/", "host/common/",
+                            "include/DeviceDiscover/printer_sdk.h"],
+    "host": ["platform/", "base/"],
+    "modules/driverless": ["include/VendorSdk/", "base/", "platform/PrinterDiscoverAPI/"],
+    "modules": ["include/VendorSdk/", "base/"],
     # The application configures its own libraries, and names no entry point by hand.
-    "app": ["include/", "platform/os.h", "platform/LogHelper/", "platform/PrinterUtil/",
+    "app": ["include/", "base/", "platform/os.h", "platform/LogHelper/", "platform/PrinterUtil/",
             "host/LogHelper/log_settings.h", "host/PrinterUtil/vendor_list.h"],
     "kit": ["include/VendorSdk/", "vendor/", "platform/os.h"],
 }

@@ -37,6 +37,26 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
+// In a process of its own, which may give its rights away.
+TEST(MayBePrintersOwnDeathTest, IsNotToldByTheEnvironmentOfAProgramWithMoreRightsThanItsUser) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can become another user";
+    }
+    setenv("DEVICEDISCOVER_PRINTER_NETWORKS", "Attic", 1);
+    unsetenv("DRIVERLESS_LOG");
+    ASSERT_TRUE(MayBePrintersOwn("Attic"));
+    constexpr uid_t other = 65534;
+    EXPECT_EXIT(
+        {
+            const bool isOther = setresuid(other, 0, 0) == 0;
+            const bool isTold = MayBePrintersOwn("Attic") || MayBePrintersOwn("Attic");
+            _exit(isOther && !isTold ? 0 : 1);
+        },
+        testing::ExitedWithCode(0),
+        "^driverless: the environment variable DEVICEDISCOVER_PRINTER_NETWORKS is ignored: this "
+        "program has more rights than the user who started it\n$");
+}
+
 TEST(MayBePrintersOwn, KnowsWifiDirectAndTheWordsOfPrinters) {
     EXPECT_TRUE(MayBePrintersOwn("DIRECT-a1-Acme Laser", ""));
     EXPECT_TRUE(MayBePrintersOwn("Acme Printer 12", ""));

@@ -41,6 +41,18 @@ class Layering(unittest.TestCase):
         self.assertEqual(self.check("scan/x.cpp", '#include "host/PrinterUtil/vendor_list.h"\n'),
                          ["scan/x.cpp: scan/ must not include host/PrinterUtil/vendor_list.h"])
 
+    def test_the_bottom_room_stands_on_nothing_and_is_there_for_all_but_the_broker(self):
+        self.write("base/environment.h", "#pragma once\n")
+        self.write("platform/os.h", "#pragma once\n")
+        self.assertEqual(self.check("base/x.cpp", '#include "base/environment.h"\n'), [])
+        self.assertEqual(self.check("base/x.cpp", '#include "platform/os.h"\n'),
+                         ["base/x.cpp: base/ must not include platform/os.h"])
+        for layer in ("app", "host/common", "host/LogHelper", "host/PrinterDiscoverAPI",
+                      "modules/driverless"):
+            self.assertEqual(self.check(f"{layer}/x.cpp", '#include "base/environment.h"\n'), [])
+        self.assertEqual(self.check("scan/x.cpp", '#include "base/environment.h"\n'),
+                         ["scan/x.cpp: scan/ must not include base/environment.h"])
+
     def test_the_adapter_may_include_the_interface_it_implements_and_no_other(self):
         for name in ("printer_sdk.h", "usb.h"):
             self.write(f"include/DeviceDiscover/{name}", "#pragma once\n")

@@ -5,9 +5,6 @@
 
 namespace Host {
 
-// The path in an environment variable; empty when the variable is not set or not to be trusted.
-std::filesystem::path PathFromEnvironment(const char* name);
-
 // Where the user's programs keep what they remember and how they are set up: the variable that says
 // so, and the folder below the home folder that holds otherwise.
 struct FolderRule {
@@ -15,6 +12,9 @@ struct FolderRule {
     const char* homeVariable;  // null where there is no other place
     const char* belowHome;
     std::string_view variables;  // both, for people
+    // Where the system itself knows the folder of a user whose environment does not count; else
+    // null.
+    std::filesystem::path (*withoutEnvironment)();
 };
 extern const FolderRule kStateRule;
 extern const FolderRule kConfigurationRule;

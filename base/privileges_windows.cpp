@@ -1,0 +1,42 @@
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <string_view>
+
+#include "base/privileges.h"
+
+namespace Base {
+
+bool HasMoreRightsThanItsUser() {
+    HANDLE token = nullptr;
+    if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) == 0) {
+        return true;
+    }
+    TOKEN_ELEVATION elevation{};
+    DWORD size = 0;
+    const bool isKnown =
+        GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) != 0;
+    CloseHandle(token);
+    return !isKnown || elevation.TokenIsElevated != 0;
+}
+
+NativeText RawEnvironment(const char* name) {
+    const std::string_view ascii = name;
+    const std::wstring wideName(ascii.begin(), ascii.end());
+    std::wstring value(MAX_PATH, L'\0');
+    DWORD length =
+        GetEnvironmentVariableW(wideName.c_str(), value.data(), static_cast<DWORD>(value.size()));
+    while (length > value.size()) {
+        value.resize(length);
+        length = GetEnvironmentVariableW(wideName.c_str(), value.data(), length);
+    }
+    value.resize(length);
+    return value;
+}
+
+}  // namespace Base

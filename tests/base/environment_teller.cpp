@@ -1,0 +1,16 @@
+#include <filesystem>
+#include <fstream>
+
+#include "base/environment.h"
+
+// environment_teller OUTPUT NAME: writes the variable's text, and the line about it when it is
+// ignored, to the file.
+int main(int count, char** arguments) {
+    if (count != 3) {
+        return 2;
+    }
+    const Base::EnvironmentText said = Base::ReadEnvironment(arguments[2]);
+    std::ofstream output(arguments[1]);
+    output << std::filesystem::path(said.text).string() << "\n" << said.ignored << "\n";
+    return output.flush() ? 0 : 1;
+}
