@@ -12,6 +12,7 @@
 
 #include "app/interrupt.h"
 #include "app/problem.h"
+#include "host/LogHelper/log_settings.h"
 
 namespace App {
 
@@ -68,6 +69,7 @@ bool IsInterrupted() {
 void EndProcess(int status) {
     std::fflush(stdout);
     std::fflush(stderr);
+    LogHelper::Flush();
     std::_Exit(status);
 }
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "host/LogHelper/log_settings.h"
 #include "platform/os.h"
 
 namespace App {
@@ -46,6 +47,7 @@ bool IsInterrupted() {
 void EndProcess(int status) {
     std::fflush(stdout);
     std::fflush(stderr);
+    LogHelper::Flush();
     // An exit ends the other threads wherever they are, and then lets every library take itself
     // down, which waits for ever when one of them held a lock.
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(status));

@@ -2,11 +2,15 @@
 
 #include <spdlog/sinks/rotating_file_sink.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
+
+#include "host/LogHelper/log_system.h"
 
 namespace LogHelper {
 
@@ -19,16 +23,22 @@ public:
     void Use(const std::filesystem::path& path, const std::string& whyNone);
     void UseNone();
 
-    // Writes the line, through to the system.
-    void Write(const spdlog::details::log_msg& message);
+    // Writes whole lines, through to the system, with nothing of other processes between them.
+    // There is no rotation within them.
+    void Write(std::string_view lines);
 
     const std::filesystem::path& Path() const { return path; }
+
+    // The open file, for a signal handler; kNoFile when there is none.
+    RawFile Raw() const { return raw; }
 
 private:
     using Clock = std::chrono::steady_clock;
 
     bool TryToWrite(const spdlog::details::log_msg& message);
+    bool IsUsable();
     void Open();
+    void Close();
     void Complain(const std::string& reason);
 
     bool wanted = false;
@@ -36,7 +46,9 @@ private:
     std::string whyNoPath;
     std::optional<spdlog::sinks::rotating_file_sink_st> sink;
     std::FILE* file = nullptr;  // the sink's
+    std::atomic<RawFile> raw{kNoFile};
     Clock::time_point restsUntil{};
+    Clock::time_point nextLook{};
     bool hasComplained = false;
 };
 

@@ -12,4 +12,12 @@ std::string LogFilePath() {
     return LogWriter::GetInstance().FilePath();
 }
 
+void Flush() {
+    LogWriter::GetInstance().Flush();
+}
+
+void WriteInSignalHandler(std::string_view text) noexcept {
+    LogWriter::WriteInSignalHandler(text);
+}
+
 }  // namespace LogHelper

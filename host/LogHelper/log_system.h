@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
@@ -21,5 +23,58 @@ void WriteToStandardError(std::string_view text) noexcept;
 
 // Whether the system has ended all other threads already, also those that held a lock.
 bool OtherThreadsAreGone() noexcept;
+
+// An open file as the system knows it. Writing to it is safe in a signal handler.
+using RawFile = std::intptr_t;
+inline constexpr RawFile kNoFile = -1;
+RawFile RawFileOf(std::FILE* file);
+void WriteRaw(RawFile file, std::string_view text) noexcept;
+
+// The calling thread, as lines name it.
+std::uint64_t ThreadId();
+// The same, safe in a signal handler.
+std::uint64_t ThreadIdInHandler() noexcept;
+
+// Lets a moment pass; safe in a signal handler.
+void PauseAMillisecond() noexcept;
+
+// The program's local time at that moment, as its distance from UTC.
+std::chrono::minutes DistanceFromUtc(std::chrono::system_clock::time_point time);
+
+// Wakes a thread that waits. What comes while nobody waits is kept.
+class WakeUp {
+public:
+    WakeUp();
+    ~WakeUp();
+    WakeUp(const WakeUp&) = delete;
+    WakeUp& operator=(const WakeUp&) = delete;
+
+    void Signal();
+    void Wait();
+    void WaitFor(std::chrono::milliseconds time);
+
+private:
+    void* system;
+};
+
+// Runs `body`, which never returns, on a thread of its own that no signal disturbs and that the
+// end of the process ends. From then on this library is never unloaded. False when there is no
+// thread to be had.
+bool StartThread(void (*body)());
+
+// Calls these whenever the process makes a copy of itself: before, and afterwards in each of both.
+void AroundFork(void (*before)(), void (*inParent)(), void (*inChild)());
+
+// While it lives, the calling thread is not cancelled: a line is written whole or not at all.
+class NoCancellation {
+public:
+    NoCancellation();
+    ~NoCancellation();
+    NoCancellation(const NoCancellation&) = delete;
+    NoCancellation& operator=(const NoCancellation&) = delete;
+
+private:
+    [[maybe_unused]] int previous = 0;
+};
 
 }  // namespace LogHelper

@@ -1,7 +1,11 @@
 #include <fcntl.h>
 #include <poll.h>
+#include <pthread.h>
+#include <semaphore.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -116,6 +120,28 @@ bool WriteWithin(int milliseconds, int stream, std::string_view text) {
     return true;
 }
 
+// Kept, for asking the system takes as long as composing half a line. Nothing has to destroy it.
+constinit thread_local std::uint64_t ownThreadId = 0;
+
+// All signals but those that a fault of the thread itself raises.
+sigset_t OthersSignals() {
+    sigset_t signals;
+    sigfillset(&signals);
+    for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT}) {
+        sigdelset(&signals, own);
+    }
+    return signals;
+}
+
+void* RunBody(void* body) {
+    reinterpret_cast<void (*)()>(body)();
+    return nullptr;
+}
+
+sem_t* Semaphore(void* system) {
+    return static_cast<sem_t*>(system);
+}
+
 }  // namespace
 
 void PrepareFile(const std::filesystem::path& path) {
@@ -147,6 +173,108 @@ void WriteToStandardError(std::string_view text) noexcept {
 
 bool OtherThreadsAreGone() noexcept {
     return false;
+}
+
+RawFile RawFileOf(std::FILE* file) {
+    return fileno(file);
+}
+
+void WriteRaw(RawFile file, std::string_view text) noexcept {
+    while (!text.empty()) {
+        const ssize_t written = write(static_cast<int>(file), text.data(), text.size());
+        if (written > 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno != EINTR) {
+            return;
+        }
+    }
+}
+
+std::uint64_t ThreadId() {
+    if (ownThreadId == 0) {
+        ownThreadId = ThreadIdInHandler();
+    }
+    return ownThreadId;
+}
+
+std::uint64_t ThreadIdInHandler() noexcept {
+    return static_cast<std::uint64_t>(syscall(SYS_gettid));
+}
+
+void PauseAMillisecond() noexcept {
+    constexpr timespec millisecond{0, 1000000};
+    nanosleep(&millisecond, nullptr);
+}
+
+std::chrono::minutes DistanceFromUtc(std::chrono::system_clock::time_point time) {
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    constexpr long secondsAMinute = 60;
+    return std::chrono::minutes(local.tm_gmtoff / secondsAMinute);
+}
+
+WakeUp::WakeUp() : system(new sem_t) {
+    sem_init(Semaphore(system), 0, 0);
+}
+
+WakeUp::~WakeUp() {
+    sem_destroy(Semaphore(system));
+    delete Semaphore(system);
+}
+
+void WakeUp::Signal() {
+    sem_post(Semaphore(system));
+}
+
+void WakeUp::Wait() {
+    while (sem_wait(Semaphore(system)) != 0 && errno == EINTR) {
+    }
+}
+
+void WakeUp::WaitFor(std::chrono::milliseconds time) {
+    constexpr long nanosecondsASecond = 1000000000;
+    timespec end{};
+    clock_gettime(CLOCK_MONOTONIC, &end);
+    const std::chrono::nanoseconds nanoseconds = time;
+    end.tv_nsec += static_cast<long>(nanoseconds.count() % nanosecondsASecond);
+    end.tv_sec += nanoseconds.count() / nanosecondsASecond + end.tv_nsec / nanosecondsASecond;
+    end.tv_nsec %= nanosecondsASecond;
+    while (sem_clockwait(Semaphore(system), CLOCK_MONOTONIC, &end) != 0 && errno == EINTR) {
+    }
+}
+
+// The library is linked so that it is never unloaded.
+bool StartThread(void (*body)()) {
+    const sigset_t others = OthersSignals();
+    sigset_t previous;
+    pthread_sigmask(SIG_BLOCK, &others, &previous);
+    pthread_t thread{};
+    const bool started =
+        pthread_create(&thread, nullptr, RunBody, reinterpret_cast<void*>(body)) == 0;
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    if (started) {
+        pthread_detach(thread);
+    }
+    return started;
+}
+
+void AroundFork(void (*before)(), void (*inParent)(), void (*inChild)()) {
+    static void (*child)();
+    child = inChild;
+    pthread_atfork(before, inParent, [] {
+        // The one thread of the new process has a number of its own.
+        ownThreadId = 0;
+        child();
+    });
+}
+
+NoCancellation::NoCancellation() {
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &previous);
+}
+
+NoCancellation::~NoCancellation() {
+    pthread_setcancelstate(previous, nullptr);
 }
 
 }  // namespace LogHelper

@@ -1,3 +1,7 @@
+#include <io.h>
+#include <process.h>
+
+#include <ctime>
 #include <system_error>
 
 #include "host/LogHelper/log_system.h"
@@ -23,6 +27,21 @@ bool WriteToConsole(HANDLE console, std::string_view text) {
     DWORD written = 0;
     return WriteConsoleW(console, wide.data(), static_cast<DWORD>(wide.size()), &written,
                          nullptr) != 0;
+}
+
+unsigned __stdcall RunBody(void* body) {
+    reinterpret_cast<void (*)()>(body)();
+    return 0;
+}
+
+// Of a local time that is read as if it were UTC.
+std::chrono::system_clock::time_point AsUtc(const std::tm& clock) {
+    using namespace std::chrono;
+    constexpr int firstYear = 1900;
+    const year_month_day date(year(clock.tm_year + firstYear),
+                              month(static_cast<unsigned>(clock.tm_mon + 1)),
+                              day(static_cast<unsigned>(clock.tm_mday)));
+    return sys_days(date) + hours(clock.tm_hour) + minutes(clock.tm_min) + seconds(clock.tm_sec);
 }
 
 }  // namespace
@@ -64,5 +83,73 @@ bool OtherThreadsAreGone() noexcept {
         GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
     return question != nullptr && question() != 0;
 }
+
+RawFile RawFileOf(std::FILE* file) {
+    return _get_osfhandle(_fileno(file));
+}
+
+// The C library's file stands at the file's end, and so does the handle under it.
+void WriteRaw(RawFile file, std::string_view text) noexcept {
+    const auto handle = reinterpret_cast<HANDLE>(file);
+    SetFilePointer(handle, 0, nullptr, FILE_END);
+    DWORD written = 0;
+    WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+}
+
+std::uint64_t ThreadId() {
+    return GetCurrentThreadId();
+}
+
+std::uint64_t ThreadIdInHandler() noexcept {
+    return GetCurrentThreadId();
+}
+
+void PauseAMillisecond() noexcept {
+    Sleep(1);
+}
+
+std::chrono::minutes DistanceFromUtc(std::chrono::system_clock::time_point time) {
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+    std::tm local{};
+    localtime_s(&local, &seconds);
+    return std::chrono::duration_cast<std::chrono::minutes>(
+        AsUtc(local) - std::chrono::system_clock::from_time_t(seconds));
+}
+
+WakeUp::WakeUp() : system(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
+
+WakeUp::~WakeUp() {
+    CloseHandle(system);
+}
+
+void WakeUp::Signal() {
+    SetEvent(system);
+}
+
+void WakeUp::Wait() {
+    WaitForSingleObject(system, INFINITE);
+}
+
+void WakeUp::WaitFor(std::chrono::milliseconds time) {
+    WaitForSingleObject(system, static_cast<DWORD>(time.count()));
+}
+
+bool StartThread(void (*body)()) {
+    HMODULE self = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const wchar_t*>(reinterpret_cast<void*>(&RunBody)), &self);
+    const auto thread = reinterpret_cast<HANDLE>(
+        _beginthreadex(nullptr, 0, RunBody, reinterpret_cast<void*>(body), 0, nullptr));
+    if (thread == nullptr) {
+        return false;
+    }
+    CloseHandle(thread);
+    return true;
+}
+
+// No process copies itself here, and no thread is cancelled.
+void AroundFork(void (*)(), void (*)(), void (*)()) {}
+NoCancellation::NoCancellation() {}
+NoCancellation::~NoCancellation() {}
 
 }  // namespace LogHelper

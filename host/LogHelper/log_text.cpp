@@ -11,16 +11,17 @@ namespace {
 constexpr std::wstring_view kPassPhrase = L"pwd";
 constexpr std::wstring_view kNetworkName = L"ssid";
 constexpr std::size_t kLongestNetworkName = 128;
-constexpr std::wstring_view kMask = L"***";
+constexpr std::string_view kMask = "***";
+constexpr std::string_view kCut = "...";
+// Of one line, so that a text that never ends costs no more than that.
+constexpr std::size_t kLargestText = std::size_t{256} * 1024;
 
-void MaskFrom(std::wstring& line, std::size_t begin) {
-    // The value may hold parentheses of its own: the last one opens the location.
+// The secret that begins there. It may hold parentheses of its own: the last one opens the
+// location.
+Secret SecretFrom(std::wstring_view line, std::size_t begin) {
     const std::size_t location = line.rfind(L'(');
-    if (location == std::wstring::npos || location < begin) {
-        line.replace(begin, std::wstring::npos, kMask);
-    } else {
-        line.replace(begin, location - begin, kMask);
-    }
+    const bool hasLocation = location != std::wstring_view::npos && location >= begin;
+    return {begin, hasLocation ? location : line.size(), true};
 }
 
 bool BreaksLines(char32_t codePoint) {
@@ -48,33 +49,45 @@ void AppendEscaped(std::string& text, char32_t codePoint) {
     text += escape;
 }
 
-}  // namespace
-
-void MaskSecrets(std::wstring& line) {
-    if (line.starts_with(kPassPhrase)) {
-        MaskFrom(line, kPassPhrase.size());
-        return;
-    }
-    // A network name that fills its field runs on into the pass phrase behind it.
-    const std::size_t nameEnd = kNetworkName.size() + kLongestNetworkName;
-    const std::size_t location = line.rfind(L'(');
-    if (line.starts_with(kNetworkName) && line.size() > nameEnd && location > nameEnd) {
-        MaskFrom(line, nameEnd);
-    }
-}
-
-std::string OneLine(std::wstring_view line) {
-    std::string text;
-    text.reserve(line.size());
-    for (std::size_t at = 0; at < line.size();) {
-        const char32_t codePoint = Host::NextCodePoint(line, at);
+void AppendText(std::string& text, std::wstring_view piece) {
+    for (std::size_t at = 0; at < piece.size();) {
+        if (text.size() > kLargestText) {
+            text += kCut;
+            return;
+        }
+        const char32_t codePoint = Host::NextCodePoint(piece, at);
         if (BreaksLines(codePoint)) {
             AppendEscaped(text, codePoint);
         } else {
             Host::AppendUtf8(text, codePoint);
         }
     }
-    return text;
+}
+
+}  // namespace
+
+Secret SecretIn(std::wstring_view line) {
+    if (line.starts_with(kPassPhrase)) {
+        return SecretFrom(line, kPassPhrase.size());
+    }
+    // A network name that fills its field runs on into the pass phrase behind it.
+    const std::size_t nameEnd = kNetworkName.size() + kLongestNetworkName;
+    const std::size_t location = line.rfind(L'(');
+    if (line.starts_with(kNetworkName) && line.size() > nameEnd && location > nameEnd) {
+        return SecretFrom(line, nameEnd);
+    }
+    return {line.size(), line.size(), false};
+}
+
+void AppendOneLine(std::string& text, std::wstring_view line, bool showSecrets) {
+    const Secret secret = SecretIn(line);
+    if (showSecrets || !secret.isThere) {
+        AppendText(text, line);
+        return;
+    }
+    AppendText(text, line.substr(0, secret.begin));
+    text += kMask;
+    AppendText(text, line.substr(secret.end));
 }
 
 }  // namespace LogHelper

@@ -1,9 +1,11 @@
 #include "host/LogHelper/log_writer.h"
 
-#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <iterator>
+#include <new>
 
-#include "host/LogHelper/log_format.h"
-#include "host/LogHelper/log_system.h"
+#include "host/LogHelper/log_stamp.h"
 #include "host/LogHelper/log_text.h"
 #include "host/common/paths.h"
 #include "host/common/user_folders.h"
@@ -13,14 +15,62 @@ namespace LogHelper {
 namespace {
 
 constexpr const char* kFileName = "DeviceDiscover.log";
+constexpr int kNoLevel = INT_MAX;
 
-spdlog::level::level_enum SpdlogLevel(LOG_MESSAGE_LEVEL level) {
-    static_assert(LOG_LEVEL_TRACE == static_cast<int>(spdlog::level::trace));
-    static_assert(LOG_LEVEL_ERROR == static_cast<int>(spdlog::level::err));
-    return static_cast<spdlog::level::level_enum>(std::clamp(static_cast<int>(level),
-                                                             static_cast<int>(LOG_LEVEL_TRACE),
-                                                             static_cast<int>(LOG_LEVEL_ERROR)));
+// What the thread waits for more lines once there is one, so that many lines make one write.
+constexpr std::chrono::milliseconds kGathering(5);
+constexpr std::size_t kGatheredEnough = LineQueue::kCapacity / 2;
+constexpr std::size_t kLargestWrite = std::size_t{128} * 1024;
+// How long one line waits for room in the queue, and a signal handler for a write under way.
+constexpr int kPatienceForRoom = 50;    // milliseconds
+constexpr int kPatienceForWrite = 100;  // milliseconds
+
+constexpr std::size_t kLongestLastWords = 400;  // bytes
+
+// A second and a distance from UTC in minutes, in one number.
+constexpr std::int64_t kRoomForDistance = 4096;
+constexpr std::int64_t kNoDistance = kRoomForDistance / 2;
+
+std::chrono::minutes DistanceIn(std::int64_t secondAndDistance) {
+    return std::chrono::minutes(secondAndDistance % kRoomForDistance - kNoDistance);
 }
+
+std::atomic<LogWriter*> theInstance{nullptr};
+static_assert(std::atomic<LogWriter*>::is_always_lock_free, "a signal handler uses it");
+
+// Whoever holds a lock when the system ends all threads holds it for good. What it guards can be
+// used without it then: there is one thread.
+std::unique_lock<std::mutex> LockUnlessAlone(std::mutex& mutex) {
+    return OtherThreadsAreGone() ? std::unique_lock(mutex, std::defer_lock)
+                                 : std::unique_lock(mutex);
+}
+
+// As many whole lines as make one write; at least one.
+std::string_view NextPiece(std::string_view lines) {
+    if (lines.size() <= kLargestWrite) {
+        return lines;
+    }
+    const std::size_t lastEnd = lines.rfind('\n', kLargestWrite - 1);
+    const std::size_t end = lastEnd != std::string_view::npos ? lastEnd : lines.find('\n');
+    return lines.substr(0, end == std::string_view::npos ? end : end + 1);
+}
+
+class Raised {
+public:
+    explicit Raised(std::atomic<bool>& newFlag) : flag(newFlag) { flag = true; }
+    ~Raised() { flag = false; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+
+private:
+    std::atomic<bool>& flag;
+};
+
+// Destroyed after all that uses this library.
+struct AtTheEnd {
+    ~AtTheEnd() { LogWriter::EndQueueing(); }
+};
+const AtTheEnd atTheEnd;
 
 }  // namespace
 
@@ -29,25 +79,24 @@ LogWriter& LogWriter::GetInstance() {
     return instance;
 }
 
-LogWriter::LogWriter() {
-    terminal.set_pattern(kLinePattern);
+LogWriter::LogWriter() : wakeUp(std::make_unique<WakeUp>()) {
+    secondAndDistance = kNoDistance;
     Configure({});
-}
-
-// On Windows a thread that held the lock may be gone for good by the time the last lines come.
-std::unique_lock<std::mutex> LogWriter::Lock() {
-    return OtherThreadsAreGone() ? std::unique_lock(mutex, std::try_to_lock)
-                                 : std::unique_lock(mutex);
+    theInstance = this;
+    AroundFork([] { theInstance.load()->BeforeFork(); }, [] { theInstance.load()->InParent(); },
+               [] { theInstance.load()->InChild(); });
 }
 
 void LogWriter::Configure(const Settings& settings) {
-    const auto lock = Lock();
-    if (lock) {
-        lowestLevel = settings.level;
-        showSecrets = settings.showSecrets;
-        toTerminal = settings.terminal;
-        UseFile(settings);
-    }
+    const NoCancellation whole;
+    Flush();
+    const Lock lock = LockUnlessAlone(fileMutex);
+    const Raised busy(isFileBusy);
+    showSecrets = settings.showSecrets;
+    toTerminal = settings.terminal;
+    toFile = settings.file;
+    UseFile(settings);
+    lowestLevel = settings.terminal || settings.file ? static_cast<int>(settings.level) : kNoLevel;
 }
 
 void LogWriter::UseFile(const Settings& settings) {
@@ -64,28 +113,229 @@ void LogWriter::UseFile(const Settings& settings) {
 }
 
 std::string LogWriter::FilePath() {
-    const auto lock = Lock();
-    return lock ? Host::PathToUtf8(file.Path()) : std::string();
+    const Lock lock = LockUnlessAlone(fileMutex);
+    return Host::PathToUtf8(file.Path());
 }
 
-void LogWriter::Write(LOG_MESSAGE_LEVEL level, const std::wstringstream& line) {
-    if (level < lowestLevel) {
+void LogWriter::WriteLine(LOG_MESSAGE_LEVEL level, std::wstring_view line) {
+    const NoCancellation whole;
+    std::string text = Stamp(level);
+    text.reserve(text.size() + line.size() + 1);
+    AppendOneLine(text, line, showSecrets);
+    text += '\n';
+    const bool isUrgent = level >= LOG_LEVEL_ERROR;
+    if (!toTerminal) {
+        Queue(text, isUrgent);
         return;
     }
-    std::wstring wide = line.str();
-    if (!showSecrets) {
-        MaskSecrets(wide);
+    const Lock lock = LockUnlessAlone(terminalMutex);
+    WriteToStandardError(text);
+    Queue(text, isUrgent);
+}
+
+std::string LogWriter::Stamp(LOG_MESSAGE_LEVEL level) {
+    const auto now = std::chrono::system_clock::now();
+    return std::string(LogStamp(now, FromUtc(now), ThreadId(), level).Text());
+}
+
+// The distance is asked for once a second, and kept together with its second in one number.
+std::chrono::minutes LogWriter::FromUtc(std::chrono::system_clock::time_point now) {
+    const auto second = std::chrono::floor<std::chrono::seconds>(now).time_since_epoch().count();
+    std::int64_t known = secondAndDistance;
+    if (known / kRoomForDistance != second) {
+        known = second * kRoomForDistance + kNoDistance + DistanceFromUtc(now).count();
+        secondAndDistance = known;
     }
-    const std::string text = OneLine(wide);
-    const spdlog::details::log_msg message({}, {}, SpdlogLevel(level), text);
-    const auto lock = Lock();
-    if (!lock) {
+    return DistanceIn(known);
+}
+
+void LogWriter::Queue(std::string_view line, bool isUrgent) {
+    if (!toFile) {
         return;
     }
-    if (toTerminal) {
-        terminal.log(message);
+    if (!isUrgent && !isSynchronous && !OtherThreadsAreGone() && HasThread()) {
+        PushWithPatience(line);
+        return;
     }
-    file.Write(message);
+    if (!Push(line)) {
+        Drain();
+        lost += Push(line) ? 0 : 1;
+    }
+    Drain();
+}
+
+bool LogWriter::HasThread() {
+    if (!hasThread) {
+        const Lock lock = LockUnlessAlone(queueMutex);
+        if (!hasThread) {
+            hasThread = StartThread([] { theInstance.load()->RunThread(); });
+        }
+    }
+    return hasThread;
+}
+
+bool LogWriter::Push(std::string_view line) {
+    const Lock lock = LockUnlessAlone(queueMutex);
+    PushTheLost();
+    const std::size_t before = queue.Size();
+    if (lost != 0 || !queue.Push(line)) {
+        return false;
+    }
+    if (before == 0 || (before < kGatheredEnough && queue.Size() >= kGatheredEnough)) {
+        wakeUp->Signal();
+    }
+    return true;
+}
+
+void LogWriter::PushWithPatience(std::string_view line) {
+    for (int patience = isStuck ? 0 : kPatienceForRoom; !Push(line); --patience) {
+        if (patience == 0) {
+            isStuck = true;
+            ++lost;
+            return;
+        }
+        PauseAMillisecond();
+    }
+}
+
+// Says in the place of lost lines how many they are.
+void LogWriter::PushTheLost() {
+    const std::uint64_t count = lost;
+    if (count != 0 && queue.Push(Stamp(LOG_LEVEL_WARNING) + "LogHelper: lost lines: " +
+                                 std::to_string(count) + "; the file took no more\n")) {
+        lost -= count;
+    }
+}
+
+void LogWriter::RunThread() {
+    for (;;) {
+        wakeUp->Wait();
+        // What comes before there is a file would be lost to a signal handler.
+        if (file.Raw() != kNoFile) {
+            wakeUp->WaitFor(kGathering);
+        }
+        try {
+            Flush();
+        } catch (const std::bad_alloc&) {
+            // These lines are lost.
+            continue;
+        }
+    }
+}
+
+void LogWriter::Flush() {
+    const NoCancellation whole;
+    Drain();
+    if (lost != 0) {
+        {
+            const Lock lock = LockUnlessAlone(queueMutex);
+            PushTheLost();
+        }
+        Drain();
+    }
+}
+
+void LogWriter::Drain() {
+    if (OtherThreadsAreGone() && isFileBusy) {
+        // The thread that wrote is gone, and the C library's file may be locked for good.
+        WriteWaitingRaw(file.Raw());
+        return;
+    }
+    const Lock lock = LockUnlessAlone(fileMutex);
+    const Raised busy(isFileBusy);
+    if (isRescuing) {
+        return;
+    }
+    LineQueue::Buffer& filled = TurnQueue();
+    for (std::string_view lines = filled.Unwritten(); !lines.empty(); lines = filled.Unwritten()) {
+        const std::string_view piece = NextPiece(lines);
+        file.Write(piece);
+        filled.MarkWritten(piece.size());
+    }
+    isStuck = false;
+}
+
+LineQueue::Buffer& LogWriter::TurnQueue() {
+    const Lock lock = LockUnlessAlone(queueMutex);
+    return queue.Turn();
+}
+
+void LogWriter::WriteWaitingRaw(RawFile raw) noexcept {
+    for (LineQueue::Buffer* const buffer : {&queue.Older(), &queue.Newer()}) {
+        const std::string_view lines = buffer->Unwritten();
+        WriteRaw(raw, lines);
+        buffer->MarkWritten(lines.size());
+    }
+}
+
+void LogWriter::EndQueueing() {
+    if (LogWriter* const writer = theInstance) {
+        writer->isSynchronous = true;
+        writer->Flush();
+    }
+}
+
+void LogWriter::WriteInSignalHandler(std::string_view text) noexcept {
+    if (LogWriter* const writer = theInstance) {
+        const int error = errno;
+        writer->Rescue(text);
+        errno = error;
+    }
+}
+
+// Of two threads that crash at once, the first writes what waits.
+void LogWriter::Rescue(std::string_view text) noexcept {
+    const bool isFirst = !isRescuing.exchange(true);
+    for (int patience = kPatienceForWrite; isFileBusy && patience > 0; --patience) {
+        PauseAMillisecond();
+    }
+    const RawFile raw = file.Raw();
+    if (raw != kNoFile && isFirst) {
+        WriteWaitingRaw(raw);
+    }
+    if (raw != kNoFile) {
+        WriteLastLine(raw, text);
+    }
+    if (isFirst) {
+        isRescuing = false;
+    }
+}
+
+void LogWriter::WriteLastLine(RawFile raw, std::string_view text) noexcept {
+    const std::int64_t known = secondAndDistance;
+    const LogStamp stamp(std::chrono::system_clock::now(), DistanceIn(known), ThreadIdInHandler(),
+                         LOG_LEVEL_ERROR);
+    char line[kLongestLastWords + 128];
+    std::size_t size = stamp.Text().copy(line, std::size(line));
+    for (const char character : text.substr(0, kLongestLastWords)) {
+        const bool isControl = static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
+        line[size++] = isControl ? '?' : character;
+    }
+    line[size++] = '\n';
+    WriteRaw(raw, {line, size});
+}
+
+// The process that is copied goes on writing its lines itself.
+void LogWriter::BeforeFork() {
+    terminalMutex.lock();
+    fileMutex.lock();
+    queueMutex.lock();
+}
+
+void LogWriter::InParent() {
+    queueMutex.unlock();
+    fileMutex.unlock();
+    terminalMutex.unlock();
+}
+
+// The copy has none of the threads, and nobody will wake the one that waited.
+void LogWriter::InChild() {
+    queue.Clear();
+    lost = 0;
+    hasThread = false;
+    static_cast<void>(wakeUp.release());
+    wakeUp = std::make_unique<WakeUp>();
+    InParent();
 }
 
 }  // namespace LogHelper

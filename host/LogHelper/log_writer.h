@@ -1,16 +1,23 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <memory>
 #include <mutex>
+#include <sstream>
 #include <string>
+#include <string_view>
 
+#include "host/LogHelper/line_queue.h"
 #include "host/LogHelper/log_file.h"
 #include "host/LogHelper/log_settings.h"
-#include "host/LogHelper/terminal_sink.h"
+#include "host/LogHelper/log_system.h"
 
 namespace LogHelper {
 
-// Takes lines from all threads and writes each to where the settings say before it returns.
+// Takes lines from all threads, composes each on the thread it comes from and queues it; a thread
+// of its own writes them to the file. The terminal gets its lines at once.
 class LogWriter {
 public:
     // Made on first use and never destroyed: threads log while the process ends.
@@ -18,21 +25,68 @@ public:
 
     void Configure(const Settings& settings);
     std::string FilePath();
-    void Write(LOG_MESSAGE_LEVEL level, const std::wstringstream& line);
+    void Write(LOG_MESSAGE_LEVEL level, const std::wstringstream& line) {
+        if (level >= lowestLevel) {
+            WriteLine(level, line.view());
+        }
+    }
+
+    // Returns when all lines so far have been handed to the system.
+    void Flush();
+
+    // The process ends: the lines so far are handed to the system, and those to come at once.
+    static void EndQueueing();
+
+    static void WriteInSignalHandler(std::string_view text) noexcept;
 
 private:
+    using Lock = std::unique_lock<std::mutex>;
+
     LogWriter();
 
-    std::unique_lock<std::mutex> Lock();
     void UseFile(const Settings& settings);
+    void WriteLine(LOG_MESSAGE_LEVEL level, std::wstring_view line);
+    std::string Stamp(LOG_MESSAGE_LEVEL level);
+    std::chrono::minutes FromUtc(std::chrono::system_clock::time_point now);
 
-    std::atomic<LOG_MESSAGE_LEVEL> lowestLevel;
+    void Queue(std::string_view line, bool isUrgent);
+    bool Push(std::string_view line);
+    void PushWithPatience(std::string_view line);
+    void PushTheLost();
+    bool HasThread();
+    void RunThread();
+
+    void Drain();
+    LineQueue::Buffer& TurnQueue();
+    void WriteWaitingRaw(RawFile raw) noexcept;
+    void Rescue(std::string_view text) noexcept;
+    void WriteLastLine(RawFile raw, std::string_view text) noexcept;
+
+    void BeforeFork();
+    void InParent();
+    void InChild();
+
+    std::atomic<int> lowestLevel;
     std::atomic<bool> showSecrets;
+    std::atomic<bool> toTerminal = false;
+    std::atomic<bool> toFile = false;
+    std::atomic<bool> isSynchronous = false;
+    std::atomic<std::int64_t> secondAndDistance;  // see DistanceIn
 
-    std::mutex mutex;  // guards what follows
-    bool toTerminal = false;
-    TerminalSink terminal;
+    std::unique_ptr<WakeUp> wakeUp;
+    std::atomic<bool> hasThread = false;
+    std::atomic<std::uint64_t> lost{0};
+    std::atomic<bool> isStuck = false;  // the file takes nothing: nobody waits for room any more
+    std::atomic<bool> isFileBusy = false;
+    std::atomic<bool> isRescuing = false;  // a signal handler writes: nobody else does
+
+    // Taken in this order.
+    std::mutex terminalMutex;  // the order of lines is the same on the terminal and in the file
+    std::mutex fileMutex;      // guards `file`, and what the last turn of `queue` handed out
+    std::mutex queueMutex;     // guards the rest of `queue`, and the start of the thread
+
     LogFile file;
+    LineQueue queue;
 };
 
 }  // namespace LogHelper

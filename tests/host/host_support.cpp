@@ -7,6 +7,7 @@
 #include <iterator>
 #include <random>
 #include <sstream>
+#include <thread>
 
 namespace HostTest {
 
@@ -64,10 +65,26 @@ fs::path ForeignName() {
     return std::u8string(u8"\u00E9\u20AC\u0416");
 }
 
-void Log(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
+void LogOnly(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
     std::wstringstream line;
     line << text;
     KzLogger::GetInstance().Log(level, line);
+}
+
+void Log(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
+    LogOnly(level, text);
+    LogHelper::Flush();
+}
+
+bool Becomes(const std::function<bool()>& so) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!so()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
 }
 
 fs::path BuiltModule(const std::string& name) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -47,8 +48,12 @@ std::string Utf8(const fs::path& path);
 // A name for a file that no code page has.
 fs::path ForeignName();
 
-// Logs through the logger, as the broker does.
+// Logs through the logger, as the broker does; Log returns when the line is in the file.
+void LogOnly(LOG_MESSAGE_LEVEL level, const std::wstring& text);
 void Log(LOG_MESSAGE_LEVEL level, const std::wstring& text);
+
+// Waits until it is so; false when it does not become so.
+bool Becomes(const std::function<bool()>& so);
 
 // The file of a module that was built for the tests, and the file name of any module.
 fs::path BuiltModule(const std::string& name);

@@ -9,8 +9,10 @@
 
 namespace {
 
+using HostTest::Becomes;
 using HostTest::Lines;
 using HostTest::Log;
+using HostTest::LogOnly;
 using HostTest::Utf8;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -53,8 +55,19 @@ protected:
         return lines.empty() ? "no line" : Text(lines.back());
     }
 
+    // Runs the program that logs to a file of its own and ends in that way.
+    int EndThere(const std::string& how) {
+        const auto program = HostTest::ProgramFolder() / HostTest::ProgramFileName("log_and_end");
+        return HostTest::Run(program, {Utf8(own), how});
+    }
+    std::string LastOwnLine() {
+        const std::vector<std::string> lines = Lines(own);
+        return lines.empty() ? "no line" : Text(lines.back());
+    }
+
     HostTest::User user;
     LogHelper::Settings settings;
+    const std::filesystem::path own = user.Folder() / "own.log";
 };
 
 }  // namespace
@@ -93,11 +106,85 @@ TEST_F(LogHelperTest, DropsTraceLinesUnlessAskedForThem) {
     EXPECT_THAT(Lines(user.LogFile()), ElementsAre(EndsWith(" kept")));
 }
 
-TEST_F(LogHelperTest, WritesALineBeforeItReturns) {
+TEST_F(LogHelperTest, HasAnErrorInTheFileBeforeItReturns) {
     for (std::size_t count = 1; count <= 20; ++count) {
-        Log(LOG_LEVEL_DEBUG, L"line");
-        ASSERT_THAT(Lines(user.LogFile()), SizeIs(count));
+        LogOnly(LOG_LEVEL_DEBUG, L"line");
+        LogOnly(LOG_LEVEL_ERROR, L"error");
+        ASSERT_THAT(Lines(user.LogFile()), SizeIs(2 * count));
     }
+}
+
+TEST_F(LogHelperTest, HasOtherLinesInTheFileAMomentLater) {
+    for (std::size_t count = 1; count <= 5; ++count) {
+        LogOnly(LOG_LEVEL_DEBUG, L"line");
+        EXPECT_TRUE(Becomes([&] { return Lines(user.LogFile()).size() == count; }));
+    }
+}
+
+TEST_F(LogHelperTest, KeepsTheOrderOfLinesOfAllLevels) {
+    constexpr std::size_t kLines = 20000;
+    for (std::size_t count = 0; count < kLines; ++count) {
+        const bool isError = count % 1000 == 999;
+        LogOnly(isError ? LOG_LEVEL_ERROR : LOG_LEVEL_DEBUG, std::to_wstring(count));
+    }
+    LogHelper::Flush();
+    const std::vector<std::string> lines = Lines(user.LogFile());
+    ASSERT_THAT(lines, SizeIs(kLines));
+    for (std::size_t count = 0; count < kLines; ++count) {
+        ASSERT_EQ(Text(lines[count]), std::to_string(count));
+    }
+}
+
+TEST_F(LogHelperTest, HasAllLinesInTheFileWhenTheProcessEnds) {
+    EXPECT_EQ(EndThere("exit"), 0);
+    EXPECT_EQ(LastOwnLine(), "line 499");
+}
+
+TEST_F(LogHelperTest, HasAllLinesUpToAnErrorInTheFileWhenTheProcessCrashes) {
+    EXPECT_NE(EndThere("crash-after-error"), 0);
+    EXPECT_EQ(LastOwnLine(), "last");
+    EXPECT_THAT(Lines(own), SizeIs(502));
+}
+
+TEST_F(LogHelperTest, HasWholeLinesInTheFileWhenTheProcessCrashesWithoutAHandler) {
+    EXPECT_NE(EndThere("crash"), 0);
+    const std::vector<std::string> lines = Lines(own);
+    ASSERT_THAT(lines, Not(IsEmpty()));
+    EXPECT_EQ(Text(lines.front()), "first");
+    for (std::size_t number = 1; number < lines.size(); ++number) {
+        ASSERT_EQ(Text(lines[number]), "line " + std::to_string(number - 1));
+    }
+}
+
+TEST_F(LogHelperTest, WritesWhatWaitsAndTheLastWordsInASignalHandler) {
+    EXPECT_EQ(EndThere("crash-with-handler"), 3);
+    const std::vector<std::string> lines = Lines(own);
+    EXPECT_THAT(lines, SizeIs(502));
+    EXPECT_EQ(LastOwnLine(), "the last?words");
+    EXPECT_THAT(lines.back(), HasSubstr("] error   the last"));
+}
+
+TEST_F(LogHelperTest, WritesInASignalHandlerWhileOtherThreadsLog) {
+    for (int count = 0; count < 10; ++count) {
+        ASSERT_EQ(EndThere("crash-among-threads"), 3);
+        const std::vector<std::string> lines = Lines(own);
+        const auto has = [&](const std::string& text) {
+            return std::any_of(lines.begin(), lines.end(),
+                               [&](const std::string& line) { return Text(line) == text; });
+        };
+        ASSERT_TRUE(has("line 0"));
+        ASSERT_TRUE(has("line 499"));
+        ASSERT_TRUE(has("the last?words"));
+        std::filesystem::remove(own);
+    }
+}
+
+TEST_F(LogHelperTest, CutsALineThatNeverEnds) {
+    Log(LOG_LEVEL_DEBUG, std::wstring(3000000, L'x'));
+    Log(LOG_LEVEL_DEBUG, L"next");
+    ASSERT_THAT(Lines(user.LogFile()), SizeIs(2));
+    EXPECT_THAT(Lines(user.LogFile()).front(), EndsWith("xxx..."));
+    EXPECT_LT(Lines(user.LogFile()).front().size(), 300000u);
 }
 
 TEST_F(LogHelperTest, TellsThreadsApart) {

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "platform/LogHelper/KzLogger.h"
+
+namespace LogHelper {
+
+// What stands before the text of a line: local time with its distance from UTC, thread, level. Made
+// without memory, locks or the system, so that a signal handler can make it, too.
+class LogStamp {
+public:
+    using Time = std::chrono::system_clock::time_point;
+
+    LogStamp(Time time, std::chrono::minutes fromUtc, std::uint64_t thread,
+             LOG_MESSAGE_LEVEL level);
+
+    std::string_view Text() const { return {text, size}; }
+
+private:
+    void Add(std::string_view piece);
+    void AddNumber(std::uint64_t number, int leastDigits);
+
+    char text[96];
+    std::size_t size = 0;
+};
+
+}  // namespace LogHelper
