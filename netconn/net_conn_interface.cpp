@@ -8,20 +8,23 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-using Vendors = Broker::VendorTable<NetConnInterfaceItem>;
+using Item = NetConnInterfaceItem;
+using Vendors = Broker::VendorTable<Item>;
+
+constexpr auto& kEntryPoints = Broker::kNetConnEntryPoints<Item>;
 
 // The chosen vendor's entry point; null, with the reason logged, when there is no vendor or it has
 // none.
-template <class Function>
-Function* ChosenFunction(const Vendors& vendors, Vendors::const_iterator vendor,
-                         Function* NetConnInterfaceItem::*slot, const char* missing,
-                         const Broker::Location& where) {
+template <auto Slot>
+auto ChosenFunction(const Vendors& vendors, Vendors::const_iterator vendor, const char* missing,
+                    const Broker::Location& where) {
+    using Chosen = decltype(Broker::FunctionOf<Slot, kEntryPoints>(*vendor));
     if (vendor == vendors.end()) {
         Broker::Log(LOG_LEVEL_ERROR, where, "call Func map find fail:");
-        return nullptr;
+        return Chosen();
     }
-    Function* const function = vendor->second.*slot;
-    if (function == nullptr) {
+    Chosen function = Broker::FunctionOf<Slot, kEntryPoints>(*vendor);
+    if (!function) {
         Broker::Log(LOG_LEVEL_WARNING, where, missing);
     }
     return function;
@@ -52,8 +55,7 @@ bool NetConnInterface::Init() {
 }
 
 bool NetConnInterface::GetDeviceFunc() {
-    return Broker::BindVendors(vendors, &VendorInfo::vendorName,
-                               Broker::kNetConnEntryPoints<NetConnInterfaceItem>, HERE);
+    return Broker::BindVendors(vendors, &VendorInfo::vendorName, kEntryPoints, HERE);
 }
 
 void NetConnInterface::UnInit() {
@@ -66,8 +68,9 @@ Vendors::iterator NetConnInterface::GetCurrentNetConnectWifiAPInterface() {
         return vendors.end();
     }
     for (auto vendor = vendors.begin(); vendor != vendors.end(); ++vendor) {
-        const auto isConnected = vendor->second.IsConnectCurrentWifiAP;
-        if (isConnected == nullptr) {
+        const auto isConnected =
+            Broker::FunctionOf<&Item::IsConnectCurrentWifiAP, kEntryPoints>(*vendor);
+        if (!isConnected) {
             Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
             continue;
         }
@@ -94,10 +97,9 @@ int NetConnInterface::StartAPWifiScan(const WifiCallbackInfo& info) {
         Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Enable,please first Stop");
         return Broker::kNoCallback;
     }
-    const auto scan =
-        ChosenFunction(vendors, GetCurrentNetConnectWifiAPInterface(),
-                       &NetConnInterfaceItem::StartAPWifiScan, "call pFunc is nullptr, err:", HERE);
-    if (scan == nullptr) {
+    const auto scan = ChosenFunction<&Item::StartAPWifiScan>(
+        vendors, GetCurrentNetConnectWifiAPInterface(), "call pFunc is nullptr, err:", HERE);
+    if (!scan) {
         return Broker::kNothingToCall;
     }
     Broker::RunDetached([scan, registration] {
@@ -116,10 +118,9 @@ int NetConnInterface::StopAPWifiScan() {
     }
     NetConnInterfaceListener::GetInstance().ClearDeviceCallbackInfo();
     const std::lock_guard lock(mutex);
-    const auto stop =
-        ChosenFunction(vendors, GetCurrentNetConnectWifiAPInterface(),
-                       &NetConnInterfaceItem::StopAPWifiScan, "pFunc is nullptr, err:", HERE);
-    if (stop == nullptr) {
+    const auto stop = ChosenFunction<&Item::StopAPWifiScan>(
+        vendors, GetCurrentNetConnectWifiAPInterface(), "pFunc is nullptr, err:", HERE);
+    if (!stop) {
         return Broker::kNothingToCall;
     }
     return Broker::Outcome(stop(), "call Func fail, err:", HERE);
@@ -129,10 +130,9 @@ int NetConnInterface::PrinterAPNetConfigEvent(const WifiConfigInfo& network) {
     if (!initialised) {
         return Broker::NotInitialised(HERE);
     }
-    const auto configure = ChosenFunction(vendors, GetCurrentNetConnectWifiAPInterface(),
-                                          &NetConnInterfaceItem::PrinterAPNetConfigEvent,
-                                          "pFunc is nullptr, err:", HERE);
-    if (configure == nullptr) {
+    const auto configure = ChosenFunction<&Item::PrinterAPNetConfigEvent>(
+        vendors, GetCurrentNetConnectWifiAPInterface(), "pFunc is nullptr, err:", HERE);
+    if (!configure) {
         return Broker::kNothingToCall;
     }
     VendorSdk::WifiConfigInfo vendorNetwork;
@@ -144,10 +144,9 @@ int NetConnInterface::GetDeviceInfoByNet(DeviceInfo& device) {
     if (!initialised) {
         return Broker::NotInitialised(HERE);
     }
-    const auto getDevice =
-        ChosenFunction(vendors, GetCurrentNetConnectWifiAPInterface(),
-                       &NetConnInterfaceItem::GetDeviceInfoByNet, "pFunc is nullptr, err:", HERE);
-    if (getDevice == nullptr) {
+    const auto getDevice = ChosenFunction<&Item::GetDeviceInfoByNet>(
+        vendors, GetCurrentNetConnectWifiAPInterface(), "pFunc is nullptr, err:", HERE);
+    if (!getDevice) {
         return Broker::kNothingToCall;
     }
     VendorSdk::DeviceInfo vendorDevice;
@@ -166,8 +165,8 @@ int NetConnInterface::IsLocalAreaNetworkOK(const DeviceInfo& device) {
     if (vendor == vendors.end()) {
         return Broker::kNothingToCall;
     }
-    const auto isReachable = vendor->second.IsLocalAreaNetworkOK;
-    if (isReachable == nullptr) {
+    const auto isReachable = Broker::FunctionOf<&Item::IsLocalAreaNetworkOK, kEntryPoints>(*vendor);
+    if (!isReachable) {
         Broker::Log(LOG_LEVEL_ERROR, HERE, "call pFunc is nullptr - fail:", vendor->first);
         return Broker::kNothingToCall;
     }

@@ -8,23 +8,20 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-using Vendors = Broker::VendorTable<ScanInterface::VendorEntry>;
-using DeviceFunction = int(const VendorSdk::DeviceInfo*);
-using DeviceSlot = DeviceFunction* ScanInterface::VendorEntry::*;
+using Entry = ScanInterface::VendorEntry;
+using Vendors = Broker::VendorTable<Entry>;
 
-int CallWith(DeviceFunction& function, const DeviceInfo& device) {
-    const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
-    return function(&vendorDevice);
-}
+constexpr auto& kEntryPoints = Broker::kScanEntryPoints<Entry>;
 
 // Tells the device's vendor of a connection event.
-int Notify(const Vendors& vendors, DeviceSlot slot, const DeviceInfo& device,
-           const Broker::Location& where) {
-    DeviceFunction* const function = Broker::FindFunction(vendors, slot, device, where);
-    if (function == nullptr) {
+template <auto Slot>
+int Notify(const Vendors& vendors, const DeviceInfo& device, const Broker::Location& where) {
+    const auto notify = Broker::FindFunction<Slot, kEntryPoints>(vendors, device, where);
+    if (!notify) {
         return Broker::kNothingToCall;
     }
-    return Broker::Outcome(CallWith(*function, device), "call Func Fail", where);
+    const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
+    return Broker::Outcome(notify(&vendorDevice), "call Func Fail", where);
 }
 
 }  // namespace
@@ -52,8 +49,7 @@ bool ScanInterface::Init() {
 }
 
 bool ScanInterface::GetDeviceFunc() {
-    return Broker::BindVendors(vendors, &VendorInfo::scanModuleName,
-                               Broker::kScanEntryPoints<VendorEntry>, HERE);
+    return Broker::BindVendors(vendors, &VendorInfo::scanModuleName, kEntryPoints, HERE);
 }
 
 void ScanInterface::UnInit() {
@@ -74,13 +70,13 @@ int ScanInterface::StartDeviceScan(const DeviceCallbackInfo& info) {
             Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Not Enable");
             return Broker::kNoCallback;
         }
-        const VendorEntry& entry = vendor.second;
-        if (entry.StartDeviceScan == nullptr) {
+        const auto scan = Broker::FunctionOf<&VendorEntry::StartDeviceScan, kEntryPoints>(vendor);
+        if (!scan) {
             Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
             continue;
         }
-        Broker::RunDetached([entry, registration] {
-            const int scanResult = entry.StartDeviceScan(registration);
+        Broker::RunDetached([scan, registration] {
+            const int scanResult = scan(registration);
             if (scanResult != 0) {
                 Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func fail, err:", scanResult);
             }
@@ -98,12 +94,13 @@ int ScanInterface::StopDeviceScan() {
     ScanInterfaceListener::GetInstance().ClearDeviceCallbackInfo();
     const std::lock_guard lock(mutex);
     int result = Broker::kNothingToCall;
-    for (const auto& [productId, entry] : vendors) {
-        if (entry.StopDeviceScan == nullptr) {
+    for (const auto& vendor : vendors) {
+        const auto stop = Broker::FunctionOf<&VendorEntry::StopDeviceScan, kEntryPoints>(vendor);
+        if (!stop) {
             Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
             continue;
         }
-        result = Broker::Outcome(entry.StopDeviceScan(), "call Func fail, err:", HERE);
+        result = Broker::Outcome(stop(), "call Func fail, err:", HERE);
     }
     return result;
 }
@@ -112,12 +109,13 @@ int ScanInterface::GetDeviceConnectState(const DeviceInfo& device) {
     if (!initialised) {
         return Broker::NotInitialised(HERE);
     }
-    DeviceFunction* const function =
-        Broker::FindFunction(vendors, &VendorEntry::GetDeviceConnectState, device, HERE);
-    if (function == nullptr) {
+    const auto getState = Broker::FindFunction<&VendorEntry::GetDeviceConnectState, kEntryPoints>(
+        vendors, device, HERE);
+    if (!getState) {
         return Broker::kNothingToCall;
     }
-    const int result = CallWith(*function, device);
+    const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
+    const int result = getState(&vendorDevice);
     if (result == 1) {
         Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK", result);
     } else {
@@ -130,21 +128,21 @@ int ScanInterface::BeforeConnectEventNotify(const DeviceInfo& device) {
     if (!initialised) {
         return Broker::NotInitialised(HERE);
     }
-    return Notify(vendors, &VendorEntry::BeforeConnectEventNotify, device, HERE);
+    return Notify<&VendorEntry::BeforeConnectEventNotify>(vendors, device, HERE);
 }
 
 int ScanInterface::ConnectSuccessNotifyEvent(const DeviceInfo& device) {
     if (!initialised) {
         return Broker::NotInitialised(HERE);
     }
-    return Notify(vendors, &VendorEntry::ConnectSuccessNotifyEvent, device, HERE);
+    return Notify<&VendorEntry::ConnectSuccessNotifyEvent>(vendors, device, HERE);
 }
 
 int ScanInterface::ConnectFailNotifyEvent(const DeviceInfo& device) {
     if (!initialised) {
         return Broker::NotInitialised(HERE);
     }
-    return Notify(vendors, &VendorEntry::ConnectFailNotifyEvent, device, HERE);
+    return Notify<&VendorEntry::ConnectFailNotifyEvent>(vendors, device, HERE);
 }
 
 }  // namespace PrinterDeviceDiscoverSdk

@@ -11,7 +11,10 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-using UsbVendors = Broker::VendorTable<UsbConnInterface::VendorEntry>;
+using Entry = UsbConnInterface::VendorEntry;
+using UsbVendors = Broker::VendorTable<Entry>;
+
+constexpr auto& kEntryPoints = Broker::kUsbEntryPoints<Entry>;
 
 constexpr std::int32_t kMostDevices = 64;
 constexpr std::int32_t kMostNetworks = 128;
@@ -38,25 +41,29 @@ bool IsUsable(std::int32_t count, std::int32_t most) {
 // The printers that are plugged in are looked up on threads that nobody waits for.
 Broker::TableGate gate;
 
+using Enumeration = Broker::VendorFunction<VendorSdk::GetDeviceInfoByUsbFunction>;
+
 // The enumeration of the vendor that lists the identifier; null, with the reason logged, when there
 // is none.
-VendorSdk::GetDeviceInfoByUsbFunction* FindEnumeration(
-    const std::map<std::string, std::string>& usbIdMap, const UsbVendors& vendors,
-    const std::string& usbId, const Broker::Location& where) {
+Enumeration FindEnumeration(const std::map<std::string, std::string>& usbIdMap,
+                            const UsbVendors& vendors, const std::string& usbId,
+                            const Broker::Location& where) {
     const auto product = usbIdMap.find(usbId);
     if (product == usbIdMap.end()) {
         Broker::Log(LOG_LEVEL_WARNING, where, "call usb map find fail, err:");
-        return nullptr;
+        return {};
     }
     const auto vendor = vendors.find(product->second);
     if (vendor == vendors.end()) {
         Broker::Log(LOG_LEVEL_ERROR, where, "call Func map find fail, err:");
-        return nullptr;
+        return {};
     }
-    if (vendor->second.pGetDeviceInfoByUsb == nullptr) {
+    Enumeration enumeration =
+        Broker::FunctionOf<&Entry::pGetDeviceInfoByUsb, kEntryPoints>(*vendor);
+    if (!enumeration) {
         Broker::Log(LOG_LEVEL_ERROR, where, "pFunc is nullptr, err:");
     }
-    return vendor->second.pGetDeviceInfoByUsb;
+    return enumeration;
 }
 
 void AppendDevices(std::vector<DeviceInfo>& devices, const VendorSdk::DeviceInfo* found,
@@ -107,8 +114,7 @@ bool UsbConnInterface::Init() {
 }
 
 bool UsbConnInterface::GetDeviceFunc() {
-    return Broker::BindVendors(vendors, &VendorInfo::vendorName,
-                               Broker::kUsbEntryPoints<VendorEntry>, HERE);
+    return Broker::BindVendors(vendors, &VendorInfo::vendorName, kEntryPoints, HERE);
 }
 
 bool UsbConnInterface::GetUsbItemMap() {
@@ -148,7 +154,7 @@ bool UsbConnInterface::split(const std::string& text, std::vector<std::string>& 
 int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::wstring deviceId) {
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP1");
     std::string usbId;
-    VendorSdk::GetDeviceInfoByUsbFunction* getDevices = nullptr;
+    Enumeration getDevices;
     {
         const Broker::TableUse tables(gate);
         if (!tables || !initialised) {
@@ -160,7 +166,7 @@ int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::
         Broker::Log(LOG_LEVEL_DEBUG, HERE, "usbId:", usbId.c_str());
         getDevices = FindEnumeration(usbIdMap, vendors, usbId, HERE);
     }
-    if (getDevices == nullptr) {
+    if (!getDevices) {
         return Broker::kNothingToCall;
     }
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP3");
@@ -194,8 +200,9 @@ int UsbConnInterface::GetUSBWifiScan(const DeviceInfo& device,
     }
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP2");
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "modeid:", Broker::FieldText(device, device.modelID));
-    const auto scan = Broker::FindFunction(vendors, &VendorEntry::pGetUSBWifiScan, device, HERE);
-    if (scan == nullptr) {
+    const auto scan =
+        Broker::FindFunction<&VendorEntry::pGetUSBWifiScan, kEntryPoints>(vendors, device, HERE);
+    if (!scan) {
         return Broker::kNothingToCall;
     }
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP3");
@@ -224,8 +231,9 @@ int UsbConnInterface::PrinterUSBNetConfigEvent(const DeviceInfo& device,
     }
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "modeid:", Broker::FieldText(device, device.modelID));
     const auto configure =
-        Broker::FindFunction(vendors, &VendorEntry::pPrinterUSBNetConfigEvent, device, HERE);
-    if (configure == nullptr) {
+        Broker::FindFunction<&VendorEntry::pPrinterUSBNetConfigEvent, kEntryPoints>(vendors, device,
+                                                                                    HERE);
+    if (!configure) {
         return Broker::kNothingToCall;
     }
     const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);

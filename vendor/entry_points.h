@@ -19,13 +19,11 @@ struct EntryPoint {
 };
 
 template <class Entry, auto Slot>
-constexpr EntryPoint<Entry> MakeEntryPoint(const char* exportName, const char* missingMessage) {
-    return {exportName, missingMessage, [](Entry& entry, FARPROC symbol) {
-                auto& slot = entry.*Slot;
-                using Function = std::remove_reference_t<decltype(slot)>;
-                // By way of void(*)(), which every function pointer may be cast to and from.
-                slot = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(symbol));
-            }};
+void Store(Entry& entry, FARPROC symbol) {
+    auto& slot = entry.*Slot;
+    using Function = std::remove_reference_t<decltype(slot)>;
+    // By way of void(*)(), which every function pointer may be cast to and from.
+    slot = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(symbol));
 }
 
 // A family's entry points in slot order, and the order in which they are looked up.
@@ -46,8 +44,19 @@ constexpr EntryPointList<Entry, Count> InSlotOrder(
     return list;
 }
 
+// How the entry point in a family's slot is called in a module. A slot that is not in the family's
+// list does not compile.
+template <auto Slot, class Entry, std::size_t Count>
+consteval const char* ExportName(const EntryPointList<Entry, Count>& list) {
+    std::size_t at = 0;
+    while (list.entryPoints[at].store != &Store<Entry, Slot>) {
+        ++at;
+    }
+    return list.entryPoints[at].exportName;
+}
+
 #define BROKER_ENTRY_POINT(slot, name, message) \
-    ::Broker::MakeEntryPoint<Entry, &Entry::slot>(#name, message),
+    ::Broker::EntryPoint<Entry>{#name, message, &::Broker::Store<Entry, &Entry::slot>},
 
 // The lists of the three families. `Entry` is the family's table entry, whose slots come from the
 // same rows.

@@ -2,10 +2,12 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "DeviceDiscover/records.h"
 #include "records/field_text.h"
 #include "records/log_line.h"
+#include "vendor/call_note.h"
 #include "vendor/vendor_table.h"
 
 namespace Broker {
@@ -47,17 +49,49 @@ typename VendorTable<Entry>::const_iterator FindVendor(
     return vendor;
 }
 
-// The entry point that the device's vendor has in `slot`; null, with the reason logged, when there
-// is none.
-template <class Entry, class Function>
-Function* FindFunction(const VendorTable<Entry>& vendors, Function* Entry::*slot,
-                       const PrinterDeviceDiscoverSdk::DeviceInfo& device, const Location& where) {
+// A vendor's entry point, to be called: every call of one goes through here and is noted in the
+// table of calls. Null when the vendor has none. It needs no vendor table: it may be called on a
+// thread that goes on while the process ends.
+template <class Function>
+class VendorFunction {
+public:
+    VendorFunction() = default;
+    VendorFunction(std::string vendor, const char* exportName, Function* entryPoint)
+        : productId(std::move(vendor)), name(exportName), function(entryPoint) {}
+
+    explicit operator bool() const { return function != nullptr; }
+
+    template <class... Arguments>
+    int operator()(Arguments... arguments) const {
+        CallNote note(productId, name);
+        return note.Returned(function(arguments...));
+    }
+
+private:
+    std::string productId;
+    const char* name = nullptr;
+    Function* function = nullptr;
+};
+
+// What the vendor has in the slot of a family's list.
+template <auto Slot, const auto& List, class Vendor>
+auto FunctionOf(const Vendor& vendor) {
+    const auto& [productId, entry] = vendor;
+    return VendorFunction(productId, ExportName<Slot>(List), entry.*Slot);
+}
+
+// The entry point that the device's vendor has in the slot; null, with the reason logged, when
+// there is none.
+template <auto Slot, const auto& List, class Entry>
+auto FindFunction(const VendorTable<Entry>& vendors,
+                  const PrinterDeviceDiscoverSdk::DeviceInfo& device, const Location& where) {
+    using Found = decltype(FunctionOf<Slot, List>(*vendors.begin()));
     const auto vendor = FindVendor(vendors, device, where);
     if (vendor == vendors.end()) {
-        return nullptr;
+        return Found();
     }
-    Function* const function = vendor->second.*slot;
-    if (function == nullptr) {
+    Found function = FunctionOf<Slot, List>(*vendor);
+    if (!function) {
         Log(LOG_LEVEL_ERROR, where, "call pFunc is nullptr - fail:");
     }
     return function;

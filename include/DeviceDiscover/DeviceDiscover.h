@@ -8,4 +8,5 @@
 #include "DeviceDiscover/records.h"
 #include "DeviceDiscover/scan.h"
 #include "DeviceDiscover/usb.h"
+#include "DeviceDiscover/vendor_activity.h"
 #include "DeviceDiscover/xml.h"

@@ -34,6 +34,7 @@ SIZED = [
     "PrinterDeviceDiscoverSdk::UsbConnInterface::VendorEntry",
     "PrinterDeviceDiscoverSdk::UsbInterfaceMonitor",
     "PrinterDeviceDiscoverSdk::DiscoverUsbInterface", "PrinterDeviceDiscoverSdk::DeviceUsbInfo",
+    "PrinterDeviceDiscoverSdk::VendorCall",
     "DeviceDiscover::PrinterNetInterface", "DeviceDiscover::PrinterWifiInterface",
     "PrinterSdk::PrinterProperty", "PrinterSdk::IPrinterAdapter", "KzXmlElement", "KzXmlAttribute",
     "KzXMLDocument", "PrinterDiscoverAPI::DeviceStateChangeCallbackInfo",
