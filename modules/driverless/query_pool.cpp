@@ -16,8 +16,8 @@ namespace Driverless {
 
 namespace {
 
-// Printers answer in milliseconds; those that hang hold a thread for seconds.
-constexpr std::size_t kMaxThreads = 32;
+// As many as the table has questions under way, and some for those it no longer waits for.
+constexpr std::size_t kMaxThreads = kMaxQuestions + 64;
 
 }  // namespace
 

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <map>
+#include <string>
+#include <vector>
+
 #include "printer_table.h"
 
 namespace Driverless {
@@ -10,6 +14,8 @@ using std::chrono::milliseconds;
 constexpr milliseconds kPatience{2000};
 const std::string kUuid = "7e21a7d4-0000-4000-8000-0000000000ab";
 const std::string kOtherUuid = "7e21a7d4-0000-4000-8000-0000000000cd";
+
+using Texts = std::vector<std::string>;
 
 class PrinterTableTest : public testing::Test {
 protected:
@@ -29,6 +35,31 @@ protected:
                  const std::string& host = "laser.local") {
         table.Announced(id);
         table.Resolved(id, WithUuid(uuid, host), now);
+    }
+
+    // A place of a printer: each has a host and an address of its own.
+    static Service Place(int number, const std::string& uuid = kUuid, std::uint16_t port = 631) {
+        Service service = WithUuid(uuid, "host-" + std::to_string(number) + ".local");
+        service.address = "192.0.2." + std::to_string(number);
+        service.port = port;
+        return service;
+    }
+
+    static ServiceId PlaceId(int number, ServiceKind kind = ServiceKind::Ipp) {
+        return Id(kind, "Laser " + std::to_string(number));
+    }
+
+    void ResolvePlace(int number, const std::string& uuid = kUuid) {
+        table.Announced(PlaceId(number));
+        table.Resolved(PlaceId(number), Place(number, uuid), now);
+    }
+
+    static Texts AddressesOf(const PrinterTable::Work& work) {
+        Texts addresses;
+        for (const Printer& printer : work.reports) {
+            addresses.push_back(printer.address);
+        }
+        return addresses;
     }
 
     PrinterTable::Work After(milliseconds time) {
@@ -216,6 +247,220 @@ TEST_F(PrinterTableTest, AllGone_ForgetsEverything) {
     table.AllGone();
     EXPECT_TRUE(table.IsEmpty());
     EXPECT_TRUE(After(milliseconds(10000)).reports.empty());
+}
+
+TEST_F(PrinterTableTest, APlaceThatAnswers_IsReportedWhenTheFirstOneRefused) {
+    ResolvePlace(1);
+    table.Answered(Now().queries.at(0).id, std::nullopt);
+    EXPECT_TRUE(After(milliseconds(50)).reports.empty()) << "another place may come";
+    ResolvePlace(2);
+    const auto asking = Now();
+    ASSERT_EQ(asking.queries.size(), 1u);
+    table.Answered(asking.queries[0].id, Attributes());
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty()) << "the place that refused";
+}
+
+TEST_F(PrinterTableTest, APlaceThatAnswers_IsReportedAfterThatOfAnotherWasReported) {
+    ResolvePlace(1);
+    table.Answered(Now().queries.at(0).id, std::nullopt);
+    EXPECT_EQ(AddressesOf(After(kPatienceForIpp)), Texts{"192.0.2.1"});
+    ResolvePlace(2);
+    const auto asking = Now();
+    ASSERT_EQ(asking.queries.size(), 1u);
+    table.Answered(asking.queries[0].id, Attributes());
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+}
+
+TEST_F(PrinterTableTest, APlaceThatHangs_DelaysThoseAfterItALittle) {
+    ResolvePlace(1);
+    ResolvePlace(2);
+    const auto asking = Now();
+    ASSERT_EQ(asking.queries.size(), 2u) << "both at once";
+    table.Answered(asking.queries[1].id, Attributes());
+    const auto waiting = Now();
+    EXPECT_TRUE(waiting.reports.empty());
+    EXPECT_EQ(waiting.next, now + kPatienceForEarlierPlace);
+    EXPECT_EQ(AddressesOf(After(kPatienceForEarlierPlace)), Texts{"192.0.2.2"});
+    EXPECT_TRUE(After(kPatience).reports.empty()) << "the place that hangs";
+}
+
+TEST_F(PrinterTableTest, PlacesThatAnswerAlike_AreAllReportedTheEarlierFirst) {
+    table.Announced(PlaceId(1));
+    table.Announced(PlaceId(2));
+    ResolvePlace(3);
+    ResolvePlace(2);
+    ResolvePlace(1);
+    const auto asking = Now();
+    ASSERT_EQ(asking.queries.size(), 3u);
+    for (const std::size_t i : {2U, 1U, 0U}) {
+        EXPECT_EQ(asking.queries[i].printer.address, "192.0.2." + std::to_string(i + 1));
+        EXPECT_TRUE(Now().reports.empty());
+        table.Answered(asking.queries[i].id, Attributes());
+    }
+    EXPECT_EQ(AddressesOf(Now()), (Texts{"192.0.2.1", "192.0.2.2", "192.0.2.3"}));
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty()) << "each once";
+}
+
+TEST_F(PrinterTableTest, APlaceThatRefuses_DelaysThoseAfterItNoLonger) {
+    ResolvePlace(1);
+    ResolvePlace(2);
+    const auto asking = Now();
+    table.Answered(asking.queries.at(1).id, Attributes());
+    EXPECT_TRUE(Now().reports.empty());
+    table.Answered(asking.queries.at(0).id, std::nullopt);
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+}
+
+TEST_F(PrinterTableTest, APlaceThatSaysItIsAnAnnouncedPrinter_IsAnotherRow) {
+    ResolvePlace(1);
+    ResolvePlace(2, "");
+    const auto asking = Now();
+    table.Answered(asking.queries.at(1).id, Attributes(kUuid));
+    EXPECT_TRUE(Now().reports.empty());
+    table.Answered(asking.queries.at(0).id, Attributes(kUuid));
+    EXPECT_EQ(AddressesOf(Now()), (Texts{"192.0.2.1", "192.0.2.2"}));
+}
+
+TEST_F(PrinterTableTest, APlaceWithoutIpp_IsNotHiddenByOneThatAnswers) {
+    table.Announced(PlaceId(1, ServiceKind::PdlDatastream));
+    table.Resolved(PlaceId(1, ServiceKind::PdlDatastream), Place(1), now);
+    ResolvePlace(2);
+    table.Answered(Now().queries.at(0).id, Attributes());
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+    EXPECT_EQ(AddressesOf(After(kPatienceForIpp)), Texts{"192.0.2.1"});
+}
+
+TEST_F(PrinterTableTest, APlaceBehindOneThatAnswered_IsReportedWhenThatIsGone) {
+    ResolvePlace(1);
+    ResolvePlace(2);
+    const auto asking = Now();
+    table.Answered(asking.queries.at(0).id, Attributes());
+    table.Answered(asking.queries.at(1).id, std::nullopt);
+    EXPECT_EQ(AddressesOf(After(kPatienceForIpp)), Texts{"192.0.2.1"});
+    table.Gone(PlaceId(1));
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+}
+
+TEST_F(PrinterTableTest, OneHostsPorts_AreAskedSideBySide) {
+    ResolvePlace(1);
+    table.Announced(Id(ServiceKind::Ipp, "Bait"));
+    table.Resolved(Id(ServiceKind::Ipp, "Bait"), Place(1, kUuid, 9), now);
+    const auto asking = Now();
+    ASSERT_EQ(asking.queries.size(), 2u);
+    table.Answered(asking.queries[1].id, Attributes());
+    const auto done = Now();
+    EXPECT_EQ(done.reports.size(), 1u);
+    EXPECT_EQ(done.overdue.size(), 1u) << "the other is not waited for";
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty()) << "one place";
+}
+
+TEST_F(PrinterTableTest, AServiceThatMoved_IsAskedAgain) {
+    ResolvePlace(1);
+    table.Answered(Now().queries.at(0).id, std::nullopt);
+    EXPECT_EQ(After(kPatienceForIpp).reports.size(), 1u);
+    table.Resolved(PlaceId(1), Place(7), now);
+    const auto asking = Now();
+    ASSERT_EQ(asking.queries.size(), 1u);
+    EXPECT_EQ(asking.queries[0].printer.address, "192.0.2.7");
+    table.Answered(asking.queries[0].id, Attributes());
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.7"});
+}
+
+TEST_F(PrinterTableTest, APrinterThatAnswered_StaysWhileAServiceIsAnnounced) {
+    Resolve(Id(ServiceKind::Ipp));
+    table.Announced(Id(ServiceKind::Ipps));
+    table.Answered(Now().queries.at(0).id, Attributes());
+    const auto work = Now();
+    EXPECT_EQ(work.answered, std::vector{Id(ServiceKind::Ipp)});
+    table.Gone(Id(ServiceKind::Ipp));
+    Resolve(Id(ServiceKind::Ipps));
+    const auto later = After(milliseconds(10000));
+    EXPECT_TRUE(later.queries.empty());
+    EXPECT_TRUE(later.reports.empty());
+    table.Gone(Id(ServiceKind::Ipps));
+    EXPECT_TRUE(table.IsEmpty());
+}
+
+TEST_F(PrinterTableTest, APrinterThatAnswered_GoesWithTheLastAnnouncement) {
+    Resolve(Id(ServiceKind::Ipp));
+    table.Announced(Id(ServiceKind::Ipps));
+    table.Answered(Now().queries.at(0).id, Attributes());
+    EXPECT_EQ(Now().reports.size(), 1u);
+    table.Gone(Id(ServiceKind::Ipp));
+    table.Gone(Id(ServiceKind::Ipps));
+    EXPECT_TRUE(table.IsEmpty());
+    Resolve(Id(ServiceKind::Ipp));
+    EXPECT_EQ(Now().queries.size(), 1u) << "it is back";
+}
+
+TEST_F(PrinterTableTest, TimeRunsFromWhenAPrinterIsAsked) {
+    for (int number = 1; number <= 200; ++number) {
+        table.Resolved(PlaceId(number), Place(7, "", static_cast<std::uint16_t>(number)), now);
+    }
+    std::map<PrinterTable::QueryId, PrinterTable::Time> asked;
+    auto work = Now();
+    while (work.next && work.reports.empty()) {
+        for (const auto& query : work.queries) {
+            EXPECT_EQ(query.deadline, now + kPatience);
+            asked.emplace(query.id, now);
+        }
+        now = *work.next;
+        work = table.Advance(now);
+    }
+    EXPECT_EQ(asked.size(), 200u);
+    EXPECT_EQ(now, PrinterTable::Time{} + kPatience) << "those that hang do not block the others";
+}
+
+TEST_F(PrinterTableTest, AHostThatHangs_TakesNoTurnFromAnother) {
+    for (int number = 1; number <= 2000; ++number) {
+        const auto id = Id(ServiceKind::Ipp, "Silent " + std::to_string(number));
+        Service service = Place(66, "", static_cast<std::uint16_t>(number));
+        table.Resolved(id, service, now);
+    }
+    for (int i = 0; i < 10; ++i) {
+        After(kYouthOfQuestion);
+    }
+    ResolvePlace(1);
+    const auto work = Now();
+    ASSERT_FALSE(work.queries.empty());
+    EXPECT_EQ(work.queries[0].printer.address, "192.0.2.1");
+    table.Answered(work.queries[0].id, Attributes());
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.1"});
+}
+
+// What takes twice as many printers takes no more than about twice the time.
+TEST_F(PrinterTableTest, ManyPrinters_TakeTimeInProportion) {
+    const auto timeOf = [](int printers) {
+        PrinterTable many{kPatience};
+        const PrinterTable::Time then{};
+        std::size_t reports = 0;
+        const auto begin = std::chrono::steady_clock::now();
+        for (int number = 0; number < printers; ++number) {
+            const std::string name = "Laser " + std::to_string(number);
+            for (const auto kind : {ServiceKind::Ipp, ServiceKind::Ipps, ServiceKind::Lpd}) {
+                many.Announced(Id(kind, name));
+            }
+            many.Advance(then);
+        }
+        for (int number = 0; number < printers; ++number) {
+            const std::string name = "Laser " + std::to_string(number);
+            const auto port = static_cast<std::uint16_t>(number + 1);
+            for (const auto kind : {ServiceKind::Ipp, ServiceKind::Ipps, ServiceKind::Lpd}) {
+                Service service = WithUuid("", name + ".local");
+                service.port = port;
+                many.Resolved(Id(kind, name), service, then);
+                for (const auto& query : many.Advance(then).queries) {
+                    many.Answered(query.id, PrinterAttributes{});
+                }
+                reports += many.Advance(then).reports.size();
+            }
+        }
+        EXPECT_EQ(reports, static_cast<std::size_t>(printers));
+        return std::chrono::steady_clock::now() - begin;
+    };
+    timeOf(100);
+    EXPECT_LT(timeOf(4000), 16 * timeOf(500)) << "8 in proportion, 64 when quadratic";
 }
 
 TEST_F(PrinterTableTest, WhatIsUnknown_IsIgnored) {

@@ -23,7 +23,9 @@ PROBE = os.environ["SCAN_PROBE"]
 MODULE = os.environ["DRIVERLESS_MODULE"]
 SUPPRESSIONS = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))),
                             "thread_sanitizer_suppressions")
-FAKE_PRINTER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "fake_printer.py")
+FOLDER = os.path.dirname(os.path.abspath(__file__))
+FAKE_PRINTER = os.path.join(FOLDER, "fake_printer.py")
+ANNOUNCER = os.path.join(FOLDER, "announcer.py")
 
 TSAN_OPTIONS = ":".join(
     filter(None, [os.environ.get("TSAN_OPTIONS"), "suppressions=" + SUPPRESSIONS]))
@@ -162,6 +164,27 @@ class Probe:
         self.process.stdout.close()
         self.process.stderr.close()
         return status
+
+
+class Announcer:
+    """An announcer.py on the printers' side."""
+
+    def __init__(self):
+        self.process = subprocess.Popen(
+            [LAB, "run-beside-printers", sys.executable, ANNOUNCER, "--network", "10.99.0.1"],
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+
+    def announce(self, **spec):
+        self.process.stdin.write(json.dumps(spec) + "\n")
+        self.process.stdin.flush()
+        if self.process.stdout.readline().strip() != "ready":
+            raise AssertionError(f"could not be announced: {spec}")
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+        self.process.stdin.close()
+        self.process.stdout.close()
 
 
 class NetworkTest(unittest.TestCase):
@@ -738,6 +761,65 @@ class PrintersOfAllKinds(NetworkTest):
         probe.await_printers(5)
         self.assertLess(probe.seen[-1]["seconds"], 1.5 * SLACK)
         probe.await_printers(13)
+
+    def announcer(self):
+        announcer = Announcer()
+        self.addCleanup(announcer.end)
+        return announcer
+
+    def places(self, probe):
+        return [(p["serial"], p["address"]) for p in probe.found(2.5 * SLACK)]
+
+    def test_a_place_that_answers_is_not_hidden_by_one_that_refuses(self):
+        announcer = self.announcer()
+        announcer.announce(name="Ghost", host="ghost", address="10.99.0.80", port=9000,
+                           txt=[f"UUID={UUID}8"])
+        announcer.announce(name="Laser", host="laser", address="10.99.0.81", port=9000,
+                           txt=[f"UUID={UUID}8"], serve="answers",
+                           attributes=["printer-serial-number=S8",
+                                       f"printer-uuid=urn:uuid:{UUID}8"])
+        for _ in range(2):
+            lab("cold")
+            probe = self.probe()
+            probe.start()
+            self.assertEqual(self.places(probe), [("S8", "10.99.0.81")])
+
+    def test_a_place_that_answers_is_reported_after_the_report_of_another(self):
+        announcer = self.announcer()
+        announcer.announce(name="Ghost", host="ghost", address="10.99.0.80", port=9000,
+                           txt=[f"UUID={UUID}8"])
+        probe = self.probe()
+        probe.start()
+        self.assertEqual(probe.await_event("found")["address"], "10.99.0.80")
+        announcer.announce(name="Laser", host="laser", address="10.99.0.81", port=9000,
+                           txt=[f"UUID={UUID}8"], serve="answers",
+                           attributes=["printer-serial-number=S8"])
+        later = probe.await_event("found")
+        self.assertEqual((later["serial"], later["address"]), ("S8", "10.99.0.81"))
+
+    def test_an_impostor_does_not_replace_the_printer(self):
+        announcer = self.announcer()
+        for name, number in (("Laser", 81), ("Impostor", 66)):
+            announcer.announce(name=name, host=name, address=f"10.99.0.{number}", port=9000,
+                               txt=[f"UUID={UUID}8"], serve="answers", attributes=[
+                                   "printer-serial-number=S8", f"printer-uuid=urn:uuid:{UUID}8",
+                                   "printer-make-and-model=Acme 8"])
+        for _ in range(2):
+            lab("cold")
+            probe = self.probe()
+            probe.start()
+            self.assertEqual(set(self.places(probe)), {("S8", "10.99.0.81"), ("S8", "10.99.0.66")})
+            self.assertEqual(probe.ask("stop"), 0)
+        # One that is there before the impostor is reported before it.
+        impostor = self.announcer()
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(2)
+        for number in (82, 67):
+            impostor.announce(name=f"Late {number}", host=f"late-{number}",
+                              address=f"10.99.0.{number}", port=9000, txt=[f"UUID={UUID}9"],
+                              serve="answers", attributes=["printer-serial-number=S9"])
+        self.assertEqual(self.places(probe)[2:], [("S9", "10.99.0.82"), ("S9", "10.99.0.67")])
 
     def test_text_from_the_network_is_cut_and_cleaned(self):
         self.fake_printer("Grün", 9000, attributes=[

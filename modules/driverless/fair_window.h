@@ -1,0 +1,185 @@
+#pragma once
+
+// Shares a window of work that is under way among those who ask for it. Knows no clock: it is told
+// what time it is.
+//
+// Work that takes long must not block the window, so only young work counts against it; all work
+// together has a limit of its own. Of both, one owner gets no more than is left free beside its
+// share: whoever comes late finds room, however much an earlier one has taken.
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <set>
+#include <tuple>
+#include <utility>
+
+namespace Driverless {
+
+template <typename Owner, typename Item>
+class FairWindow {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+
+    struct Limits {
+        std::size_t young;                // under way and young, of all owners
+        std::size_t all;                  // under way, of all owners
+        std::chrono::milliseconds youth;  // how long work is young
+    };
+
+    explicit FairWindow(const Limits& windowLimits) : limits(windowLimits) {}
+
+    // Puts an item behind the others of its owner. An item that is in the window already stays
+    // where it is.
+    void Add(const Owner& owner, const Item& item) {
+        if (!owners.emplace(item, owner).second) {
+            return;
+        }
+        Share& share = shares[owner];
+        Unrank(owner, share);
+        share.waiting.push_back(item);
+        Rank(owner, share);
+    }
+
+    // The item is done, or no longer wanted.
+    void Remove(const Item& item) {
+        const auto found = owners.find(item);
+        if (found == owners.end()) {
+            return;
+        }
+        const auto share = shares.find(found->second);
+        owners.erase(found);
+        Unrank(share->first, share->second);
+        if (!End(share->second, item)) {
+            std::erase(share->second.waiting, item);
+        }
+        if (share->second.waiting.empty() && share->second.since.empty()) {
+            shares.erase(share);
+        } else {
+            Rank(share->first, share->second);
+        }
+    }
+
+    // The next item that may begin now. The owner with the least work under way goes first, and of
+    // several the one that was served the longest time ago.
+    std::optional<Item> Take(Time now) {
+        GrowOld(now);
+        if (ranks.empty()) {
+            return std::nullopt;
+        }
+        const Owner owner = std::get<2>(*ranks.begin());
+        Share& share = shares.at(owner);
+        if (!HasRoom(share)) {
+            return std::nullopt;
+        }
+        Unrank(owner, share);
+        const Item item = std::move(share.waiting.front());
+        share.waiting.pop_front();
+        Begin(share, item, now);
+        share.served = ++turns;
+        Rank(owner, share);
+        return item;
+    }
+
+    // The item that has been under way the longest, of the owner with the most of them, for at
+    // least `slice`, when somebody waits and there is no room for all. It counts as removed.
+    std::optional<Item> TakeBack(Time now, std::chrono::milliseconds slice) {
+        if (ranks.empty() || HasRoomForAll(shares.at(std::get<2>(*ranks.begin())))) {
+            return std::nullopt;
+        }
+        const Share* greediest = nullptr;
+        for (const auto& [owner, share] : shares) {
+            if (greediest == nullptr || share.since.size() > greediest->since.size()) {
+                greediest = &share;
+            }
+        }
+        if (greediest->order.empty() || greediest->order.begin()->first + slice > now) {
+            return std::nullopt;
+        }
+        const Item item = greediest->order.begin()->second;
+        Remove(item);
+        return item;
+    }
+
+    bool IsWaiting() const { return !ranks.empty(); }
+
+    // When there is room again although nothing ends, if somebody waits for it.
+    std::optional<Time> Next() const {
+        if (ranks.empty() || youngest.empty()) {
+            return std::nullopt;
+        }
+        return youngest.begin()->first + limits.youth;
+    }
+
+    std::size_t UnderWay() const { return all; }
+
+private:
+    struct Share {
+        std::deque<Item> waiting;
+        std::map<Item, Time> since;  // under way
+        std::set<std::pair<Time, Item>> order;
+        std::size_t young = 0;
+        std::uint64_t served = 0;
+    };
+
+    bool HasRoomForAll(const Share& share) const {
+        return all < limits.all && (share.since.empty() || share.since.size() < limits.all - all);
+    }
+
+    bool HasRoom(const Share& share) const {
+        const std::size_t now = youngest.size();
+        const bool young =
+            now < limits.young && (share.young == 0 || share.young < limits.young - now);
+        return young && HasRoomForAll(share);
+    }
+
+    void Rank(const Owner& owner, const Share& share) {
+        if (!share.waiting.empty()) {
+            ranks.emplace(share.since.size(), share.served, owner);
+        }
+    }
+
+    void Unrank(const Owner& owner, const Share& share) {
+        ranks.erase({share.since.size(), share.served, owner});
+    }
+
+    void Begin(Share& share, const Item& item, Time now) {
+        share.since.emplace(item, now);
+        share.order.emplace(now, item);
+        youngest.emplace(now, item);
+        ++share.young;
+        ++all;
+    }
+
+    // False when it has not begun.
+    bool End(Share& share, const Item& item) {
+        const auto begun = share.since.find(item);
+        if (begun == share.since.end()) {
+            return false;
+        }
+        share.young -= youngest.erase({begun->second, item});
+        share.order.erase({begun->second, item});
+        share.since.erase(begun);
+        --all;
+        return true;
+    }
+
+    void GrowOld(Time now) {
+        while (!youngest.empty() && youngest.begin()->first + limits.youth <= now) {
+            --shares.at(owners.at(youngest.begin()->second)).young;
+            youngest.erase(youngest.begin());
+        }
+    }
+
+    const Limits limits;
+    std::map<Item, Owner> owners;
+    std::map<Owner, Share> shares;
+    std::set<std::tuple<std::size_t, std::uint64_t, Owner>> ranks;  // of those who wait
+    std::set<std::pair<Time, Item>> youngest;
+    std::size_t all = 0;
+    std::uint64_t turns = 0;
+};
+
+}  // namespace Driverless

@@ -1,0 +1,226 @@
+"""Announces services by mDNS as one chooses, from any address of its network; serves printers.
+
+usage: announcer.py --network INTERFACE_ADDRESS < COMMANDS
+
+One JSON object a line, for example
+  {"name": "Laser", "host": "laser", "address": "10.99.0.7", "port": 9000, "txt": ["UUID=..."]}
+Keys left out of the record are not announced: without "port" there is no SRV record. "type" is
+_ipp._tcp unless it is given; "count": N announces N of it, with a number after name, host (when
+"hosts" is true), and port. "serve": BEHAVIOUR of fake_printer.py serves each port at its address,
+with "attributes", in which {} stands for the number. "pace": N announces N a second, for ever. An
+address that the host does not have yet is added to its interface. Answers "ready" to each line.
+"""
+
+import argparse
+import json
+import resource
+import socket
+import struct
+import subprocess
+import sys
+import threading
+import time
+import types
+
+import fake_printer
+
+GROUP, PORT = "224.0.0.251", 5353
+A, PTR, TXT, SRV = 1, 12, 16, 33
+FLUSH = 0x8000
+
+
+def encoded_name(labels):
+    return b"".join(bytes([len(label)]) + label for label in labels) + b"\0"
+
+
+def labels_of(dotted):
+    return [label.encode() for label in dotted.split(".")]
+
+
+def record(name, kind, data, unique=True):
+    rrclass = 1 | (FLUSH if unique else 0)
+    return encoded_name(name) + struct.pack(">HHIH", kind, rrclass, 4500, len(data)) + data
+
+
+class Instance:
+    def __init__(self, spec, number):
+        shown = "" if number is None else f" {number}"
+        suffix = "" if number is None else f"-{number}"
+        self.name = (spec["name"] + shown).encode()
+        self.type = labels_of(spec.get("type", "_ipp._tcp") + ".local")
+        self.full = [self.name, *self.type]
+        host = spec.get("host", "announcer") + (suffix if spec.get("hosts") else "")
+        self.host = labels_of(host + ".local")
+        self.address = spec.get("address")
+        self.port = None if "port" not in spec else spec["port"] + (number or 0)
+        self.txt = [entry.replace("{}", str(number)) for entry in spec.get("txt", [])]
+
+    def pointer(self):
+        return record(self.type, PTR, encoded_name(self.full), unique=False)
+
+    def rest(self):
+        records = []
+        if self.port is not None:
+            records.append(record(self.full, SRV, struct.pack(">HHH", 0, 0, self.port)
+                                  + encoded_name(self.host)))
+            text = b"".join(bytes([len(entry)]) + entry
+                            for entry in (entry.encode() for entry in self.txt)) or b"\0"
+            records.append(record(self.full, TXT, text))
+        if self.address is not None:
+            records.append(record(self.host, A, socket.inet_aton(self.address)))
+        return records
+
+
+class Responder:
+    def __init__(self, interface):
+        self.lock = threading.Lock()
+        self.instances = []
+        self.by_name = {}
+        self.socket = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEPORT, 1)
+        self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 22)
+        self.socket.bind(("", PORT))
+        membership = socket.inet_aton(GROUP) + socket.inet_aton(interface)
+        self.socket.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP, membership)
+        self.socket.setsockopt(socket.IPPROTO_IP, socket.IP_MULTICAST_IF,
+                               socket.inet_aton(interface))
+        self.socket.setsockopt(socket.IPPROTO_IP, socket.IP_MULTICAST_TTL, 255)
+        threading.Thread(target=self.answer, daemon=True).start()
+
+    def add(self, instance):
+        with self.lock:
+            self.instances.append(instance)
+            key = b".".join(instance.full).lower()
+            self.by_name.setdefault(key, []).append(instance)
+            host = b".".join(instance.host).lower()
+            self.by_name.setdefault(host, [instance])
+
+    def send(self, answers):
+        """As many packets as it takes."""
+        packet, count = b"", 0
+        for answer in answers:
+            if packet and len(packet) + len(answer) > 1300:
+                self.send_packet(packet, count)
+                packet, count = b"", 0
+            packet, count = packet + answer, count + 1
+        if packet:
+            self.send_packet(packet, count)
+
+    def send_packet(self, packet, count):
+        self.socket.sendto(struct.pack(">HHHHHH", 0, 0x8400, 0, count, 0, 0) + packet,
+                           (GROUP, PORT))
+
+    def announce(self, instances):
+        self.send(answer for instance in instances
+                  for answer in [instance.pointer(), *instance.rest()])
+
+    def answer(self):
+        while True:
+            data = self.socket.recv(9000)
+            try:
+                self.answer_to(data)
+            except (IndexError, struct.error):
+                pass
+
+    def answer_to(self, data):
+        _, flags, questions, known, _, _ = struct.unpack(">HHHHHH", data[:12])
+        if flags & 0x8000:
+            return
+        wanted, offset = [], 12
+        for _ in range(questions):
+            name, offset = read_name(data, offset)
+            wanted.append((name, struct.unpack(">H", data[offset:offset + 2])[0]))
+            offset += 4
+        told = set()
+        for _ in range(known):
+            _, offset = read_name(data, offset)
+            kind, _, _, length = struct.unpack(">HHIH", data[offset:offset + 10])
+            if kind == PTR:
+                told.add(read_name(data, offset + 10)[0])
+            offset += 10 + length
+        answers = []
+        with self.lock:
+            for name, kind in wanted:
+                if kind == PTR:
+                    chosen = [i for i in self.instances if b".".join(i.type).lower() == name
+                              and b".".join(i.full).lower() not in told]
+                    answers += [r for i in chosen for r in [i.pointer(), *i.rest()]]
+                else:
+                    answers += [r for i in self.by_name.get(name, []) for r in i.rest()]
+        self.send(answers)
+
+
+def read_name(data, offset):
+    labels, end = [], None
+    for _ in range(128):
+        length = data[offset]
+        if length >= 0xC0:
+            end = end or offset + 2
+            offset = struct.unpack(">H", data[offset:offset + 2])[0] & 0x3FFF
+        elif length == 0:
+            return b".".join(labels).lower(), end or offset + 1
+        else:
+            labels.append(data[offset + 1:offset + 1 + length])
+            offset += 1 + length
+    raise IndexError
+
+
+def serve(address, port, options):
+    listener = socket.create_server((address, port), backlog=128)
+    while True:
+        connection, _ = listener.accept()
+        threading.Thread(target=fake_printer.serve_quietly, args=(connection, options),
+                         daemon=True).start()
+
+
+def have_address(address):
+    unicast = not address.startswith("127.") and 0 < int(address.split(".")[0]) < 224
+    if unicast:
+        subprocess.run(["ip", "addr", "add", address + "/24", "dev", "lab0"], check=False,
+                       stderr=subprocess.DEVNULL)
+
+
+def obey(responder, spec):
+    count = spec.get("count")
+    numbers = [None] if count is None else range(spec.get("from", 1), spec.get("from", 1) + count)
+    instances = [Instance(spec, number) for number in numbers]
+    if "serve" in spec:
+        have_address(spec["address"])
+        for number, instance in zip(numbers, instances):
+            attributes = [fake_printer.pair(text.replace("{}", str(number)))
+                          for text in spec.get("attributes", [])]
+            options = types.SimpleNamespace(behaviour=spec["serve"], attribute=attributes)
+            threading.Thread(target=serve, args=(instance.address, instance.port, options),
+                             daemon=True).start()
+    for instance in instances:
+        responder.add(instance)
+    responder.announce(instances)
+    if "pace" in spec:
+        threading.Thread(target=flood, args=(responder, spec), daemon=True).start()
+
+
+def flood(responder, spec):
+    number, begin = 1, time.monotonic()
+    while True:
+        due = int((time.monotonic() - begin) * spec["pace"])
+        fresh = [Instance(spec, i) for i in range(number, due + 1)]
+        number = max(number, due + 1)
+        responder.announce(fresh)
+        time.sleep(0.05)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--network", required=True)
+    options = parser.parse_args()
+    resource.setrlimit(resource.RLIMIT_NOFILE, (resource.getrlimit(resource.RLIMIT_NOFILE)[1],) * 2)
+    threading.stack_size(256 << 10)
+    responder = Responder(options.network)
+    for line in sys.stdin:
+        obey(responder, json.loads(line))
+        print("ready", flush=True)
+
+
+if __name__ == "__main__":
+    main()

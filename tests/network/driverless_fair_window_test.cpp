@@ -1,0 +1,125 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "fair_window.h"
+
+namespace Driverless {
+namespace {
+
+using std::chrono::milliseconds;
+
+class FairWindowTest : public testing::Test {
+protected:
+    using Window = FairWindow<std::string, int>;
+
+    void Add(const std::string& owner, int first, int last) {
+        for (int item = first; item <= last; ++item) {
+            window.Add(owner, item);
+        }
+    }
+
+    std::vector<int> TakeAll() {
+        std::vector<int> taken;
+        while (const auto item = window.Take(now)) {
+            taken.push_back(*item);
+        }
+        return taken;
+    }
+
+    Window window{{8, 32, milliseconds(100)}};
+    Window::Time now{};
+};
+
+TEST_F(FairWindowTest, Empty_HasNothing) {
+    EXPECT_TRUE(TakeAll().empty());
+    EXPECT_EQ(window.Next(), std::nullopt);
+}
+
+TEST_F(FairWindowTest, AnOwnersItems_ComeInTheirOrder) {
+    Add("a", 1, 3);
+    EXPECT_EQ(TakeAll(), (std::vector{1, 2, 3}));
+}
+
+TEST_F(FairWindowTest, Owners_TakeTurns) {
+    Add("a", 1, 3);
+    Add("b", 11, 12);
+    EXPECT_EQ(TakeAll(), (std::vector{1, 11, 2, 12, 3}));
+}
+
+TEST_F(FairWindowTest, OneOwner_LeavesHalfOfTheRoom) {
+    Add("a", 1, 100);
+    EXPECT_EQ(TakeAll().size(), 4u);
+    Add("b", 101, 200);
+    EXPECT_EQ(TakeAll(), (std::vector{101, 102})) << "and the next leaves half of that";
+    Add("c", 201, 300);
+    EXPECT_EQ(TakeAll(), std::vector{201});
+}
+
+TEST_F(FairWindowTest, WhatIsNoLongerYoung_MakesRoom) {
+    Add("a", 1, 100);
+    TakeAll();
+    EXPECT_EQ(window.Next(), now + milliseconds(100));
+    now += milliseconds(99);
+    EXPECT_TRUE(TakeAll().empty());
+    now += milliseconds(1);
+    EXPECT_EQ(TakeAll(), (std::vector{5, 6, 7, 8}));
+}
+
+TEST_F(FairWindowTest, OneOwner_HasNoMoreThanHalfUnderWay) {
+    Add("a", 1, 100);
+    for (int i = 0; i < 20; ++i) {
+        TakeAll();
+        now += milliseconds(100);
+    }
+    EXPECT_EQ(window.UnderWay(), 16u);
+    Add("b", 101, 200);
+    EXPECT_EQ(TakeAll(), (std::vector{101, 102, 103, 104})) << "who comes late finds room";
+}
+
+TEST_F(FairWindowTest, WhatIsDone_MakesRoom) {
+    Add("a", 1, 100);
+    TakeAll();
+    window.Remove(2);
+    EXPECT_EQ(TakeAll(), std::vector{5});
+}
+
+TEST_F(FairWindowTest, WhatIsNoLongerWanted_DoesNotCome) {
+    Add("a", 1, 3);
+    window.Remove(2);
+    window.Remove(77);
+    EXPECT_EQ(TakeAll(), (std::vector{1, 3}));
+    window.Remove(1);
+    window.Remove(3);
+    EXPECT_EQ(window.UnderWay(), 0u);
+}
+
+TEST_F(FairWindowTest, AnItemTwice_IsThereOnce) {
+    Add("a", 1, 1);
+    Add("b", 1, 1);
+    EXPECT_EQ(TakeAll(), std::vector{1});
+}
+
+TEST_F(FairWindowTest, NothingIsTakenBack_WhileThereIsRoom) {
+    Add("a", 1, 4);
+    TakeAll();
+    now += milliseconds(1000);
+    Add("a", 5, 6);
+    EXPECT_EQ(window.TakeBack(now, milliseconds(300)), std::nullopt);
+}
+
+TEST_F(FairWindowTest, TheOldestIsTakenBack_WhenSomebodyWaits) {
+    Add("a", 1, 100);
+    for (int i = 0; i < 20; ++i) {
+        TakeAll();
+        now += milliseconds(100);
+    }
+    EXPECT_EQ(window.TakeBack(now, milliseconds(300)), 1);
+    EXPECT_EQ(window.TakeBack(now, milliseconds(300)), std::nullopt) << "room for one";
+    EXPECT_EQ(TakeAll(), std::vector{17});
+    EXPECT_EQ(window.TakeBack(now, milliseconds(3000)), std::nullopt) << "not old enough";
+}
+
+}  // namespace
+}  // namespace Driverless
