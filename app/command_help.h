@@ -5,7 +5,8 @@
 namespace App::Help {
 
 inline constexpr const char* kExitStatuses =
-    "Exit status: 0 found, 1 none found, 2 wrong arguments, 3 could not run.";
+    "Exit status: 0 found, 1 none found, 2 wrong arguments, 3 could not run.\n"
+    "With --json the cause of 3 is an object, too, with the one key \"problem\".";
 
 inline constexpr const char* kApplication = R"(Examples:
   devicediscover scan                     look for printers for 5 seconds
@@ -116,8 +117,8 @@ Exit status 1: not joined.
 inline constexpr const char* kPing = R"(Examples:
   devicediscover ping 192.168.1.20
 
-Up to three pings of a tenth of a second; the first answer counts. Exit status 1:
-no answer.
+A few pings of a tenth of a second; the first answer counts. Exit status 1: no
+answer. 3: this computer, or this user, cannot send pings.
 
 )";
 

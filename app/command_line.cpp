@@ -10,6 +10,7 @@
 #include "app/cancellation.h"
 #include "app/command_help.h"
 #include "app/console.h"
+#include "app/json_output.h"
 #include "app/messages.h"
 #include "app/network.h"
 #include "app/ping_command.h"
@@ -405,15 +406,32 @@ ExitStatus WrongArguments(const CLI::App& app, const std::string& explanation) {
     return kUsage;
 }
 
+// Tells why the command could not run; with --json to its reader too, when there still is one.
+ExitStatus CouldNotRun(const Settings& settings, const std::string& problem) {
+    Complain(problem);
+    if (settings.json) {
+        try {
+            WriteOutput(ProblemJson(problem) + "\n");
+        } catch (const OutputClosed&) {
+            return kCouldNotRun;
+        } catch (const Problem&) {
+            return kCouldNotRun;  // the problem may be that the output cannot be written
+        }
+    }
+    return kCouldNotRun;
+}
+
 ExitStatus Run(const CLI::App& app, const Commands& commands, const Settings& settings) {
-    Apply(settings);
     try {
+        Apply(settings);
         return commands.Run();
     } catch (const Interrupted&) {
         Complain("interrupted.");
         return kNoneFound;
     } catch (const WrongInput& problem) {
         return WrongArguments(app, problem.what());
+    } catch (const Problem& problem) {
+        return CouldNotRun(settings, problem.what());
     }
 }
 

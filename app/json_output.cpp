@@ -55,6 +55,10 @@ Json UsbPrinterObject(const UsbPrinter& printer) {
 
 }  // namespace
 
+std::string ProblemJson(const std::string& problem) {
+    return JsonLine({{"problem", problem}});
+}
+
 std::string PrinterJson(const Printer& printer) {
     return JsonLine(PrinterObject(printer));
 }

@@ -15,6 +15,7 @@ namespace App {
 
 // Each is one object on one line, without the line's end. All of it is ASCII, so that no terminal
 // takes a device's text for anything else; ill-formed UTF-8 becomes U+FFFD.
+std::string ProblemJson(const std::string& problem);
 std::string PrinterJson(const Printer& printer);
 std::string StateJson(const Printer& printer, int state);
 std::string VendorJson(const PrinterUtil::VendorListReport& list, const VendorInfo& vendor,

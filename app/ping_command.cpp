@@ -5,24 +5,42 @@
 #include "app/console.h"
 #include "app/json_output.h"
 #include "app/messages.h"
+#include "app/problem.h"
+#include "host/PrinterDiscoverAPI/ping_report.h"
 
 namespace App {
 
+namespace {
+
+using PrinterDiscoverAPI::PingOutcome;
+using PrinterDiscoverAPI::PingReport;
+
+// The library tells only that nobody answered. One more ping tells whether anybody was asked.
+PingReport Ask(const std::string& address) {
+    constexpr std::uint32_t milliseconds = 100;
+    if (DeviceDiscover::PrinterNetInterface::GetInstance().CheckPing(address)) {
+        return {PingOutcome::kAnswered, {}};
+    }
+    return PrinterDiscoverAPI::DescribePing(address, milliseconds);
+}
+
+}  // namespace
+
 ExitStatus Ping(const Settings& settings, const std::string& address) {
-    const std::function<bool()> work = [address] {
-        return DeviceDiscover::PrinterNetInterface::GetInstance().CheckPing(address);
-    };
-    const bool answers = Await(settings, "Asking " + address, work);
+    const PingReport report =
+        Await<PingReport>(settings, "Asking " + address, [address] { return Ask(address); });
+    if (report.outcome == PingOutcome::kNotAsked) {
+        throw Problem(address + " could not be asked: " + report.problem +
+                      "\nWhether a printer is there is not known.");
+    }
+    const bool answers = report.outcome == PingOutcome::kAnswered;
     if (settings.json) {
         WriteOutput(PingJson(address, answers) + "\n");
     } else if (answers) {
         WriteOutput(address + " answers\n");
     }
     if (!answers) {
-        Complain(address +
-                 " does not answer.\nIs it switched on, and on this computer's network? Should "
-                 "pings not be possible here:\n" +
-                 AdviceToReadLog());
+        Complain(address + " does not answer.\nIs it switched on, and on this computer's network?");
     }
     return answers ? kFound : kNoneFound;
 }

@@ -7,7 +7,8 @@
 
 namespace App {
 
-// Whether something answers at the address; kNoneFound when nothing does.
+// Whether something answers at the address; kNoneFound when nothing does. Throws Problem when
+// nobody could be asked.
 ExitStatus Ping(const Settings& settings, const std::string& address);
 
 }  // namespace App

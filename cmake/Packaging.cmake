@@ -15,8 +15,11 @@ install(TARGETS DeviceDiscover LogHelper PrinterAdapter PrinterDiscoverAPI Print
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/DeviceDiscover include/VendorSdk platform
     DESTINATION ${HEADER_FOLDER} FILES_MATCHING PATTERN "*.h")
-# How an application chooses its vendor list and its log, with the application libraries of this package.
+# How an application chooses its vendor list and its log, and learns why no ping could be sent, with the
+# application libraries of this package.
 install(FILES host/LogHelper/log_settings.h DESTINATION ${HEADER_FOLDER}/host/LogHelper)
+install(FILES host/PrinterDiscoverAPI/ping_report.h
+    DESTINATION ${HEADER_FOLDER}/host/PrinterDiscoverAPI)
 install(FILES host/PrinterUtil/vendor_list.h DESTINATION ${HEADER_FOLDER}/host/PrinterUtil)
 install(EXPORT DeviceDiscoverTargets NAMESPACE DeviceDiscover:: DESTINATION ${PACKAGE_FOLDER})
 configure_package_config_file(cmake/DeviceDiscoverConfig.cmake.in

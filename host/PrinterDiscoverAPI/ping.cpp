@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/PrinterDiscoverAPI/diagnostics.h"
+#include "host/PrinterDiscoverAPI/ping_report.h"
 #include "host/common/utf8.h"
 
 namespace {
@@ -73,6 +74,20 @@ int PrinterPing::Ping(const char* address, PingReply* reply, std::uint32_t timeo
         *reply = echo.reply;
     }
     return 1;
+}
+
+PingReport DescribePing(const std::string& address, std::uint32_t timeout) {
+    const Host::Echo echo = Host::SendEcho(address.c_str(), std::chrono::milliseconds(timeout));
+    switch (echo.result) {
+        case Host::EchoResult::kAnswered:
+            return {PingOutcome::kAnswered, {}};
+        case Host::EchoResult::kSilent:
+            return {PingOutcome::kSilent, {}};
+        case Host::EchoResult::kBadAddress:
+            return {PingOutcome::kNotAsked, '"' + address + "\" is not an IPv4 address"};
+        default:
+            return {PingOutcome::kNotAsked, echo.reason};
+    }
 }
 
 }  // namespace PrinterDiscoverAPI

@@ -145,8 +145,10 @@ class Vendors(AppTest):
                 self.list_file = file
                 result = self.run_app("vendors", "--json")
                 self.assert_status(result, COULD_NOT_RUN)
-                self.assertEqual(result.output, "")
-                self.assert_mentions(result.errors, system_path(file), "--vendors")
+                problem, = json_lines(result.output)
+                self.assertEqual(list(problem), ["problem"])
+                for text in (problem["problem"], result.errors):
+                    self.assert_mentions(text, system_path(file), "--vendors")
 
     def test_the_environment_names_a_list(self):
         self.environment["DEVICEDISCOVER_VENDORS"] = system_path(self.list_file)

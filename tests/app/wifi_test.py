@@ -149,6 +149,18 @@ class Ping(HostTest):
             self.assertEqual(json_lines(result.output),
                              [{"address": "192.0.2.7", "answers": bool(answer)}])
 
+    def test_what_could_not_be_asked_is_not_called_silent(self):
+        self.host('ping-problem "ping is not allowed: no socket"')
+        for arguments in ([], ["--json"]):
+            result = self.run_app("ping", "192.0.2.7", *arguments)
+            self.assert_status(result, COULD_NOT_RUN)
+            self.assert_mentions(result.errors, "192.0.2.7 could not be asked",
+                                 "ping is not allowed: no socket")
+            self.assertNotIn("does not answer", result.errors)
+        problem, = json_lines(result.output)
+        self.assertEqual(list(problem), ["problem"])
+        self.assert_mentions(problem["problem"], "ping is not allowed: no socket")
+
     def test_what_is_no_address_is_refused(self):
         for address in ("", "printer.local", "192.0.2", "192.0.2.256", "192.0.2.1.5", "::1",
                         "192.0.2.1 "):

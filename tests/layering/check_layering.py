@@ -36,7 +36,8 @@ MAY_INCLUDE = {
     "modules": ["include/VendorSdk/", "base/"],
     # The application configures its own libraries, and names no entry point by hand.
     "app": ["include/", "base/", "platform/os.h", "platform/LogHelper/", "platform/PrinterUtil/",
-            "host/LogHelper/log_settings.h", "host/PrinterUtil/vendor_list.h"],
+            "host/LogHelper/log_settings.h", "host/PrinterDiscoverAPI/ping_report.h",
+            "host/PrinterUtil/vendor_list.h"],
     "kit": ["include/VendorSdk/", "vendor/", "platform/os.h"],
 }
 INCLUDE_FOLDERS = ["", "include/"]

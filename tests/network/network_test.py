@@ -187,6 +187,15 @@ class Announcer:
         self.process.stdout.close()
 
 
+def as_ordinary_user():
+    """What runs a command without the rights of the lab's root."""
+    with open("/proc/self/uid_map", encoding="ascii") as file:
+        has_others = any(int(line.split()[2]) > 65534 for line in file)
+    # A lab of an ordinary user knows no other, only fewer rights.
+    return ["setpriv"] + (["--reuid=65534", "--regid=65534", "--clear-groups"] if has_others
+                          else ["--bounding-set=-net_raw", "--inh-caps=-net_raw"])
+
+
 class NetworkTest(unittest.TestCase):
     """Each test has a network with the printers it asks for, and no others."""
 
@@ -944,8 +953,10 @@ class State(NetworkTest):
 class Application(NetworkTest):
     """What a person types, with what they get: the vendor list and the module beside the library."""
 
+    devicediscover_as = []
+
     def devicediscover(self, *arguments):
-        return subprocess.run([PROGRAM, *arguments], env=ENVIRONMENT, timeout=60, check=False,
+        return subprocess.run([*self.devicediscover_as, PROGRAM, *arguments], env=ENVIRONMENT, timeout=60, check=False,
                               stdin=subprocess.DEVNULL, capture_output=True, text=True)
 
     @staticmethod
@@ -1016,6 +1027,25 @@ class Application(NetworkTest):
         state = self.devicediscover("state", "S2", *self.seconds(5))
         self.assertEqual(state.returncode, 1)
         self.assertIn("2 with another were", state.stderr)
+
+    def could_not_look(self, *arguments):
+        """Runs the command, which must not call what it could not see missing; the cause."""
+        run = self.devicediscover(*arguments, "--json")
+        self.assertEqual(run.returncode, 3, run.stdout + run.stderr)
+        problem, = [json.loads(line) for line in run.stdout.splitlines()]
+        self.assertEqual(list(problem), ["problem"])
+        self.assertIn(problem["problem"], run.stderr)
+        return problem["problem"]
+
+    def test_a_user_who_may_not_ping_is_told_so(self):
+        silent = self.devicediscover("ping", "10.99.0.77")
+        self.assertEqual((silent.returncode, silent.stdout), (1, ""))
+        self.assertIn("10.99.0.77 does not answer", silent.stderr)
+        with open("/proc/sys/net/ipv4/ping_group_range", encoding="ascii") as file:
+            self.assertEqual(file.read().split(), ["1", "0"], "nobody may by this")
+        self.devicediscover_as = as_ordinary_user()
+        problem = self.could_not_look("ping", "10.99.0.1", "--log-level", "off")
+        self.assertIn("10.99.0.1 could not be asked: ping is not allowed", problem)
 
     def test_vendors_shows_the_module_bound(self):
         vendors = self.devicediscover("vendors", "--json")

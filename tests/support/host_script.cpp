@@ -84,6 +84,8 @@ bool HostScript::Apply(const std::string& line) {
     words >> directive;
     if (directive == "ping") {
         words >> pingResults.emplace_back();
+    } else if (directive == "ping-problem") {
+        words >> pingProblem;
     } else if (directive == "network") {
         auto& network = inRange.emplace_back();
         words >> network.ssid >> network.attributes.signalQuality >> network.attributes.security >>

@@ -19,6 +19,7 @@ std::string Quoted(const std::wstring& text);
 
 // One directive a line; texts are as Quoted writes them:
 //   ping <result>              what the next ping returns; 0 when there is no more such line
+//   ping-problem "<why>"       no ping can be sent
 //   network "<ssid>" <signal quality> <security> <exclude flag>
 //   joined "<ssid>" "<hardware address>" "<interface>"
 //   join <0 or 1>              the outcome of the next ConnectAP; the host is joined then
@@ -44,6 +45,7 @@ struct HostScript {
     void Play(const std::string& call) const;
 
     std::vector<int> pingResults;
+    std::wstring pingProblem;
     std::vector<PrinterWifiApiStruct::WlanInfoData> inRange;
     std::vector<std::wstring> joinedTo{{}, {}, {}};
     std::vector<bool> joinResults;

@@ -3,6 +3,7 @@
 #include <mutex>
 #include <thread>
 
+#include "host/PrinterDiscoverAPI/ping_report.h"
 #include "tests/support/host_script.h"
 
 namespace {
@@ -148,6 +149,12 @@ int PrinterPing::Ping(const char* address, PingReply* reply, std::uint32_t timeo
         const std::size_t call = state.pings.size() - 1;
         return call < state.pingResults.size() ? state.pingResults[call] : 0;
     });
+}
+
+PingReport DescribePing(const std::string&, std::uint32_t) {
+    const std::wstring& problem = TheState().script.pingProblem;
+    return {problem.empty() ? PingOutcome::kSilent : PingOutcome::kNotAsked,
+            {problem.begin(), problem.end()}};
 }
 
 PrinterWifiAPI& PrinterWifiAPI::GetInstance() {

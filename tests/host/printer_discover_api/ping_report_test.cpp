@@ -1,5 +1,6 @@
 // What is logged of pings that fail, with the system's side played by the test.
 
+#include "host/PrinterDiscoverAPI/ping_report.h"
 #include "host/PrinterDiscoverAPI/ping.h"
 #include "tests/host/printer_discover_api/logged.h"
 #include "tests/host/printer_discover_api/ping_test.h"
@@ -47,6 +48,25 @@ TEST(PingReport, OfWhatCannotBeSent_IsGivenEachTime) {
 
 TEST(PingReport, OfSilence_IsNone) {
     ExpectNoReply(Host::EchoResult::kSilent);
+    EXPECT_THAT(TakeLines(), IsEmpty());
+}
+
+TEST(PingReport, OnRequest_SaysWhatBecameOfTheRequestAndLogsNothing) {
+    using PrinterDiscoverAPI::DescribePing;
+    using PrinterDiscoverAPI::PingOutcome;
+    nextEcho = {Host::EchoResult::kAnswered, {}, {}};
+    EXPECT_EQ(DescribePing("192.0.2.1", 1).outcome, PingOutcome::kAnswered);
+    nextEcho = {Host::EchoResult::kSilent, {}, {}};
+    EXPECT_EQ(DescribePing("192.0.2.1", 1).outcome, PingOutcome::kSilent);
+    EXPECT_EQ(DescribePing("192.0.2.1", 1).problem, "");
+    for (const auto result : {Host::EchoResult::kNotAllowed, Host::EchoResult::kNotAsked}) {
+        nextEcho = {result, {}, "the reason"};
+        EXPECT_EQ(DescribePing("192.0.2.1", 1).outcome, PingOutcome::kNotAsked);
+        EXPECT_EQ(DescribePing("192.0.2.1", 1).problem, "the reason");
+    }
+    nextEcho = {Host::EchoResult::kBadAddress, {}, {}};
+    EXPECT_EQ(DescribePing("here", 1).outcome, PingOutcome::kNotAsked);
+    EXPECT_EQ(DescribePing("here", 1).problem, "\"here\" is not an IPv4 address");
     EXPECT_THAT(TakeLines(), IsEmpty());
 }
 
