@@ -1,9 +1,17 @@
 #include <cups/cups.h>
+#include <netdb.h>
+#include <sys/un.h>
 
 #include <array>
+#include <cstring>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <vector>
 
+#include "base/ipp/byte_stream_linux.h"
+#include "base/ipp/ipp_exchange_linux.h"
+#include "base/ipp/ipp_request.h"
 #include "host/PrinterAdapter/print_queue.h"
 #include "host/PrinterAdapter/spooler.h"
 
@@ -11,15 +19,14 @@ namespace PrinterAdapter {
 
 namespace {
 
-struct CloseConnection {
-    void operator()(http_t* connection) const { httpClose(connection); }
-};
-using Connection = std::unique_ptr<http_t, CloseConnection>;
+// A queue takes about 500 bytes and ten attributes with the group: enough for 10,000 queues with
+// names and places of any usual length.
+constexpr Base::IppLimits kLimits{
+    .bytes = std::size_t{16} * 1024 * 1024, .attributes = 200000, .values = 400000};
 
-struct DeleteMessage {
-    void operator()(ipp_t* message) const { ippDelete(message); }
-};
-using Message = std::unique_ptr<ipp_t, DeleteMessage>;
+constexpr std::uint16_t kNotFound = 0x0406;
+constexpr std::uint16_t kFirstError = 0x0400;
+constexpr int kUnauthorized = 401;
 
 // An attribute of the spooler's answer, and where it belongs.
 struct TextField {
@@ -37,62 +44,119 @@ constexpr std::array kTextFields{
 };
 constexpr std::string_view kState = "printer-state";
 
-// Who lists printers is not asked for a pass phrase.
-const char* NoPassPhrase(const char*, http_t*, const char*, const char*, void*) {
-    return nullptr;
-}
+// An address of the spooler.
+struct Address {
+    sockaddr_storage storage{};
+    socklen_t size = 0;
 
-int GiveUp(http_t*, void*) {
-    return 0;
-}
+    const sockaddr* Get() const { return reinterpret_cast<const sockaddr*>(&storage); }
+    bool IsSocketFile() const { return storage.ss_family == AF_UNIX; }
+};
 
-Message Request() {
-    Message request(ippNewRequest(IPP_OP_CUPS_GET_PRINTERS));
-    std::array<const char*, kTextFields.size() + 1> names{};
-    for (std::size_t index = 0; index < kTextFields.size(); ++index) {
-        names[index] = kTextFields[index].attribute.data();
+std::vector<Address> SocketFile(std::string_view path) {
+    sockaddr_un file{};
+    if (path.size() >= sizeof file.sun_path) {
+        return {};
     }
-    names.back() = kState.data();
-    ippAddStrings(request.get(), IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
-                  static_cast<int>(names.size()), nullptr, names.data());
-    return request;
+    file.sun_family = AF_UNIX;
+    path.copy(file.sun_path, path.size());
+    Address address;
+    std::memcpy(&address.storage, &file, sizeof file);
+    address.size = sizeof file;
+    return {address};
 }
 
-void TakeAttribute(PrintQueue& queue, ipp_attribute_t* attribute) {
-    const std::string_view name = ippGetName(attribute);
-    if (name == kState) {
-        queue.state = ippEnumString(kState.data(), ippGetInteger(attribute, 0));
-        return;
+struct FreeAddresses {
+    void operator()(addrinfo* list) const { freeaddrinfo(list); }
+};
+
+std::vector<Address> AddressesOf(const std::string& host, int port) {
+    addrinfo wanted{};
+    wanted.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (getaddrinfo(host.c_str(), std::to_string(port).c_str(), &wanted, &found) != 0) {
+        return {};
     }
-    for (const TextField& text : kTextFields) {
-        const char* const value =
-            name == text.attribute ? ippGetString(attribute, 0, nullptr) : nullptr;
-        if (value != nullptr) {
-            queue.*text.field = value;
+    const std::unique_ptr<addrinfo, FreeAddresses> owner(found);
+    std::vector<Address> addresses;
+    for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
+        Address& address = addresses.emplace_back();
+        std::memcpy(&address.storage, one->ai_addr, one->ai_addrlen);
+        address.size = one->ai_addrlen;
+    }
+    return addresses;
+}
+
+// Where the system's settings, or CUPS_SERVER, say that the spooler is.
+std::vector<Address> SpoolerAddresses() {
+    const std::string server = cupsServer();
+    return server.starts_with('/') ? SocketFile(server) : AddressesOf(server, ippPort());
+}
+
+bool Connect(Base::ByteStream& stream, const Address& address) {
+    const bool tls = !address.IsSocketFile() && (cupsEncryption() == HTTP_ENCRYPTION_ALWAYS ||
+                                                 cupsEncryption() == HTTP_ENCRYPTION_REQUIRED);
+    return stream.Connect(address.Get(), address.size) && (!tls || stream.StartTls(cupsServer()));
+}
+
+// The first address that can be reached.
+std::optional<Address> ConnectToAny(Base::ByteStream& stream) {
+    for (const Address& address : SpoolerAddresses()) {
+        if (Connect(stream, address)) {
+            return address;
         }
     }
+    return std::nullopt;
 }
 
-// Each printer's attributes are one group; what has no name stands between groups.
-std::vector<PrinterSdk::PrinterProperty> PrintersOf(ipp_t* answer) {
+// One question, over a connection that has been made.
+Base::IppReply Ask(Base::ByteStream& stream, const Address& address,
+                   const std::string& authorization) {
+    Base::IppRequest request(Base::IppRequest::Version::Usual, Base::IppOperation::CupsGetPrinters);
+    std::vector<std::string_view> names{kState};
+    for (const TextField& text : kTextFields) {
+        names.push_back(text.attribute);
+    }
+    request.AddKeywords("requested-attributes", names);
+    const Base::IppTarget target{address.IsSocketFile() ? "localhost" : cupsServer(),
+                                 static_cast<std::uint16_t>(ippPort()), "/", authorization};
+    return Base::ExchangeIpp(stream, target, request.Finish(), kLimits);
+}
+
+// A spooler on this host that wants to know who asks looks itself who is at the socket's other end.
+Base::IppReply AskByName(Base::ByteStream& stream, const Address& address) {
+    Base::IppReply reply = Ask(stream, address, {});
+    const bool wantsName = reply.httpStatus == kUnauthorized && address.IsSocketFile();
+    return wantsName && Connect(stream, address)
+               ? Ask(stream, address, std::string("PeerCred ") + cupsUser())
+               : std::move(reply);
+}
+
+// Each printer's attributes are one group.
+std::vector<PrinterSdk::PrinterProperty> PrintersOf(const Base::IppMessage& answer) {
     std::vector<PrinterSdk::PrinterProperty> printers;
-    PrintQueue queue;
-    const auto finish = [&printers, &queue] {
+    for (const Base::IppGroup& group : answer.Groups()) {
+        if (group.Tag() != Base::kIppPrinterGroup) {
+            continue;
+        }
+        PrintQueue queue;
+        for (const TextField& text : kTextFields) {
+            queue.*text.field = group.Text(text.attribute);
+        }
+        if (const auto state = group.Integer(kState)) {
+            queue.state = ippEnumString(kState.data(), *state);
+        }
         if (!queue.name.empty()) {
             printers.push_back(PrinterOf(queue));
         }
-        queue = {};
-    };
-    for (ipp_attribute_t* attribute = ippFirstAttribute(answer); attribute != nullptr;
-         attribute = ippNextAttribute(answer)) {
-        if (ippGetName(attribute) == nullptr) {
-            finish();
-        } else if (ippGetGroupTag(attribute) == IPP_TAG_PRINTER) {
-            TakeAttribute(queue, attribute);
-        }
     }
-    finish();
     return printers;
+}
+
+std::string RefusalOf(const Base::IppMessage& answer) {
+    const auto group = answer.Group(Base::kIppOperationGroup);
+    const std::string message = group ? group->Text("status-message") : std::string();
+    return message.empty() ? ippErrorString(static_cast<ipp_status_t>(answer.Status())) : message;
 }
 
 std::string Where() {
@@ -102,28 +166,21 @@ std::string Where() {
 }  // namespace
 
 SpoolerAnswer AskSpooler() {
-    cupsSetPasswordCB2(NoPassPhrase, nullptr);
-    const Connection connection(httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC,
-                                             cupsEncryption(), 1,
-                                             static_cast<int>(kSpoolerTime.count()), nullptr));
-    if (!connection) {
-        // The library's reason is the same, that the host is down, for whatever is wrong.
+    Base::ByteStream stream(Base::ByteStream::Clock::now() + kSpoolerTime);
+    const auto address = ConnectToAny(stream);
+    if (!address) {
         return {{}, "no print spooler can be reached" + Where()};
     }
-    httpSetTimeout(connection.get(), std::chrono::duration<double>(kSpoolerTime).count(), GiveUp,
-                   nullptr);
-    const Message answer(cupsDoRequest(connection.get(), Request().release(), "/"));
-    const ipp_status_t status = cupsLastError();
-    if (answer && status == IPP_STATUS_ERROR_NOT_FOUND) {
+    const Base::IppReply reply = AskByName(stream, *address);
+    if (reply.message && reply.message->Status() == kNotFound) {
         return {};  // no printer is installed
     }
-    if (!answer || status >= IPP_STATUS_ERROR_BAD_REQUEST) {
-        const char* const reason = cupsLastErrorString();
+    if (!reply.message || reply.message->Status() >= kFirstError) {
         return {{},
                 "no answer from the print spooler" + Where() + ": " +
-                    (reason == nullptr ? ippErrorString(status) : reason)};
+                    (reply.message ? RefusalOf(*reply.message) : reply.problem)};
     }
-    return {PrintersOf(answer.get()), {}};
+    return {PrintersOf(*reply.message), {}};
 }
 
 }  // namespace PrinterAdapter

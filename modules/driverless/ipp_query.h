@@ -46,8 +46,8 @@ public:
     IppQuery(Printer asked, Clock::time_point answerDeadline, IppQuestion question = {});
     ~IppQuery();
 
-    // Asks, and waits for the answer. TLS has patience of its own, so this may come back only
-    // seconds after the deadline: who must be on time leaves it behind on a thread of its own.
+    // Asks, and waits for the answer until the deadline, however slowly it comes. An answer that is
+    // larger or deeper than any printer's is refused.
     IppAnswer Run();
 
     // Makes Run come back soon. From any thread.
