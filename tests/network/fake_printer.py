@@ -1,10 +1,13 @@
 """A printer that behaves as a test wants it to: announces one service and serves it.
 
 usage: fake_printer.py --name NAME --type TYPE --port PORT [--txt KEY=VALUE ...]
-                       [--behaviour BEHAVIOUR] [--attribute NAME=VALUE ...]
+                       [--behaviour BEHAVIOUR] [--attribute NAME=VALUE ...] [--count COUNT]
 
 behaviours: answers (default), silent (accepts, says nothing), drips (one byte a moment, for ever),
-redirects, wants-password, garbage, refuses (IPP error), old (only IPP 1.1), closed (no server)
+redirects, wants-password, garbage, refuses (IPP error), old (only IPP 1.1), closed (no server),
+other-group (its attributes are not in the printer's group), and those of `hostile`
+
+With --count it announces so many of them, at ports in a row.
 """
 
 import argparse
@@ -40,6 +43,39 @@ def ipp_response(version, status, request_id, attributes):
     body += attribute(0x48, "attributes-natural-language", b"en")
     body += b"\x04" + b"".join(encoded(name, value) for name, value in attributes) + b"\x03"
     return body
+
+
+def hostile(behaviour):
+    """Piece by piece, an answer that breaks a reader without bounds; nothing for another behaviour.
+
+    nested (collections in collections), endless (a text without an end), floods (a head without an
+    end), continues (only ever about to answer), trickles (an answer that takes an hour)
+    """
+    head, length = b"HTTP/1.1 200 OK\r\n", b"Content-Length: %d\r\n\r\n"
+    start = b"\x02\x00\x00\x00\x00\x00\x00\x01\x04"
+    if behaviour == "nested":
+        levels = 10000
+        body = (start + attribute(0x34, "media-col", b"")
+                + (attribute(0x4A, "", b"m") + attribute(0x34, "", b"")) * levels
+                + attribute(0x37, "", b"") * (levels + 1) + b"\x03")
+        yield head + length % len(body) + body
+    elif behaviour == "endless":
+        yield head + b"\r\n" + start + attribute(TEXT, "printer-info", b"")
+        text = attribute(TEXT, "", b"x" * 1000) * 64
+        while True:
+            yield text
+    elif behaviour == "floods":
+        yield head
+        while True:
+            yield b'WWW-Authenticate: Basic realm="x"\r\n' * 1000
+    elif behaviour == "continues":
+        while True:
+            yield b"HTTP/1.1 100 Continue\r\n\r\n" * 1000
+    elif behaviour == "trickles":
+        yield head + length % 72000 + start + attribute(TEXT, "printer-info", b"")
+        while True:
+            yield b"\x41"
+            time.sleep(0.05)
 
 
 def http_response(body, status="200 OK", headers=()):
@@ -89,7 +125,12 @@ def serve(connection, options):
         elif options.behaviour == "old" and version != b"\x01\x01":
             reply = http_response(
                 ipp_response(b"\x01\x01", VERSION_NOT_SUPPORTED, request_id, []))
+        elif options.behaviour == "other-group":
+            body = ipp_response(version, 0, request_id, options.attribute)
+            reply = http_response(body.replace(b"en\x04", b"en\x05"))
         else:
+            for piece in hostile(options.behaviour):
+                connection.sendall(piece)
             reply = http_response(ipp_response(version, 0, request_id, options.attribute))
         connection.sendall(reply)
 
@@ -99,6 +140,12 @@ def serve_quietly(connection, options):
         serve(connection, options)
     except OSError:
         pass
+
+
+def accept(listener, options):
+    while True:
+        connection, _ = listener.accept()
+        threading.Thread(target=serve_quietly, args=(connection, options), daemon=True).start()
 
 
 def pair(text):
@@ -114,19 +161,21 @@ def main():
     parser.add_argument("--txt", action="append", default=[])
     parser.add_argument("--behaviour", default="answers")
     parser.add_argument("--attribute", type=pair, action="append", default=[])
+    parser.add_argument("--count", type=int, default=1)
     options = parser.parse_args()
-
-    if options.behaviour != "closed":
-        listener = socket.create_server(("", options.port))
-    publisher = subprocess.Popen(
-        ["setpriv", "--pdeathsig", "KILL", "avahi-publish", "-s", options.name, options.type, str(options.port), *options.txt],
-        stdout=sys.stdout, stderr=sys.stdout)
-    if options.behaviour == "closed":
+    publishers = []
+    for number in range(options.count):
+        port = options.port + number
+        name = options.name if options.count == 1 else f"{options.name} {number}"
+        if options.behaviour != "closed":
+            listener = socket.create_server(("", port))
+            threading.Thread(target=accept, args=(listener, options), daemon=True).start()
+        publishers.append(subprocess.Popen(
+            ["setpriv", "--pdeathsig", "KILL", "avahi-publish", "-s", name, options.type,
+             str(port), *options.txt],
+            stdout=sys.stdout, stderr=sys.stdout))
+    for publisher in publishers:
         publisher.wait()
-        return
-    while True:
-        connection, _ = listener.accept()
-        threading.Thread(target=serve_quietly, args=(connection, options), daemon=True).start()
 
 
 if __name__ == "__main__":

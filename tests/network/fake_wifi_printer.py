@@ -10,7 +10,7 @@ behaviours: joins (default), hesitates (keeps its old state and network for a mo
 stays (takes the settings, and keeps its state and network), leaves (goes when it has taken them,
 without an answer), ignores, talkative (refuses, and says what it was given),
 wants-password, forbids, not-authorized, no-wifi, silent, vanishes (describes itself once, after a
-moment, and is not there for more). With a certificate it also takes TLS, and says so. Who does not
+moment, and is not there for more), and those of fake_printer's `hostile`. With a certificate it also takes TLS, and says so. Who does not
 speak TLS is answered, too, unless that behaviour is another: closes, waits (for TLS to begin), or
 late (answers, after 0.7 s). Over TLS it answers, or waits: never begins it.
 """
@@ -22,7 +22,7 @@ import struct
 import threading
 import time
 
-from fake_printer import attribute, http_response, ipp_response, read_request
+from fake_printer import attribute, hostile, http_response, ipp_response, read_request
 
 GET_PRINTER_ATTRIBUTES, SET_PRINTER_ATTRIBUTES = 0x000B, 0x0013
 OK, IGNORED, NOT_AUTHORIZED, NOT_SUPPORTED = 0x0000, 0x0001, 0x0403, 0x040B
@@ -127,6 +127,8 @@ def serve(connection, listener, printer, certificate):
         connection.recv(1 << 20)
         time.sleep(3600)
     while (request := read_request(connection)) is not None:
+        for piece in hostile(printer.options.behaviour):
+            connection.sendall(piece)
         reply = answer(printer, request, over_tls)
         if printer.options.behaviour == "vanishes":
             listener.shutdown(socket.SHUT_RDWR)

@@ -261,8 +261,9 @@ class NetworkTest(unittest.TestCase):
         configure(before.replace("[server]\n", f"[server]\nobjects-per-client-max={objects}\n"))
 
     def fake_printer(self, name, port, behaviour="answers", kind="_ipp._tcp", txt=(),
-                     attributes=()):
-        arguments = ["--name", name, "--port", str(port), "--type", kind, "--behaviour", behaviour]
+                     attributes=(), count=1):
+        arguments = ["--name", name, "--port", str(port), "--type", kind, "--behaviour", behaviour,
+                     "--count", str(count)]
         for entry in txt:
             arguments += ["--txt", entry]
         for entry in attributes:
@@ -272,7 +273,8 @@ class NetworkTest(unittest.TestCase):
             stdout=subprocess.PIPE, text=True)
         self.fakes.append(fake)
         for line in fake.stdout:
-            if "Established" in line:
+            count -= "Established" in line
+            if count == 0:
                 return
         self.fail(f"{name} could not be announced")
 
@@ -760,6 +762,43 @@ class PrintersOfAllKinds(NetworkTest):
 
     def test_a_printer_that_refuses_too(self):
         self.assert_reported_from_announcement("refuses", state=NO_PRINTER)
+
+    def test_an_answer_without_bounds_costs_nothing_but_itself(self):
+        states = {"nested": NO_PRINTER, "endless": NO_PRINTER, "floods": NO_ANSWER,
+                  "continues": NO_ANSWER, "trickles": NO_ANSWER}
+        for number, behaviour in enumerate(states):
+            self.fake_printer(behaviour, 9000 + number, behaviour,
+                              txt=["ty=" + behaviour, f"UUID={UUID}{number}"],
+                              attributes=["printer-make-and-model=Answered"])
+        self.fake_printer("Good", 9020, attributes=["printer-serial-number=S1"])
+        probe = self.probe()
+        probe.start()
+        printers = {p["serial"]: p for p in probe.await_printers(6)}
+        self.assertEqual(len(printers), 6)
+        self.assertIn("S1", printers)
+        for number, (behaviour, state) in enumerate(states.items()):
+            self.assertEqual(printers[f"{UUID}{number}"]["make_and_model"], behaviour)
+            probe.tell(f"state {UUID}{number}")
+            event = probe.await_event("state")
+            self.assertEqual(event["result"], state, behaviour)
+            self.assertLess(event["took"], 2.2 * SLACK, behaviour)
+
+    def test_endless_answers_take_no_memory(self):
+        self.fake_printer("Endless", 9000, "endless", count=30)
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(30)
+        most = re.search(r"VmHWM:\s*(\d+) kB", text_of(f"/proc/{probe.process.pid}/status"))
+        # A sanitizer keeps what was freed.
+        if SLACK == 1:
+            self.assertLess(int(most[1]), 64 * 1024)
+
+    def test_what_is_said_in_another_group_is_not_the_printers(self):
+        self.fake_printer("Difficult", 9000, "other-group", txt=[f"UUID={UUID}7"], attributes=[
+            "printer-serial-number=S1", "printer-is-accepting-jobs=false"])
+        probe, printer = self.found_one()
+        self.assertEqual(printer["serial"], UUID + "7")
+        self.assertEqual(probe.ask("state", printer["serial"]), READY)
 
     def test_printers_that_hang_do_not_keep_the_others_waiting(self):
         for number in range(8):

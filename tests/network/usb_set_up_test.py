@@ -219,6 +219,15 @@ class OtherPrintersOverUsb(UsbTest):
         self.assertEqual(event["result"], NOT_REACHED)
         self.assertLess(event["took"], 2.3 * SLACK)
 
+    def test_a_bridge_whose_answer_has_no_bounds_costs_nothing_but_itself(self):
+        for number, behaviour in enumerate(("nested", "endless", "floods", "continues")):
+            self.fake_bridged(behaviour=behaviour, port=PORT + 1 + number)
+        printer, probe = self.bridged(), self.probe()
+        event = self.configured(probe, NAME, PASS_PHRASE)
+        self.assertEqual(event["result"], OK)
+        self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])
+        self.assertLess(event["took"], 3 * SLACK)
+
     def test_what_speaks_tls_is_asked_in_plain_on_the_cable(self):
         certificate = os.path.join(STATE, "usb-certificate.pem")
         subprocess.run(

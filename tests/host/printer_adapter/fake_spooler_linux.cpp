@@ -59,13 +59,17 @@ void FakeSpooler::Accept() {
     }
 }
 
-void ReadRequest(int connection) {
-    std::array<char, 4096> request{};
+std::string ReadRequest(int connection) {
+    std::string request;
+    std::array<char, 4096> part{};
     for (pollfd file{connection, POLLIN, 0}; poll(&file, 1, 50) > 0;) {
-        if (recv(connection, request.data(), request.size(), 0) <= 0) {
-            return;
+        const auto size = recv(connection, part.data(), part.size(), 0);
+        if (size <= 0) {
+            break;
         }
+        request.append(part.data(), static_cast<std::size_t>(size));
     }
+    return request;
 }
 
 void Send(int connection, const std::string& text) {

@@ -30,7 +30,7 @@ private:
 };
 
 // Reads the request as far as it has come, and sends `text`.
-void ReadRequest(int connection);
+std::string ReadRequest(int connection);
 void Send(int connection, const std::string& text);
 
 }  // namespace PrinterAdapterTest

@@ -14,6 +14,7 @@
 
 #include "DeviceDiscover/printer_sdk.h"
 #include "DeviceDiscover/usb.h"
+#include "tests/base/ipp/ipp_bytes.h"
 #include "tests/host/printer_adapter/fake_spooler_linux.h"
 #include "tests/support/recording_log.h"
 
@@ -240,6 +241,92 @@ TEST(ASpoolerThatDrips, IsGivenUpInTime) {
     const auto time = TimeOf([] { EXPECT_THAT(Installed(), IsEmpty()); });
     EXPECT_LE(time, kTime + kSlack);
     EXPECT_THAT(RecordingLog::Lines(), SizeIs(1));
+}
+
+// What a spooler answers, and then does not end.
+void ExpectNoPrintersSoon(const std::string& start, const std::string& more,
+                          const std::wstring& problem) {
+    const FakeSpooler spooler([&](int connection, const std::atomic<bool>& isOver) {
+        ReadRequest(connection);
+        Send(connection, start);
+        while (!more.empty() && !isOver) {
+            Send(connection, more);
+        }
+    });
+    const auto time = TimeOf([] { EXPECT_THAT(Installed(), IsEmpty()); });
+    EXPECT_LE(time, kTime + kSlack);
+    const auto lines = RecordingLog::Lines();
+    ASSERT_THAT(lines, SizeIs(1));
+    EXPECT_THAT(lines[0].text, testing::HasSubstr(problem));
+}
+
+const std::string kOk = "HTTP/1.1 200 OK\r\n\r\n";
+
+TEST(ASpoolerWithoutBounds, MayNestItsAnswer) {
+    ExpectNoPrintersSoon(kOk + BaseTest::Head() + BaseTest::Group(4) +
+                             BaseTest::Nested(10000, true) + BaseTest::End(),
+                         "", L"no valid IPP answer: collections nested deeper than 16");
+}
+
+TEST(ASpoolerWithoutBounds, MayNeverEndItsAnswer) {
+    std::string more;
+    for (int i = 0; i < 20; ++i) {
+        more += BaseTest::Text("", std::string(30000, 'x'));
+    }
+    ExpectNoPrintersSoon(kOk + BaseTest::Head() + BaseTest::Group(4) + BaseTest::Text("a", ""),
+                         more, L"an answer of more than 16777216 bytes");
+}
+
+TEST(ASpoolerWithoutBounds, MayNeverEndItsHead) {
+    ExpectNoPrintersSoon("HTTP/1.1 200 OK\r\n", "WWW-Authenticate: Negotiate\r\n",
+                         L"an HTTP head without an end");
+}
+
+TEST(ASpoolerWithoutBounds, MaySayWhatIsNoPrinters) {
+    using namespace BaseTest;
+    const std::string name = Text("printer-name", "one");
+    const std::string answer = kOk + Head() + Group(5) + name + Group(4) +
+                               Text("printer-info", "") + Group(4) + Text("printer-name", "two") +
+                               End();
+    const FakeSpooler spooler([&](int connection, const std::atomic<bool>&) {
+        ReadRequest(connection);
+        Send(connection, answer);
+    });
+    const Printers printers = Installed();
+    ASSERT_THAT(printers, SizeIs(1));
+    EXPECT_EQ(printers[0].name, L"two");
+}
+
+TEST(ASpoolerThatDrips, KeepsNobodyFromAskingAnother) {
+    const FakeSpooler spooler([](int connection, const std::atomic<bool>& isOver) {
+        ReadRequest(connection);
+        while (!isOver) {
+            Send(connection, "X");
+            std::this_thread::sleep_for(20ms);
+        }
+    });
+    EXPECT_THAT(Installed(), IsEmpty());
+    const FakeSpooler another([](int connection, const std::atomic<bool>&) {
+        ReadRequest(connection);
+        Send(connection, kOk + BaseTest::Head() + BaseTest::Group(4) +
+                             BaseTest::Text("printer-name", "two") + BaseTest::End());
+    });
+    EXPECT_THAT(Installed(), SizeIs(1));
+}
+
+TEST(ASpoolerThatAsksWhoAsks, IsTold) {
+    std::vector<std::string> requests;
+    const FakeSpooler spooler([&](int connection, const std::atomic<bool>&) {
+        requests.push_back(ReadRequest(connection));
+        Send(connection, requests.size() == 1
+                             ? "HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: PeerCred\r\n\r\n"
+                             : kOk + BaseTest::Head() + BaseTest::Group(4) +
+                                   BaseTest::Text("printer-name", "two") + BaseTest::End());
+    });
+    EXPECT_THAT(Installed(), SizeIs(1));
+    ASSERT_THAT(requests, SizeIs(2));
+    EXPECT_THAT(requests[0], testing::Not(testing::HasSubstr("Authorization")));
+    EXPECT_THAT(requests[1], testing::HasSubstr("\r\nAuthorization: PeerCred "));
 }
 
 class ASpoolerThatBreaksOff : public testing::TestWithParam<const char*> {};
