@@ -11,6 +11,7 @@ With --count it announces so many of them, at ports in a row.
 """
 
 import argparse
+import itertools
 import socket
 import struct
 import subprocess
@@ -61,9 +62,8 @@ def hostile(behaviour):
         yield head + length % len(body) + body
     elif behaviour == "endless":
         yield head + b"\r\n" + start + attribute(TEXT, "printer-info", b"")
-        text = attribute(TEXT, "", b"x" * 1000) * 64
-        while True:
-            yield text
+        for number in itertools.count():
+            yield attribute(TEXT, "", b"%d" % number + b"x" * 20000)
     elif behaviour == "floods":
         yield head
         while True:
@@ -72,9 +72,9 @@ def hostile(behaviour):
         while True:
             yield b"HTTP/1.1 100 Continue\r\n\r\n" * 1000
     elif behaviour == "trickles":
-        yield head + length % 72000 + start + attribute(TEXT, "printer-info", b"")
+        yield head + length % 32000 + start + attribute(TEXT, "printer-info", b"x" * 30000)[:-30000]
         while True:
-            yield b"\x41"
+            yield b"x"
             time.sleep(0.05)
 
 

@@ -763,6 +763,12 @@ class PrintersOfAllKinds(NetworkTest):
     def test_a_printer_that_refuses_too(self):
         self.assert_reported_from_announcement("refuses", state=NO_PRINTER)
 
+    def test_a_deeply_nested_answer_does_not_end_the_scan(self):
+        self.fake_printer("Nested", 9000, "nested", txt=[f"UUID={UUID}7"])
+        probe, printer = self.found_one()
+        self.assertEqual(printer["serial"], UUID + "7")
+        self.assertEqual(probe.ask("state", printer["serial"]), NO_PRINTER)
+
     def test_an_answer_without_bounds_costs_nothing_but_itself(self):
         states = {"nested": NO_PRINTER, "endless": NO_PRINTER, "floods": NO_ANSWER,
                   "continues": NO_ANSWER, "trickles": NO_ANSWER}
