@@ -62,8 +62,9 @@ def hostile(behaviour):
         yield head + length % len(body) + body
     elif behaviour == "endless":
         yield head + b"\r\n" + start + attribute(TEXT, "printer-info", b"")
-        for number in itertools.count():
-            yield attribute(TEXT, "", b"%d" % number + b"x" * 20000)
+        texts = [attribute(TEXT, "", b"%d" % number + b"x" * 1000) for number in range(20000)]
+        for at in itertools.count(0, 100):
+            yield b"".join(texts[at % 20000:][:100])
     elif behaviour == "floods":
         yield head
         while True:
