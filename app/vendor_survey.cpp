@@ -4,6 +4,7 @@
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "host/PrinterUtil/vendor_list.h"
+#include "platform/os_calls.h"
 
 namespace App {
 

@@ -8,7 +8,7 @@
 #include "VendorSdk/records.h"
 #include "platform/LogHelper/KzLogger.h"
 #include "platform/PrinterUtil/VendorDllMgr.h"
-#include "platform/os.h"
+#include "platform/os_calls.h"
 
 // What the benchmark programs share.
 

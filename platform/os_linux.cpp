@@ -4,7 +4,7 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/os.h"
+#include "platform/os_calls.h"
 
 namespace {
 
@@ -32,6 +32,23 @@ FARPROC GetProcAddress(HINSTANCE module, const char* name) {
 
 int FreeLibrary(HINSTANCE module) {
     return module != nullptr && dlclose(module) == 0 ? 1 : 0;
+}
+
+bool KeepLoaded(const void* address) {
+    Dl_info info{};
+    void* found = nullptr;
+    if (dladdr1(address, &info, &found, RTLD_DL_LINKMAP) == 0) {
+        return false;
+    }
+    // The program itself has an empty name, and always stays.
+    const char* const name = static_cast<const link_map*>(found)->l_name;
+    void* const library = dlopen(name[0] == '\0' ? nullptr : name,
+                                 RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD | RTLD_NODELETE);
+    const bool isThisLibrary = library == found || name[0] == '\0';
+    if (library != nullptr) {
+        dlclose(library);
+    }
+    return library != nullptr && isThisLibrary;
 }
 
 void Sleep(std::uint32_t milliseconds) {

@@ -7,6 +7,7 @@
 #include "records/bounded_copy.h"
 #include "records/device_lines.h"
 #include "records/registration.h"
+#include "vendor/vendor_thread.h"
 
 using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterSdk::PrinterProperty;
@@ -47,6 +48,8 @@ DiscoverUsbInterface::~DiscoverUsbInterface() = default;
 
 int DiscoverUsbInterface::StartDeviceMonitor(const DeviceCallbackInfo& info) {
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "Start usb Monitor");
+    // The device manager reports on a thread of its own.
+    Broker::KeepThisLibrary();
     const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo registration =
         UsbInterfaceMonitor::GetInstance().SetDeviceStateCallbackInfo(info);
     // The device manager may be reading what a start before gave it, on a thread of its own.

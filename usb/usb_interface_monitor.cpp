@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "DeviceDiscover/usb.h"
+#include "platform/os_calls.h"
 #include "records/log_line.h"
 #include "records/registration.h"
 #include "vendor/vendor_thread.h"

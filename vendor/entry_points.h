@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "VendorSdk/entry_points.h"
-#include "platform/os.h"
+#include "platform/os_calls.h"
 
 namespace Broker {
 

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "platform/os.h"
+#include "platform/os_calls.h"
 
 namespace Broker {
 

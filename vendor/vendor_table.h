@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/PrinterUtil/VendorDllMgr.h"
-#include "platform/os.h"
+#include "platform/os_calls.h"
 #include "records/log_line.h"
 #include "vendor/entry_points.h"
 
@@ -40,7 +40,9 @@ void LookUpEntryPoints(Entry& entry, const EntryPointList<Entry, Count>& list,
                        const Location& where) {
     for (const std::size_t slot : list.lookupOrder) {
         const EntryPoint<Entry>& entryPoint = list.entryPoints[slot];
-        const FARPROC symbol = GetProcAddress(entry.module, entryPoint.exportName);
+        // One system would look in the program itself when there is no module.
+        const FARPROC symbol =
+            entry.module == nullptr ? nullptr : GetProcAddress(entry.module, entryPoint.exportName);
         entryPoint.store(entry, symbol);
         if (symbol == nullptr) {
             Log(LOG_LEVEL_ERROR, where, entryPoint.missingMessage);

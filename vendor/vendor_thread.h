@@ -6,7 +6,18 @@
 #include <thread>
 #include <utility>
 
+#include "platform/os_calls.h"
+
 namespace Broker {
+
+// Keeps this library in memory until the process ends, whoever unloads it: its code runs, or will
+// be called, on threads that nobody waits for.
+inline void KeepThisLibrary() {
+    static std::atomic<bool> isKept{false};
+    if (!isKept) {
+        isKept = KeepLoaded(reinterpret_cast<const void*>(&KeepThisLibrary));
+    }
+}
 
 // Runs `body` on a thread of its own that nobody waits for. Throws std::system_error when there is
 // none to be had. A body that has no memory ends where it is: there is nobody to tell.
@@ -17,6 +28,7 @@ namespace Broker {
 // when the process ends while a thread was about to wait.
 template <class Body>
 void RunDetached(Body body) {
+    KeepThisLibrary();
     const auto detached = std::make_shared<std::atomic<bool>>(false);
     std::thread([body = std::move(body), detached] {
         try {

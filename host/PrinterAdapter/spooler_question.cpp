@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "host/PrinterAdapter/spooler.h"
+#include "platform/os_calls.h"
 
 namespace PrinterAdapter {
 
@@ -57,6 +58,8 @@ SpoolerAnswer AskSpoolerInTime() {
     if (!desk.changed.wait_until(lock, deadline, [&desk] { return !desk.current; })) {
         return late;
     }
+    // A thread that is left behind returns into this library.
+    KeepLoaded(reinterpret_cast<const void*>(&AskSpoolerInTime));
     const auto question = std::make_shared<Question>();
     std::thread asker([&desk, question] { Ask(desk, question); });
     desk.current = question;

@@ -8,6 +8,7 @@
 
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/common/utf8.h"
+#include "platform/os_calls.h"
 
 namespace PrinterDiscoverAPI {
 
@@ -86,6 +87,8 @@ std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun() {
         std::vector<UsbPrinter> present;
         if (run->events && ListUsbPrinters(present, problem)) {
             run->table.Replace(present);
+            // The thread outlives whoever unloads this library without a stop.
+            KeepLoaded(reinterpret_cast<const void*>(&GetInstance));
             run->thread = std::thread([this, run] { Watch(*run); });
             return run;
         }

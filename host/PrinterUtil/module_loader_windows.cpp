@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "host/common/utf8.h"
+#include "platform/os_calls.h"
 
 namespace PrinterUtil {
 
@@ -160,7 +161,10 @@ HINSTANCE LoadModule(const std::filesystem::path& file, std::string& problem) {
         file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (module == nullptr) {
         problem = LoaderProblem(GetLastError());
+        return nullptr;
     }
+    // The code stays mapped after the last reference is gone: threads of the module may run.
+    KeepLoaded(module);
     return module;
 }
 

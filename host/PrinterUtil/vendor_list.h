@@ -13,11 +13,12 @@ namespace PrinterUtil {
 // From now on the list is this file; an empty path goes back to looking for one.
 PRINTERUTIL_API void UseVendorList(const std::string& path);
 
+// In a usbIdList "*" stands for every plugged-in printer that no vendor names.
 struct VendorListReport {
     std::string path;                   // empty when no list was found
     std::string moduleFolder;           // empty when the list could not be read
     std::vector<std::string> problems;  // one line each, with the file and the place in it
-    std::vector<VendorInfo> vendors;    // those without a problem; see "*" in README.md
+    std::vector<VendorInfo> vendors;    // those without a problem
     // What was left out or put right without costing a vendor: one line each, as the problems.
     std::vector<std::string> notes;
 };
@@ -27,7 +28,7 @@ PRINTERUTIL_API VendorListReport DescribeVendorList();
 
 struct ModuleReport {
     std::string path;            // empty when the name cannot be one
-    HINSTANCE module = nullptr;  // the caller gives it back with FreeLibrary
+    HINSTANCE module = nullptr;  // the caller gives it back: FreeLibrary on Windows, else dlclose
     std::string problem;         // one line; empty when the module is loaded
 };
 

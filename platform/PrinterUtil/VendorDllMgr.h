@@ -27,10 +27,11 @@ public:
     // how it learns that nothing is supported.
     int GetCurrentSupportList(std::vector<VendorInfo>& vendors);
 
-    // Loads the module of that name and puts its handle into `module`. True when the handle can be
-    // used with GetProcAddress, and so not null; each true result adds one reference, which the
-    // caller gives back with FreeLibrary. False, with `module` untouched, when there is no such
-    // module.
+    // Loads the module of that name and puts its handle into `module`. True when symbols can be
+    // looked up in it (GetProcAddress on Windows, else dlsym), and so not null; each true result
+    // adds one reference, which the caller gives back (FreeLibrary, else dlclose). False, with
+    // `module` untouched, when there is no such module. The module stays in memory until the
+    // process ends, also without a reference: threads of its own may run.
     bool GetDeviceHandle(HINSTANCE& module, const std::string& moduleName);
 
     VendorDllMgr(const VendorDllMgr&) = delete;

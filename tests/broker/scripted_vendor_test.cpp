@@ -3,6 +3,7 @@
 #include <chrono>
 #include <fstream>
 
+#include "platform/os_calls.h"
 #include "tests/support/application.h"
 #include "tests/support/broker_test.h"
 #include "tests/support/process.h"

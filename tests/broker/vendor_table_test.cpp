@@ -12,6 +12,22 @@
 #include "tests/support/broker_test.h"
 #include "vendor/table_gate.h"
 
+// What the program itself exports is no vendor's.
+extern "C" {
+PLATFORM_EXPORT int StopDeviceScan();
+int StopDeviceScan() {
+    return 99;
+}
+PLATFORM_EXPORT int StopAPWifiScan();
+int StopAPWifiScan() {
+    return 99;
+}
+PLATFORM_EXPORT int USBWifiScan();
+int USBWifiScan() {
+    return 99;
+}
+}
+
 namespace {
 
 using ScriptedVendors::Support;
@@ -161,6 +177,26 @@ TEST_F(VendorTables, OfUsbLogWhatAModuleLacksInAnOrderOfTheirOwn) {
                                          Logged(4, "pPrinterUSBNetConfigEvent is nullptr, err:"),
                                          Logged(4, "pGetUSBWifiScan is nullptr, err:"),
                                          Logged(3, "productIdalpha")));
+}
+
+TEST_F(VendorTables, OfANullHandleLookUpNothingNotEvenInTheProgram) {
+    ScriptedVendors::GiveNull("scripted_all");
+    const auto scan =
+        EntryOf("scripted_all", Broker::kScanEntryPoints<ScanEntry>, &VendorInfo::scanModuleName);
+    EXPECT_THAT(TakeLines(), ElementsAre(Logged(4, "startDeviceScan is nullptr, err:"),
+                                         Logged(4, "stopDeviceScan is nullptr, err:"),
+                                         Logged(4, "getDeviceConnectState is nullptr, err:"),
+                                         Logged(4, "beforeConnectEventNotify is nullptr, err:"),
+                                         Logged(4, "connectSuccessNotifyEvent is nullptr, err:"),
+                                         Logged(4, "connectFailNotifyEvent is nullptr, err:"),
+                                         Logged(3, "productIdalpha")));
+    EXPECT_EQ(scan.StopDeviceScan, nullptr);
+    const auto network =
+        EntryOf("scripted_all", Broker::kNetConnEntryPoints<NetConnEntry>, &VendorInfo::vendorName);
+    EXPECT_EQ(network.StopAPWifiScan, nullptr);
+    const auto usb =
+        EntryOf("scripted_all", Broker::kUsbEntryPoints<UsbEntry>, &VendorInfo::vendorName);
+    EXPECT_EQ(usb.pGetUSBWifiScan, nullptr);
 }
 
 TEST_F(VendorTables, AskForTheModuleThatTheirFamilyNames) {

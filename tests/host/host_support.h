@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/LogHelper/log_settings.h"
-#include "platform/os.h"
+#include "platform/os_calls.h"
 
 namespace HostTest {
 

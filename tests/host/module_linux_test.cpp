@@ -28,15 +28,6 @@ protected:
 
 }  // namespace
 
-TEST_F(ModuleOnLinux, StaysMappedAfterItsLastReferenceIsGone) {
-    ShipModule("plain_module", ModuleFolder());
-    const HINSTANCE module = Handle("plain_module");
-    ASSERT_NE(module, nullptr);
-    const auto stop = reinterpret_cast<int (*)()>(GetProcAddress(module, "StopDeviceScan"));
-    EXPECT_NE(FreeLibrary(module), 0);
-    EXPECT_EQ(stop(), 17);
-}
-
 TEST_F(ModuleOnLinux, OfAnotherProcessorOfTheSameWidthIsNamed) {
     Elf64_Ehdr header{};
     std::memcpy(header.e_ident, ELFMAG, SELFMAG);

@@ -77,6 +77,16 @@ TEST_F(ModuleTest, AddsOneReferenceEachTime) {
     EXPECT_NE(FreeLibrary(second), 0);
 }
 
+TEST_F(ModuleTest, StaysMappedAfterItsLastReferenceIsGone) {
+    ShipModule("plain_module", ModuleFolder());
+    const HINSTANCE module = Handle("plain_module");
+    ASSERT_NE(module, nullptr);
+    const auto stop = reinterpret_cast<int (*)()>(
+        reinterpret_cast<void (*)()>(GetProcAddress(module, "StopDeviceScan")));
+    EXPECT_NE(FreeLibrary(module), 0);
+    EXPECT_EQ(stop(), 17);
+}
+
 TEST_F(ModuleTest, IsGivenWithoutTheListHavingBeenAskedFor) {
     ShipModule("plain_module", ModuleFolder());
     const PrinterUtil::ModuleReport report = PrinterUtil::DescribeModule("plain_module");

@@ -35,10 +35,11 @@ MAY_INCLUDE = {
     "modules/driverless": ["include/VendorSdk/", "base/", "platform/PrinterDiscoverAPI/"],
     "modules": ["include/VendorSdk/", "base/"],
     # The application configures its own libraries, and names no entry point by hand.
-    "app": ["include/", "base/", "platform/os.h", "platform/LogHelper/", "platform/PrinterUtil/",
+    "app": ["include/", "base/", "platform/os.h", "platform/os_calls.h",
+            "platform/LogHelper/", "platform/PrinterUtil/",
             "host/LogHelper/log_settings.h", "host/PrinterDiscoverAPI/ping_report.h",
             "host/PrinterUtil/vendor_list.h"],
-    "kit": ["include/VendorSdk/", "vendor/", "platform/os.h"],
+    "kit": ["include/VendorSdk/", "vendor/", "platform/os.h", "platform/os_calls.h"],
 }
 INCLUDE_FOLDERS = ["", "include/"]
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
@@ -55,7 +56,7 @@ OS_HEADER = re.compile(
     r"|(sys|net|netinet|arpa|linux|asm|bits|winrt|gnu)/\w+)\.h$", re.IGNORECASE)
 SYSTEM_INCLUDE = re.compile(r"^\s*#\s*include\s+<([^>]+)>", re.MULTILINE)
 MAY_KNOW_THE_OS = re.compile(
-    r"(_linux|_windows)\.(cpp|h)$|^platform/(os|compiler)\.h$|^include/VendorSdk/entry_points\.h$"
+    r"(_linux|_windows)\.(cpp|h)$|^platform/(os|os_calls|compiler)\.h$|^include/VendorSdk/entry_points\.h$"
     # A module for one system only.
     r"|^modules/driverless/")
 

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "platform/os_calls.h"
 #include "tests/support/scripted_vendors.h"
 
 namespace {
