@@ -8,12 +8,12 @@ PrinterRow RowOf(const Printer& printer) {
 }
 
 Table TableOf(const std::vector<Printer>& printers) {
-    // Serial numbers and names may be long; the other columns are needed whole.
-    Table table{{{"SERIAL NUMBER", Column::Yielding},
+    // By serial number, address and port a printer is told from others, and reached.
+    Table table{{{"SERIAL NUMBER", Column::Whole},
                  {"MAKE AND MODEL", Column::Yielding},
                  {"ADDRESS", Column::Whole},
                  {"PORT", Column::Number},
-                 {"VENDOR", Column::Whole}},
+                 {"VENDOR", Column::Yielding}},
                 {}};
     for (const Printer& printer : printers) {
         const PrinterRow row = RowOf(printer);

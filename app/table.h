@@ -7,8 +7,8 @@
 namespace App {
 
 enum class Column {
-    Whole,     // needed whole
-    Yielding,  // gives way where the terminal is too narrow
+    Whole,     // needed whole: never cut, and wrapped only when all others have given way
+    Yielding,  // gives way first where the terminal is too narrow
     Number,    // needed whole, and aligned to the right
 };
 
@@ -28,11 +28,11 @@ struct Table {
 // A text that a device may have sent as a cell; "-" for one that is not known.
 std::string Cell(const std::string& text);
 
-// What becomes of texts that a terminal is too narrow for.
+// What becomes of texts that may give way, when a terminal is too narrow for them.
 enum class Overflow { Cut, Wrap };
 
 // The table with its headings for a terminal of that many columns. With Overflow::Cut each row is
-// one line.
+// one line, unless not even what is needed whole fits into one.
 std::vector<std::string> TableLines(const Table& table, std::size_t columns, Overflow overflow);
 
 }  // namespace App

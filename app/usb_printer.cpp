@@ -13,11 +13,11 @@ std::string Text(const char (&field)[Width]) {
     return {field, std::find(field, field + Width, '\0')};
 }
 
-// Serial numbers and names may be long; the other columns are needed whole.
-constexpr Heading kSerialNumber{"SERIAL NUMBER", Column::Yielding};
+// By serial number and place a printer is told from others.
+constexpr Heading kSerialNumber{"SERIAL NUMBER", Column::Whole};
 constexpr Heading kMakeAndModel{"MAKE AND MODEL", Column::Yielding};
 constexpr Heading kPlace{"PLACE", Column::Whole};
-constexpr Heading kVendor{"VENDOR", Column::Whole};
+constexpr Heading kVendor{"VENDOR", Column::Yielding};
 
 template <class Item>
 Table TableWith(std::vector<Heading> headings, const std::vector<Item>& items) {
