@@ -34,7 +34,9 @@ constexpr KnownResult kKnownResults[] = {
     {3,
      "Avahi does not run, which looking for printers needs. Start it with `systemctl start "
      "avahi-daemon`, and ask again"},
-    {4, "this computer is on no network. Join the one that the printer was put on, and ask again"},
+    {4,
+     "this computer is on no network: no interface has an IPv4 address. Join the printer's "
+     "network, and ask again"},
     {5, "Avahi does not answer. Restart it with `systemctl restart avahi-daemon`, and ask again"},
     {6, "D-Bus ended meanwhile. Ask again"},
     {7,

@@ -33,6 +33,10 @@ model, address, port and vendor, separated by tabs.
 Printers may share a serial number, so the address tells them apart: one that
 changes its address while the scan goes on is shown at both.
 
+A vendor that cannot look says why on standard error. When none can, or none
+looks any more, the scan ends at once with exit status 3; what was found before
+counts, but not with --watch.
+
 Ctrl-C stops the scan properly, and a vendor that takes more than 3 seconds for
 that is left behind; a second one ends the program at once.
 
@@ -57,7 +61,8 @@ inline constexpr const char* kVendors = R"(Examples:
 Without --vendors the list is the one that the environment variable
 DEVICEDISCOVER_VENDORS names, else vendors.json in your configuration folder,
 else the one beside the library. The exit status is 0 when at least one module
-can be loaded.
+can be loaded, and 1 when a module that was loaded exports no entry point at all;
+names that only look like one are told.
 
 )";
 

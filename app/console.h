@@ -18,7 +18,10 @@ struct OutputClosed {};
 // The arguments behind the program's own name.
 std::vector<std::string> Arguments(int argc, char** argv);
 
-// Readies the standard streams; the first call of a program.
+// Readies the standard streams; the first call of a program, before any vendor's module is loaded.
+// What the program writes to standard output goes there; what anything else in the process writes
+// goes to standard error. A stream that was closed stays out of the way of files opened later:
+// reading from it gives an end, writing to it a Problem.
 void PrepareConsole();
 
 // Writes all of `text` to standard output at once. Throws OutputClosed, or Problem when it cannot

@@ -24,6 +24,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// The program's own way to standard output, once vendors' is another; -1: it was closed.
+int output = STDOUT_FILENO;
+
 constexpr int kStalled = ETIMEDOUT;
 constexpr auto kPatience = std::chrono::seconds(1);
 constexpr int kPollMilliseconds = 100;
@@ -42,8 +45,8 @@ int WithoutWaiting(int stream) {
 }
 
 bool IsReady(int stream) {
-    pollfd output{stream, POLLOUT, 0};
-    return poll(&output, 1, kPollMilliseconds) > 0;
+    pollfd place{stream, POLLOUT, 0};
+    return poll(&place, 1, kPollMilliseconds) > 0;
 }
 
 // The system's error number; 0 when all was written, kStalled when the program is to end and the
@@ -71,6 +74,28 @@ int WriteTo(int stream, std::string_view text) {
     return 0;
 }
 
+// Whether the stream is open. The number of one that is not goes to a file that holds nothing: the
+// next pipe or file to be opened would get it, and be taken for the stream.
+bool Hold(int stream) {
+    if (fcntl(stream, F_GETFD) >= 0) {
+        return true;
+    }
+    const int nothing = open("/dev/null", O_RDWR | O_NOCTTY);
+    if (nothing >= 0 && nothing != stream) {
+        dup2(nothing, stream);
+        close(nothing);
+    }
+    return false;
+}
+
+// A vendor's prints would spoil what is written for a program to read.
+void KeepOutputToOurselves() {
+    output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (output >= 0) {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+    }
+}
+
 }  // namespace
 
 std::vector<std::string> Arguments(int argc, char** argv) {
@@ -78,6 +103,14 @@ std::vector<std::string> Arguments(int argc, char** argv) {
 }
 
 void PrepareConsole() {
+    Hold(STDIN_FILENO);
+    const bool hasOutput = Hold(STDOUT_FILENO);
+    Hold(STDERR_FILENO);
+    if (hasOutput) {
+        KeepOutputToOurselves();
+    } else {
+        output = -1;
+    }
     // A reader that goes away is seen where the writing fails.
     std::signal(SIGPIPE, SIG_IGN);
     // The width of characters is known in a UTF-8 locale only, and UTF-8 is what is written.
@@ -88,8 +121,8 @@ void PrepareConsole() {
 }
 
 void WriteOutput(std::string_view text) {
-    static const int output = WithoutWaiting(STDOUT_FILENO);
-    const int error = WriteTo(output, text);
+    static const int stream = output < 0 ? output : WithoutWaiting(output);
+    const int error = stream < 0 ? EBADF : WriteTo(stream, text);
     if (error == EPIPE || error == kStalled) {
         throw OutputClosed();
     }
@@ -100,8 +133,8 @@ void WriteOutput(std::string_view text) {
 }
 
 bool OutputReaderIsGone() {
-    pollfd output{STDOUT_FILENO, 0, 0};
-    return poll(&output, 1, 0) > 0 && (output.revents & POLLERR) != 0;
+    pollfd stream{output, 0, 0};  // the system passes over -1
+    return poll(&stream, 1, 0) > 0 && (stream.revents & POLLERR) != 0;
 }
 
 void WriteError(std::string_view text) {
@@ -115,12 +148,11 @@ bool ErrorIsTerminal() {
 
 std::optional<ScreenSize> OutputScreen() {
     const char* const kind = std::getenv("TERM");
-    if (isatty(STDOUT_FILENO) != 1 || kind == nullptr || *kind == '\0' ||
-        std::strcmp(kind, "dumb") == 0) {
+    if (isatty(output) != 1 || kind == nullptr || *kind == '\0' || std::strcmp(kind, "dumb") == 0) {
         return std::nullopt;
     }
     winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
+    if (ioctl(output, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
         return ScreenSize{80, 24};
     }
     return ScreenSize{size.ws_col, size.ws_row};

@@ -2,10 +2,12 @@
 
 #include "platform/os.h"
 // After the system's main header, on which it stands.
+#include <io.h>
 #include <shellapi.h>
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -18,6 +20,9 @@ namespace App {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// The program's own way to standard output, once vendors' is another.
+HANDLE output = nullptr;
 
 constexpr DWORD kStalled = WAIT_TIMEOUT;
 constexpr auto kPatience = std::chrono::seconds(1);
@@ -50,7 +55,7 @@ bool IsConsole(HANDLE stream) {
 // thread serves until the process ends.
 class Writer {
 public:
-    explicit Writer(DWORD standardStream) : stream(GetStdHandle(standardStream)) {
+    explicit Writer(HANDLE place) : stream(place) {
         std::thread([this] { Run(); }).detach();
     }
 
@@ -131,10 +136,21 @@ std::vector<std::string> Arguments(int, char**) {
     return arguments;
 }
 
-void PrepareConsole() {}
+void PrepareConsole() {
+    const HANDLE process = GetCurrentProcess();
+    const HANDLE stream = GetStdHandle(STD_OUTPUT_HANDLE);
+    if (DuplicateHandle(process, stream, process, &output, 0, FALSE, DUPLICATE_SAME_ACCESS) == 0) {
+        output = nullptr;  // it is closed
+        return;
+    }
+    // A vendor's prints would spoil what is written for a program to read. A module asks the
+    // run-time library or the system.
+    _dup2(_fileno(stderr), _fileno(stdout));
+    SetStdHandle(STD_OUTPUT_HANDLE, GetStdHandle(STD_ERROR_HANDLE));
+}
 
 void WriteOutput(std::string_view text) {
-    static Writer& writer = *new Writer(STD_OUTPUT_HANDLE);
+    static Writer& writer = *new Writer(output);
     const DWORD error = writer.Write(text);
     if (error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE || error == ERROR_PIPE_NOT_CONNECTED ||
         error == kStalled) {
@@ -152,7 +168,7 @@ bool OutputReaderIsGone() {
 }
 
 void WriteError(std::string_view text) {
-    static Writer& writer = *new Writer(STD_ERROR_HANDLE);
+    static Writer& writer = *new Writer(GetStdHandle(STD_ERROR_HANDLE));
     writer.Write(text);
 }
 
@@ -162,7 +178,7 @@ bool ErrorIsTerminal() {
 
 std::optional<ScreenSize> OutputScreen() {
     CONSOLE_SCREEN_BUFFER_INFO info;
-    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) == 0) {
+    if (GetConsoleScreenBufferInfo(output, &info) == 0) {
         return std::nullopt;
     }
     const auto extent = [](SHORT from, SHORT to) {
@@ -173,7 +189,6 @@ std::optional<ScreenSize> OutputScreen() {
 }
 
 void Redraw(std::size_t rowsBefore, const std::vector<std::string>& lines) {
-    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
     CONSOLE_SCREEN_BUFFER_INFO info;
     if (GetConsoleScreenBufferInfo(output, &info) != 0) {
         const SHORT up = static_cast<SHORT>(rowsBefore > 1 ? rowsBefore - 1 : 0);

@@ -43,7 +43,8 @@ Json ModuleObject(const ModuleSurvey& module) {
             {"path", module.path},
             {"loaded", module.IsLoaded()},
             {"problem", module.IsLoaded() ? Json() : Json(module.problem)},
-            {"entryPoints", entryPoints}};
+            {"entryPoints", entryPoints},
+            {"hints", module.hints}};
 }
 
 Json UsbPrinterObject(const UsbPrinter& printer) {

@@ -37,7 +37,7 @@ std::string AdviceToReadLog() {
 
 std::string AdviceAfterScan() {
     const std::string log = LogHelper::LogFilePath();
-    return "A vendor whose scan failed says so in the log" + (log.empty() ? "" : " (" + log + ")") +
+    return "What each vendor did is in the log" + (log.empty() ? "" : " (" + log + ")") +
            ".\nTry a longer --seconds, `devicediscover vendors` to see what each vendor's modules "
            "can do,\nor --log-level error to see failures as they happen.";
 }

@@ -10,7 +10,16 @@ namespace App {
 ExitStatus Scan(const Settings& settings, const ScanOptions& options) {
     ScanSession session;
     const auto view = ViewFor<Printer>(settings, PrinterJson);
-    if (RunScan(session, *view, options)) {
+    const bool isAnyFound = RunScan(session, *view, options);
+    if (session.HasEnded() && !OutputReaderIsGone()) {
+        if (!isAnyFound || options.watch) {
+            ThrowNobodyLooks(session);
+        }
+        for (const std::string& failure : session.Failures()) {
+            Warn(failure);
+        }
+    }
+    if (isAnyFound) {
         return kFound;
     }
     Complain("no printer found.\n" + AdviceAfterScan());

@@ -46,7 +46,26 @@ std::string ScanStatus(std::size_t found, bool watch,
     return soFar + ", " + std::to_string(seconds) + " s left (Ctrl-C stops)";
 }
 
-// Shows the running scan until its time is over or it is cancelled, and stops it.
+// Whether nobody looks any more, of a session that knows.
+template <class Session>
+bool HasEnded(Session& session) {
+    if constexpr (requires { session.HasEnded(); }) {
+        return session.HasEnded();
+    }
+    return false;
+}
+
+template <class Item, class Session>
+void ShowRemarks(Session& session, ScanView<Item>& view) {
+    if constexpr (requires { session.TakeRemarks(); }) {
+        for (const std::string& remark : session.TakeRemarks()) {
+            view.Remark(remark);
+        }
+    }
+}
+
+// Shows the running scan until its time is over, nobody looks any more or it is cancelled, and
+// stops it.
 template <class Item, class Session>
 void ShowScan(Session& session, ScanView<Item>& view, const ScanOptions& options) {
     using ListClock = typename ItemList<Item>::Clock;
@@ -55,11 +74,13 @@ void ShowScan(Session& session, ScanView<Item>& view, const ScanOptions& options
     const auto end =
         ListClock::now() + std::chrono::duration_cast<typename ListClock::duration>(options.time);
     const auto isOver = [&] {
-        return list.IsCancelled() || (!options.watch && ListClock::now() >= end);
+        return list.IsCancelled() || HasEnded(session) ||
+               (!options.watch && ListClock::now() >= end);
     };
     const auto show = [&](typename ListClock::time_point until) {
         const std::vector<Item> news = list.WaitForNews(until);
         view.Show(news, ScanStatus<Item>(list.GetItems().size(), options.watch, end));
+        ShowRemarks(session, view);
     };
     show(ListClock::now());
     while (!isOver() && !OutputReaderIsGone()) {

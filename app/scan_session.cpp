@@ -24,19 +24,59 @@ int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 
 ScanSession::ScanSession() {
     CancelOnInterrupt();
+    const ScanSurvey survey = SurveyScans();
+    knownVendors = survey.listed;
+    scans.emplace(survey.vendors);
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
     const bool started = discovery.StartDeviceScan({OnDevice, 0}) == 0;
     if (started) {
         scan.emplace("scan", "a vendor has not stopped its scan",
                      [&discovery] { return discovery.StopDeviceScan(); });
     }
-    const std::vector<std::string> problems = ScanProblems();
     if (!started) {
-        ThrowCouldNotStart(problems);
+        ThrowCouldNotStart(survey.problems);
     }
-    for (const std::string& problem : problems) {
+    for (const std::string& problem : survey.problems) {
         Warn(problem);
     }
+}
+
+void ScanSession::Stop() {
+    scans->Update();
+    scans->Freeze();
+    scan->Stop();
+}
+
+bool ScanSession::HasEnded() {
+    scans->Update();
+    return scans->HasEnded();
+}
+
+std::vector<std::string> ScanSession::TakeRemarks() {
+    std::vector<std::string> remarks;
+    RemarkStrangers(remarks);
+    if (!HasEnded()) {
+        const std::vector<std::string>& failures = scans->Failures();
+        remarks.insert(remarks.end(), failures.begin() + static_cast<std::ptrdiff_t>(remarked),
+                       failures.end());
+        remarked = failures.size();
+    }
+    return remarks;
+}
+
+void ScanSession::RemarkStrangers(std::vector<std::string>& remarks) {
+    for (const Printer& printer : Printers().GetItems()) {
+        if (!knownVendors.contains(printer.vendor) && strangers.insert(printer.vendor).second) {
+            remarks.push_back("a vendor reports printers with the modelID '" + printer.vendor +
+                              "', which is no productId of the vendor list: no vendor can be "
+                              "asked about them");
+        }
+    }
+}
+
+void ThrowNobodyLooks(const ScanSession& session) {
+    throw Problem("no vendor looks for printers; whether there are more is not known" +
+                  Lines(session.Failures()));
 }
 
 }  // namespace App

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "app/printer_list.h"
 #include "app/running_work.h"
+#include "app/vendor_scans.h"
 
 namespace App {
 
@@ -16,12 +21,31 @@ public:
     ScanSession();
 
     // As that of RunningWork.
-    void Stop() { scan->Stop(); }
+    void Stop();
+
+    // Whether nobody looks any more: each vendor's scan has failed.
+    bool HasEnded();
+
+    // Lines that a user should read, new since the last call: vendors whose scan has failed while
+    // others look on, and printers that no vendor of the list can be asked about.
+    std::vector<std::string> TakeRemarks();
+
+    // Why vendors do not look, all of them so far.
+    const std::vector<std::string>& Failures() const { return scans->Failures(); }
 
     PrinterList& Printers() { return PrinterList::GetInstance(); }
 
 private:
+    void RemarkStrangers(std::vector<std::string>& remarks);
+
+    std::optional<VendorScans> scans;
     std::optional<RunningWork> scan;
+    std::size_t remarked = 0;            // failures that were told
+    std::set<std::string> strangers;     // vendors of printers that are not in the list
+    std::set<std::string> knownVendors;  // the list's
 };
+
+// Throws Problem with the reasons of a session that has ended.
+[[noreturn]] void ThrowNobodyLooks(const ScanSession& session);
 
 }  // namespace App

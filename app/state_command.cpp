@@ -41,11 +41,14 @@ std::vector<Printer> Matches(const PrinterList& list, const StateOptions& option
     return printers;
 }
 
-void WaitForOne(PrinterList& list, const StateOptions& options) {
+void WaitForOne(ScanSession& session, const StateOptions& options) {
+    constexpr auto tick = std::chrono::milliseconds(200);
+    PrinterList& list = session.Printers();
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(options.time);
     do {
-        list.WaitForNews(end);
-    } while (Matches(list, options).empty() && !list.IsCancelled() && Clock::now() < end);
+        list.WaitForNews(std::min(end, Clock::now() + tick));
+    } while (Matches(list, options).empty() && !list.IsCancelled() && !session.HasEnded() &&
+             Clock::now() < end);
 }
 
 // Others that have the serial number, too, are mostly found at once.
@@ -117,12 +120,18 @@ ExitStatus NotClear(const StateOptions& options, const std::vector<Printer>& pri
 ExitStatus State(const Settings& settings, const StateOptions& options) {
     ScanSession session;
     PrinterList& list = session.Printers();
-    WaitForOne(list, options);
+    WaitForOne(session, options);
     if (options.address.empty() && !Matches(list, options).empty()) {
         WaitForOthers(list);
     }
     session.Stop();
     const std::vector<Printer> printers = Matches(list, options);
+    if (printers.empty() && session.HasEnded()) {
+        ThrowNobodyLooks(session);
+    }
+    for (const std::string& failure : session.Failures()) {
+        Warn(failure);
+    }
     if (printers.empty()) {
         return NotFound(options, list.GetItems().size(), list.IsCancelled());
     }

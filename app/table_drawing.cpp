@@ -8,6 +8,7 @@ namespace App {
 
 namespace {
 
+constexpr std::size_t kMostRemarks = 2;
 constexpr auto kShortestInterval = std::chrono::milliseconds(50);
 
 ScreenSize Screen() {
@@ -25,27 +26,30 @@ std::size_t RowsOf(const std::vector<std::string>& lines, std::size_t columns) {
     return rows;
 }
 
-std::vector<std::string> Picture(Table table, const std::string& status, const ScreenSize& screen) {
+std::vector<std::string> Picture(Table table, const std::vector<std::string>& below,
+                                 const ScreenSize& screen) {
     // What has scrolled off the terminal cannot be drawn over: the latest rows that fit are shown
     // until the scan ends.
-    constexpr std::size_t otherLines = 3;
+    const std::size_t otherLines = 2 + below.size();
     const std::size_t room = screen.rows > otherLines ? screen.rows - otherLines : 1;
     // A line that fills the terminal would wrap on some.
     const std::size_t columns = screen.columns - 1;
     std::vector<std::string> lines;
-    std::size_t hidden = 0;
-    if (table.rows.size() > room) {
-        hidden = table.rows.size() - room;
-        table.rows.erase(table.rows.begin(),
-                         table.rows.begin() + static_cast<std::ptrdiff_t>(hidden));
-    }
-    if (!table.rows.empty()) {
+    std::size_t hidden = table.rows.size() - std::min(table.rows.size(), room);
+    table.rows.erase(table.rows.begin(), table.rows.begin() + static_cast<std::ptrdiff_t>(hidden));
+    while (!table.rows.empty()) {
         lines = TableLines(table, columns, Overflow::Cut);
+        if (lines.size() <= room + 1 || table.rows.size() == 1) {
+            break;
+        }
+        // On a very narrow terminal a row takes several lines.
+        table.rows.erase(table.rows.begin());
+        ++hidden;
     }
     if (hidden > 0) {
         lines.push_back("(and " + std::to_string(hidden) + " found before these)");
     }
-    lines.push_back(status);
+    lines.insert(lines.end(), below.begin(), below.end());
     for (std::string& line : lines) {
         line = CutToWidth(line, columns);
     }
@@ -54,14 +58,21 @@ std::vector<std::string> Picture(Table table, const std::string& status, const S
 
 }  // namespace
 
-void TableDrawing::Show(const Table& table, bool hasNews, const std::string& status) {
+void TableDrawing::Show(const Table& table, bool hasNews, const std::vector<std::string>& remarks,
+                        const std::string& status) {
     const auto now = std::chrono::steady_clock::now();
     // A flood of news is drawn with the next call.
     if (hasNews && now - lastDrawn < kShortestInterval) {
         return;
     }
     lastDrawn = now;
-    Draw(Picture(table, status, Screen()));
+    std::vector<std::string> below;
+    const std::size_t hidden = remarks.size() - std::min(remarks.size(), kMostRemarks);
+    for (std::size_t index = hidden; index < remarks.size(); ++index) {
+        below.push_back(DisplayText(remarks[index]));
+    }
+    below.push_back(status);
+    Draw(Picture(table, below, Screen()));
 }
 
 void TableDrawing::Finish(const Table& table, const std::string& summary) {

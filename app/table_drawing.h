@@ -13,8 +13,10 @@ namespace App {
 // A table on the terminal that is drawn anew as a scan goes on, with a status below it.
 class TableDrawing {
 public:
-    // `hasNews`: whether the table has changed since the last call.
-    void Show(const Table& table, bool hasNews, const std::string& status);
+    // `hasNews`: whether the table has changed since the last call. Of the remarks the latest are
+    // shown.
+    void Show(const Table& table, bool hasNews, const std::vector<std::string>& remarks,
+              const std::string& status);
 
     // Leaves the whole table on the terminal, and `summary` below it; nothing without rows.
     void Finish(const Table& table, const std::string& summary);

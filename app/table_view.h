@@ -15,18 +15,25 @@ template <class Item>
 class TableView : public ScanView<Item> {
 public:
     void Show(const std::vector<Item>& news, const std::string& status) override {
-        drawing.Show(Contents(), !news.empty(), status);
+        drawing.Show(Contents(), !news.empty(), remarks, status);
     }
+
+    // Below the table until it is finished, so that nothing tears it.
+    void Remark(const std::string& text) override { remarks.push_back(text); }
 
     void Finish() override {
         const Table table = Contents();
         drawing.Finish(table, CountOf<Item>(table.rows.size()) + " found.");
+        for (const std::string& remark : remarks) {
+            Warn(remark);
+        }
     }
 
 private:
     static Table Contents() { return TableOf(ItemList<Item>::GetInstance().GetItems()); }
 
     TableDrawing drawing;
+    std::vector<std::string> remarks;
 };
 
 }  // namespace App

@@ -1,8 +1,11 @@
 #include "app/vendor_survey.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 
 #include "DeviceDiscover/DeviceDiscover.h"
+#include "app/module_exports.h"
 #include "host/PrinterUtil/vendor_list.h"
 #include "platform/os_calls.h"
 
@@ -21,10 +24,10 @@ const std::vector<std::string> kConfigurationExports{
 ModuleSurvey Survey(const std::string& use, const std::string& moduleName,
                     const std::vector<std::string>& exports) {
     if (moduleName.empty()) {
-        return {use, moduleName, {}, "the vendor list names none", {}};
+        return {use, moduleName, {}, "the vendor list names none", {}, {}};
     }
     const PrinterUtil::ModuleReport report = PrinterUtil::DescribeModule(moduleName);
-    ModuleSurvey survey{use, moduleName, report.path, report.problem, {}};
+    ModuleSurvey survey{use, moduleName, report.path, report.problem, {}, {}};
     if (report.module == nullptr) {
         if (survey.problem.empty()) {
             survey.problem = "cannot be loaded";
@@ -45,6 +48,23 @@ bool ModuleSurvey::Has(const std::string& entryPoint) const {
     return std::any_of(entryPoints.begin(), entryPoints.end(), [&](const EntryPointSurvey& known) {
         return known.bound && known.name == entryPoint;
     });
+}
+
+bool ModuleSurvey::HasAny() const {
+    return std::any_of(entryPoints.begin(), entryPoints.end(),
+                       [](const EntryPointSurvey& known) { return known.bound; });
+}
+
+void AddHints(ModuleSurvey& survey) {
+    std::ifstream file(std::filesystem::path(std::u8string(survey.path.begin(), survey.path.end())),
+                       std::ios::binary);
+    const std::vector<std::string> names = ExportedNames(file);
+    for (const EntryPointSurvey& entryPoint : survey.entryPoints) {
+        const std::string hint = entryPoint.bound ? "" : NearMiss(entryPoint.name, names);
+        if (!hint.empty()) {
+            survey.hints.push_back(hint);
+        }
+    }
 }
 
 ModuleSurvey SurveyScanModule(const VendorInfo& vendor) {
@@ -75,22 +95,25 @@ ServiceSurvey SurveyConfiguration(const std::vector<std::string>& entryPoints) {
     return survey;
 }
 
-std::vector<std::string> ScanProblems() {
+ScanSurvey SurveyScans() {
     const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
-    std::vector<std::string> problems = list.problems;
+    ScanSurvey survey{{}, {}, list.problems};
     for (const VendorInfo& vendor : list.vendors) {
+        survey.listed.insert(vendor.productId);
         if (vendor.scanModuleName.empty()) {
             continue;  // a vendor for other things than scans
         }
         const ModuleSurvey module = SurveyScanModule(vendor);
         if (!module.IsLoaded()) {
-            problems.push_back("vendor " + vendor.productId + ": " + module.problem);
+            survey.problems.push_back("vendor " + vendor.productId + ": " + module.problem);
         } else if (!module.Has("StartDeviceScan")) {
-            problems.push_back("vendor " + vendor.productId + ": module " + module.path +
-                               " has no entry point StartDeviceScan");
+            survey.problems.push_back("vendor " + vendor.productId + ": module " + module.path +
+                                      " has no entry point StartDeviceScan");
+        } else {
+            survey.vendors.push_back(vendor.productId);
         }
     }
-    return problems;
+    return survey;
 }
 
 }  // namespace App

@@ -24,6 +24,9 @@ std::string ModuleText(const ModuleSurvey& module) {
         text +=
             fmt::format("    {:27}{}\n", entryPoint.name, entryPoint.bound ? "bound" : "missing");
     }
+    for (const std::string& hint : module.hints) {
+        text += fmt::format("    hint: {}\n", DisplayText(hint));
+    }
     return text;
 }
 
@@ -39,6 +42,23 @@ std::string VendorText(const VendorInfo& vendor, const std::vector<ModuleSurvey>
     throw Problem("no vendor is supported" + Lines(list.problems) + Lines(list.notes) +
                   "\nName a vendor list with --vendors FILE, or in the environment variable "
                   "DEVICEDISCOVER_VENDORS.");
+}
+
+// A line for each module that exports nothing of what it is asked for, with what may be the reason.
+// A module that the list names for both uses may serve one of them only.
+void AddUseless(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modules,
+                std::vector<std::string>& lines) {
+    for (const ModuleSurvey& module : modules) {
+        const bool serves = std::any_of(modules.begin(), modules.end(), [&](const auto& other) {
+            return other.name == module.name && other.HasAny();
+        });
+        if (!module.IsLoaded() || serves) {
+            continue;
+        }
+        lines.push_back("vendor " + vendor.productId + ": module " + module.path +
+                        " exports none of the entry points for " + module.use);
+        lines.insert(lines.end(), module.hints.begin(), module.hints.end());
+    }
 }
 
 }  // namespace
@@ -59,11 +79,14 @@ ExitStatus Vendors(const Settings& settings) {
                     DisplayText(list.moduleFolder) + "\n");
     }
     bool anyLoaded = false;
+    std::vector<std::string> useless;
     for (const VendorInfo& vendor : list.vendors) {
-        const std::vector<ModuleSurvey> modules{SurveyScanModule(vendor),
-                                                SurveyConfigurationModule(vendor)};
+        std::vector<ModuleSurvey> modules{SurveyScanModule(vendor),
+                                          SurveyConfigurationModule(vendor)};
+        std::for_each(modules.begin(), modules.end(), AddHints);
         WriteOutput(settings.json ? VendorJson(list, vendor, modules) + "\n"
                                   : VendorText(vendor, modules));
+        AddUseless(vendor, modules, useless);
         anyLoaded =
             anyLoaded || std::any_of(modules.begin(), modules.end(),
                                      [](const ModuleSurvey& module) { return module.IsLoaded(); });
@@ -71,6 +94,12 @@ ExitStatus Vendors(const Settings& settings) {
     if (!anyLoaded) {
         throw Problem("no vendor's module can be loaded\nPut the modules into " +
                       list.moduleFolder + ", or name another vendor list with --vendors FILE.");
+    }
+    if (!useless.empty()) {
+        Complain("a module serves nothing" + Lines(useless) +
+                 "\nEntry points are exported by their exact names, with C linkage. Has the list "
+                 "the right module in each place?");
+        return kNoneFound;
     }
     return kFound;
 }

@@ -6,7 +6,7 @@
 namespace App {
 
 // Shows each vendor of the list, its modules and their entry points. kFound when at least one
-// module could be loaded.
+// module could be loaded, kNoneFound when one exports none of its entry points.
 ExitStatus Vendors(const Settings& settings);
 
 }  // namespace App

@@ -20,6 +20,7 @@ struct Script {
     int threads = 1;  // that report at once
     int repeat = 1;   // how often each thread reports them all; 0: until the scan is stopped
     std::chrono::milliseconds interval{0};  // between two reports of a thread
+    std::string print;                      // what each call writes to standard output
     bool untilStopped = false;              // a scan waits for its stop
     int afterStop = 0;                      // reports once the stop has returned
 

@@ -69,7 +69,10 @@ int Vendor::Answer(const char* entryPoint, const void* argument, const void* sec
     changed.wait(lock, [&] { return !blocked.contains(entryPoint); });
     const std::chrono::milliseconds delay = script.DelayOf(entryPoint);
     const int result = script.ResultOf(entryPoint);
+    const std::string print = script.print;
     lock.unlock();
+    std::fputs(print.c_str(), stdout);
+    std::fflush(stdout);
     if (delay.count() > 0) {
         std::this_thread::sleep_for(delay);
     }

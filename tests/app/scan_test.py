@@ -7,7 +7,8 @@ import time
 import unittest
 
 import app_test
-from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device, json_lines
+from app_test import (COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, USAGE, AppTest, device,
+                      json_lines)
 
 
 class Scan(AppTest):
@@ -207,6 +208,147 @@ class ScanThatCannotRun(AppTest):
         self.assertEqual(process.returncode, COULD_NOT_RUN)
         self.assert_mentions(errors, "cannot write to standard output", "No space left")
         self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+
+class ScanThatFails(AppTest):
+    """What vendors return, told as it is: nobody looked is not nothing found."""
+
+    def use_two(self):
+        self.list_file = self.vendor_list([("broken", "scripted_all"), ("sound", "scripted_all_b")])
+
+    def assert_nobody_looks(self, result, *words):
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "no vendor looks for printers", *words)
+        self.assertNotIn("no printer found", result.errors)
+
+    def test_where_nobody_could_look_none_found_is_not_said(self):
+        self.script("result StartDeviceScan 7")
+        begun = time.monotonic()
+        self.assert_nobody_looks(self.run_app("scan", "--seconds", "300"),
+                                 "vendor scripted", "the vendor's result 7")
+        self.assertLess(time.monotonic() - begun, app_test.PATIENCE, "it ends when nobody looks")
+        self.assertEqual(self.calls_of("StopDeviceScan"), ["scripted_all"])
+
+    def test_the_cause_is_in_json_too(self):
+        self.script("result StartDeviceScan 7")
+        result = self.run_app("scan", "--json")
+        self.assert_nobody_looks(result)
+        problem, = json_lines(result.output)
+        self.assertEqual(list(problem), ["problem"])
+        self.assert_mentions(problem["problem"], "vendor scripted", "the vendor's result 7")
+
+    def test_results_of_the_standard_module_are_told_in_words(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
+        for number, words in ((2, "D-Bus cannot be reached"), (3, "Avahi does not run"),
+                              (4, "no interface has an IPv4 address"), (5, "Avahi does not answer"),
+                              (6, "D-Bus ended")):
+            self.script(f"result StartDeviceScan {number}")
+            self.assert_nobody_looks(self.run_app("scan"), words)
+
+    def test_the_one_that_failed_is_named_and_what_others_found_counts(self):
+        self.use_two()
+        self.script("[scripted_all]", "result StartDeviceScan 7", "[scripted_all_b]",
+                    device("SN1", vendor="sound"), "until-stopped")
+        result = self.run_app("scan", "--seconds", "1")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output.split("\t")[0], "SN1")
+        self.assertRegex(result.errors, r"\Adevicediscover: warning: vendor broken does not look for "
+                                        r"printers: the vendor's result 7\n\Z")
+
+    def test_where_one_could_look_none_found_is_status_1(self):
+        self.use_two()
+        self.script("[scripted_all]", "result StartDeviceScan 7")
+        result = self.run_app("scan", "--seconds", "1")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "vendor broken does not look", "no printer found")
+
+    def test_what_was_found_before_everybody_failed_counts(self):
+        self.script(device("SN1"), "result StartDeviceScan 6")
+        result = self.run_app("scan", "--seconds", "300")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output.split("\t")[0], "SN1")
+        self.assert_mentions(result.errors, "vendor scripted does not look", "result 6")
+
+    def test_a_watch_that_nobody_looks_for_ends_with_status_3(self):
+        self.script("delay StartDeviceScan 500", device("SN1"), "result StartDeviceScan 6")
+        result = self.run_app("scan", "--watch", "--json")
+        self.assert_nobody_looks(result, "vendor scripted", "the vendor's result 6")
+        printer, problem = json_lines(result.output)
+        self.assertEqual(printer["serialNumber"], "SN1")
+        self.assertEqual(list(problem), ["problem"])
+
+    def test_a_watch_goes_on_without_the_one_that_ended_and_says_so(self):
+        self.use_two()
+        self.script("[scripted_all]", "delay StartDeviceScan 500", "result StartDeviceScan 6",
+                    "[scripted_all_b]", "until-stopped", device("SN1", vendor="sound"))
+        process = self.start_app("scan", "--watch")
+        self.assert_mentions(process.stderr.readline().decode(), "warning: vendor broken does not")
+        time.sleep(0.5)
+        self.assertIsNone(process.poll(), "the other looks on")
+
+    def test_a_result_after_the_stop_is_no_failure(self):
+        self.script("until-stopped", "result StartDeviceScan 9")
+        result = self.run_app("scan", "--seconds", "1")
+        self.assert_status(result, NONE_FOUND)
+        self.assertNotIn("result 9", result.errors)
+
+    def test_a_state_that_nobody_looked_for_is_status_3(self):
+        self.script("result StartDeviceScan 7")
+        self.assert_nobody_looks(self.run_app("state", "SN1", "--seconds", "300"), "result 7")
+
+    def test_a_model_that_is_no_product_of_the_list_is_named_once(self):
+        self.script(device("SN1", vendor="acme"), device("SN2", vendor="acme"),
+                    device("SN3", vendor="ACME"), device("SN4"))
+        result = self.run_app("scan", "--seconds", "1")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.errors.count("modelID 'acme'"), 1)
+        self.assertEqual(result.errors.count("modelID 'ACME'"), 1)
+        self.assertNotIn("'scripted'", result.errors)
+
+
+class Prints(AppTest):
+    def test_of_a_vendor_do_not_reach_what_the_program_writes(self):
+        self.script(r'print "noise\n"', device("SN1"))
+        result = self.run_app("scan", "--json", "--seconds", "1")
+        self.assert_status(result, FOUND)
+        self.assertEqual([printer["serialNumber"] for printer in json_lines(result.output)],
+                         ["SN1"])
+        self.assert_mentions(result.errors, "noise")
+        self.assertEqual(len(self.run_app("scan", "--seconds", "1").output.splitlines()), 1)
+
+
+class ClosedStreams(AppTest):
+    """Streams that are closed when the program starts."""
+
+    def run_closed(self, closed, *arguments):
+        command = ["sh", "-c", f'exec "$@" {closed}', "sh", *self.command(*arguments)]
+        return subprocess.run(command, env=self.environment, timeout=app_test.PATIENCE,
+                              stdin=subprocess.PIPE, capture_output=True)
+
+    def test_output_that_nobody_can_see_is_no_success(self):
+        self.script(device("SN1"))
+        for arguments in (["scan", "--seconds", "1"], ["vendors"], ["--version"]):
+            command = self.run_closed(">&-", *arguments) if arguments != ["--version"] else (
+                self.run_closed_unlisted(">&-", "--version"))
+            self.assertEqual(command.returncode, COULD_NOT_RUN, command.stderr)
+            self.assertIn(b"cannot write to standard output", command.stderr)
+
+    def run_closed_unlisted(self, closed, *arguments):
+        command = ["sh", "-c", f'exec "$@" {closed}', "sh",
+                   *self.command(*arguments, listed=False)]
+        return subprocess.run(command, env=self.environment, timeout=app_test.PATIENCE,
+                              stdin=subprocess.PIPE, capture_output=True)
+
+    def test_a_pass_phrase_from_a_closed_input_is_an_error_at_once(self):
+        result = self.run_closed("<&-", "wifi", "join", "Office", "--pass-phrase-file", "-")
+        self.assertEqual(result.returncode, USAGE, result.stderr)
+        self.assertIn(b"standard input holds no pass phrase", result.stderr)
+
+    def test_without_standard_error_the_command_works(self):
+        self.script(r'print "noise\n"', device("SN1"))
+        result = self.run_closed("2>&-", "scan", "--json", "--seconds", "1")
+        self.assertEqual(result.returncode, FOUND)
+        self.assertEqual(len(json_lines(result.stdout.decode())), 1)
 
 
 class ScanLog(AppTest):

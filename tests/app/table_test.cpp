@@ -94,8 +94,7 @@ TEST(Table, ThatWraps_LosesNothing) {
     EXPECT_THAT(lines, testing::Contains(HasSubstr(kAddress)));
     const std::size_t model = kSerial.size() + 2;
     const std::size_t address = lines[0].find("ADDRESS");
-    EXPECT_EQ(TextIn(lines, model, address - model),
-              "MAKEANDMODELAcmeLaser9000withalongnameAcme");
+    EXPECT_EQ(TextIn(lines, model, address - model), "MAKEANDMODELAcmeLaser9000withalongnameAcme");
 }
 
 TEST(Table, CannotBeTooNarrow) {

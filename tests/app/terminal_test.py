@@ -213,6 +213,27 @@ class Terminal(AppTest):
         for word in ("192.0.2.1", "scripted"):
             self.assertIn(word, words)
 
+    def test_on_sixty_columns_what_tells_printers_apart_stays_whole(self):
+        self.script("until-stopped", device("SN-0123456789", address="192.168.100.200",
+                                            model="Make and model that needs much room"))
+        process = self.start_on_terminal("--seconds", "1.5", columns=60)
+        whole = r"SN-0123456789  Make.*  192\.168\.100\.200   631  "
+        self.show_until(whole + r".*\n1 printer so far")
+        self.assertEqual(len(self.screen.text().splitlines()), 3)
+        self.assertEqual(self.finish(process), FOUND)
+        self.assertRegex(self.screen.text(), whole)
+
+    def test_a_vendor_that_ended_is_told_below_the_table_and_after_it(self):
+        self.list_file = self.vendor_list([("broken", "scripted_all"), ("sound", "scripted_all_b")])
+        self.script("[scripted_all]", "result StartDeviceScan 7",
+                    "[scripted_all_b]", "until-stopped", device("SN1", vendor="sound"))
+        process = self.start_on_terminal("--seconds", "2")
+        self.show_until(r"SN1 .*\nvendor broken does not look .*\n1 printer so far")
+        self.assertEqual(self.error_text(), "", "nothing tears the table")
+        self.assertEqual(self.finish(process), FOUND)
+        self.assertRegex(self.screen.text(), r"SN1 .*\n1 printer found\.$")
+        self.assert_mentions(self.error_text(), "warning: vendor broken does not look", "result 7")
+
     def test_a_terminal_that_becomes_narrower_keeps_one_table(self):
         self.script("until-stopped", device("SN1"))
         process = self.start_on_terminal("--seconds", "2")

@@ -7,7 +7,8 @@ import subprocess
 import unittest
 
 import app_test
-from app_test import COULD_NOT_RUN, FOUND, MODULES, ON_WINDOWS, AppTest, json_lines, system_path
+from app_test import (COULD_NOT_RUN, FOUND, MODULES, NONE_FOUND, ON_WINDOWS, AppTest, json_lines,
+                      system_path)
 
 SCAN = ["StartDeviceScan", "StopDeviceScan", "GetDeviceConnectState", "BeforeConnectEventNotify",
         "ConnectSuccessNotifyEvent", "ConnectFailNotifyEvent"]
@@ -131,6 +132,38 @@ class Vendors(AppTest):
             self.assert_mentions(result.output, "no_such_module", reason)
             self.assert_mentions(result.errors, "no vendor's module can be loaded",
                                  system_path(MODULES))
+
+    def test_a_module_that_serves_nothing_is_status_1_and_names_near_misses(self):
+        self.list_file = self.vendor_list([
+            ("good", "scripted_all"),
+            {"productId": "wrong", "scanModuleName": "scripted_misnamed"}])
+        plain = self.run_app("vendors")
+        self.assert_status(plain, NONE_FOUND)
+        self.assert_mentions(plain.errors, "vendor wrong: module ", "scripted_misnamed" + SUFFIX,
+                             "exports none of the entry points for scan",
+                             "StartDeviceScan: the module exports _Z15StartDeviceScanPv",
+                             "StopDeviceScan: the module exports _ZN4Acme14StopDeviceScanEv",
+                             'extern "C"',
+                             "GetDeviceConnectState: the module exports getDeviceConnectState")
+        self.assertNotIn("vendor good", plain.errors)
+        self.assert_mentions(plain.output, "hint: StartDeviceScan: the module exports ")
+        json = self.run_app("vendors", "--json")
+        self.assert_status(json, NONE_FOUND)
+        good, wrong = json_lines(json.output)
+        self.assertEqual([part["hints"] for part in good["modules"]], [[], []])
+        self.assertEqual([hint.split(":")[0] for hint in wrong["modules"][0]["hints"]],
+                         ["StartDeviceScan", "StopDeviceScan", "GetDeviceConnectState"])
+
+    def test_a_module_without_anything_like_an_entry_point_is_told_too(self):
+        self.list_file = self.vendor_list([("x", "scripted_none")])
+        result = self.run_app("vendors")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "vendor x: module ", "exports none of the entry points")
+        self.assertNotIn("hint:", result.output)
+
+    def test_a_module_that_serves_one_of_its_two_uses_serves(self):
+        self.list_file = self.vendor_list([("x", "scripted_dependent")])
+        self.assert_status(self.run_app("vendors"), FOUND)
 
     def test_a_module_name_with_a_path_is_refused(self):
         self.list_file = self.vendor_list([("x", "../scripted_all")])

@@ -1000,8 +1000,9 @@ class Application(NetworkTest):
 
     devicediscover_as = []
 
-    def devicediscover(self, *arguments):
-        return subprocess.run([*self.devicediscover_as, PROGRAM, *arguments], env=ENVIRONMENT, timeout=60, check=False,
+    def devicediscover(self, *arguments, **environment):
+        return subprocess.run([*self.devicediscover_as, PROGRAM, *arguments],
+                              env={**ENVIRONMENT, **environment}, timeout=60, check=False,
                               stdin=subprocess.DEVNULL, capture_output=True, text=True)
 
     @staticmethod
@@ -1073,14 +1074,46 @@ class Application(NetworkTest):
         self.assertEqual(state.returncode, 1)
         self.assertIn("2 with another were", state.stderr)
 
-    def could_not_look(self, *arguments):
+    def could_not_look(self, *arguments, **environment):
         """Runs the command, which must not call what it could not see missing; the cause."""
-        run = self.devicediscover(*arguments, "--json")
+        run = self.devicediscover(*arguments, "--json", **environment)
+        self.assertNotIn("no printer", run.stderr)
         self.assertEqual(run.returncode, 3, run.stdout + run.stderr)
         problem, = [json.loads(line) for line in run.stdout.splitlines()]
         self.assertEqual(list(problem), ["problem"])
         self.assertIn(problem["problem"], run.stderr)
         return problem["problem"]
+
+    def test_without_services_nobody_could_look(self):
+        bus = {"DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere/bus"}
+        for command in (["scan"], ["state", serial_of(1)]):
+            self.assertIn("D-Bus cannot be reached", self.could_not_look(*command, **bus))
+        lab("stop-avahi")
+        self.addCleanup(lab, "start-avahi")
+        for command in (["scan"], ["scan", "--watch"], ["state", serial_of(1)]):
+            self.assertIn("Avahi does not run", self.could_not_look(*command))
+
+    def test_without_a_network_nobody_could_look(self):
+        subprocess.run(["ip", "link", "set", "lab0", "down"], check=True)
+        self.addCleanup(lab, "cold")
+        self.addCleanup(subprocess.run, ["ip", "route", "add", "224.0.0.0/4", "dev", "lab0"])
+        self.addCleanup(subprocess.run, ["ip", "link", "set", "lab0", "up"], check=True)
+        self.assertIn("no interface has an IPv4 address", self.could_not_look("scan"))
+
+    def test_a_watch_ends_with_the_bus(self):
+        self.addCleanup(lab, "start-avahi")
+        self.have_printers(1)
+        watch = subprocess.Popen([PROGRAM, "scan", "--watch", "--json"], env=ENVIRONMENT, text=True,
+                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                 stderr=subprocess.PIPE)
+        self.addCleanup(watch.wait)
+        self.addCleanup(watch.kill)
+        self.assertEqual(json.loads(watch.stdout.readline())["serialNumber"], serial_of(1))
+        lab("stop-bus")
+        output, errors = watch.communicate(timeout=PATIENCE)
+        self.assertEqual(watch.returncode, 3, errors)
+        self.assertIn("D-Bus ended", json.loads(output)["problem"])
+        self.assertIn("no vendor looks for printers", errors)
 
     def test_a_user_who_may_not_ping_is_told_so(self):
         silent = self.devicediscover("ping", "10.99.0.77")
