@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "base/usb_serial_number.h"
 #include "host/PrinterAdapter/device_id.h"
 #include "host/PrinterAdapter/device_uri.h"
 #include "host/PrinterAdapter/port_kind.h"
@@ -37,7 +38,8 @@ PrinterSdk::PrinterProperty PrinterOf(const PrintQueue& queue) {
     DeviceId id = ReadDeviceId(queue.deviceId);
     std::int32_t connectType = ConnectTypeOfScheme(uri.scheme);
     if (connectType == PrinterSdk::kConnectTypeUsb) {
-        id.serialNumber = FirstOf(id.serialNumber, uri.Parameter("serial"));
+        // The spooler has it from the device.
+        id.serialNumber = Base::UsbSerialNumber(uri.Parameter("serial"), id.serialNumber);
         id.manufacturer = FirstOf(id.manufacturer, uri.host);
         id.model = FirstOf(id.model, uri.path);
     } else if (connectType == PrinterSdk::kConnectTypeWlan) {

@@ -21,7 +21,7 @@ struct PrintQueue {
 // The printer behind the queue. One on USB that speaks IPP has a queue of a network printer, at
 // this host's own address or with a name that ends in " (USB)": it is on USB all the same.
 //
-// Serial number: that of the device identifier, else that of a USB device URI. A network printer
+// Serial number: that of a USB device URI, else that of the device identifier. A network printer
 // whose serial number is not known has the UUID in its place, the printer's own if the device URI
 // has it, else the queue's: printers without one would all be taken for the same.
 // Model identifier: the model of the device identifier, else of a USB device URI, else empty.

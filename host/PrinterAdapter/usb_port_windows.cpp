@@ -1,5 +1,6 @@
 #include "host/PrinterAdapter/usb_port_windows.h"
 
+#include "base/usb_serial_number.h"
 #include "host/common/utf8.h"
 #include "platform/os.h"
 
@@ -122,9 +123,8 @@ UsbPort PortOf(HDEVINFO devices, SP_DEVICE_INTERFACE_DATA& part) {
         return port;
     }
     port.id = ReadDeviceId(DeviceIdTextOf(detail->DevicePath));
-    if (port.id.serialNumber.empty()) {
-        port.id.serialNumber = Host::ToUtf8(SerialNumberOf(devices, device));
-    }
+    port.id.serialNumber =
+        Base::UsbSerialNumber(Host::ToUtf8(SerialNumberOf(devices, device)), port.id.serialNumber);
     return port;
 }
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 
+#include "base/usb_serial_number.h"
 #include "printer.h"
 #include "text.h"
 
@@ -29,9 +30,10 @@ std::string NameOf(const UsbPrinter& usb) {
 PrinterAttributes AttributesOf(const UsbPrinter& usb) {
     PrinterAttributes attributes;
     attributes.deviceId = usb.deviceId;
-    if (SerialNumber(attributes).empty()) {
-        attributes.serialNumber =
-            CleanText(usb.serialNumber).empty() ? AddressOf(usb) : usb.serialNumber;
+    attributes.serialNumber =
+        Base::UsbSerialNumber(CleanText(usb.serialNumber), SerialNumber(attributes));
+    if (attributes.serialNumber.empty()) {
+        attributes.serialNumber = AddressOf(usb);
     }
     return attributes;
 }

@@ -83,6 +83,7 @@ protected:
     void PlugSaying(const std::string& deviceId, Manner manner = Manner::Answers) {
         SimulatedDevice printer;
         printer.deviceId = deviceId;
+        printer.serialNumber.clear();
         printer.manner = manner;
         Plug(printer);
     }
@@ -94,6 +95,7 @@ SimulatedDevice At(const std::string& place, const std::string& serialNumber) {
     SimulatedDevice printer;
     printer.place = place;
     printer.deviceId = "MFG:Acme;MDL:USB Laser;SN:" + serialNumber + ";";
+    printer.serialNumber.clear();
     return printer;
 }
 
@@ -105,7 +107,7 @@ TEST_F(UsbPrinters, AreDescribedWhole) {
     const VendorSdk::DeviceInfo& record = look.records[0];
     VendorSdk::DeviceInfo expected{};
     expected.code2 = 5;
-    std::strcpy(expected.deviceSN, "USB1");
+    std::strcpy(expected.deviceSN, "STRING1");
     std::strcpy(expected.modelID, "driverless");
     std::strcpy(expected.extra1, "Acme USB Laser");
     std::strcpy(expected.extra2, "usb:1-1");
@@ -152,7 +154,7 @@ TEST_F(UsbPrinters, WithSeveralInterfacesAreReportedOnceAndAskedAtTheRightOne) {
     SimulatedDevice composite;
     composite.interfaceClasses = {0xFF, 8, 7, 7};
     Plug(composite);
-    EXPECT_THAT(SerialNumbers(Ask()), ElementsAre("USB1"));
+    EXPECT_THAT(SerialNumbers(Ask()), ElementsAre("STRING1"));
 }
 
 TEST_F(UsbPrinters, DoNotIncludeWhatIsNoPrinter) {
@@ -213,13 +215,24 @@ TEST_F(UsbPrinters, HaveTheSerialNumberOfTheirDeviceIdInAnySpelling) {
         SimulatedUsb other;
         SimulatedDevice printer;
         printer.deviceId = deviceId;
+        printer.serialNumber.clear();
         other.Plug(printer);
         EXPECT_THAT(SerialNumbers(Ask()), ElementsAre(serialNumber)) << deviceId;
     }
 }
 
+TEST_F(UsbPrinters, HaveTheSerialNumberOfTheDeviceWhereTheDeviceIdSaysAnother) {
+    SimulatedDevice printer;
+    printer.deviceId = "MFG:Acme;MDL:9;SN:OfTheModel;";
+    printer.serialNumber = u" OWN 1 ";
+    Plug(printer);
+    EXPECT_THAT(SerialNumbers(Ask()), ElementsAre("OWN 1"));
+}
+
 TEST_F(UsbPrinters, HaveTheSerialNumberOfTheDeviceWhereTheDeviceIdHasNone) {
-    PlugSaying("MANUFACTURER:Acme;MODEL:9;");
+    SimulatedDevice printer;
+    printer.deviceId = "MANUFACTURER:Acme;MODEL:9;";
+    Plug(printer);
     const Look look = Ask();
     EXPECT_THAT(SerialNumbers(look), ElementsAre("STRING1"));
     EXPECT_STREQ(look.records.at(0).extra1, "Acme 9");
@@ -277,7 +290,9 @@ TEST_F(UsbPrinters, ThatWantTheirInterfaceClaimedAreClaimed) {
 }
 
 TEST_F(UsbPrinters, WhoseInterfaceIsTakenAreDescribedByTheirStrings) {
-    PlugSaying("SN:A;", Manner::InterfaceIsTaken);
+    SimulatedDevice printer;
+    printer.manner = Manner::InterfaceIsTaken;
+    Plug(printer);
     const Look look = Ask();
     EXPECT_EQ(look.result, Driverless::kOk);
     EXPECT_THAT(SerialNumbers(look), ElementsAre("STRING1"));

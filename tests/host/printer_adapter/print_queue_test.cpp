@@ -24,12 +24,18 @@ TEST(PrintQueue, OnUsbHasSerialNumberAndModelOfItsDeviceUri) {
     EXPECT_EQ(printer.portName, L"usb");
 }
 
-TEST(PrintQueue, PrefersWhatTheDeviceIdentifierSays) {
+TEST(PrintQueue, PrefersWhatTheDeviceIdentifierSaysButForTheSerialNumber) {
     const auto printer =
         PrinterOf(QueueOf("usb://Acme/Laser?serial=1", "MFG:Acme Inc.;MDL:Laser 2;SN:2;"));
-    EXPECT_EQ(printer.serialNumber, L"2");
+    EXPECT_EQ(printer.serialNumber, L"1") << "the device's own";
     EXPECT_EQ(printer.modelID, L"Laser 2");
     EXPECT_EQ(printer.manufacturer, L"Acme Inc.");
+}
+
+TEST(PrintQueue, OnUsbHasTheSerialNumberOfItsDeviceIdentifierWhereItsDeviceUriHasNone) {
+    for (const char* const uri : {"usb://Acme/Laser", "usb://Acme/Laser?serial=%20"}) {
+        EXPECT_EQ(PrinterOf(QueueOf(uri, "SN:2;")).serialNumber, L"2") << uri;
+    }
 }
 
 TEST(PrintQueue, OnUsbWithoutASerialNumberHasNone) {
