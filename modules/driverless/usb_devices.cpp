@@ -3,11 +3,13 @@
 #include <libusb.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <future>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
+#include <system_error>
 
 #include "diagnostics.h"
 #include "results.h"
@@ -18,6 +20,9 @@ namespace Driverless {
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{1000};
+// After this time no further device is asked.
+constexpr std::chrono::milliseconds kPatienceForAll{3000};
+constexpr std::size_t kMaxThreads = 32;
 
 struct ExitLibrary {
     void operator()(libusb_context* context) const { libusb_exit(context); }
@@ -75,30 +80,54 @@ const char* Advice(int result) {
     }
 }
 
-// The printer's description; its result when it has none. Nothing when it is there no longer.
+// What came of asking one device.
 struct Description {
-    int result;
+    int error = LIBUSB_ERROR_TIMEOUT;  // stays so for one that was not asked any more
     UsbPrinter printer;
 };
-std::optional<Description> DescriptionOf(libusb_device* device, const Wanted& wanted) {
-    Description description{kOk, {}};
+
+Description DescriptionOf(libusb_device* device, const Wanted& wanted) {
+    Description description{LIBUSB_SUCCESS, {}};
     description.printer.place = PlaceOf(device);
     description.printer.productId = wanted.productId;
     description.printer.vendorId = wanted.vendorId;
     UsbDevice opened(device, kPatience);
-    int error = opened.Open();
-    if (error == LIBUSB_SUCCESS) {
-        error = opened.Describe(PrinterInterfacesOf(device), description.printer);
-    }
-    if (error == LIBUSB_ERROR_NO_DEVICE) {
-        return std::nullopt;
-    }
-    description.result = ResultOf(error);
-    if (description.result != kOk) {
-        ReportProblem("the printer at usb:" + description.printer.place + " cannot be asked: " +
-                      Advice(description.result) + " (" + libusb_strerror(error) + ")");
+    description.error = opened.Open();
+    if (description.error == LIBUSB_SUCCESS) {
+        description.error = opened.Describe(PrinterInterfacesOf(device), description.printer);
     }
     return description;
+}
+
+void ReportFailure(const std::string& place, int error) {
+    ReportProblem("the printer at usb:" + place + " cannot be asked: " + Advice(ResultOf(error)) +
+                  " (" + libusb_strerror(error) + ")");
+}
+
+// Asks many at once: one that does not answer keeps no other waiting.
+std::vector<Description> AskAll(std::span<libusb_device*> devices, const Wanted& wanted) {
+    using Clock = std::chrono::steady_clock;
+    std::vector<Description> descriptions(devices.size());
+    std::atomic<std::size_t> next = 0;
+    const auto work = [&, end = Clock::now() + kPatienceForAll] {
+        for (std::size_t i = next++; i < devices.size() && Clock::now() < end; i = next++) {
+            descriptions[i] = DescriptionOf(devices[i], wanted);
+        }
+    };
+    std::vector<std::future<void>> others;
+    try {
+        for (std::size_t i = 1; i < std::min(devices.size(), kMaxThreads); ++i) {
+            others.push_back(std::async(std::launch::async, work));
+        }
+    } catch (const std::system_error& problem) {
+        // Those that there are ask the more.
+        ReportDetail(std::string("no further thread for printers on USB: ") + problem.what());
+    }
+    work();
+    for (std::future<void>& other : others) {
+        other.get();
+    }
+    return descriptions;
 }
 
 UsbLook Failed(int error) {
@@ -108,17 +137,19 @@ UsbLook Failed(int error) {
 
 UsbLook Describe(std::span<libusb_device*> devices, const Wanted& wanted) {
     UsbLook look{kOk, {}};
-    for (libusb_device* const device : devices) {
+    const std::vector<Description> descriptions = AskAll(devices, wanted);
+    for (std::size_t i = 0; i < devices.size(); ++i) {
         if (look.printers.size() == wanted.most) {
             ReportProblem("there are more than " + std::to_string(wanted.most) +
                           " printers of one model on USB; the others are left out");
             break;
         }
-        const auto description = DescriptionOf(device, wanted);
-        if (description && description->result == kOk) {
-            look.printers.push_back(description->printer);
-        } else if (description && look.result == kOk) {
-            look.result = description->result;
+        const auto& [error, printer] = descriptions[i];
+        if (error == LIBUSB_SUCCESS) {
+            look.printers.push_back(printer);
+        } else if (error != LIBUSB_ERROR_NO_DEVICE) {
+            ReportFailure(PlaceOf(devices[i]), error);
+            look.result = look.result == kOk ? ResultOf(error) : look.result;
         }
     }
     look.result = look.printers.empty() ? look.result : kOk;

@@ -15,7 +15,8 @@ struct UsbLook {
 };
 
 // The devices of that maker and product that have a printer interface, by their place; at most
-// `most` of them. Each has a second for its answers.
+// `most` of them. They are asked side by side. Each has a second for its answers, and all together
+// four.
 UsbLook LookForUsbPrinters(std::uint16_t productId, std::uint16_t vendorId, std::size_t most);
 
 }  // namespace Driverless

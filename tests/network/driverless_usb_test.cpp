@@ -319,6 +319,22 @@ TEST_F(UsbPrinters, ThatAreSilentAreAskedForASecond) {
     EXPECT_LT(took, std::chrono::milliseconds(3000));
 }
 
+TEST_F(UsbPrinters, ThatAreSilentKeepNoOthersWaiting) {
+    for (int port = 1; port <= 50; ++port) {
+        SimulatedDevice printer = At("1-" + std::to_string(port), std::to_string(port));
+        printer.manner = port % 10 == 0 ? Manner::Answers : Manner::Silent;
+        Plug(printer);
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    const Look look = Ask();
+    const auto took = std::chrono::steady_clock::now() - begin;
+    EXPECT_EQ(look.result, Driverless::kOk);
+    EXPECT_THAT(SerialNumbers(look), ElementsAre("10", "20", "30", "40", "50"));
+    EXPECT_GE(took, std::chrono::milliseconds(990));
+    EXPECT_LT(took, std::chrono::milliseconds(6000)) << "one after the other they take 45 s";
+    EXPECT_LT(look.said.find("usb:1-1 cannot"), look.said.find("usb:1-49 cannot"));
+}
+
 // This thread opens files as a user without rights to what only root has.
 class AsNobody {
 public:
