@@ -9,15 +9,18 @@
 #include <avahi-common/timeval.h>
 
 #include <algorithm>
+#include <array>
 #include <condition_variable>
 #include <map>
 #include <mutex>
-#include <set>
 #include <thread>
 #include <utility>
 
+#include "asked_address.h"
 #include "diagnostics.h"
 #include "guarded.h"
+#include "host_network.h"
+#include "lookup_schedule.h"
 #include "results.h"
 #include "text.h"
 
@@ -31,13 +34,14 @@ using Clock = std::chrono::steady_clock;
 // then the watch ends by itself later.
 constexpr std::chrono::milliseconds kPatienceAtEnd{500};
 
-// Plain IPP is looked up first, and tells the most. The other services of a printer that has it are
-// looked up when the first rush is over, those of others in a moment.
-constexpr std::chrono::milliseconds kDelayWithoutIpp{100};
-constexpr std::chrono::milliseconds kDelayWithIpp{1000};
+// How long the host's networks are taken to stay the same.
+constexpr std::chrono::milliseconds kNetworksAreKnown{1000};
 
-// Avahi refuses to look up many services at once for one client.
-constexpr std::chrono::milliseconds kDelayAfterRefusal{250};
+// Lines about addresses that are left out, so that no one fills the disk.
+constexpr int kMaxLeftOutLines = 100;
+
+// The keys that say something of a printer. The rest may be long.
+constexpr std::array kKnownKeys{"uuid", "ty", "usb_mfg", "usb_mdl", "product", "rp"};
 
 struct FreePoll {
     void operator()(AvahiThreadedPoll* poll) const { avahi_threaded_poll_free(poll); }
@@ -85,9 +89,11 @@ std::map<std::string, std::string> TxtEntries(AvahiStringList* list) {
         }
         const AvahiText ownedKey(key);
         const AvahiText ownedValue(value);
+        const std::string name = LowerCase(key);
         // The first of several entries with the same key counts.
-        entries.emplace(LowerCase(key),
-                        value == nullptr ? std::string() : std::string(value, size));
+        if (std::find(kKnownKeys.begin(), kKnownKeys.end(), name) != kKnownKeys.end()) {
+            entries.emplace(name, value == nullptr ? std::string() : std::string(value, size));
+        }
     }
     return entries;
 }
@@ -137,6 +143,8 @@ public:
     // Ends the watch, and waits a little for it.
     void Close();
 
+    void Answered(const ServiceId& id);
+
 private:
     enum class Signal { None, Interrupted, Close };
 
@@ -159,27 +167,20 @@ private:
     bool Connect(AvahiThreadedPoll* poll, AvahiClientFlags flags);
     void StartBrowsing(AvahiClient* ofClient);
     void Disconnect();
-    void Announced(AvahiClient* ofClient, const ServiceId& id, AvahiProtocol protocol);
+    void Announced(const ServiceId& id);
     void Progressed(AvahiClient* ofClient, AvahiBrowserEvent event);
-    void Found(const ServiceId& id, Service service);
+    void Found(const ServiceId& id, Service service, bool byThisHost);
+    bool IsAsked(const ServiceId& id, const std::string& address, bool byThisHost);
     void NotFound();
     void Gone(const ServiceId& id);
-    bool HasIpp(const ServiceId& id) const;
     void SetTimer(std::optional<Clock::time_point> time);
-    void ResolveDue();
-    bool Resolve(AvahiClient* ofClient, const ServiceId& id, AvahiProtocol protocol);
-    void SayRefused(const ServiceId& id, int error, bool again);
+    void LookUp();
+    void Begin(const std::vector<ServiceId>& ids);
+    bool Resolve(AvahiClient* ofClient, const ServiceId& id);
+    void SayRefused(const ServiceId& id, int error);
     void ForgetResolver(const ServiceId& id);
     void Send(Signal sent);
     Signal AwaitSignal();
-
-    struct Deferred {
-        AvahiProtocol protocol;
-        Clock::time_point since;
-        bool refused = false;
-    };
-    void Defer(const ServiceId& id, const Deferred& waiting);
-    Clock::time_point DueTime(const ServiceId& id, const Deferred& waiting) const;
 
     const Listener listener;
     const std::optional<ServiceId> only;
@@ -188,15 +189,21 @@ private:
     AvahiTimeout* timer = nullptr;
     std::unique_ptr<AvahiClient, FreeClient> client;
     bool browsing = false;
+    int refusals = 0;  // one after the other
     bool saidRefused = false;
+    int leftOutLines = 0;
     std::size_t unsettled = 0;
     std::map<ServiceId, AvahiServiceResolver*> resolvers;
-    std::map<ServiceId, Deferred> deferred;
-    std::set<ServiceId> plainIpp;  // announced
+    LookupSchedule schedule;
+    // Of one interface, for a moment: many services come by it at once.
+    std::vector<OwnNetwork> networks;
+    int networksOf = -1;
+    Clock::time_point networksUntil;
 
     std::mutex mutex;
     std::condition_variable changed;
     Signal signal = Signal::None;
+    std::vector<ServiceId> answered;  // not yet told to the schedule
     bool ended = false;
 };
 
@@ -259,8 +266,7 @@ void DnssdBrowser::Watch::Disconnect() {
     SetTimer(std::nullopt);
     client.reset();
     resolvers.clear();
-    deferred.clear();
-    plainIpp.clear();
+    schedule.Clear();
     browsing = false;
 }
 
@@ -292,7 +298,7 @@ void DnssdBrowser::Watch::ClientChanged(AvahiClient* client, AvahiClientState st
 void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
     browsing = true;
     if (only) {
-        if (!Resolve(ofClient, *only, AVAHI_PROTO_INET)) {
+        if (!Resolve(ofClient, *only)) {
             listener(AvahiFailure(avahi_client_errno(ofClient)));
         }
         return;
@@ -308,14 +314,14 @@ void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
 }
 
 void DnssdBrowser::Watch::Browsed(AvahiServiceBrowser* browser, AvahiIfIndex interface,
-                                  AvahiProtocol protocol, AvahiBrowserEvent event, const char* name,
+                                  AvahiProtocol, AvahiBrowserEvent event, const char* name,
                                   const char* type, const char* domain, AvahiLookupResultFlags,
                                   void* self) {
     auto* const watch = static_cast<Watch*>(self);
     AvahiClient* const ofClient = avahi_service_browser_get_client(browser);
     watch->Guard([&] {
         if (event == AVAHI_BROWSER_NEW) {
-            watch->Announced(ofClient, {name, domain, KindOf(type), interface}, protocol);
+            watch->Announced({name, domain, KindOf(type), interface});
         } else if (event == AVAHI_BROWSER_REMOVE) {
             watch->Gone({name, domain, KindOf(type), interface});
         } else {
@@ -337,45 +343,17 @@ void DnssdBrowser::Watch::Progressed(AvahiClient* ofClient, AvahiBrowserEvent ev
     }
 }
 
-void DnssdBrowser::Watch::Announced(AvahiClient* ofClient, const ServiceId& id,
-                                    AvahiProtocol protocol) {
+void DnssdBrowser::Watch::Announced(const ServiceId& id) {
     listener({DnssdEvent::Kind::Announced, id, {}, 0, {}});
-    if (id.kind != ServiceKind::Ipp) {
-        Defer(id, {protocol, Clock::now()});
-        return;
-    }
-    plainIpp.insert(id);
-    if (!Resolve(ofClient, id, protocol)) {
-        SayRefused(id, avahi_client_errno(ofClient), false);
-        Defer(id, {protocol, Clock::now(), true});
-    }
-}
-
-void DnssdBrowser::Watch::Defer(const ServiceId& id, const Deferred& waiting) {
-    deferred.insert_or_assign(id, waiting);
-    if (timer == nullptr) {
-        SetTimer(waiting.since + (waiting.refused ? kDelayAfterRefusal : kDelayWithoutIpp));
-    }
-}
-
-Clock::time_point DnssdBrowser::Watch::DueTime(const ServiceId& id, const Deferred& waiting) const {
-    if (waiting.refused) {
-        return waiting.since + kDelayAfterRefusal;
-    }
-    return waiting.since + (HasIpp(id) ? kDelayWithIpp : kDelayWithoutIpp);
+    schedule.Announced(id, Clock::now());
+    LookUp();
 }
 
 void DnssdBrowser::Watch::Gone(const ServiceId& id) {
-    plainIpp.erase(id);
-    deferred.erase(id);
     ForgetResolver(id);
+    schedule.Gone(id, Clock::now());
     listener({DnssdEvent::Kind::Gone, id, {}, 0, {}});
-}
-
-// Whether plain IPP is announced under the same name.
-bool DnssdBrowser::Watch::HasIpp(const ServiceId& id) const {
-    const auto first = plainIpp.lower_bound({id.name, id.domain, ServiceKind::Ipp, -1});
-    return first != plainIpp.end() && first->name == id.name && first->domain == id.domain;
+    LookUp();
 }
 
 void DnssdBrowser::Watch::SetTimer(std::optional<Clock::time_point> time) {
@@ -391,39 +369,53 @@ void DnssdBrowser::Watch::SetTimer(std::optional<Clock::time_point> time) {
             events, &when,
             [](AvahiTimeout*, void* self) {
                 auto* const due = static_cast<Watch*>(self);
-                due->Guard([due] { due->ResolveDue(); });
+                due->Guard([due] { due->LookUp(); });
             },
             this);
     }
 }
 
-void DnssdBrowser::Watch::ResolveDue() {
-    const auto now = Clock::now();
-    std::optional<Clock::time_point> next;
-    for (auto one = deferred.begin(); one != deferred.end();) {
-        auto& [id, waiting] = *one;
-        if (DueTime(id, waiting) <= now) {
-            if (Resolve(client.get(), id, waiting.protocol)) {
-                one = deferred.erase(one);
-                continue;
-            }
-            SayRefused(id, avahi_client_errno(client.get()), waiting.refused);
-            waiting = {waiting.protocol, now, true};
-        }
-        const auto due = DueTime(id, waiting);
-        next = next ? std::min(*next, due) : due;
-        ++one;
+// Begins and ends look-ups as the schedule says.
+void DnssdBrowser::Watch::LookUp() {
+    std::vector<ServiceId> told;
+    {
+        const std::lock_guard lock(mutex);
+        told.swap(answered);
     }
-    SetTimer(next);
+    for (const ServiceId& id : told) {
+        schedule.Answered(id);
+    }
+    const LookupSchedule::Work work = schedule.Advance(Clock::now());
+    for (const ServiceId& id : work.end) {
+        ForgetResolver(id);
+    }
+    Begin(work.begin);
+    SetTimer(refusals > 0 ? Clock::now() + kDelayAfterRefusal : work.next);
+}
+
+// When Avahi refuses one, the others wait as well.
+void DnssdBrowser::Watch::Begin(const std::vector<ServiceId>& ids) {
+    bool refused = false;
+    for (const ServiceId& id : ids) {
+        if (!refused && !Resolve(client.get(), id)) {
+            refused = true;
+            SayRefused(id, avahi_client_errno(client.get()));
+        }
+        if (refused) {
+            schedule.Refused(id, Clock::now());
+        }
+    }
+    if (!refused && !ids.empty()) {
+        refusals = 0;
+    }
 }
 
 // False when Avahi refuses, now, to look it up.
-bool DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id,
-                                  AvahiProtocol protocol) {
+bool DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id) {
     ForgetResolver(id);
     AvahiServiceResolver* const resolver = avahi_service_resolver_new(
-        ofClient, id.interface, protocol, id.name.c_str(), TypeName(id.kind), id.domain.c_str(),
-        AVAHI_PROTO_INET, AvahiLookupFlags{}, ResolvedService, this);
+        ofClient, id.interface, AVAHI_PROTO_INET, id.name.c_str(), TypeName(id.kind),
+        id.domain.c_str(), AVAHI_PROTO_INET, AvahiLookupFlags{}, ResolvedService, this);
     if (resolver == nullptr) {
         return false;
     }
@@ -433,22 +425,23 @@ bool DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id,
 
 // A problem when it happens again, and told once: what is refused one service is refused many. The
 // first time it may only be that Avahi is about to end, which is told by itself.
-void DnssdBrowser::Watch::SayRefused(const ServiceId& id, int error, bool again) {
+void DnssdBrowser::Watch::SayRefused(const ServiceId& id, int error) {
     const std::string message = "Avahi does not look up " + id.name + "." + TypeName(id.kind) +
                                 ", and is asked again: " + avahi_strerror(error);
-    if (again && !std::exchange(saidRefused, true)) {
+    if (++refusals > 1 && !std::exchange(saidRefused, true)) {
         ReportProblem(message);
     } else {
         ReportDetail(message);
     }
 }
 
-// A resolver that failed is kept: it goes on listening, and the service may still answer.
+// A resolver that failed is kept as long as there is room: it goes on listening, and the service
+// may still answer.
 void DnssdBrowser::Watch::ResolvedService(AvahiServiceResolver*, AvahiIfIndex interface,
                                           AvahiProtocol, AvahiResolverEvent event, const char* name,
                                           const char* type, const char* domain, const char* host,
                                           const AvahiAddress* address, std::uint16_t port,
-                                          AvahiStringList* txt, AvahiLookupResultFlags,
+                                          AvahiStringList* txt, AvahiLookupResultFlags flags,
                                           void* self) {
     auto* const watch = static_cast<Watch*>(self);
     watch->Guard([&] {
@@ -460,7 +453,8 @@ void DnssdBrowser::Watch::ResolvedService(AvahiServiceResolver*, AvahiIfIndex in
         const bool usable = address != nullptr && port != 0;
         watch->Found({name, domain, KindOf(type), interface},
                      {host == nullptr ? "" : host, usable ? AddressText(*address) : "", port,
-                      TxtEntries(txt)});
+                      TxtEntries(txt)},
+                     (flags & AVAHI_LOOKUP_RESULT_LOCAL) != 0);
     });
 }
 
@@ -471,10 +465,32 @@ void DnssdBrowser::Watch::NotFound() {
 }
 
 // A service without an address cannot be used.
-void DnssdBrowser::Watch::Found(const ServiceId& id, Service service) {
+void DnssdBrowser::Watch::Found(const ServiceId& id, Service service, bool byThisHost) {
     ForgetResolver(id);
-    const auto kind = service.address.empty() ? DnssdEvent::Kind::Gone : DnssdEvent::Kind::Resolved;
+    schedule.Found(id);
+    const bool asked = !service.address.empty() && IsAsked(id, service.address, byThisHost);
+    const auto kind = asked ? DnssdEvent::Kind::Resolved : DnssdEvent::Kind::Gone;
     listener({kind, id, std::move(service), 0, {}});
+    if (!only) {
+        LookUp();
+    }
+}
+
+bool DnssdBrowser::Watch::IsAsked(const ServiceId& id, const std::string& address,
+                                  bool byThisHost) {
+    const auto now = Clock::now();
+    if (networksOf != id.interface || now >= networksUntil) {
+        networks = NetworksOf(id.interface);
+        networksOf = id.interface;
+        networksUntil = now + kNetworksAreKnown;
+    }
+    const std::string reason = WhyNotAsked(address, networks, byThisHost);
+    if (!reason.empty() && leftOutLines < kMaxLeftOutLines) {
+        const bool last = ++leftOutLines == kMaxLeftOutLines;
+        ReportDetail(id.name + "." + TypeName(id.kind) + " at " + address +
+                     " is left out: " + reason + (last ? "; further ones are not told" : ""));
+    }
+    return reason.empty();
 }
 
 void DnssdBrowser::Watch::ForgetResolver(const ServiceId& id) {
@@ -499,6 +515,11 @@ DnssdBrowser::Watch::Signal DnssdBrowser::Watch::AwaitSignal() {
     return signal == Signal::Close ? signal : std::exchange(signal, Signal::None);
 }
 
+void DnssdBrowser::Watch::Answered(const ServiceId& id) {
+    const std::lock_guard lock(mutex);
+    answered.push_back(id);
+}
+
 void DnssdBrowser::Watch::Close() {
     Send(Signal::Close);
     std::unique_lock lock(mutex);
@@ -517,6 +538,10 @@ DnssdBrowser::DnssdBrowser(Listener listener, const ServiceId& only)
 
 DnssdBrowser::~DnssdBrowser() {
     watch->Close();
+}
+
+void DnssdBrowser::Answered(const ServiceId& id) {
+    watch->Answered(id);
 }
 
 namespace {

@@ -44,6 +44,10 @@ public:
     DnssdBrowser(Listener listener, const ServiceId& only);
     ~DnssdBrowser();
 
+    // The printer of that service has answered: other services of its name are not looked up, as
+    // long as this one is announced. Does not wait for Avahi.
+    void Answered(const ServiceId& id);
+
     DnssdBrowser(const DnssdBrowser&) = delete;
     DnssdBrowser& operator=(const DnssdBrowser&) = delete;
 

@@ -31,15 +31,15 @@ public:
 
     explicit FairWindow(const Limits& windowLimits) : limits(windowLimits) {}
 
-    // Puts an item behind the others of its owner. An item that is in the window already stays
-    // where it is.
-    void Add(const Owner& owner, const Item& item) {
+    // Puts an item behind the others of its owner; one that comes `again` behind all of them that
+    // come for the first time. An item that is in the window already stays where it is.
+    void Add(const Owner& owner, const Item& item, bool again = false) {
         if (!owners.emplace(item, owner).second) {
             return;
         }
         Share& share = shares[owner];
         Unrank(owner, share);
-        share.waiting.push_back(item);
+        (again ? share.again : share.waiting).push_back(item);
         Rank(owner, share);
     }
 
@@ -54,8 +54,9 @@ public:
         Unrank(share->first, share->second);
         if (!End(share->second, item)) {
             std::erase(share->second.waiting, item);
+            std::erase(share->second.again, item);
         }
-        if (share->second.waiting.empty() && share->second.since.empty()) {
+        if (!share->second.IsWaiting() && share->second.since.empty()) {
             shares.erase(share);
         } else {
             Rank(share->first, share->second);
@@ -75,8 +76,9 @@ public:
             return std::nullopt;
         }
         Unrank(owner, share);
-        const Item item = std::move(share.waiting.front());
-        share.waiting.pop_front();
+        std::deque<Item>& queue = share.waiting.empty() ? share.again : share.waiting;
+        const Item item = std::move(queue.front());
+        queue.pop_front();
         Begin(share, item, now);
         share.served = ++turns;
         Rank(owner, share);
@@ -84,9 +86,10 @@ public:
     }
 
     // The item that has been under way the longest, of the owner with the most of them, for at
-    // least `slice`, when somebody waits and there is no room for all. It counts as removed.
-    std::optional<Item> TakeBack(Time now, std::chrono::milliseconds slice) {
-        if (ranks.empty() || HasRoomForAll(shares.at(std::get<2>(*ranks.begin())))) {
+    // least `slice`, when somebody waits and there is no room for all, or none at all just now. It
+    // counts as removed.
+    std::optional<Item> TakeBack(Time now, std::chrono::milliseconds slice, bool noRoom = false) {
+        if (ranks.empty() || (!noRoom && HasRoomForAll(shares.at(std::get<2>(*ranks.begin()))))) {
             return std::nullopt;
         }
         const Share* greediest = nullptr;
@@ -117,7 +120,10 @@ public:
 
 private:
     struct Share {
+        bool IsWaiting() const { return !waiting.empty() || !again.empty(); }
+
         std::deque<Item> waiting;
+        std::deque<Item> again;
         std::map<Item, Time> since;  // under way
         std::set<std::pair<Time, Item>> order;
         std::size_t young = 0;
@@ -136,7 +142,7 @@ private:
     }
 
     void Rank(const Owner& owner, const Share& share) {
-        if (!share.waiting.empty()) {
+        if (share.IsWaiting()) {
             ranks.emplace(share.since.size(), share.served, owner);
         }
     }

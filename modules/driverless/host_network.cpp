@@ -2,12 +2,29 @@
 
 #include <ifaddrs.h>
 #include <net/if.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
+
+#include <array>
+#include <cstring>
 
 #include <filesystem>
 #include <system_error>
 
 namespace Driverless {
+
+namespace {
+
+std::uint32_t NumberOf(const sockaddr* address) {
+    if (address == nullptr || address->sa_family != AF_INET) {
+        return 0;
+    }
+    sockaddr_in internet{};
+    std::memcpy(&internet, address, sizeof internet);
+    return ntohl(internet.sin_addr.s_addr);
+}
+
+}  // namespace
 
 namespace {
 
@@ -45,6 +62,27 @@ bool IsOnWifi(const std::string& classFolder) {
 
 bool IsLoopback(int interface) {
     return interface > 0 && static_cast<unsigned>(interface) == if_nametoindex("lo");
+}
+
+std::vector<OwnNetwork> NetworksOf(int interface) {
+    std::array<char, IF_NAMESIZE> name{};
+    ifaddrs* interfaces = nullptr;
+    if (interface <= 0 ||
+        if_indextoname(static_cast<unsigned>(interface), name.data()) == nullptr ||
+        getifaddrs(&interfaces) != 0) {
+        return {};
+    }
+    std::vector<OwnNetwork> networks;
+    for (const ifaddrs* one = interfaces; one != nullptr; one = one->ifa_next) {
+        const std::uint32_t address = NumberOf(one->ifa_addr);
+        if (address != 0 && std::strcmp(one->ifa_name, name.data()) == 0) {
+            const bool two = (one->ifa_flags & IFF_POINTOPOINT) != 0;
+            networks.push_back(
+                {address, NumberOf(one->ifa_netmask), two ? NumberOf(one->ifa_dstaddr) : 0});
+        }
+    }
+    freeifaddrs(interfaces);
+    return networks;
 }
 
 }  // namespace Driverless

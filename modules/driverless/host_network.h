@@ -2,6 +2,10 @@
 
 #include <string>
 
+#include <vector>
+
+#include "asked_address.h"
+
 namespace Driverless {
 
 // Whether an interface of this host, other than the loopback, is up and has an IPv4 address.
@@ -13,5 +17,8 @@ bool IsOnWifi(const std::string& classFolder = "/sys/class/net");
 
 // Whether this is the number of the interface through which the host reaches itself.
 bool IsLoopback(int interface);
+
+// The IPv4 networks that the interface is on.
+std::vector<OwnNetwork> NetworksOf(int interface);
 
 }  // namespace Driverless

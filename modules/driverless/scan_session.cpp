@@ -180,7 +180,7 @@ ScanSession::~ScanSession() = default;
 
 int ScanSession::Run() {
     const auto box = inbox;
-    const DnssdBrowser browser([box, where = reach](DnssdEvent event) {
+    DnssdBrowser browser([box, where = reach](DnssdEvent event) {
         if (where == Reach::Everywhere || !IsLoopback(event.id.interface)) {
             box->Put(std::move(event));
         }
@@ -206,6 +206,9 @@ int ScanSession::Run() {
         }
         for (const PrinterTable::QueryId query : work.overdue) {
             queries.Drop(query);
+        }
+        for (const ServiceId& id : work.answered) {
+            browser.Answered(id);
         }
         for (const Printer& printer : work.reports) {
             Report(printer);

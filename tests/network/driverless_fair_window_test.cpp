@@ -48,6 +48,14 @@ TEST_F(FairWindowTest, Owners_TakeTurns) {
     EXPECT_EQ(TakeAll(), (std::vector{1, 11, 2, 12, 3}));
 }
 
+TEST_F(FairWindowTest, WhatComesAgain_ComesAfterWhatIsNew) {
+    window.Add("a", 1, true);
+    window.Add("a", 2, true);
+    Add("a", 3, 4);
+    window.Remove(1);
+    EXPECT_EQ(TakeAll(), (std::vector{3, 4, 2}));
+}
+
 TEST_F(FairWindowTest, OneOwner_LeavesHalfOfTheRoom) {
     Add("a", 1, 100);
     EXPECT_EQ(TakeAll().size(), 4u);

@@ -10,6 +10,7 @@ import os
 import queue
 import re
 import signal
+import socket
 import subprocess
 import sys
 import threading
@@ -874,6 +875,62 @@ class PrintersOfAllKinds(NetworkTest):
                               address=f"10.99.0.{number}", port=9000, txt=[f"UUID={UUID}9"],
                               serve="answers", attributes=["printer-serial-number=S9"])
         self.assertEqual(self.places(probe)[2:], [("S9", "10.99.0.82"), ("S9", "10.99.0.67")])
+
+    def test_only_hosts_of_the_network_are_asked(self):
+        announcer = self.announcer()
+        elsewhere = ["127.0.0.1", "0.0.0.0", "224.0.0.1", "255.255.255.255", "10.99.0.255",
+                     "192.0.2.1"]
+        for number, address in enumerate(elsewhere):
+            announcer.announce(name=f"Elsewhere {number}", host=f"elsewhere-{number}",
+                               address=address, port=9000)
+        announcer.announce(name="Here", host="here", address="10.99.0.83", port=9000,
+                           serve="answers", attributes=["printer-serial-number=HERE"])
+        asked = []
+        with socket.create_server(("127.0.0.1", 9000)) as server:
+            server.settimeout(2.5 * SLACK)
+            path = os.path.join(os.environ["LAB_NETWORK_STATE"], "left-out.log")
+            probe = self.probe(environment={"DRIVERLESS_LOG": path})
+            probe.start()
+            with contextlib.suppress(TimeoutError):
+                asked.append(server.accept())
+        self.assertEqual(asked, [], "this host was asked")
+        self.assertEqual([p["serial"] for p in probe.found(0.5)], ["HERE"])
+        for address in elsewhere:
+            self.assertIn(f"at {address} is left out: ", text_of(path))
+
+    def assert_attack_does_not_matter(self, **attack):
+        """Printers are found with their attributes although somebody announces a lot."""
+        announcer = self.announcer()
+        announcer.announce(**attack)
+        honest = self.announcer()
+        honest.announce(name="Honest", host="honest", hosts=True, address="10.99.0.84", port=9000,
+                        count=20, serve="answers", attributes=["printer-serial-number=HONEST{}"])
+        lab("cold")
+        probe = self.probe()
+        probe.start()
+        wanted = {f"HONEST{number}" for number in range(1, 21)}
+        deadline = time.monotonic() + 10 * SLACK
+        while wanted and time.monotonic() < deadline:
+            event = probe.next(deadline - time.monotonic())
+            if event and event["event"] == "found" and event["address"] == "10.99.0.84":
+                wanted.remove(event["serial"])
+        self.assertEqual(wanted, set())
+        announcer.end()
+        honest.end()
+
+    def test_many_that_hang_take_no_attributes_from_the_others(self):
+        self.assert_attack_does_not_matter(name="Silent", host="silent", hosts=True, count=200,
+                                           address="10.99.0.66", port=20000, serve="silent")
+
+    def test_many_that_hang_at_the_same_address_do_not_either(self):
+        self.assert_attack_does_not_matter(name="Silent", host="silent", hosts=True, count=200,
+                                           address="10.99.0.84", port=20000, serve="silent")
+
+    def test_a_flood_of_names_that_cannot_be_looked_up_hides_nobody(self):
+        self.assert_attack_does_not_matter(name="Nowhere", count=1100)
+
+    def test_a_stream_of_names_that_cannot_be_looked_up_hides_nobody(self):
+        self.assert_attack_does_not_matter(name="Nowhere", count=1, pace=200)
 
     def test_text_from_the_network_is_cut_and_cleaned(self):
         self.fake_printer("Grün", 9000, attributes=[
