@@ -21,13 +21,13 @@ bool IsStillThere(std::FILE* file, const std::filesystem::path& path);
 // given up when its reader takes nothing for a second.
 void WriteToStandardError(std::string_view text) noexcept;
 
-// Whether the system has ended all other threads already, also those that held a lock.
-bool OtherThreadsAreGone() noexcept;
-
-// An open file as the system knows it. Writing to it is safe in a signal handler.
+// An open file as the system knows it. Writing to it is safe in a signal handler, and writes
+// nothing when there is none.
 using RawFile = std::intptr_t;
 inline constexpr RawFile kNoFile = -1;
 RawFile RawFileOf(std::FILE* file);
+// Opens a file for lines to be added to; kNoFile when that fails.
+RawFile OpenRaw(const std::filesystem::path& path);
 void WriteRaw(RawFile file, std::string_view text) noexcept;
 
 // The calling thread, as lines name it.

@@ -171,12 +171,12 @@ void WriteToStandardError(std::string_view text) noexcept {
     stalls = !WriteWithin(stalls ? 0 : kPatienceMilliseconds, errors.Descriptor(), text);
 }
 
-bool OtherThreadsAreGone() noexcept {
-    return false;
-}
-
 RawFile RawFileOf(std::FILE* file) {
     return fileno(file);
+}
+
+RawFile OpenRaw(const std::filesystem::path& path) {
+    return open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_CLOEXEC, kOwnFile);
 }
 
 void WriteRaw(RawFile file, std::string_view text) noexcept {

@@ -50,13 +50,11 @@ void PrepareFile(const std::filesystem::path& path) {
     // The user's folders pass on to what is made in them that only he may read it.
     std::error_code ignored;
     std::filesystem::create_directories(path.parent_path(), ignored);
-    const HANDLE file =
-        CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
+    const RawFile file = OpenRaw(path);
+    if (file == kNoFile) {
         ThrowSystemError(path);
     }
-    CloseHandle(file);
+    CloseHandle(reinterpret_cast<HANDLE>(file));
 }
 
 bool IsStillThere(std::FILE*, const std::filesystem::path&) {
@@ -77,15 +75,15 @@ void WriteToStandardError(std::string_view text) noexcept {
     WriteFile(output, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
 }
 
-bool OtherThreadsAreGone() noexcept {
-    using Question = BOOLEAN(WINAPI*)();
-    static const auto question = reinterpret_cast<Question>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
-    return question != nullptr && question() != 0;
-}
-
 RawFile RawFileOf(std::FILE* file) {
     return _get_osfhandle(_fileno(file));
+}
+
+RawFile OpenRaw(const std::filesystem::path& path) {
+    static_assert(kNoFile == -1, "INVALID_HANDLE_VALUE as a number");
+    return reinterpret_cast<RawFile>(CreateFileW(path.c_str(), FILE_APPEND_DATA,
+                                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                 OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 // The C library's file stands at the file's end, and so does the handle under it.

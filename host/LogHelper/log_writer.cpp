@@ -9,10 +9,13 @@
 #include "host/LogHelper/log_text.h"
 #include "host/common/paths.h"
 #include "host/common/user_folders.h"
+#include "platform/process_end.h"
 
 namespace LogHelper {
 
 namespace {
+
+using Platform::OtherThreadsAreGone;
 
 constexpr const char* kFileName = "DeviceDiscover.log";
 constexpr int kNoLevel = INT_MAX;
@@ -119,8 +122,10 @@ std::string LogWriter::FilePath() {
 
 void LogWriter::WriteLine(LOG_MESSAGE_LEVEL level, std::wstring_view line) {
     const NoCancellation whole;
-    std::string text = Stamp(level);
-    text.reserve(text.size() + line.size() + 1);
+    const LogStamp stamp = Stamp(level);
+    std::string text;
+    text.reserve(stamp.Text().size() + line.size() + 1);
+    text += stamp.Text();
     AppendOneLine(text, line, showSecrets);
     text += '\n';
     const bool isUrgent = level >= LOG_LEVEL_ERROR;
@@ -133,9 +138,9 @@ void LogWriter::WriteLine(LOG_MESSAGE_LEVEL level, std::wstring_view line) {
     Queue(text, isUrgent);
 }
 
-std::string LogWriter::Stamp(LOG_MESSAGE_LEVEL level) {
+LogStamp LogWriter::Stamp(LOG_MESSAGE_LEVEL level) {
     const auto now = std::chrono::system_clock::now();
-    return std::string(LogStamp(now, FromUtc(now), ThreadId(), level).Text());
+    return {now, FromUtc(now), ThreadId(), level};
 }
 
 // The distance is asked for once a second, and kept together with its second in one number.
@@ -158,8 +163,7 @@ void LogWriter::Queue(std::string_view line, bool isUrgent) {
         return;
     }
     if (!Push(line)) {
-        Drain();
-        lost += Push(line) ? 0 : 1;
+        Drain(line);
     }
     Drain();
 }
@@ -201,8 +205,12 @@ void LogWriter::PushWithPatience(std::string_view line) {
 // Says in the place of lost lines how many they are.
 void LogWriter::PushTheLost() {
     const std::uint64_t count = lost;
-    if (count != 0 && queue.Push(Stamp(LOG_LEVEL_WARNING) + "LogHelper: lost lines: " +
-                                 std::to_string(count) + "; the file took no more\n")) {
+    if (count == 0) {
+        return;
+    }
+    std::string line(Stamp(LOG_LEVEL_WARNING).Text());
+    line += "LogHelper: lost lines: " + std::to_string(count) + "; the file took no more\n";
+    if (queue.Push(line)) {
         lost -= count;
     }
 }
@@ -226,19 +234,16 @@ void LogWriter::RunThread() {
 void LogWriter::Flush() {
     const NoCancellation whole;
     Drain();
-    if (lost != 0) {
-        {
-            const Lock lock = LockUnlessAlone(queueMutex);
-            PushTheLost();
-        }
+    if (queue.Size() != 0) {
+        // The number of those that had been lost.
         Drain();
     }
 }
 
-void LogWriter::Drain() {
+// A line that did not fit is the first to come behind those that are written.
+void LogWriter::Drain(std::string_view next) {
     if (OtherThreadsAreGone() && isFileBusy) {
-        // The thread that wrote is gone, and the C library's file may be locked for good.
-        WriteWaitingRaw(file.Raw());
+        DrainAlone(next);
         return;
     }
     const Lock lock = LockUnlessAlone(fileMutex);
@@ -246,7 +251,7 @@ void LogWriter::Drain() {
     if (isRescuing) {
         return;
     }
-    LineQueue::Buffer& filled = TurnQueue();
+    LineQueue::Buffer& filled = TurnQueue(next);
     for (std::string_view lines = filled.Unwritten(); !lines.empty(); lines = filled.Unwritten()) {
         const std::string_view piece = NextPiece(lines);
         file.Write(piece);
@@ -255,9 +260,21 @@ void LogWriter::Drain() {
     isStuck = false;
 }
 
-LineQueue::Buffer& LogWriter::TurnQueue() {
+LineQueue::Buffer& LogWriter::TurnQueue(std::string_view next) {
     const Lock lock = LockUnlessAlone(queueMutex);
-    return queue.Turn();
+    LineQueue::Buffer& filled = queue.Turn();
+    PushTheLost();
+    queue.Push(next);
+    return filled;
+}
+
+// The thread that wrote is gone, and the C library's file may be locked for good, or just not open.
+void LogWriter::DrainAlone(std::string_view next) {
+    if (alone == kNoFile) {
+        alone = file.Raw() != kNoFile ? file.Raw() : OpenRaw(file.Path());
+    }
+    WriteWaitingRaw(alone);
+    WriteRaw(alone, next);
 }
 
 void LogWriter::WriteWaitingRaw(RawFile raw) noexcept {

@@ -12,6 +12,7 @@
 #include "host/LogHelper/line_queue.h"
 #include "host/LogHelper/log_file.h"
 #include "host/LogHelper/log_settings.h"
+#include "host/LogHelper/log_stamp.h"
 #include "host/LogHelper/log_system.h"
 
 namespace LogHelper {
@@ -46,7 +47,7 @@ private:
 
     void UseFile(const Settings& settings);
     void WriteLine(LOG_MESSAGE_LEVEL level, std::wstring_view line);
-    std::string Stamp(LOG_MESSAGE_LEVEL level);
+    LogStamp Stamp(LOG_MESSAGE_LEVEL level);
     std::chrono::minutes FromUtc(std::chrono::system_clock::time_point now);
 
     void Queue(std::string_view line, bool isUrgent);
@@ -56,8 +57,9 @@ private:
     bool HasThread();
     void RunThread();
 
-    void Drain();
-    LineQueue::Buffer& TurnQueue();
+    void Drain(std::string_view next = {});
+    void DrainAlone(std::string_view next);
+    LineQueue::Buffer& TurnQueue(std::string_view next);
     void WriteWaitingRaw(RawFile raw) noexcept;
     void Rescue(std::string_view text) noexcept;
     void WriteLastLine(RawFile raw, std::string_view text) noexcept;
@@ -87,6 +89,7 @@ private:
 
     LogFile file;
     LineQueue queue;
+    RawFile alone = kNoFile;  // where the last thread of all writes when another was writing
 };
 
 }  // namespace LogHelper

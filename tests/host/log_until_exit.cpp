@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "host/LogHelper/log_settings.h"
+#include "platform/os.h"
 #include "tests/host/exit_logger.h"
 
 namespace {
@@ -36,8 +37,12 @@ int main(int count, char** arguments) {
     LogAtExit();
     for (int thread = 0; thread < 8; ++thread) {
         std::thread([] {
-            for (;;) {
+            // No more than the log takes: of too many lines it drops some.
+            for (int line = 1;; ++line) {
                 LogText(L"thread");
+                if (line % 10 == 0) {
+                    Sleep(1);
+                }
             }
         }).detach();
     }

@@ -1,0 +1,13 @@
+#include "platform/os.h"
+#include "platform/process_end.h"
+
+namespace Platform {
+
+bool OtherThreadsAreGone() noexcept {
+    using Question = BOOLEAN(WINAPI*)();
+    static const auto question = reinterpret_cast<Question>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
+    return question != nullptr && question() != 0;
+}
+
+}  // namespace Platform
