@@ -41,29 +41,53 @@ bool IsUsable(std::int32_t count, std::int32_t most) {
 // The printers that are plugged in are looked up on threads that nobody waits for.
 Broker::TableGate gate;
 
-using Enumeration = Broker::VendorFunction<VendorSdk::GetDeviceInfoByUsbFunction>;
+bool IsReadable(const bool& initialised) {
+    const Broker::TableUse tables(gate);
+    return tables && initialised;
+}
 
-// The enumeration of the vendor that lists the identifier; null, with the reason logged, when there
-// is none.
+// What became of the look-up of an identifier's vendor.
+enum class Search { kClosed, kNoProduct, kNoVendor, kFound };
+
+struct Enumeration {
+    Search search = Search::kClosed;
+    Broker::VendorFunction<VendorSdk::GetDeviceInfoByUsbFunction> function;
+};
+
+// The two look-ups, and nothing that takes time: the end of the process waits for them.
 Enumeration FindEnumeration(const std::map<std::string, std::string>& usbIdMap,
-                            const UsbVendors& vendors, const std::string& usbId,
-                            const Broker::Location& where) {
+                            const UsbVendors& vendors, const std::string& usbId) {
+    const Broker::TableUse tables(gate);
+    if (!tables) {
+        return {};
+    }
     const auto product = usbIdMap.find(usbId);
     if (product == usbIdMap.end()) {
-        Broker::Log(LOG_LEVEL_WARNING, where, "call usb map find fail, err:");
-        return {};
+        return {Search::kNoProduct, {}};
     }
     const auto vendor = vendors.find(product->second);
     if (vendor == vendors.end()) {
-        Broker::Log(LOG_LEVEL_ERROR, where, "call Func map find fail, err:");
-        return {};
+        return {Search::kNoVendor, {}};
     }
-    Enumeration enumeration =
-        Broker::FunctionOf<&Entry::pGetDeviceInfoByUsb, kEntryPoints>(*vendor);
-    if (!enumeration) {
-        Broker::Log(LOG_LEVEL_ERROR, where, "pFunc is nullptr, err:");
+    return {Search::kFound, Broker::FunctionOf<&Entry::pGetDeviceInfoByUsb, kEntryPoints>(*vendor)};
+}
+
+// Logs why there is no function to call, and returns the operation's result.
+int NoEnumeration(Search search, const Broker::Location& where) {
+    switch (search) {
+        case Search::kClosed:
+            return Broker::NotInitialised(where);
+        case Search::kNoProduct:
+            Broker::Log(LOG_LEVEL_WARNING, where, "call usb map find fail, err:");
+            break;
+        case Search::kNoVendor:
+            Broker::Log(LOG_LEVEL_ERROR, where, "call Func map find fail, err:");
+            break;
+        case Search::kFound:
+            Broker::Log(LOG_LEVEL_ERROR, where, "pFunc is nullptr, err:");
+            break;
     }
-    return enumeration;
+    return Broker::kNothingToCall;
 }
 
 void AppendDevices(std::vector<DeviceInfo>& devices, const VendorSdk::DeviceInfo* found,
@@ -153,21 +177,16 @@ bool UsbConnInterface::split(const std::string& text, std::vector<std::string>& 
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::wstring deviceId) {
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP1");
-    std::string usbId;
-    Enumeration getDevices;
-    {
-        const Broker::TableUse tables(gate);
-        if (!tables || !initialised) {
-            return Broker::NotInitialised(HERE);
-        }
-        Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP2");
-        Broker::Log(LOG_LEVEL_WARNING, HERE, "deviceID:", deviceId);
-        usbId = PrinterUtil::WStringToString(deviceId);
-        Broker::Log(LOG_LEVEL_DEBUG, HERE, "usbId:", usbId.c_str());
-        getDevices = FindEnumeration(usbIdMap, vendors, usbId, HERE);
+    if (!IsReadable(initialised)) {
+        return Broker::NotInitialised(HERE);
     }
-    if (!getDevices) {
-        return Broker::kNothingToCall;
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP2");
+    Broker::Log(LOG_LEVEL_WARNING, HERE, "deviceID:", deviceId);
+    const std::string usbId = PrinterUtil::WStringToString(deviceId);
+    Broker::Log(LOG_LEVEL_DEBUG, HERE, "usbId:", usbId.c_str());
+    const Enumeration enumeration = FindEnumeration(usbIdMap, vendors, usbId);
+    if (!enumeration.function) {
+        return NoEnumeration(enumeration.search, HERE);
     }
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP3");
     const std::int32_t vendorId = IdAt(usbId, kVendorIdAt);
@@ -177,8 +196,8 @@ int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::
     VendorSdk::DeviceInfo found[kMostDevices];
     std::int32_t count = 0;
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP4");
-    const int result = getDevices(static_cast<std::uint16_t>(productId),
-                                  static_cast<std::uint16_t>(vendorId), found, &count);
+    const int result = enumeration.function(static_cast<std::uint16_t>(productId),
+                                            static_cast<std::uint16_t>(vendorId), found, &count);
     if (result != 0) {
         Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func Fail", result);
     } else {

@@ -1,33 +1,39 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
+#include <thread>
 
-#include "platform/os_calls.h"
+#include "platform/process_end.h"
 
 namespace Broker {
 
-// Stands before tables that threads of the library's own look into while the process may end: once
-// it is closed nobody gets in, and nobody is inside. It needs no destruction.
+// Guards tables that detached threads may read during process exit. After Close() no reader is
+// inside and none can enter. It needs no destruction.
 class TableGate {
 public:
-    // Closes the gate and waits for who is inside. They only look things up, so it is a moment; the
-    // wait has an end all the same, since a system may end threads before it destroys objects.
+    // Closes the gate and waits for readers that are inside. They look things up and do nothing
+    // else, so that takes a moment; in a process that was copied by fork they never leave, and the
+    // wait ends all the same.
     void Close() {
         isClosed = true;
-        for (int patience = kPatience; inside != 0 && patience > 0; --patience) {
-            Sleep(1);
+        const auto end = std::chrono::steady_clock::now() + kPatience;
+        while (inside != 0 && !Platform::OtherThreadsAreGone() &&
+               std::chrono::steady_clock::now() < end) {
+            std::this_thread::yield();
         }
     }
 
 private:
     friend class TableUse;
-    static constexpr int kPatience = 100;  // waits of 1 ms
+    static constexpr std::chrono::seconds kPatience{1};
 
     std::atomic<int> inside{0};
     std::atomic<bool> isClosed{false};
 };
 
-// One look behind the gate, for as long as it lives; none when the gate is closed.
+// One look-up behind the gate, for as long as it lives; false when the gate is closed. Neither logs
+// nor calls anybody: the end of the process waits for it.
 class TableUse {
 public:
     explicit TableUse(TableGate& tableGate) : gate(tableGate) { ++gate.inside; }

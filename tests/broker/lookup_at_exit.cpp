@@ -1,5 +1,7 @@
-// lookup_at_exit: ends while a thread looks up the vendor of a printer on USB. Its status is 0 when
-// the library was at its end only once the look-up had come to an end, and 1 otherwise.
+// lookup_at_exit TEXT: ends while a thread looks up the vendor of a printer on USB and the logger
+// does not return from the line that begins with TEXT before the library's objects are gone. Its
+// status is 0 when the look-up then came to an end without a vendor, 1 when it had another result,
+// and 2 when the library waited for it or it did not come to an end.
 
 #include <atomic>
 #include <chrono>
@@ -12,32 +14,51 @@
 
 namespace {
 
-std::atomic<bool> begins{false};
-std::atomic<bool> ends{false};
+using namespace std::chrono_literals;
 
-// The line in the middle of the look-up takes its time.
-void OnLine(const RecordingLog::Line& line) {
-    if (line.text.starts_with(L"usbId:")) {
-        begins = true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(30));
-        ends = true;
+constexpr int kNotInitialised = -2;
+
+std::wstring slowLine;
+std::atomic<bool> begins{false};
+std::atomic<bool> isGone{false};
+std::atomic<bool> isOver{false};
+std::atomic<int> result{0};
+
+bool Becomes(const std::atomic<bool>& flag) {
+    for (int patience = 2000; !flag && patience > 0; --patience) {
+        std::this_thread::sleep_for(10ms);
     }
+    return flag;
+}
+
+void OnLine(const RecordingLog::Line& line) {
+    if (line.text.starts_with(slowLine) && !begins.exchange(true) && !Becomes(isGone)) {
+        std::_Exit(2);
+    }
+}
+
+void JudgeTheEnd() {
+    isGone = true;
+    std::_Exit(!Becomes(isOver) ? 2 : result == kNotInitialised ? 0 : 1);
 }
 
 }  // namespace
 
-int main() {
+int main(int count, char** arguments) {
+    const std::string text = count > 1 ? arguments[1] : "usbId:";
+    slowLine.assign(text.begin(), text.end());
     ScriptedVendors::KeepMapped(true);
     ScriptedVendors::Support({{"alpha", {}, {}, "VID_1234&PID_0001", "scripted_all", {}}});
     RecordingLog::OnLine(OnLine);
-    RecordingLog::AtItsEnd([] { std::_Exit(ends ? 0 : 1); });
+    RecordingLog::AtItsEnd(JudgeTheEnd);
     std::thread([] {
         std::vector<PrinterDeviceDiscoverSdk::DeviceInfo> devices;
-        PrinterDeviceDiscoverSdk::UsbConnInterface::GetInstance().GetDeviceInfoByUsb(
+        result = PrinterDeviceDiscoverSdk::UsbConnInterface::GetInstance().GetDeviceInfoByUsb(
             devices, L"VID_1234&PID_0001");
+        isOver = true;
     }).detach();
     while (!begins) {
         std::this_thread::yield();
     }
-    return 2;
+    return 3;
 }
