@@ -18,6 +18,19 @@
 #define PLATFORM_FUNCTION_SIGNATURE __PRETTY_FUNCTION__
 #endif
 
+// Catches whatever is thrown, but for the end of a thread that is cancelled: on Linux that comes as
+// an exception which everybody has to let pass.
+#if defined(__GNUC__) && !defined(_WIN32)
+#include <cxxabi.h>
+#define PLATFORM_CATCH_ALL                \
+    catch (const abi::__forced_unwind&) { \
+        throw;                            \
+    }                                     \
+    catch (...)
+#else
+#define PLATFORM_CATCH_ALL catch (...)
+#endif
+
 // Exported classes have standard-library members: both sides are built with the same run-time
 // library.
 #if defined(_MSC_VER) && !defined(__clang__)

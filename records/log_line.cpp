@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/compiler.h"
 #include "records/widening.h"
 
 namespace Broker {
@@ -61,7 +62,8 @@ public:
             const std::string_view piece = narrow.substr(0, Space());
             try {
                 ascii &= widen(piece, text + gathered);
-            } catch (...) {
+            }
+            PLATFORM_CATCH_ALL {
                 // What came before is kept.
                 Flush();
                 stream.setstate(std::ios_base::badbit);
@@ -107,7 +109,8 @@ private:
     void Attempt(Work work) {
         try {
             work();
-        } catch (...) {
+        }
+        PLATFORM_CATCH_ALL {
             stream.setstate(std::ios_base::badbit);
         }
     }
@@ -177,7 +180,8 @@ void LogPieces(LOG_MESSAGE_LEVEL level, const Location& where,
     std::wstringstream& stream = line.Finish();
     try {
         KzLogger::GetInstance().Log(level, stream);
-    } catch (...) {
+    }
+    PLATFORM_CATCH_ALL {
         // A logger that cannot log must not change what an operation does.
         return;
     }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/PrinterUtil/VendorDllMgr.h"
+#include "platform/compiler.h"
 #include "platform/os_calls.h"
 #include "records/log_line.h"
 #include "vendor/entry_points.h"
@@ -80,7 +81,8 @@ template <class Bind, class Release>
 bool BindFirst(Bind bind, Release release) {
     try {
         return bind();
-    } catch (...) {
+    }
+    PLATFORM_CATCH_ALL {
         release();
         throw;
     }

@@ -1,5 +1,6 @@
 #include "host/LogHelper/log_writer.h"
 #include "platform/LogHelper/KzLogger.h"
+#include "platform/compiler.h"
 
 KzLogger& KzLogger::GetInstance() {
     static KzLogger& instance = *new KzLogger;
@@ -9,7 +10,8 @@ KzLogger& KzLogger::GetInstance() {
 void KzLogger::Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line) {
     try {
         LogHelper::LogWriter::GetInstance().Write(level, line);
-    } catch (...) {
+    }
+    PLATFORM_CATCH_ALL {
         // Out of memory: the line is lost, the caller goes on.
         return;
     }

@@ -7,19 +7,21 @@
 #include "host/PrinterAdapter/spooler.h"
 #include "host/common/utf8.h"
 #include "platform/LogHelper/KzLogger.h"
+#include "platform/compiler.h"
 
 namespace PrinterAdapter {
 
 namespace {
 
 // A logger that fails must not fail its caller.
-void LogProblem(std::string_view problem) noexcept {
+void LogProblem(std::string_view problem) {
     try {
         std::wstringstream line;
         line << L"installed printers: " << Host::FromUtf8(problem)
              << L"(PrinterListProvider::GetPrinterList)";
         KzLogger::GetInstance().Log(LOG_LEVEL_WARNING, line);
-    } catch (...) {
+    }
+    PLATFORM_CATCH_ALL {
         return;
     }
 }

@@ -8,6 +8,7 @@
 
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/common/utf8.h"
+#include "platform/compiler.h"
 #include "platform/os_calls.h"
 
 namespace PrinterDiscoverAPI {
@@ -29,7 +30,8 @@ void Report(const DeviceStateChangeCallbackInfo& registration, const UsbChange& 
         registration.callback(kUsbPrinterClass, change.state, change.hardwareId);
     } catch (const std::exception& error) {
         LogProblem(std::string("the callback failed: ") + error.what());
-    } catch (...) {
+    }
+    PLATFORM_CATCH_ALL {
         LogProblem("the callback failed");
     }
 }

@@ -6,6 +6,7 @@
 #include "host/PrinterUtil/vendor_list.h"
 #include "host/common/utf8.h"
 #include "platform/LogHelper/KzLogger.h"
+#include "platform/compiler.h"
 
 namespace {
 
@@ -13,12 +14,13 @@ constexpr int kListRead = 0;
 constexpr int kListHasProblems = -1;
 
 // A logger that fails must not fail its caller.
-void LogLine(LOG_MESSAGE_LEVEL level, const std::string& text, const wchar_t* where) noexcept {
+void LogLine(LOG_MESSAGE_LEVEL level, const std::string& text, const wchar_t* where) {
     try {
         std::wstringstream line;
         line << Host::FromUtf8(text) << L"(" << where << L")";
         KzLogger::GetInstance().Log(level, line);
-    } catch (...) {
+    }
+    PLATFORM_CATCH_ALL {
         return;
     }
 }
