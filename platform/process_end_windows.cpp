@@ -1,4 +1,4 @@
-#include "platform/os.h"
+#include "platform/os_calls.h"
 #include "platform/process_end.h"
 
 namespace Platform {

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "host/LogHelper/log_settings.h"
-#include "platform/os.h"
+#include "platform/os_calls.h"
 #include "tests/host/exit_logger.h"
 
 namespace {
