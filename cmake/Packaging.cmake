@@ -14,7 +14,7 @@ install(TARGETS DeviceDiscover LogHelper PrinterAdapter PrinterDiscoverAPI Print
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/DeviceDiscover include/VendorSdk platform
-    DESTINATION ${HEADER_FOLDER} FILES_MATCHING PATTERN "*.h")
+    DESTINATION ${HEADER_FOLDER} FILES_MATCHING PATTERN "*.h" PATTERN os_calls.h EXCLUDE)
 # How an application chooses its vendor list and its log, and learns why no ping could be sent, with the
 # application libraries of this package.
 install(FILES host/LogHelper/log_settings.h DESTINATION ${HEADER_FOLDER}/host/LogHelper)
@@ -30,3 +30,24 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/DeviceDiscoverConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/DeviceDiscoverConfigVersion.cmake
     DESTINATION ${PACKAGE_FOLDER})
+
+# A Windows program finds the libraries of the compiler's run-time beside itself or nowhere. They
+# are installed without their symbols, which are most of their size.
+if(MINGW)
+    set(stripped_libraries "")
+    foreach(name libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+            OUTPUT_VARIABLE library OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(NOT EXISTS ${library})
+            message(FATAL_ERROR "The compiler does not say where its ${name} is")
+        endif()
+        set(stripped ${CMAKE_BINARY_DIR}/runtime/${name})
+        add_custom_command(OUTPUT ${stripped}
+            COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/runtime
+            COMMAND ${CMAKE_STRIP} -o ${stripped} ${library}
+            DEPENDS ${library} VERBATIM)
+        list(APPEND stripped_libraries ${stripped})
+    endforeach()
+    add_custom_target(runtime_libraries ALL DEPENDS ${stripped_libraries})
+    install(FILES ${stripped_libraries} DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
