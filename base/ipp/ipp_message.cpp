@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/ipp/bytes.h"
 #include "base/ipp/ipp_tags.h"
 
 namespace Base {
@@ -9,14 +10,6 @@ namespace Base {
 namespace {
 
 constexpr std::size_t kStatusAt = 2;
-
-std::uint8_t ByteAt(std::string_view bytes, std::size_t at) {
-    return static_cast<std::uint8_t>(bytes[at]);
-}
-
-std::uint16_t ShortAt(std::string_view bytes, std::size_t at) {
-    return static_cast<std::uint16_t>(ByteAt(bytes, at) << 8U | ByteAt(bytes, at + 1));
-}
 
 // The text in a value that holds two of them: its language, then the text, each with its length.
 std::string_view WithoutLanguage(std::string_view value) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/ipp/bytes.h"
 #include "base/ipp/ipp_tags.h"
 
 namespace Base {
@@ -11,14 +12,6 @@ namespace {
 // Version, status and the request's number.
 constexpr std::size_t kHeadSize = 8;
 constexpr std::size_t kLengthSize = 2;
-
-std::uint8_t ByteAt(std::string_view bytes, std::size_t at) {
-    return static_cast<std::uint8_t>(bytes[at]);
-}
-
-std::size_t LengthAt(std::string_view bytes, std::size_t at) {
-    return static_cast<std::size_t>(ByteAt(bytes, at)) << 8U | ByteAt(bytes, at + 1);
-}
 
 // Values of these kinds have one length only; 0 for all others.
 std::size_t FixedSizeOf(std::uint8_t tag) {
@@ -106,7 +99,7 @@ IppReader::State IppReader::ReadItem(std::uint8_t tag) {
     if (bytes.size() < nameAt) {
         return State::Unfinished;
     }
-    const std::size_t nameSize = LengthAt(bytes, at + 1);
+    const std::size_t nameSize = ShortAt(bytes, at + 1);
     if (nameSize > kMaxNameSize) {
         return Refuse("a name of more than " + std::to_string(kMaxNameSize) + " bytes");
     }
@@ -114,7 +107,7 @@ IppReader::State IppReader::ReadItem(std::uint8_t tag) {
     if (bytes.size() < valueAt) {
         return State::Unfinished;
     }
-    const std::size_t valueSize = LengthAt(bytes, valueAt - kLengthSize);
+    const std::size_t valueSize = ShortAt(bytes, valueAt - kLengthSize);
     if (valueSize > kMaxValueSize) {
         return Refuse("a value of more than " + std::to_string(kMaxValueSize) + " bytes");
     }
