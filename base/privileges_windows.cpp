@@ -12,7 +12,18 @@
 
 namespace Base {
 
-bool HasMoreRightsThanItsUser() {
+namespace {
+
+// Only administrators can write there, so a user's program cannot allow it to itself.
+bool AdministratorAllowsTheEnvironment() {
+    DWORD allowed = 0;
+    DWORD size = sizeof allowed;
+    return RegGetValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\DeviceDiscover", L"ElevatedEnvironment",
+                        RRF_RT_REG_DWORD, nullptr, &allowed, &size) == ERROR_SUCCESS &&
+           allowed == 1;
+}
+
+bool IsElevated() {
     HANDLE token = nullptr;
     if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) == 0) {
         return true;
@@ -23,6 +34,12 @@ bool HasMoreRightsThanItsUser() {
         GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) != 0;
     CloseHandle(token);
     return !isKnown || elevation.TokenIsElevated != 0;
+}
+
+}  // namespace
+
+bool HasMoreRightsThanItsUser() {
+    return IsElevated() && !AdministratorAllowsTheEnvironment();
 }
 
 NativeText RawEnvironment(const char* name) {
