@@ -27,7 +27,7 @@ class Figures:
     def __init__(self, folder):
         self.folder = folder
         self.medians = {}
-        for program in ("facade", "relay", "binding", "access_point", "ping", "arrival"):
+        for program in ("facade", "log", "relay", "binding", "access_point", "ping", "arrival"):
             self.medians.update(self.medians_of(program))
         for program, sizes in (("choice", CHOICES), ("usb", USB_IDS)):
             for size in sizes:
@@ -83,6 +83,17 @@ def relay(what, threads):
     return f"{what}/real_time/threads:{threads}"
 
 
+def logged(threads):
+    return f"Logged/process_time/real_time/threads:{threads}"
+
+
+PLAIN_LOG = "PlainSpdlog/process_time/real_time"
+
+
+def disk(speed):
+    return f"{speed}Disk/iterations:1000/real_time"
+
+
 def binding(what, vendors):
     return f"{what}/{vendors}/real_time"
 
@@ -97,6 +108,15 @@ def measured(figures):
     yield "facade: one GetDeviceConnectState", nanoseconds(cpu("Facade"))
     yield "  the same lines and call by hand", nanoseconds(cpu("FacadeByHand"))
     yield "  floor: three empty streams and the call", nanoseconds(cpu("FacadeFloor"))
+    for name, what in (("the facade's call", logged(1)), ("with 8 threads", logged(8)),
+                       ("plain spdlog, three flushed lines", PLAIN_LOG)):
+        yield f"log: {name}, all threads", nanoseconds(cpu(what))
+        yield "  elapsed", nanoseconds(figures.real(what))
+    for name, what in (("discarded", "Discarded"), ("filtered", "Filtered"),
+                       ("switched off", "SwitchedOff")):
+        yield f"log: the facade's call, {name}", nanoseconds(cpu(what))
+    for speed in ("Fast", "Slow"):
+        yield f"log: the facade's call, {speed.lower()} disk", nanoseconds(figures.real(disk(speed)))
     device, floor = "RelayedDevice", "RelayedDeviceFloor"
     yield "relay: one device, one thread", nanoseconds(cpu(relay(device, 1)))
     yield "  floor: one empty stream, one copy, the callback", nanoseconds(cpu(relay(floor, 1)))
@@ -137,6 +157,12 @@ def targets(figures):
     cpu, real = figures.cpu, figures.real
     yield "facade / by hand", cpu("Facade") / cpu("FacadeByHand"), 0.70, False
     yield "facade / floor", cpu("Facade") / cpu("FacadeFloor"), 1.60, False
+    for clock, figure in (("processor time", cpu), ("elapsed", real)):
+        yield f"log: facade / plain spdlog, {clock}", figure(logged(1)) / figure(PLAIN_LOG), 1.50, False
+        yield f"log: 8 threads / one, {clock}", figure(logged(8)) / figure(logged(1)), 1.50, False
+    yield "log: filtered / discarded", cpu("Filtered") / cpu("Discarded"), 1.10, False
+    yield "log: switched off / discarded", cpu("SwitchedOff") / cpu("Discarded"), 1.10, False
+    yield "log: slow disk / fast disk", real(disk("Slow")) / real(disk("Fast")), 1.20, False
     device, floor = relay("RelayedDevice", 1), relay("RelayedDeviceFloor", 1)
     yield "relayed device / floor", cpu(device) / cpu(floor), 1.60, False
     two = relay("RelayedDevice", 2)

@@ -4,9 +4,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <vector>
-
-#include "bench/host/discarding_logger.h"
 
 namespace Bench {
 
@@ -15,14 +12,6 @@ namespace {
 template <std::size_t Width>
 void Fill(char (&field)[Width], const char* text) {
     std::strncpy(field, text, Width - 1);
-}
-
-std::vector<std::wstring> LinesOf(const std::function<void()>& work) {
-    std::vector<std::wstring> lines;
-    RecordLines(&lines);
-    work();
-    RecordLines(nullptr);
-    return lines;
 }
 
 }  // namespace
@@ -70,16 +59,6 @@ PrinterDeviceDiscoverSdk::DeviceInfo ExampleDevice() {
 void MakeEmptyLine() {
     std::wstringstream line;
     benchmark::DoNotOptimize(&line);
-}
-
-void RequireSameLines(const std::function<void()>& one, const std::function<void()>& other) {
-    const std::vector<std::wstring> lines = LinesOf(one);
-    if (lines.empty()) {
-        throw std::runtime_error("no line was logged");
-    }
-    if (lines != LinesOf(other)) {
-        throw std::runtime_error("the two sides to be compared do not log the same lines");
-    }
 }
 
 int Run(int argc, char** argv, const std::function<void()>& prepare) {
