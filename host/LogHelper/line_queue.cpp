@@ -6,12 +6,12 @@ namespace LogHelper {
 
 bool LineQueue::Push(std::string_view line) {
     Buffer& buffer = Newer();
-    const std::size_t size = buffer.size;
+    const std::size_t size = buffer.size.load(std::memory_order_relaxed);
     if (line.size() > kCapacity - size) {
         return false;
     }
     std::copy(line.begin(), line.end(), buffer.text + size);
-    buffer.size = size + line.size();
+    buffer.size.store(size + line.size(), std::memory_order_release);
     return true;
 }
 

@@ -14,8 +14,49 @@ std::string_view LevelText(LOG_MESSAGE_LEVEL level) {
                               static_cast<int>(LOG_LEVEL_ERROR))];
 }
 
-std::uint64_t Positive(auto number) {
-    return static_cast<std::uint64_t>(number < 0 ? -number : number);
+// Writes behind what it wrote before. Nothing here is left to the length of a text or a number
+// where that is known: a line costs little more than its stamp.
+class Pen {
+public:
+    explicit Pen(char* newAt) : at(newAt) {}
+
+    template <std::size_t Size>
+    void Add(const char (&text)[Size]) {
+        at = std::copy_n(text, Size - 1, at);
+    }
+    void Add(std::string_view text) { at = std::copy(text.begin(), text.end(), at); }
+
+    template <int Count>
+    void AddDigits(unsigned number) {
+        for (int digit = Count - 1; digit >= 0; --digit) {
+            at[digit] = Digit(number);
+            number /= kBase;
+        }
+        at += Count;
+    }
+
+    void AddNumber(std::uint64_t number) {
+        char digits[20];
+        char* begin = std::end(digits);
+        do {
+            *--begin = Digit(number);
+            number /= kBase;
+        } while (number != 0);
+        at = std::copy(begin, std::end(digits), at);
+    }
+
+    char* At() const { return at; }
+
+private:
+    static constexpr unsigned kBase = 10;
+
+    static char Digit(auto number) { return static_cast<char>('0' + number % kBase); }
+
+    char* at;
+};
+
+unsigned Unsigned(auto number) {
+    return static_cast<unsigned>(number);
 }
 
 }  // namespace
@@ -28,43 +69,31 @@ LogStamp::LogStamp(Time time, std::chrono::minutes fromUtc, std::uint64_t thread
     const auto day = floor<days>(local);
     const year_month_day date(day);
     const hh_mm_ss clock(local - day);
-    AddNumber(Positive(static_cast<int>(date.year())), 4);
-    Add("-");
-    AddNumber(static_cast<unsigned>(date.month()), 2);
-    Add("-");
-    AddNumber(static_cast<unsigned>(date.day()), 2);
-    Add(" ");
-    AddNumber(Positive(clock.hours().count()), 2);
-    Add(":");
-    AddNumber(Positive(clock.minutes().count()), 2);
-    Add(":");
-    AddNumber(Positive(clock.seconds().count()), 2);
-    Add(".");
-    AddNumber(Positive(clock.subseconds().count()), 3);
-    Add(fromUtc < minutes(0) ? " -" : " +");
-    constexpr int minutesAnHour = 60;
-    AddNumber(Positive(fromUtc.count()) / minutesAnHour, 2);
-    Add(":");
-    AddNumber(Positive(fromUtc.count()) % minutesAnHour, 2);
-    Add(" [");
-    AddNumber(thread, 1);
-    Add("] ");
-    Add(LevelText(level));
-}
-
-void LogStamp::Add(std::string_view piece) {
-    size += piece.copy(text + size, std::size(text) - size);
-}
-
-void LogStamp::AddNumber(std::uint64_t number, int leastDigits) {
-    constexpr std::uint64_t base = 10;
-    char digits[20];
-    char* begin = std::end(digits);
-    for (int count = 0; count < leastDigits || number != 0; ++count) {
-        *--begin = static_cast<char>('0' + number % base);
-        number /= base;
-    }
-    Add({begin, static_cast<std::size_t>(std::end(digits) - begin)});
+    constexpr unsigned minutesAnHour = 60;
+    const unsigned distance = Unsigned(abs(fromUtc).count());
+    Pen pen(text);
+    pen.AddDigits<4>(Unsigned(static_cast<int>(date.year())));
+    pen.Add("-");
+    pen.AddDigits<2>(Unsigned(date.month()));
+    pen.Add("-");
+    pen.AddDigits<2>(Unsigned(date.day()));
+    pen.Add(" ");
+    pen.AddDigits<2>(Unsigned(clock.hours().count()));
+    pen.Add(":");
+    pen.AddDigits<2>(Unsigned(clock.minutes().count()));
+    pen.Add(":");
+    pen.AddDigits<2>(Unsigned(clock.seconds().count()));
+    pen.Add(".");
+    pen.AddDigits<3>(Unsigned(clock.subseconds().count()));
+    pen.Add(fromUtc < minutes(0) ? " -" : " +");
+    pen.AddDigits<2>(distance / minutesAnHour);
+    pen.Add(":");
+    pen.AddDigits<2>(distance % minutesAnHour);
+    pen.Add(" [");
+    pen.AddNumber(thread);
+    pen.Add("] ");
+    pen.Add(LevelText(level));
+    size = static_cast<std::size_t>(pen.At() - text);
 }
 
 }  // namespace LogHelper

@@ -21,11 +21,8 @@ public:
     std::string_view Text() const { return {text, size}; }
 
 private:
-    void Add(std::string_view piece);
-    void AddNumber(std::uint64_t number, int leastDigits);
-
     char text[96];
-    std::size_t size = 0;
+    std::size_t size;
 };
 
 }  // namespace LogHelper

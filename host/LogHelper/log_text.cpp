@@ -1,5 +1,7 @@
 #include "host/LogHelper/log_text.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 
 #include "host/common/utf8.h"
@@ -49,7 +51,26 @@ void AppendEscaped(std::string& text, char32_t codePoint) {
     text += escape;
 }
 
-void AppendText(std::string& text, std::wstring_view piece) {
+// Whether all of it is printable ASCII, which stays as it is. A difference below zero sets the
+// highest bit; nothing stops the compiler from taking many characters at once.
+bool IsPlain(std::wstring_view piece) {
+    constexpr std::uint32_t belowZero = 0x80000000;
+    std::uint32_t differences = 0;
+    for (const wchar_t unit : piece) {
+        const auto character = static_cast<std::uint32_t>(unit);
+        differences |= (character - 0x20) | (0x7E - character);
+    }
+    return (differences & belowZero) == 0;
+}
+
+void AppendPlain(std::string& text, std::wstring_view piece) {
+    const std::size_t size = text.size();
+    text.resize(size + piece.size());
+    std::transform(piece.begin(), piece.end(), text.data() + size,
+                   [](wchar_t character) { return static_cast<char>(character); });
+}
+
+void AppendAny(std::string& text, std::wstring_view piece) {
     for (std::size_t at = 0; at < piece.size();) {
         if (text.size() > kLargestText) {
             text += kCut;
@@ -64,6 +85,15 @@ void AppendText(std::string& text, std::wstring_view piece) {
     }
 }
 
+// Nearly every line is plain, and is copied at once.
+void AppendText(std::string& text, std::wstring_view piece) {
+    if (piece.size() <= kLargestText && IsPlain(piece)) {
+        AppendPlain(text, piece);
+    } else {
+        AppendAny(text, piece);
+    }
+}
+
 }  // namespace
 
 Secret SecretIn(std::wstring_view line) {
@@ -72,8 +102,7 @@ Secret SecretIn(std::wstring_view line) {
     }
     // A network name that fills its field runs on into the pass phrase behind it.
     const std::size_t nameEnd = kNetworkName.size() + kLongestNetworkName;
-    const std::size_t location = line.rfind(L'(');
-    if (line.starts_with(kNetworkName) && line.size() > nameEnd && location > nameEnd) {
+    if (line.starts_with(kNetworkName) && line.size() > nameEnd && line.rfind(L'(') > nameEnd) {
         return SecretFrom(line, nameEnd);
     }
     return {line.size(), line.size(), false};
