@@ -14,7 +14,8 @@ install(TARGETS DeviceDiscover LogHelper PrinterAdapter PrinterDiscoverAPI Print
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/DeviceDiscover include/VendorSdk platform
-    DESTINATION ${HEADER_FOLDER} FILES_MATCHING PATTERN "*.h" PATTERN os_calls.h EXCLUDE)
+    DESTINATION ${HEADER_FOLDER} FILES_MATCHING PATTERN "*.h"
+    PATTERN os_calls.h EXCLUDE PATTERN process_end.h EXCLUDE)
 # How an application chooses its vendor list and its log, and learns why no ping could be sent, with the
 # application libraries of this package.
 install(FILES host/LogHelper/log_settings.h DESTINATION ${HEADER_FOLDER}/host/LogHelper)

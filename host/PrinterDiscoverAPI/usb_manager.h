@@ -61,7 +61,4 @@ public:
     virtual void Interrupt() = 0;
 };
 
-// Whether the process is ending and the system has ended all threads but this one.
-bool OtherThreadsAreGone();
-
 }  // namespace PrinterDiscoverAPI

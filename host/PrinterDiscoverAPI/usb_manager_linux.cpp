@@ -310,8 +310,4 @@ std::unique_ptr<UsbEvents> UsbEvents::Open(std::string& problem) {
     return std::make_unique<UdevEvents>(std::move(context), std::move(monitor), service);
 }
 
-bool OtherThreadsAreGone() {
-    return false;
-}
-
 }  // namespace PrinterDiscoverAPI

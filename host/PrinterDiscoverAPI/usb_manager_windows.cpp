@@ -82,11 +82,4 @@ std::unique_ptr<UsbEvents> UsbEvents::Open(std::string& problem) {
     return problem.empty() ? std::move(events) : nullptr;
 }
 
-bool OtherThreadsAreGone() {
-    using Question = BOOLEAN(WINAPI*)();
-    static const auto question = reinterpret_cast<Question>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
-    return question != nullptr && question() != 0;
-}
-
 }  // namespace PrinterDiscoverAPI

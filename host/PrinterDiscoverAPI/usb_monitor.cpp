@@ -10,6 +10,7 @@
 #include "host/common/utf8.h"
 #include "platform/compiler.h"
 #include "platform/os_calls.h"
+#include "platform/process_end.h"
 
 namespace PrinterDiscoverAPI {
 
@@ -64,7 +65,7 @@ int UsbMonitor::Start(const DeviceStateChangeCallbackInfo& info) {
 }
 
 void UsbMonitor::Stop() {
-    if (OtherThreadsAreGone()) {
+    if (Platform::OtherThreadsAreGone()) {
         return;
     }
     std::unique_lock lock(mutex);
