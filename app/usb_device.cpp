@@ -56,6 +56,7 @@ PluggedPrinters Ask() {
     if (result != 0) {
         RequireUsbVendors("GetDeviceInfoByUsb", ports);
     }
+    RequireUsbIdentifiers(ports);
     std::vector<UsbPrinter> printers{devices.begin(), devices.end()};
     std::vector<std::string> problems = UnreportedPorts(ports, printers);
     return {std::move(printers), std::move(problems)};

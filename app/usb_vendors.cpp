@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <optional>
 #include <sstream>
 
@@ -24,50 +23,35 @@ using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
 using PrinterUtil::WStringToString;
 
+// What a vendor lists that has no printer on USB.
+constexpr const char* kNoUsbIdentifier = "-";
+
 // As the broker reads them: only blanks separate.
 std::vector<std::string> UsbIdsOf(const VendorInfo& vendor) {
     std::vector<std::string> usbIds;
     std::istringstream text(vendor.usbIdList);
     for (std::string usbId; std::getline(text, usbId, ' ');) {
-        if (!usbId.empty()) {
+        if (!usbId.empty() && usbId != kNoUsbIdentifier) {
             usbIds.push_back(usbId);
         }
     }
     return usbIds;
 }
 
-struct Listing {
-    std::string vendor;
-    std::string usbId;
-};
-
-// Who lists the identifier first, by that comparison.
-template <class IsSame>
-std::optional<Listing> FindListing(IsSame isSame) {
+// The vendor that lists the identifier first.
+std::optional<std::string> VendorOf(const std::string& usbId) {
     for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
-        for (const std::string& usbId : UsbIdsOf(vendor)) {
-            if (isSame(usbId)) {
-                return Listing{vendor.productId, usbId};
-            }
+        const std::vector<std::string> usbIds = UsbIdsOf(vendor);
+        if (std::find(usbIds.begin(), usbIds.end(), usbId) != usbIds.end()) {
+            return vendor.productId;
         }
     }
     return std::nullopt;
 }
 
-bool DiffersInCaseOnly(const std::string& one, const std::string& other) {
-    const auto isSame = [](unsigned char a, unsigned char b) {
-        return std::toupper(a) == std::toupper(b);
-    };
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(), isSame);
-}
-
 std::string NotListed(const std::string& usbId) {
-    const auto similar =
-        FindListing([&](const std::string& listed) { return DiffersInCaseOnly(listed, usbId); });
-    const std::string path = PrinterUtil::DescribeVendorList().path;
-    return similar ? fmt::format("{}: the usbIdList of vendor {} has {}; make it the same, in {}",
-                                 usbId, similar->vendor, similar->usbId, path)
-                   : fmt::format("{}: no vendor has it or * in its usbIdList, in {}", usbId, path);
+    return fmt::format("{}: no vendor has it or * in its usbIdList, in {}", usbId,
+                       PrinterUtil::DescribeVendorList().path);
 }
 
 std::string PluggedIn(const UsbPortMap& ports) {
@@ -78,23 +62,6 @@ std::string PluggedIn(const UsbPortMap& ports) {
     return text.empty() ? "" : "\nPlugged in now:" + text;
 }
 
-void RequireIdentifiers(const UsbPortMap& ports) {
-    const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
-    std::string without;
-    for (const VendorInfo& vendor : list.vendors) {
-        if (UsbIdsOf(vendor).empty()) {
-            without += "\n  vendor " + vendor.productId;
-        }
-    }
-    if (!without.empty()) {
-        throw Problem(
-            "no printer on USB can be reached while the vendor list has a vendor without USB "
-            "identifiers:" +
-            without + "\nName those of its printers, or * for all, in its usbIdList, in " +
-            list.path + PluggedIn(ports));
-    }
-}
-
 // A printer's port whose vendor is known.
 struct ServedPort {
     std::wstring deviceId;
@@ -102,15 +69,11 @@ struct ServedPort {
     std::size_t plugged;
 };
 
-std::optional<Listing> ListingOf(const std::string& usbId) {
-    return FindListing([&](const std::string& listed) { return listed == usbId; });
-}
-
 // Why a watch has not reported that port; empty when it may have.
 std::string NotWatched(const std::wstring& deviceId, bool isAnyReported) {
     const std::string usbId = WStringToString(deviceId);
-    const auto listing = ListingOf(usbId);
-    if (!listing) {
+    const auto vendor = VendorOf(usbId);
+    if (!vendor) {
         return NotListed(usbId);
     }
     std::vector<DeviceInfo> devices;
@@ -122,8 +85,8 @@ std::string NotWatched(const std::wstring& deviceId, bool isAnyReported) {
             usbId);
     }
     if (result != 0) {
-        return fmt::format("{}: vendor {} does not report it: {}", usbId, listing->vendor,
-                           VendorsResult(result, listing->vendor));
+        return fmt::format("{}: vendor {} does not report it: {}", usbId, *vendor,
+                           VendorsResult(result, *vendor));
     }
     return isAnyReported ? ""
                          : fmt::format(
@@ -152,10 +115,28 @@ std::string NotReported(const ServedPort& port) {
 
 }  // namespace
 
+void RequireUsbIdentifiers(const UsbPortMap& ports) {
+    const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
+    std::string without;
+    for (const VendorInfo& vendor : list.vendors) {
+        if (!UsbIdsOf(vendor).empty()) {
+            return;
+        }
+        without += "\n  vendor " + vendor.productId;
+    }
+    if (!without.empty()) {
+        throw Problem(
+            "no printer on USB can be reached: the vendor list has only vendors without USB "
+            "identifiers:" +
+            without + "\nName those of a vendor's printers, or * for all, in its usbIdList, in " +
+            list.path + PluggedIn(ports));
+    }
+}
+
 std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const UsbPortMap& ports) {
     const ServiceSurvey survey = SurveyConfiguration({entryPoint});
     if (survey.anyVendorServes) {
-        RequireIdentifiers(ports);
+        RequireUsbIdentifiers(ports);
         return survey.problems;
     }
     throw Problem("no vendor can do this" + Lines(survey.problems) +
@@ -170,11 +151,11 @@ std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
     std::map<std::string, std::size_t> missing;  // by vendor
     for (const auto& [deviceId, port] : ports) {
         const std::string usbId = WStringToString(deviceId);
-        const auto listing = ListingOf(usbId);
-        if (listing) {
+        const auto vendor = VendorOf(usbId);
+        if (vendor) {
             const auto plugged = static_cast<std::size_t>(std::max(port.first, 1));
-            served.push_back({deviceId, listing->vendor, plugged});
-            missing[listing->vendor] += plugged;
+            served.push_back({deviceId, *vendor, plugged});
+            missing[*vendor] += plugged;
         } else {
             lines.push_back(NotListed(usbId));
         }

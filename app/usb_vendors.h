@@ -12,6 +12,9 @@ namespace App {
 // The printers on the host's USB ports by hardware identifier, as the device manager counts them.
 using UsbPortMap = std::map<std::wstring, std::pair<int, int>>;
 
+// Throws Problem when no vendor lists a USB identifier. `ports` is only for the advice.
+void RequireUsbIdentifiers(const UsbPortMap& ports);
+
 // Throws Problem when no printer on USB could be reached, or no vendor has that entry point. Else
 // one line for each vendor that cannot serve it. `ports` is only for the advice.
 std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const UsbPortMap& ports);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "host/PrinterUtil/file_trust.h"
 #include "host/PrinterUtil/module_loader.h"
 #include "host/common/paths.h"
 
@@ -48,14 +47,15 @@ std::string Load(const fs::path& folder, const fs::path& file, HINSTANCE& module
     if (!folder.is_absolute()) {
         return "its folder has no absolute path";
     }
-    if (std::string problem = FolderProblem(folder); !problem.empty()) {
-        return problem;
+    std::error_code failure;
+    if (fs::status(folder, failure).type() == fs::file_type::not_found) {
+        return "there is no folder " + Host::PathToUtf8(folder);
     }
-    if (std::string problem = FileProblem(file); !problem.empty()) {
-        return problem;
+    const TrustedFile trusted = TrustedFile::Open(file);
+    std::string problem = trusted.Problem();
+    if (problem.empty()) {
+        module = LoadModule(trusted, problem);
     }
-    std::string problem;
-    module = LoadModule(file, problem);
     return problem;
 }
 

@@ -1,12 +1,10 @@
 #include "host/PrinterUtil/vendor_list_finder.h"
 
-#include <cerrno>
-#include <fstream>
 #include <system_error>
 
 #include "base/environment.h"
-#include "host/PrinterUtil/file_trust.h"
 #include "host/PrinterUtil/module_loader.h"
+#include "host/PrinterUtil/trusted_file.h"
 #include "host/common/paths.h"
 #include "host/common/user_folders.h"
 
@@ -26,34 +24,16 @@ bool IsThere(const fs::path& path) {
     return fs::status(path, failure).type() != fs::file_type::not_found;
 }
 
-// Reads the file, one byte beyond the limit at most; the reason when that fails.
-std::string ReadText(const fs::path& path, std::string& text) {
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    text.resize(kLargestList + 1);
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    const int error = errno;
-    text.resize(static_cast<std::size_t>(file.gcount()));
-    if (file.eof() || (file.is_open() && file.good())) {
-        return {};
-    }
-    return "cannot be read: " + std::generic_category().message(error);
-}
-
 std::string Read(const fs::path& path, std::string& text) {
-    if (std::string problem = FileProblem(path); !problem.empty()) {
-        return problem;
+    const TrustedFile file = TrustedFile::Open(path);
+    if (!file.Problem().empty()) {
+        return file.Problem();
     }
-    if (std::string problem = FolderProblem(path.parent_path()); !problem.empty()) {
-        return problem;
-    }
-    if (std::string problem = ReadText(path, text); !problem.empty()) {
-        return problem;
-    }
+    std::string problem = file.Read(text, kLargestList + 1);
     if (text.size() > kLargestList) {
-        return "the file has more than " + std::to_string(kLargestList) + " bytes";
+        problem = "the file has more than " + std::to_string(kLargestList) + " bytes";
     }
-    return {};
+    return problem;
 }
 
 FoundList ReadAt(const fs::path& path) {

@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "host/PrinterUtil/json_numbers.h"
+#include "host/PrinterUtil/usb_identifiers.h"
 #include "host/common/paths.h"
 #include "host/common/utf8.h"
 
@@ -53,6 +55,20 @@ std::string Text(const Json& object, const char* key) {
     return text;
 }
 
+// The model identifier of a device's record has room for so many bytes.
+constexpr std::size_t kLongestProductId = 31;
+
+void CheckProductId(const std::string& productId) {
+    if (productId.empty()) {
+        throw ListError("\"productId\" is missing or empty");
+    }
+    if (productId.size() > kLongestProductId) {
+        throw ListError("\"productId\" has " + std::to_string(productId.size()) +
+                        " bytes; a device's record has room for " +
+                        std::to_string(kLongestProductId));
+    }
+}
+
 VendorInfo Vendor(const Json& entry) {
     if (!entry.is_object()) {
         throw ListError(std::string("not an object but ") + entry.type_name());
@@ -62,9 +78,7 @@ VendorInfo Vendor(const Json& entry) {
     vendor.usbIdList = Text(entry, "usbIdList");
     vendor.vendorName = Text(entry, "vendorName");
     vendor.scanModuleName = Text(entry, "scanModuleName");
-    if (vendor.productId.empty()) {
-        throw ListError("\"productId\" is missing or empty");
-    }
+    CheckProductId(vendor.productId);
     if (vendor.vendorName.empty() && vendor.scanModuleName.empty()) {
         throw ListError("names no module: \"vendorName\" and \"scanModuleName\" are missing");
     }
@@ -108,6 +122,9 @@ void ReadVendors(const Json& vendors, const std::string& place, VendorListReport
                 throw ListError("\"productId\" is that of " + Entry(first->second) +
                                 " already, which is served");
             }
+            for (const std::string& note : MendUsbIdentifiers(vendor.usbIdList)) {
+                report.notes.push_back(place + ": " + Entry(index) + ": " + note);
+            }
             report.vendors.push_back(std::move(vendor));
         } catch (const ListError& error) {
             report.problems.push_back(place + ": " + Entry(index) + ": " + error.what());
@@ -121,7 +138,7 @@ void ParseVendorList(const std::string& text, const std::filesystem::path& path,
                      VendorListReport& report) {
     const std::string place = "vendor list " + Host::PathToUtf8(path);
     try {
-        const Json list = Json::parse(text);
+        const Json list = Json::parse(WithoutHugeNumbers(text));
         const Json& vendors = VendorArray(list);
         report.moduleFolder = ModuleFolder(list, path.parent_path());
         ReadVendors(vendors, place, report);

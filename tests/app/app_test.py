@@ -63,7 +63,8 @@ class AppTest(unittest.TestCase):
     def vendor_list(self, vendors):
         """Writes a vendor list. A vendor is its entry, or a pair of product id and module."""
         entries = [vendor if isinstance(vendor, dict) else
-                   dict(productId=vendor[0], vendorName=vendor[1], scanModuleName=vendor[1])
+                   dict(productId=vendor[0], vendorName=vendor[1], scanModuleName=vendor[1],
+                        usbIdList="-")
                    for vendor in vendors]
         return self.write("vendors.json", json.dumps(
             {"moduleFolder": system_path(MODULES), "vendors": entries}))

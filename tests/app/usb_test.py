@@ -127,14 +127,14 @@ class UsbPorts(UsbTest):
                          f"usbIdList, in {system_path(self.list_file)}\n")
         self.assertEqual(len(self.calls_of("GetDeviceInfoByUsb")), 1, "nothing is missing")
 
-    def test_an_identifier_that_is_listed_in_other_letters_is_named(self):
+    def test_an_identifier_that_is_listed_in_other_letters_serves(self):
         self.list_file = self.vendor_list([vendor(usb_ids="VID_1234&PID_abcd")])
         self.script(usb_device("SN1"))
         self.host(port())
-        result = self.run_app("usb", "ports")
-        self.assert_status(result, NONE_FOUND)
-        self.assert_mentions(result.errors, f"{USB_ID}: the usbIdList of vendor scripted has "
-                                            "VID_1234&PID_abcd; make it the same")
+        self.assertEqual(self.run_app("usb", "ports").output,
+                         "SN1\tFake 1000\tusb:1-4\tscripted\n")
+        self.assertIn('vendors[0]: "usbIdList": VID_1234&PID_abcd is taken as VID_1234&PID_ABCD',
+                      self.run_app("vendors").errors)
 
     def test_each_failure_that_its_vendor_documents_has_a_meaning(self):
         self.list_file = self.vendor_list([vendor(product_id="driverless")])
@@ -203,16 +203,29 @@ class UsbPorts(UsbTest):
                 self.assertEqual(result.output, "")
                 self.assert_mentions(result.errors, saying, "Plug it in", "usb watch", "log")
 
-    def test_a_vendor_without_identifiers_keeps_all_from_being_reached(self):
-        for usb_ids in ("", "  "):
+    def test_a_vendor_without_identifiers_costs_only_itself(self):
+        for usb_ids in ("", "  ", "-"):
             with self.subTest(usb_ids):
-                self.list_file = self.vendor_list([vendor(), vendor("scripted_all_b", "b", usb_ids)])
+                self.list_file = self.vendor_list([vendor("scripted_all_b", "b", usb_ids), vendor()])
+                self.script("[scripted_all]", usb_device("SN1"))
                 self.host(port())
                 result = self.run_app("usb", "ports")
-                self.assert_status(result, COULD_NOT_RUN)
-                self.assert_mentions(result.errors, "without USB identifiers:\n  vendor b\n",
-                                     "usbIdList", system_path(self.list_file),
-                                     "Plugged in now: " + USB_ID)
+                self.assertEqual(result.output, "SN1\tFake 1000\tusb:1-4\tscripted\n")
+                errors = self.run_app("vendors").errors
+                if usb_ids == "-":
+                    self.assertEqual(errors, "")
+                else:
+                    self.assertIn('vendors[0]: "usbIdList" is missing or empty: this vendor serves '
+                                  "no printer on USB", errors)
+
+    def test_a_list_of_vendors_without_identifiers_reaches_no_printer(self):
+        self.list_file = self.vendor_list([vendor(usb_ids="-"), vendor("scripted_all_b", "b", "")])
+        self.host(port())
+        result = self.run_app("usb", "ports")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "without USB identifiers:\n  vendor scripted\n"
+                             "  vendor b\n", "usbIdList", system_path(self.list_file),
+                             "Plugged in now: " + USB_ID)
         self.assertEqual(self.records(), [])
 
     def test_without_a_vendor_that_could_it_could_not_run(self):

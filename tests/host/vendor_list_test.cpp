@@ -6,6 +6,7 @@ using HostTest::ListOf;
 using HostTest::Utf8;
 using HostTest::Write;
 using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -41,7 +42,7 @@ TEST_F(VendorListTest, GivesEveryVendorWithAllItsTexts) {
     EXPECT_EQ(vendors[2].productId,
               "P\xC3\xA9"
               "2");
-    EXPECT_EQ(vendors[2].usbIdList, "");
+    EXPECT_EQ(vendors[2].usbIdList, "-");
     EXPECT_THAT(Errors(), IsEmpty());
 }
 
@@ -134,6 +135,84 @@ TEST_F(VendorListTest, RefusesAnEmptyModuleFolder) {
     ExpectRefused("\"moduleFolder\" is empty");
 }
 
+// Such numbers are JSON, but no floating-point number holds them.
+TEST_F(VendorListTest, TakesAHugeNumberUnderAKeyThatIsIgnored) {
+    for (const std::string number : {"1e999", "-2.5E+400", "123e99999999999999999999"}) {
+        WriteList(R"({"x": )" + number +
+                  R"(, "vendors": [{"productId": "P", "vendorName": "v", "y": [)" + number +
+                  R"(], "usbIdList": "-"}]})");
+        EXPECT_THAT(ProductIds(), ElementsAre("P")) << number;
+    }
+    EXPECT_THAT(Errors(), IsEmpty());
+}
+
+TEST_F(VendorListTest, LetsAHugeNumberCostItsVendorOnly) {
+    WriteList(R"({"vendors": [{"productId": 1e999, "vendorName": "v"},
+                              {"productId": "P 1e999", "vendorName": "v", "usbIdList": "-"}]})");
+    EXPECT_THAT(ProductIds(), ElementsAre("P 1e999"));
+    EXPECT_THAT(Errors(),
+                ElementsAre(HasSubstr("vendors[0]: \"productId\" is not a text but number")));
+}
+
+TEST_F(VendorListTest, NamesThePlaceOfAMistakeBehindAHugeNumber) {
+    for (const std::string number : {"1e999.5", "1e999x", "01e999", "1e999e1"}) {
+        WriteList("{\"vendors\": [], \"x\":" + number + "}");
+        EXPECT_THAT(ProductIds(), IsEmpty());
+        EXPECT_EQ(result, -1) << number;
+    }
+}
+
+TEST_F(VendorListTest, LeavesTextAsItIs) {
+    WriteList(R"({"vendors": [{"productId": "\"1e999 \\", "vendorName": "v",
+                               "usbIdList": "-"}]})");
+    EXPECT_THAT(ProductIds(), ElementsAre("\"1e999 \\"));
+}
+
+TEST_F(VendorListTest, RefusesAProductIdThatNoRecordHolds) {
+    const std::string longest(31, 'P');
+    WriteList(R"({"vendors": [{"productId": "P)" + longest +
+              R"(", "vendorName": "v"}, {"productId": ")" + longest +
+              R"(", "vendorName": "v", "usbIdList": "-"}]})");
+    EXPECT_THAT(ProductIds(), ElementsAre(longest));
+    EXPECT_THAT(Errors(), ElementsAre(HasSubstr("vendors[0]: \"productId\" has 32 bytes; a "
+                                                "device's record has room for 31")));
+}
+
+// A vendor without any would keep the broker from the printers of all.
+TEST_F(VendorListTest, HandsNoVendorOnWithoutUsbIdentifiers) {
+    WriteList(R"({"vendors": [{"productId": "A", "vendorName": "v"},
+                              {"productId": "B", "vendorName": "v", "usbIdList": "  "},
+                              {"productId": "C", "vendorName": "v", "usbIdList": "-"}]})");
+    const PrinterUtil::VendorListReport report = PrinterUtil::DescribeVendorList();
+    ASSERT_EQ(report.vendors.size(), 3u);
+    for (const VendorInfo& vendor : report.vendors) {
+        EXPECT_EQ(vendor.usbIdList, "-");
+    }
+    const std::string saying =
+        ": \"usbIdList\" is missing or empty: this vendor serves no printer on USB; \"-\" says so";
+    EXPECT_THAT(report.notes,
+                ElementsAre(EndsWith("vendors[0]" + saying), EndsWith("vendors[1]" + saying)));
+    EXPECT_THAT(report.problems, IsEmpty());
+    EXPECT_THAT(ProductIds(), ElementsAre("A", "B", "C"));
+    EXPECT_EQ(result, 0);
+    // Behind this line all before it are on the disk.
+    HostTest::Log(LOG_LEVEL_ERROR, L"the end");
+    EXPECT_THAT(HostTest::Lines(user.LogFile()), Contains(HasSubstr("vendors[1]" + saying)));
+}
+
+TEST_F(VendorListTest, PutsUsbIdentifiersInCapitalLetters) {
+    WriteList(R"({"vendors": [{"productId": "A", "vendorName": "v",
+        "usbIdList": " vid_12ab&Pid_00cd  VID_12AB&PID_00CE Other * VID_12ax&pid_0001"}]})");
+    const PrinterUtil::VendorListReport report = PrinterUtil::DescribeVendorList();
+    ASSERT_EQ(report.vendors.size(), 1u);
+    EXPECT_THAT(
+        report.vendors[0].usbIdList,
+        testing::StartsWith(" VID_12AB&PID_00CD  VID_12AB&PID_00CE Other * VID_12ax&pid_0001"));
+    EXPECT_THAT(
+        report.notes,
+        ElementsAre(EndsWith("\"usbIdList\": vid_12ab&Pid_00cd is taken as VID_12AB&PID_00CD")));
+}
+
 TEST_F(VendorListTest, RefusesAListThatIsTooLarge) {
     WriteList(R"({"vendors": []})" + std::string(1024 * 1024, ' '));
     ExpectRefused("more than 1048576 bytes");
@@ -157,6 +236,8 @@ TEST_F(VendorListTest, RefusesAFolderInPlaceOfTheList) {
 
 TEST_F(VendorListTest, SaysWhyAListCannotBeRead) {
     WriteList(ListOf("P"));
+    // By name: the environment does not lead a process that has changed its user.
+    PrinterUtil::UseVendorList(Utf8(ListFile()));
     const HostTest::Unreadable unreadable(ListFile());
     EXPECT_THAT(
         PrinterUtil::DescribeVendorList().problems,
