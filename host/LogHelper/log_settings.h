@@ -28,11 +28,11 @@ LOGHELPER_API std::string LogFilePath();
 LOGHELPER_API void Flush();
 
 // For the handler of a signal that ends the process: writes the lines that still wait, and `text`
-// as a line of the error level, to the file that is open. Safe in a signal handler, on the thread
-// that crashed, whatever it was doing; takes at most a tenth of a second more than the disk does.
-// When the crash was in the midst of a write, some lines may be written twice. Does nothing when no
-// line has been written to a file so far. Control characters in `text` come out as '?'; of a long
-// text the first 400 bytes are written.
+// as a line of the error level, to the file, which it opens if need be. Safe in a signal handler,
+// on the thread that crashed, whatever it was doing; takes at most a tenth of a second more than
+// the disk does. When the crash was in the midst of a write, some lines may be written twice. Does
+// nothing in a program that has used no other function of this library. Control characters in
+// `text` come out as '?'; of a long text the first 400 bytes are written.
 LOGHELPER_API void WriteInSignalHandler(std::string_view text) noexcept;
 
 }  // namespace LogHelper

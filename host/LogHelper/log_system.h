@@ -26,8 +26,9 @@ void WriteToStandardError(std::string_view text) noexcept;
 using RawFile = std::intptr_t;
 inline constexpr RawFile kNoFile = -1;
 RawFile RawFileOf(std::FILE* file);
-// Opens a file for lines to be added to; kNoFile when that fails.
-RawFile OpenRaw(const std::filesystem::path& path);
+// Opens a file for lines to be added to, and makes it and the folders on its way where they are
+// missing; kNoFile when that fails. Safe in a signal handler.
+RawFile OpenRaw(const std::filesystem::path& path) noexcept;
 void WriteRaw(RawFile file, std::string_view text) noexcept;
 
 // The calling thread, as lines name it.

@@ -43,10 +43,26 @@ void MakeFolder(const std::filesystem::path& folder) {
     }
 }
 
+// Those on the way to the file, as far as that works.
+void MakeFoldersWithoutMemory(const char* path) noexcept {
+    char folder[PATH_MAX];
+    for (std::size_t at = 0; path[at] != '\0' && at + 1 < sizeof folder; ++at) {
+        if (path[at] == '/' && at != 0) {
+            folder[at] = '\0';
+            mkdir(folder, kOwnFolder);
+        }
+        folder[at] = path[at];
+    }
+}
+
 // Writing to a pipe or a socket may wait for its reader, and ends a process whose reader has gone.
+bool HasAReader(const struct stat& status) {
+    return !S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode);
+}
+
 void RefuseWhatHasAReader(const std::filesystem::path& path) {
     struct stat status {};
-    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode)) {
+    if (stat(path.c_str(), &status) == 0 && HasAReader(status)) {
         throw std::runtime_error(path.string() + ": neither a regular file nor a character device");
     }
 }
@@ -175,8 +191,19 @@ RawFile RawFileOf(std::FILE* file) {
     return fileno(file);
 }
 
-RawFile OpenRaw(const std::filesystem::path& path) {
-    return open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_CLOEXEC, kOwnFile);
+RawFile OpenRaw(const std::filesystem::path& path) noexcept {
+    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    int file = open(path.c_str(), flags, kOwnFile);
+    if (file < 0 && errno == ENOENT) {
+        MakeFoldersWithoutMemory(path.c_str());
+        file = open(path.c_str(), flags, kOwnFile);
+    }
+    struct stat status {};
+    if (file >= 0 && (fstat(file, &status) != 0 || HasAReader(status))) {
+        close(file);
+        return kNoFile;
+    }
+    return file;
 }
 
 void WriteRaw(RawFile file, std::string_view text) noexcept {

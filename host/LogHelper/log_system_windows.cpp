@@ -44,12 +44,23 @@ std::chrono::system_clock::time_point AsUtc(const std::tm& clock) {
     return sys_days(date) + hours(clock.tm_hour) + minutes(clock.tm_min) + seconds(clock.tm_sec);
 }
 
+// Those on the way to the file, as far as that works. The user's folders pass on to what is made in
+// them that only he may read it.
+void MakeFoldersWithoutMemory(const wchar_t* path) noexcept {
+    constexpr std::size_t longestPath = 32767;
+    static wchar_t folder[longestPath + 1];
+    for (std::size_t at = 0; path[at] != L'\0' && at < longestPath; ++at) {
+        if ((path[at] == L'\\' || path[at] == L'/') && at != 0) {
+            folder[at] = L'\0';
+            CreateDirectoryW(folder, nullptr);
+        }
+        folder[at] = path[at];
+    }
+}
+
 }  // namespace
 
 void PrepareFile(const std::filesystem::path& path) {
-    // The user's folders pass on to what is made in them that only he may read it.
-    std::error_code ignored;
-    std::filesystem::create_directories(path.parent_path(), ignored);
     const RawFile file = OpenRaw(path);
     if (file == kNoFile) {
         ThrowSystemError(path);
@@ -79,11 +90,19 @@ RawFile RawFileOf(std::FILE* file) {
     return _get_osfhandle(_fileno(file));
 }
 
-RawFile OpenRaw(const std::filesystem::path& path) {
+RawFile OpenRaw(const std::filesystem::path& path) noexcept {
     static_assert(kNoFile == -1, "INVALID_HANDLE_VALUE as a number");
-    return reinterpret_cast<RawFile>(CreateFileW(path.c_str(), FILE_APPEND_DATA,
-                                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                                 OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const auto openFile = [&path] {
+        return reinterpret_cast<RawFile>(CreateFileW(path.c_str(), FILE_APPEND_DATA,
+                                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    };
+    const RawFile file = openFile();
+    if (file != kNoFile || GetLastError() != ERROR_PATH_NOT_FOUND) {
+        return file;
+    }
+    MakeFoldersWithoutMemory(path.c_str());
+    return openFile();
 }
 
 // The C library's file stands at the file's end, and so does the handle under it.

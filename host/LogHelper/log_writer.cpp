@@ -306,7 +306,7 @@ void LogWriter::Rescue(std::string_view text) noexcept {
     for (int patience = kPatienceForWrite; isFileBusy && patience > 0; --patience) {
         PauseAMillisecond();
     }
-    const RawFile raw = file.Raw();
+    const RawFile raw = FileInHandler();
     if (raw != kNoFile && isFirst) {
         WriteWaitingRaw(raw);
     }
@@ -316,6 +316,12 @@ void LogWriter::Rescue(std::string_view text) noexcept {
     if (isFirst) {
         isRescuing = false;
     }
+}
+
+// A program that crashes at once has not opened it. While it is in use its path may change.
+RawFile LogWriter::FileInHandler() noexcept {
+    const RawFile raw = file.Raw();
+    return raw != kNoFile || isFileBusy || file.Path().empty() ? raw : OpenRaw(file.Path());
 }
 
 void LogWriter::WriteLastLine(RawFile raw, std::string_view text) noexcept {

@@ -62,6 +62,7 @@ private:
     LineQueue::Buffer& TurnQueue(std::string_view next);
     void WriteWaitingRaw(RawFile raw) noexcept;
     void Rescue(std::string_view text) noexcept;
+    RawFile FileInHandler() noexcept;
     void WriteLastLine(RawFile raw, std::string_view text) noexcept;
 
     void BeforeFork();

@@ -1,8 +1,8 @@
 // log_and_end FILE HOW: logs an error and many lines that need not be in the file yet, and ends.
 //
-// HOW: exit, by its main function; crash, by a signal; crash-after-error, right after a last error;
-// crash-with-handler, with a handler that has the log written; crash-among-threads, the same while
-// other threads log.
+// HOW: crash-at-once, with a handler, before the first line is in the file; exit, by its main
+// function; crash, by a signal; crash-after-error, right after a last error; crash-with-handler,
+// with a handler that has the log written; crash-among-threads, the same while other threads log.
 
 #include <csignal>
 #include <cstdlib>
@@ -42,6 +42,11 @@ int main(int count, char** arguments) {
     LogHelper::Settings settings;
     settings.filePath = arguments[1];
     LogHelper::Configure(settings);
+    if (how == "crash-at-once") {
+        std::signal(SIGSEGV, OnCrash);
+        LogText(LOG_LEVEL_DEBUG, L"first");
+        std::raise(SIGSEGV);
+    }
     LogText(LOG_LEVEL_ERROR, L"first");
     if (how == "crash-among-threads") {
         std::thread(LogForGood).detach();

@@ -164,6 +164,16 @@ TEST_F(LogHelperTest, WritesWhatWaitsAndTheLastWordsInASignalHandler) {
     EXPECT_THAT(lines.back(), HasSubstr("] error   the last"));
 }
 
+TEST_F(LogHelperTest, OpensTheFileInASignalHandlerWhenNothingWasWrittenYet) {
+    const auto far = user.Folder() / "not" / "there" / "own.log";
+    const auto program = HostTest::ProgramFolder() / HostTest::ProgramFileName("log_and_end");
+    ASSERT_EQ(HostTest::Run(program, {Utf8(far), "crash-at-once"}), 3);
+    const std::vector<std::string> lines = Lines(far);
+    ASSERT_THAT(lines, SizeIs(2));
+    EXPECT_EQ(Text(lines.front()), "first");
+    EXPECT_EQ(Text(lines.back()), "the last?words");
+}
+
 TEST_F(LogHelperTest, WritesInASignalHandlerWhileOtherThreadsLog) {
     for (int count = 0; count < 10; ++count) {
         ASSERT_EQ(EndThere("crash-among-threads"), 3);
