@@ -19,6 +19,9 @@ inline void KeepThisLibrary() {
     }
 }
 
+// What the application wants done first on each thread that calls a vendor.
+void PrepareThread();
+
 // Runs `body` on a thread of its own that nobody waits for. Throws std::system_error when there is
 // none to be had. A body that has no memory ends where it is: there is nobody to tell.
 //
@@ -31,6 +34,7 @@ void RunDetached(Body body) {
     KeepThisLibrary();
     const auto detached = std::make_shared<std::atomic<bool>>(false);
     std::thread([body = std::move(body), detached] {
+        PrepareThread();
         try {
             body();
         } catch (const std::bad_alloc&) {

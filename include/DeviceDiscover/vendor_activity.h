@@ -48,4 +48,8 @@ DEVICEDISCOVER_API bool ReadVendorCall(std::size_t row, VendorCall& call);
 // How many calls found no row, since the process began.
 DEVICEDISCOVER_API std::uint64_t UnrecordedVendorCalls();
 
+// From now on each thread that the library starts to call a vendor calls `prepare` first, which
+// must not throw: it can give the thread a stack for signal handlers, or a name. Null: nothing.
+DEVICEDISCOVER_API void PrepareVendorThreads(void (*prepare)());
+
 }  // namespace PrinterDeviceDiscoverSdk

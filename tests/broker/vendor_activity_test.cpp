@@ -169,6 +169,23 @@ TEST_F(VendorActivityTest, TheResultOfAScanThatHasEndedStaysWhateverIsCalledLate
     EXPECT_EQ(UnrecordedVendorCalls(), 0u);
 }
 
+thread_local bool isPrepared = false;
+
+TEST_F(VendorActivityTest, AThreadIsPreparedBeforeItCallsAVendor) {
+    PrepareVendorThreads([] { isPrepared = true; });
+    Scan();
+    ScriptedModule("scripted_all").AddDevice(VendorDeviceOf("alpha"));
+    std::promise<bool> seen;
+    Application::AnswerWith([&](const DeviceInfo&) {
+        seen.set_value(isPrepared);
+        return 0;
+    });
+    Scan().StartDeviceScan({Application::OnDevice, 1});
+    EXPECT_TRUE(seen.get_future().get());
+    EXPECT_FALSE(isPrepared) << "the application's own thread is its own";
+    AwaitActivity("alpha StartDeviceScan: 0");
+}
+
 TEST_F(VendorActivityTest, ThereIsNoRowBeyondTheLast) {
     VendorCall call{};
     EXPECT_FALSE(ReadVendorCall(VendorCallRows(), call));
