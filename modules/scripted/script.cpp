@@ -4,6 +4,7 @@
 #include <charconv>
 #include <istream>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 
@@ -112,6 +113,14 @@ std::string EntryPointName(const std::string& word) {
     return word;
 }
 
+Misbehaviour MisbehaviourNamed(const std::string& word) {
+    const std::optional<Misbehaviour> named = FindMisbehaviour(word);
+    if (!named) {
+        Refuse(Quoted(word) + " is no misbehaviour");
+    }
+    return *named;
+}
+
 // One that writes records and says how many.
 std::string CountingEntryPointName(const std::string& word) {
     if (EntryPointName(word) != "GetDeviceInfoByUsb" && word != "USBWifiScan") {
@@ -177,6 +186,10 @@ constexpr Directive kDirectives[] = {
      [](Script& script, const Words& words) {
          script.delays[EntryPointName(words[1])] = std::chrono::milliseconds(Number(words[2], 0));
      }},
+    {"misbehave", 3,
+     [](Script& script, const Words& words) {
+         script.misbehaviours[EntryPointName(words[1])] = MisbehaviourNamed(words[2]);
+     }},
     {"count", 3,
      [](Script& script, const Words& words) {
          script.counts[CountingEntryPointName(words[1])] = Number(words[2]);
@@ -225,6 +238,11 @@ int Script::ResultOf(const std::string& entryPoint) const {
 std::chrono::milliseconds Script::DelayOf(const std::string& entryPoint) const {
     const auto delay = delays.find(entryPoint);
     return delay == delays.end() ? std::chrono::milliseconds(0) : delay->second;
+}
+
+Misbehaviour Script::MisbehaviourOf(const std::string& entryPoint) const {
+    const auto misbehaviour = misbehaviours.find(entryPoint);
+    return misbehaviour == misbehaviours.end() ? Misbehaviour::None : misbehaviour->second;
 }
 
 std::vector<std::string> ApplyScript(std::istream& text, const std::string& sourceName,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "VendorSdk/records.h"
+#include "misbehaviour.h"
 
 namespace ScriptedVendor {
 
@@ -14,6 +15,7 @@ namespace ScriptedVendor {
 struct Script {
     std::map<std::string, int> results;
     std::map<std::string, std::chrono::milliseconds> delays;
+    std::map<std::string, Misbehaviour> misbehaviours;
     std::map<std::string, int> counts;  // that are said to be written
     std::vector<VendorSdk::DeviceInfo> devices;
     std::vector<VendorSdk::WifiConfigInfo> networks;
@@ -27,6 +29,7 @@ struct Script {
     // The scripted result of an entry point, or its success.
     int ResultOf(const std::string& entryPoint) const;
     std::chrono::milliseconds DelayOf(const std::string& entryPoint) const;
+    Misbehaviour MisbehaviourOf(const std::string& entryPoint) const;
 };
 
 // Applies the lines of `text` that concern `moduleName` to `script`. A line that makes no sense is

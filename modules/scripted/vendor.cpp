@@ -8,6 +8,7 @@
 #include <sstream>
 #include <thread>
 
+#include "misbehaviour.h"
 #include "record_file.h"
 
 namespace ScriptedVendor {
@@ -68,6 +69,7 @@ int Vendor::Answer(const char* entryPoint, const void* argument, const void* sec
     changed.notify_all();
     changed.wait(lock, [&] { return !blocked.contains(entryPoint); });
     const std::chrono::milliseconds delay = script.DelayOf(entryPoint);
+    const Misbehaviour misbehaviour = script.MisbehaviourOf(entryPoint);
     const int result = script.ResultOf(entryPoint);
     const std::string print = script.print;
     lock.unlock();
@@ -76,6 +78,7 @@ int Vendor::Answer(const char* entryPoint, const void* argument, const void* sec
     if (delay.count() > 0) {
         std::this_thread::sleep_for(delay);
     }
+    Misbehave(misbehaviour);
     return result;
 }
 

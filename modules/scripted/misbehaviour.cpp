@@ -1,0 +1,81 @@
+#include "misbehaviour.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdlib>
+#include <iterator>
+#include <stdexcept>
+#include <thread>
+
+#include "quick_exit.h"
+
+namespace ScriptedVendor {
+
+namespace {
+
+struct Name {
+    std::string_view text;
+    Misbehaviour misbehaviour;
+};
+
+constexpr Name kNames[] = {
+    {"crash", Misbehaviour::Crash},
+    {"overflow", Misbehaviour::Overflow},
+    {"abort", Misbehaviour::Abort},
+    {"throw", Misbehaviour::Throw},
+    {"throw-other", Misbehaviour::ThrowOther},
+    {"exit", Misbehaviour::Exit},
+    {"quick-exit", Misbehaviour::QuickExit},
+    {"hang", Misbehaviour::Hang},
+};
+
+// Where the compiler cannot see that nothing is there.
+char* volatile nowhere = nullptr;
+volatile int depth = 0;
+
+// Each call needs its own piece of the stack, which it uses after the call that it makes.
+int UseUpTheStack(const volatile char* caller) {
+    volatile char piece[4096];
+    piece[0] = *caller;
+    depth = depth + 1;
+    const int further = depth > 0 ? UseUpTheStack(piece) : 0;
+    return further + piece[0];
+}
+
+}  // namespace
+
+std::optional<Misbehaviour> FindMisbehaviour(std::string_view name) {
+    const auto* const found = std::find_if(std::begin(kNames), std::end(kNames),
+                                           [&](const Name& known) { return known.text == name; });
+    return found == std::end(kNames) ? std::nullopt : std::optional(found->misbehaviour);
+}
+
+void Misbehave(Misbehaviour misbehaviour) {
+    switch (misbehaviour) {
+        case Misbehaviour::None:
+            return;
+        case Misbehaviour::Crash:
+            *nowhere = 1;
+            return;
+        case Misbehaviour::Overflow:
+            depth = UseUpTheStack("");
+            return;
+        case Misbehaviour::Abort:
+            std::abort();
+        case Misbehaviour::Throw:
+            throw std::runtime_error("the vendor's own mistake");
+        case Misbehaviour::ThrowOther:
+            throw 42;
+        case Misbehaviour::Exit:
+            std::exit(0);
+        case Misbehaviour::QuickExit:
+            QuickExit();
+        case Misbehaviour::Hang:
+            for (;;) {
+                std::this_thread::sleep_for(std::chrono::hours(1));
+            }
+    }
+}
+
+}  // namespace ScriptedVendor

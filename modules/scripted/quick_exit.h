@@ -1,0 +1,8 @@
+#pragma once
+
+namespace ScriptedVendor {
+
+// std::quick_exit(0), or std::exit(0) where the system has no such thing.
+[[noreturn]] void QuickExit();
+
+}  // namespace ScriptedVendor
