@@ -130,7 +130,7 @@ int ConfigureNetwork(const Settings& settings, const std::string& network,
         Wipe(&record, sizeof record);
         return result;
     };
-    return Await(settings, "Waiting for the printer to join " + network, work);
+    return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);
 }
 
 int CheckLocalNetwork(const Settings& settings, const DeviceInfo& device) {

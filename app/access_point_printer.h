@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -52,7 +53,7 @@ public:
     explicit NetworkScanSession(const Settings& settings);
 
     // As that of RunningWork.
-    void Stop() { scan->Stop(); }
+    void Stop(const std::function<void()>& onWait = [] {}) { scan->Stop(onWait); }
 
 private:
     std::optional<RunningWork> scan;

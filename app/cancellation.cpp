@@ -4,6 +4,7 @@
 #include "app/interrupt.h"
 #include "app/network_list.h"
 #include "app/printer_list.h"
+#include "app/stopping.h"
 
 namespace App {
 
@@ -15,6 +16,7 @@ void CancelOnInterrupt() {
             NetworkList::GetInstance().Cancel();
             ArrivalList::GetInstance().Cancel();
             Cancellation::GetInstance().Cancel();
+            SayThatItStops();
         });
     });
 }

@@ -3,12 +3,8 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <exception>
 #include <functional>
-#include <memory>
 #include <mutex>
-#include <optional>
-#include <thread>
 
 namespace App {
 
@@ -52,71 +48,5 @@ private:
     bool cancelled = false;
     std::atomic<bool> workLeftBehind = false;
 };
-
-// Runs `work`, which may take long and cannot be cut short, on a thread of its own and waits for
-// it. `onWait` is called a few times a second. Throws Interrupted when cancelled before: then
-// `work` goes on as long as the process does, and must own all it uses. With a `grace` it is begun
-// even when cancelled already, and has that long to end from then on.
-template <class Result>
-Result AwaitInterruptibly(std::function<Result()> work, const std::function<void()>& onWait,
-                          Cancellation::Clock::duration grace = {}) {
-    using Clock = Cancellation::Clock;
-    struct Outcome {
-        std::optional<Result> result;
-        std::exception_ptr failure;
-        std::atomic<bool> mayEnd = false;
-    };
-    constexpr auto tick = std::chrono::milliseconds(200);
-    CancelOnInterrupt();
-    Cancellation& cancellation = Cancellation::GetInstance();
-    if (grace == Clock::duration::zero()) {
-        cancellation.Check();
-    }
-    const auto outcome = std::make_shared<Outcome>();
-    std::thread worker([&cancellation, outcome, work = std::move(work)] {
-        std::optional<Result> result;
-        std::exception_ptr failure;
-        try {
-            result = work();
-        } catch (...) {
-            failure = std::current_exception();
-        }
-        cancellation.Notify([&] {
-            outcome->result = std::move(result);
-            outcome->failure = failure;
-        });
-        while (!outcome->mayEnd) {
-            std::this_thread::yield();
-        }
-    });
-    const auto isDone = [&] { return outcome->result || outcome->failure; };
-    const auto wait = [&] {
-        try {
-            while (!cancellation.WaitUntil(Clock::now() + tick, isDone)) {
-                onWait();
-            }
-        } catch (const Interrupted&) {
-            if (!cancellation.WaitRegardless(Clock::now() + grace, isDone)) {
-                throw;
-            }
-        }
-    };
-    try {
-        wait();
-    } catch (...) {
-        // It does not end before it is detached: the run-time library of MinGW-w64 mixes up its
-        // threads when one ends meanwhile, and one that is started next never runs.
-        worker.detach();
-        cancellation.LeaveWorkBehind();
-        outcome->mayEnd = true;
-        throw;
-    }
-    outcome->mayEnd = true;
-    worker.join();
-    if (outcome->failure) {
-        std::rethrow_exception(outcome->failure);
-    }
-    return std::move(*outcome->result);
-}
 
 }  // namespace App

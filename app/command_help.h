@@ -37,8 +37,8 @@ A vendor that cannot look says why on standard error. When none can, or none
 looks any more, the scan ends at once with exit status 3; what was found before
 counts, but not with --watch.
 
-Ctrl-C stops the scan properly, and a vendor that takes more than 3 seconds for
-that is left behind; a second one ends the program at once.
+A vendor that takes more than 3 seconds to stop its scan is named and left
+behind. Ctrl-C stops the scan early; a second one ends the program at once.
 
 )";
 

@@ -84,6 +84,16 @@ void AddSettings(CLI::App& command, Settings& settings) {
             return known ? ""
                          : "'" + level + "' is none of trace, debug, info, warning, error, off";
         });
+    command
+        .add_option_function<double>(
+            "--vendor-seconds",
+            [&settings](const double& seconds) {
+                settings.vendorTime = std::chrono::duration<double>(seconds);
+            },
+            "How long to wait for each answer, from 0.1 to 86400\n(default 30; 180 to join a "
+            "network)")
+        ->type_name("N")
+        ->check(CheckSeconds);
     command.add_option("--log-file", settings.logFile, "Write the log to this file")
         ->type_name("FILE")
         ->check(CheckFileName);

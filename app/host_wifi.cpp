@@ -56,7 +56,7 @@ bool JoinNetwork(const Settings& settings, const std::string& network,
         Wipe(wide.data(), wide.size() * sizeof(wchar_t));
         return joined;
     };
-    return Await(settings, "Joining " + network, work);
+    return Await(settings, "Joining " + network, work, kJoinLimit);
 }
 
 }  // namespace App

@@ -11,7 +11,7 @@ void NotifyOnInterrupt(void (*notify)());
 bool IsInterrupted();
 
 // Ends the process with that status as it is: nothing is taken down under what is at work on other
-// threads. Standard output and standard error are flushed.
+// threads. Standard output, standard error and the log are flushed.
 [[noreturn]] void EndProcess(int status);
 
 }  // namespace App

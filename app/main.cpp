@@ -3,8 +3,10 @@
 #include "app/cancellation.h"
 #include "app/command_line.h"
 #include "app/console.h"
+#include "app/crash_report.h"
 #include "app/interrupt.h"
 #include "app/messages.h"
+#include "app/vendor_calls.h"
 
 namespace {
 
@@ -23,9 +25,11 @@ int RunProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    App::ReportCrashes();
     const int status = RunProgram(argc, argv);
-    if (App::Cancellation::GetInstance().LeavesWorkBehind()) {
+    if (App::Cancellation::GetInstance().LeavesWorkBehind() || App::AnyVendorIsCalled()) {
         App::EndProcess(status);  // a vendor is at work still
     }
+    App::EndIsOwn();
     return status;
 }

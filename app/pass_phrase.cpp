@@ -10,7 +10,7 @@
 #include <system_error>
 
 #include "DeviceDiscover/DeviceDiscover.h"
-#include "app/cancellation.h"
+#include "app/awaiting.h"
 #include "app/problem.h"
 #include "app/prompt.h"
 #include "app/terminal_input.h"

@@ -1,5 +1,6 @@
 #include "app/prompt.h"
 
+#include "app/awaiting.h"
 #include "app/cancellation.h"
 #include "app/console.h"
 #include "app/terminal_input.h"

@@ -4,7 +4,7 @@
 #include <exception>
 #include <utility>
 
-#include "app/cancellation.h"
+#include "app/awaiting.h"
 #include "app/messages.h"
 
 namespace App {
@@ -13,27 +13,25 @@ RunningWork::RunningWork(std::string what, std::string late, std::function<int()
     : name(std::move(what)), lateness(std::move(late)), stop(std::move(stopWork)) {}
 
 RunningWork::~RunningWork() {
-    try {
-        Stop();
-    } catch (const std::exception& failure) {
-        Warn("the " + name + " was not stopped: " + failure.what());
-    }
-    if (isLate) {
-        Warn(lateness + " in time; nobody waits for it any more.");
+    Stop();
+    if (!problem.empty()) {
+        Warn(problem);
     }
 }
 
-void RunningWork::Stop() {
-    constexpr auto patience = std::chrono::seconds(3);
+void RunningWork::Stop(const std::function<void()>& onWait) {
+    constexpr auto limit = std::chrono::seconds(3);
     if (!running) {
         return;
     }
     running = false;
     try {
-        AwaitInterruptibly(
-            stop, [] {}, patience);
-    } catch (const Interrupted&) {
-        isLate = true;
+        AwaitRegardless(stop, onWait, limit);
+    } catch (const TimedOut& late) {
+        problem = (late.vendors.empty() ? lateness : late.vendors + " did not return") +
+                  " in time; nobody waits for it any more.";
+    } catch (const std::exception& failure) {
+        problem = "the " + name + " was not stopped: " + failure.what();
     }
 }
 

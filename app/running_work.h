@@ -8,15 +8,15 @@ namespace App {
 // What vendors or the device manager do until they are told to stop, and how it ends.
 class RunningWork {
 public:
-    // `what` runs: "scan". `late` is what is so when it does not stop in time: "a vendor has not
-    // stopped its scan".
+    // `what` runs: "scan". `late` is what is so when it does not stop in time and no vendor is
+    // known to be the reason: "the device manager has not stopped its reports".
     RunningWork(std::string what, std::string late, std::function<int()> stopWork);
     // Stops it, and tells if that took too long: now no live display is torn by it.
     ~RunningWork();
 
-    // Waits until it has stopped; after a request to end the program only for a moment, since
-    // mostly it is that request which stops it: then it is left behind.
-    void Stop();
+    // Waits until it has stopped, but for a few seconds only: then it is left behind. `onWait` is
+    // called a few times a second. What goes wrong costs nothing that was found so far.
+    void Stop(const std::function<void()>& onWait = [] {});
 
     RunningWork(const RunningWork&) = delete;
     RunningWork& operator=(const RunningWork&) = delete;
@@ -26,7 +26,7 @@ private:
     const std::string lateness;
     const std::function<int()> stop;
     bool running = true;
-    bool isLate = false;
+    std::string problem;  // in stopping it
 };
 
 }  // namespace App

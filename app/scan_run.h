@@ -10,6 +10,7 @@
 #include "app/line_view.h"
 #include "app/messages.h"
 #include "app/settings.h"
+#include "app/stopping.h"
 #include "app/table_view.h"
 
 namespace App {
@@ -87,7 +88,7 @@ void ShowScan(Session& session, ScanView<Item>& view, const ScanOptions& options
         const auto next = ListClock::now() + tick;
         show(options.watch ? next : std::min(next, end));
     }
-    session.Stop();
+    session.Stop([&] { view.Show({}, StoppingText()); });
     show(ListClock::now());
     view.Finish();
 }

@@ -1,6 +1,6 @@
 #include "app/scan_session.h"
 
-#include "app/cancellation.h"
+#include "app/awaiting.h"
 #include "app/messages.h"
 #include "app/problem.h"
 #include "app/vendor_survey.h"
@@ -28,7 +28,19 @@ ScanSession::ScanSession() {
     knownVendors = survey.listed;
     scans.emplace(survey.vendors);
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
-    const bool started = discovery.StartDeviceScan({OnDevice, 0}) == 0;
+    // The first call loads the vendors' modules, which may take long, or for ever.
+    const std::function<int()> start = [&discovery] {
+        return discovery.StartDeviceScan({OnDevice, 0});
+    };
+    // A request to end that comes while it starts stops it properly, unless it takes too long.
+    constexpr int ticksOfGrace = 15;
+    int ticks = 0;
+    const auto onWait = [&ticks] {
+        if (PrinterList::GetInstance().IsCancelled() && ++ticks > ticksOfGrace) {
+            throw Interrupted();
+        }
+    };
+    const bool started = AwaitRegardless(start, onWait, kAnswerLimit) == 0;
     if (started) {
         scan.emplace("scan", "a vendor has not stopped its scan",
                      [&discovery] { return discovery.StopDeviceScan(); });
@@ -41,10 +53,10 @@ ScanSession::ScanSession() {
     }
 }
 
-void ScanSession::Stop() {
+void ScanSession::Stop(const std::function<void()>& onWait) {
     scans->Update();
     scans->Freeze();
-    scan->Stop();
+    scan->Stop(onWait);
 }
 
 bool ScanSession::HasEnded() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -21,7 +22,7 @@ public:
     ScanSession();
 
     // As that of RunningWork.
-    void Stop();
+    void Stop(const std::function<void()>& onWait = [] {});
 
     // Whether nobody looks any more: each vendor's scan has failed.
     bool HasEnded();

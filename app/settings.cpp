@@ -30,6 +30,12 @@ void RequireWritable(const std::string& file) {
 
 }  // namespace
 
+std::chrono::steady_clock::duration Settings::LimitOr(
+    std::chrono::steady_clock::duration limit) const {
+    using std::chrono::steady_clock;
+    return vendorTime ? std::chrono::duration_cast<steady_clock::duration>(*vendorTime) : limit;
+}
+
 bool Settings::LogsToTerminal() const {
     return !logLevel.empty() && logLevel != kOff;
 }

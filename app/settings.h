@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -13,6 +14,10 @@ struct Settings {
     std::string logFile;     // empty: in the user's state folder
     std::string logLevel;    // empty: all of the broker's lines into the log file
     bool json = false;
+    std::optional<std::chrono::duration<double>> vendorTime;  // for each answer
+
+    // How long to wait for an answer that by default may take `limit`.
+    std::chrono::steady_clock::duration LimitOr(std::chrono::steady_clock::duration limit) const;
 
     // Whether log lines go to standard error too.
     bool LogsToTerminal() const;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "app/awaiting.h"
 #include "app/broker_result.h"
 #include "app/console.h"
 #include "app/json_output.h"
@@ -139,8 +140,11 @@ ExitStatus State(const Settings& settings, const StateOptions& options) {
         return NotClear(options, printers);
     }
     const Printer& printer = printers.front();
-    auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
-    const int state = discovery.GetDeviceConnectState(printer.record);
+    const std::function<int()> work = [device = printer.record] {
+        auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
+        return discovery.GetDeviceConnectState(device);
+    };
+    const int state = Await(settings, "Asking the printer's vendor for its state", work);
     if (state == kNothingToCall) {
         RequireAnswer(printer);
     }

@@ -58,6 +58,8 @@ std::vector<std::string> Picture(Table table, const std::vector<std::string>& be
 
 }  // namespace
 
+std::atomic<bool> TableDrawing::isOnTerminal = false;
+
 void TableDrawing::Show(const Table& table, bool hasNews, const std::vector<std::string>& remarks,
                         const std::string& status) {
     const auto now = std::chrono::steady_clock::now();
@@ -66,6 +68,7 @@ void TableDrawing::Show(const Table& table, bool hasNews, const std::vector<std:
         return;
     }
     lastDrawn = now;
+    isOnTerminal = true;
     std::vector<std::string> below;
     const std::size_t hidden = remarks.size() - std::min(remarks.size(), kMostRemarks);
     for (std::size_t index = hidden; index < remarks.size(); ++index) {
@@ -83,6 +86,7 @@ void TableDrawing::Finish(const Table& table, const std::string& summary) {
         lines.emplace_back();
     }
     Draw(lines);
+    isOnTerminal = false;
 }
 
 void TableDrawing::Draw(const std::vector<std::string>& lines) {

@@ -145,9 +145,9 @@ std::vector<std::string> NeverReported(const UsbPortMap& before, bool isAnyRepor
         return UnwatchedPorts(since, isAnyReported);
     };
     try {
-        return AwaitInterruptibly(
+        return AwaitRegardless(
             work, [] {}, patience);
-    } catch (const Interrupted&) {
+    } catch (const TimedOut&) {
         return {};
     }
 }
@@ -212,7 +212,7 @@ int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
         Wipe(&record, sizeof record);
         return result;
     };
-    return Await(settings, "Waiting for the printer to join " + network, work);
+    return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);
 }
 
 std::string AboutNoNetworks(const UsbPrinter& printer) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "app/arrival_list.h"
@@ -17,7 +18,7 @@ public:
     explicit UsbWatchSession(const Settings& settings);
 
     // As that of RunningWork: returns when no printer is being reported any more.
-    void Stop() { watch->Stop(); }
+    void Stop(const std::function<void()>& onWait = [] {}) { watch->Stop(onWait); }
 
 private:
     std::optional<RunningWork> watch;

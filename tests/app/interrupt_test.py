@@ -27,7 +27,12 @@ class Interrupt(AppTest):
     def end_with(self, process, request):
         process.send_signal(request)
         output, errors = process.communicate(timeout=app_test.PATIENCE)
-        return output.decode(), errors.decode()
+        return output.decode(), self.without_the_word(errors.decode())
+
+    def without_the_word(self, errors):
+        """A program that takes a moment to end says so, also when it is the machine that is slow."""
+        return "".join(line for line in errors.splitlines(keepends=True)
+                       if not line.startswith("devicediscover: stopping"))
 
     def test_each_request_to_end_stops_the_scan_properly(self):
         for request in REQUESTS:
@@ -59,7 +64,7 @@ class Interrupt(AppTest):
         process.send_signal(signal.SIGINT)
         self.wait_until(lambda: self.calls_of("StopDeviceScan"), "the vendor's scan stops")
         self.assertEqual(process.wait(app_test.PATIENCE), FOUND)
-        self.assertEqual(process.stderr.read(), b"")
+        self.assertEqual(self.without_the_word(process.stderr.read().decode()), "")
 
     def test_one_request_stops_the_scan_while_a_pipe_s_reader_stalls(self):
         reader, output = os.pipe()
@@ -112,12 +117,15 @@ class Interrupt(AppTest):
                 process = self.start_app(*arguments)
                 self.wait_until(lambda: len(self.calls_of("StartDeviceScan")) > calls,
                                 "the vendor's scan starts")
+                if status == FOUND:
+                    process.stdout.readline()  # the vendor starts before it reports
                 start = time.monotonic()
                 _, errors = self.end_with(process, signal.SIGINT)
                 self.assertLess(time.monotonic() - start, 20)
-                self.assertEqual(process.returncode, status)
+                self.assertEqual(process.returncode, status, errors)
                 self.assert_mentions(
-                    errors, "warning: a vendor has not stopped its scan in time")
+                    errors,
+                    "warning: vendor scripted (StopDeviceScan) did not return in time")
 
     def test_a_vendor_that_stops_a_little_late_is_waited_for(self):
         self.script("until-stopped", "delay StopDeviceScan 1000")

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string_view>
+
+namespace App {
+
+// What ReportCrashes needs of each system.
+
+// Calls TellEnd when the program crashes.
+void CatchCrashes();
+
+// Calls `handler` at std::quick_exit, where the system has that.
+void CatchQuickExit(void (*handler)());
+
+// Writes the line to standard error and to the log, without memory and without waiting long. Only
+// the first call of the process does.
+void TellEnd(std::string_view text);
+
+// Whether this is the process that CatchCrashes was called in, not a copy of it.
+bool IsOwnProcess();
+
+}  // namespace App

@@ -1,0 +1,73 @@
+#include <atomic>
+#include <csignal>
+
+#include "app/crash_report.h"
+#include "app/crash_system.h"
+#include "app/crash_text.h"
+#include "host/LogHelper/log_settings.h"
+#include "platform/os.h"
+
+namespace App {
+
+namespace {
+
+std::atomic<bool> told = false;
+
+const char* TextOf(DWORD code) {
+    switch (code) {
+        case EXCEPTION_ACCESS_VIOLATION:
+            return "the program crashed (access violation)";
+        case EXCEPTION_STACK_OVERFLOW:
+            return "the program crashed (stack overflow)";
+        case EXCEPTION_ILLEGAL_INSTRUCTION:
+        case EXCEPTION_PRIV_INSTRUCTION:
+            return "the program crashed (illegal instruction)";
+        case EXCEPTION_INT_DIVIDE_BY_ZERO:
+            return "the program crashed (division by zero)";
+        default:
+            return "the program crashed";
+    }
+}
+
+LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
+    TellEnd(CrashText(TextOf(exception->ExceptionRecord->ExceptionCode)).View());
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+// The run-time library ends the program when this returns.
+void OnAbort(int) {
+    TellEnd(CrashText("the program was aborted").View());
+}
+
+}  // namespace
+
+void CatchCrashes() {
+    SetUnhandledExceptionFilter(OnCrash);
+    std::signal(SIGABRT, OnAbort);
+}
+
+void CatchQuickExit(void (*)()) {}
+
+void TellEnd(std::string_view text) {
+    if (told.exchange(true)) {
+        return;
+    }
+    const HANDLE errors = GetStdHandle(STD_ERROR_HANDLE);
+    for (const std::string_view part :
+         {std::string_view("devicediscover: "), text, std::string_view("\r\n")}) {
+        DWORD written = 0;
+        WriteFile(errors, part.data(), static_cast<DWORD>(part.size()), &written, nullptr);
+    }
+    LogHelper::WriteInSignalHandler(text);
+}
+
+bool IsOwnProcess() {
+    return true;
+}
+
+void ReportCrashesOfThisThread() {
+    ULONG room = 64 * 1024;  // left for the handler when the stack is used up
+    SetThreadStackGuarantee(&room);
+}
+
+}  // namespace App

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "DeviceDiscover/vendor_activity.h"
+
+namespace App {
+
+// The line that says how the program ends while vendors are called, and in which of them: made
+// without memory, for a signal handler.
+class CrashText {
+public:
+    // `end` is how: "the program crashed (SIGSEGV)".
+    explicit CrashText(std::string_view end);
+
+    // Without the program's name, and without the end of the line.
+    std::string_view View() const { return {text.data(), length}; }
+
+private:
+    void Append(std::string_view more);
+    // Names the calls under way on this thread, or on the others, behind `lead`. Whether there were
+    // any.
+    bool AppendCalls(bool onThisThread, std::string_view lead);
+
+    std::array<char, 1024> text;
+    std::size_t length = 0;
+};
+
+}  // namespace App
