@@ -23,29 +23,36 @@ using PrinterDeviceDiscoverSdk::DiscoverNetConnInterface;
 struct KnownResult {
     int result;
     const char* meaning;
+    bool isAnswer = true;  // as against: it could not be found out
 };
 
 // Results are each vendor's own affair; these are known of one.
 constexpr const char* kKnownVendor = "driverless";
+constexpr int kNotConfirmed = 26;
 constexpr KnownResult kKnownResults[] = {
     {2,
      "this computer's D-Bus cannot be reached, which looking for printers needs. Start it, and "
-     "ask again"},
+     "ask again",
+     false},
     {3,
      "Avahi does not run, which looking for printers needs. Start it with `systemctl start "
-     "avahi-daemon`, and ask again"},
+     "avahi-daemon`, and ask again",
+     false},
     {4,
      "this computer is on no network: no interface has an IPv4 address. Join the printer's "
-     "network, and ask again"},
-    {5, "Avahi does not answer. Restart it with `systemctl restart avahi-daemon`, and ask again"},
-    {6, "D-Bus ended meanwhile. Ask again"},
+     "network, and ask again",
+     false},
+    {5, "Avahi does not answer. Restart it with `systemctl restart avahi-daemon`, and ask again",
+     false},
+    {6, "D-Bus ended meanwhile. Ask again", false},
     {7,
      "this computer is on no network with a name that may be a printer's. Join the printer's "
      "own, and name it in the environment variable DEVICEDISCOVER_PRINTER_NETWORKS should it "
      "have another name than most"},
     {8,
      "this computer's Wi-Fi service does not answer. Restart it with `systemctl restart "
-     "NetworkManager`, and ask again"},
+     "NetworkManager`, and ask again",
+     false},
     {10, "the printer refused. Start its Wi-Fi set-up anew on the printer itself, and try again"},
     {11,
      "the printer does not see the network. Check the name, and move the printer nearer; many "
@@ -67,7 +74,7 @@ constexpr KnownResult kKnownResults[] = {
      "the printer is not announced, or does not answer. Wait a moment and ask again, on the "
      "network that the printer was put on"},
     {18, "the printer's record has no serial number. Name it: `devicediscover ap check SERIAL`"},
-    {19, "no thread or memory was left. Close other programs, and try again"},
+    {19, "no thread or memory was left. Close other programs, and try again", false},
     {20,
      "no rights to the device. Run this as root, or become a member of the group lp, and try "
      "again"},
@@ -77,6 +84,10 @@ constexpr KnownResult kKnownResults[] = {
     {23,
      "the vendor was given no record, or no room for its answer. That is a fault of this program, "
      "not of the printer. Report it, together with the log"},
+    {kNotConfirmed,
+     "the printer took the network and closed its own; whether it joined could not be confirmed. "
+     "`devicediscover scan` on that network shows it if it did; else look for the printer's own "
+     "network, and try again"},
 };
 
 int OnNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network) {
@@ -92,7 +103,12 @@ std::vector<std::string> NeededFor(const std::string& entryPoint) {
 }
 
 std::string NoPrinterToAsk(const Settings& settings, const ServiceSurvey& survey) {
-    const std::string network = CurrentAccessPoint(settings).network;
+    const AccessPoint joined = CurrentAccessPoint(settings);
+    if (joined.problem.HidesTheAnswer()) {
+        throw Problem("it is not known which Wi-Fi network this computer is on: " +
+                      joined.problem.reason + Lines(survey.problems));
+    }
+    const std::string& network = joined.network;
     return (network.empty() ? "this computer is joined to no Wi-Fi network"
                             : "this computer's Wi-Fi network, " + network +
                                   ", is not the access point of any supported vendor's printer, or "
@@ -110,6 +126,16 @@ bool MayBeOfKnownVendor(const std::string& vendor) {
     return std::any_of(vendors.begin(), vendors.end(),
                        [](const VendorInfo& listed) { return listed.productId == kKnownVendor; });
 }
+
+const KnownResult* KnownAs(int result, const std::string& vendor) {
+    const auto* const known =
+        std::find_if(std::begin(kKnownResults), std::end(kKnownResults),
+                     [&](const KnownResult& one) { return one.result == result; });
+    return known != std::end(kKnownResults) && MayBeOfKnownVendor(vendor) ? known : nullptr;
+}
+
+// How long a vendor has, that took the host to another network, to bring it back.
+constexpr std::chrono::seconds kPatienceWithReturn{3};
 
 }  // namespace
 
@@ -130,7 +156,12 @@ int ConfigureNetwork(const Settings& settings, const std::string& network,
         Wipe(&record, sizeof record);
         return result;
     };
-    return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);
+    try {
+        return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);
+    } catch (const Interrupted&) {
+        BreakOffHostWifi(kPatienceWithReturn);
+        throw;
+    }
 }
 
 int CheckLocalNetwork(const Settings& settings, const DeviceInfo& device) {
@@ -160,14 +191,20 @@ std::string Explanation(const Settings& settings, int result, const std::string&
 }
 
 std::string VendorsResult(int result, const std::string& vendor) {
-    const auto* const known =
-        std::find_if(std::begin(kKnownResults), std::end(kKnownResults),
-                     [&](const KnownResult& one) { return one.result == result; });
     std::string text = fmt::format("the vendor's result {}", result);
-    if (known != std::end(kKnownResults) && MayBeOfKnownVendor(vendor)) {
+    if (const KnownResult* const known = KnownAs(result, vendor)) {
         text += fmt::format(" (of vendor {}: {})", kKnownVendor, known->meaning);
     }
     return text;
+}
+
+bool IsAnswer(int result, const std::string& vendor) {
+    const KnownResult* const known = KnownAs(result, vendor);
+    return known == nullptr || known->isAnswer;
+}
+
+bool IsUnconfirmed(int result, const std::string& vendor) {
+    return result == kNotConfirmed && KnownAs(result, vendor) != nullptr;
 }
 
 NetworkScanSession::NetworkScanSession(const Settings& settings) {

@@ -37,12 +37,18 @@ public:
 
 // What it means that the entry point's result was not 0, and how to go on where that is known.
 // `vendor` is whose result it is; empty: any. Throws NoVendor when no vendor could have been asked
-// at all.
+// at all, and Problem when it is not known which network the host is joined to.
 std::string Explanation(const Settings& settings, int result, const std::string& entryPoint,
                         const std::string& vendor = {});
 
 // "the vendor's result N", with the meaning where it is known.
 std::string VendorsResult(int result, const std::string& vendor);
+
+// Whether the vendor's result says how things are, and not only that it could not be found out.
+bool IsAnswer(int result, const std::string& vendor);
+
+// Whether it says of a printer that it took a network, and not whether it joined.
+bool IsUnconfirmed(int result, const std::string& vendor);
 
 // A Wi-Fi scan by the vendor of that printer, from construction to Stop. What is found goes to the
 // process's NetworkList.

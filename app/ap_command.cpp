@@ -56,7 +56,7 @@ std::vector<DeviceInfo> Candidates(const CheckOptions& options) {
 
 void WriteCheck(const Settings& settings, const Printer& printer, int result) {
     if (settings.json) {
-        WriteOutput(CheckJson(printer, result) + "\n");
+        WriteOutput(CheckJson(printer, result, IsAnswer(result, printer.vendor)) + "\n");
     } else if (result == 0) {
         WriteOutput(fmt::format("{} is on the local network (vendor {})\n",
                                 Cell(printer.serialNumber), Cell(printer.vendor)));
@@ -89,9 +89,14 @@ ExitStatus AccessPointConfigure(const Settings& settings, const std::string& net
     } else if (result == 0) {
         WriteOutput("the printer was put on " + DisplayText(network) + "\n");
     }
-    return result == 0 ? kFound
-                       : Failed("the printer was not put on " + network + ": " +
-                                Explanation(settings, result, "PrinterAPNetConfigEvent"));
+    if (result == 0) {
+        return kFound;
+    }
+    const std::string known = IsUnconfirmed(result, {})
+                                  ? "it is not known whether the printer is on "
+                                  : "the printer was not put on ";
+    return Failed(known + network + ": " +
+                  Explanation(settings, result, "PrinterAPNetConfigEvent"));
 }
 
 ExitStatus AccessPointInfo(const Settings& settings) {
@@ -116,6 +121,7 @@ ExitStatus AccessPointCheck(const Settings& settings, const CheckOptions& option
         candidates = Candidates(options);
     }
     std::string reasons;
+    bool allAnswered = true;
     for (const DeviceInfo& candidate : candidates) {
         const Printer printer(candidate);
         const int result = CheckLocalNetwork(settings, candidate);
@@ -123,12 +129,16 @@ ExitStatus AccessPointCheck(const Settings& settings, const CheckOptions& option
         if (result == 0) {
             return kFound;
         }
+        allAnswered = allAnswered && IsAnswer(result, printer.vendor);
         reasons +=
             fmt::format("\n  vendor {}: {}", printer.vendor,
                         Explanation(settings, result, "IsLocalAreaNetworkOK", printer.vendor));
     }
     if (candidates.empty()) {
         Explanation(settings, -1, "IsLocalAreaNetworkOK");
+    }
+    if (!allAnswered) {
+        throw Problem("could not look for the printer on the local network:" + reasons);
     }
     return Failed("the printer is not on the local network:" + reasons);
 }

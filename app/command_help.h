@@ -97,7 +97,8 @@ inline constexpr const char* kWifiCurrent = R"(Examples:
   devicediscover wifi current --json | jq -r .network
 
 The network's name, the access point's hardware address and this computer's
-interface, separated by tabs. Exit status 1: joined to none.
+interface, separated by tabs. Exit status 1: joined to none, 3: not known, as
+the system's Wi-Fi service does not run or does not answer.
 
 )";
 
@@ -151,7 +152,8 @@ inline constexpr const char* kApConfigure = R"(Examples:
   devicediscover ap configure --network Office --pass-phrase-file office.txt
 
 This computer must be joined to the printer's own network. Exit status 1: the
-printer was not put on the network.
+printer was not put on the network, or it closed its own network and nothing
+shows whether it joined.
 
 )";
 
@@ -170,7 +172,8 @@ inline constexpr const char* kApCheck = R"(Examples:
 A UUID works too, in the place of the serial number, where the vendor knows the
 printer by it, as driverless does.
 
-Exit status 1: the printer is not on the local network.
+Exit status 1: the printer is not on the local network, 3: it could not be
+looked for.
 
 )";
 

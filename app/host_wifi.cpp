@@ -12,24 +12,25 @@ namespace {
 using DeviceDiscover::PrinterWifiInterface;
 using Networks = std::vector<PrinterWifiApiStruct::WlanInfoData>;
 
-std::vector<HostNetwork> Scan(const Settings& settings,
-                              void (PrinterWifiInterface::*scan)(Networks&)) {
-    const std::function<Networks()> work = [scan] {
+HostNetworks Scan(const Settings& settings, void (PrinterWifiInterface::*scan)(Networks&)) {
+    const std::function<HostNetworks()> work = [scan] {
         Networks networks;
         (PrinterWifiInterface::GetInstance().*scan)(networks);
-        return networks;
+        return HostNetworks{{networks.begin(), networks.end()}, LastHostWifiProblem()};
     };
-    const Networks networks = Await(settings, "Looking for networks", work);
-    return {networks.begin(), networks.end()};
+    return Await(settings, "Looking for networks", work);
 }
+
+// How long an attempt that is interrupted has to be undone.
+constexpr std::chrono::seconds kPatienceWithUndoing{3};
 
 }  // namespace
 
-std::vector<HostNetwork> NetworksInRange(const Settings& settings) {
+HostNetworks NetworksInRange(const Settings& settings) {
     return Scan(settings, &PrinterWifiInterface::GetSsidList);
 }
 
-std::vector<HostNetwork> NetworksToOffer(const Settings& settings) {
+HostNetworks NetworksToOffer(const Settings& settings) {
     return Scan(settings, &PrinterWifiInterface::GetSupList);
 }
 
@@ -42,21 +43,26 @@ AccessPoint CurrentAccessPoint(const Settings& settings) {
                                                              interfaceName);
         using PrinterUtil::WStringToString;
         return AccessPoint{WStringToString(network), WStringToString(hardwareAddress),
-                           WStringToString(interfaceName)};
+                           WStringToString(interfaceName), LastHostWifiProblem()};
     };
     return Await(settings, "Asking for this computer's network", work);
 }
 
-bool JoinNetwork(const Settings& settings, const std::string& network,
-                 const std::shared_ptr<Secret>& passPhrase) {
-    const std::function<bool()> work = [network, passPhrase] {
+JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
+                        const std::shared_ptr<Secret>& passPhrase) {
+    const std::function<JoinOutcome()> work = [network, passPhrase] {
         std::wstring wide = Widen(passPhrase->View()).value_or(L"");
         const bool joined =
             PrinterWifiInterface::GetInstance().ConnectAP(Widen(network).value_or(L""), wide);
         Wipe(wide.data(), wide.size() * sizeof(wchar_t));
-        return joined;
+        return JoinOutcome{joined, LastHostWifiProblem()};
     };
-    return Await(settings, "Joining " + network, work, kJoinLimit);
+    try {
+        return Await(settings, "Joining " + network, work, kJoinLimit);
+    } catch (const Interrupted&) {
+        BreakOffHostWifi(kPatienceWithUndoing);
+        throw;
+    }
 }
 
 }  // namespace App

@@ -4,26 +4,39 @@
 #include <string>
 #include <vector>
 
+#include "app/host_wifi_control.h"
 #include "app/network.h"
 #include "app/secret.h"
 #include "app/settings.h"
 
 namespace App {
 
-// The access point that the host is joined to; all empty when it is joined to none.
+// The access point that the host is joined to; all empty when it is joined to none, or when the
+// problem hides it.
 struct AccessPoint {
     std::string network;
     std::string hardwareAddress;
     std::string interfaceName;
+    HostWifiProblem problem;
+};
+
+struct HostNetworks {
+    std::vector<HostNetwork> networks;
+    HostWifiProblem problem;
+};
+
+struct JoinOutcome {
+    bool joined = false;
+    HostWifiProblem problem;
 };
 
 // The host's own Wi-Fi. Each may take a while, and throws Interrupted.
-std::vector<HostNetwork> NetworksInRange(const Settings& settings);
-std::vector<HostNetwork> NetworksToOffer(const Settings& settings);
+HostNetworks NetworksInRange(const Settings& settings);
+HostNetworks NetworksToOffer(const Settings& settings);
 AccessPoint CurrentAccessPoint(const Settings& settings);
 
-// `network` must be UTF-8.
-bool JoinNetwork(const Settings& settings, const std::string& network,
-                 const std::shared_ptr<Secret>& passPhrase);
+// `network` must be UTF-8. When it is interrupted, the attempt is undone.
+JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
+                        const std::shared_ptr<Secret>& passPhrase);
 
 }  // namespace App

@@ -100,8 +100,12 @@ std::string AccessPointJson(const AccessPoint& accessPoint) {
                      {"interface", accessPoint.interfaceName}});
 }
 
-std::string JoinJson(const std::string& network, bool joined) {
-    return JsonLine({{"network", network}, {"joined", joined}});
+std::string JoinJson(const std::string& network, bool joined, const std::string& problem) {
+    Json object{{"network", network}, {"joined", joined}};
+    if (!problem.empty()) {
+        object["problem"] = problem;
+    }
+    return JsonLine(object);
 }
 
 std::string PingJson(const std::string& address, bool answers) {
@@ -112,9 +116,9 @@ std::string ConfigureJson(const std::string& network, int result) {
     return JsonLine({{"network", network}, {"configured", result == 0}, {"result", result}});
 }
 
-std::string CheckJson(const Printer& printer, int result) {
+std::string CheckJson(const Printer& printer, int result, bool isAnswer) {
     Json object = PrinterObject(printer);
-    object["onLocalNetwork"] = result == 0;
+    object["onLocalNetwork"] = isAnswer ? Json(result == 0) : Json();
     object["result"] = result;
     return JsonLine(object);
 }

@@ -24,10 +24,12 @@ std::string VendorJson(const PrinterUtil::VendorListReport& list, const VendorIn
 std::string NetworkJson(const Network& network);
 std::string HostNetworkJson(const HostNetwork& network);
 std::string AccessPointJson(const AccessPoint& accessPoint);
-std::string JoinJson(const std::string& network, bool joined);
+// An empty problem is left out.
+std::string JoinJson(const std::string& network, bool joined, const std::string& problem);
 std::string PingJson(const std::string& address, bool answers);
 std::string ConfigureJson(const std::string& network, int result);
-std::string CheckJson(const Printer& printer, int result);
+// Without an answer the printer may be there or not.
+std::string CheckJson(const Printer& printer, int result, bool isAnswer);
 
 std::string InstalledPrinterJson(const InstalledPrinter& printer);
 std::string UsbPrinterJson(const UsbPrinter& printer);

@@ -50,7 +50,7 @@ std::vector<std::string> NamesToOffer(const Settings& settings, const NetworkSou
         add(network.name);
     }
     if (names.empty()) {
-        for (const HostNetwork& network : NetworksToOffer(settings)) {
+        for (const HostNetwork& network : NetworksToOffer(settings).networks) {
             add(network.name);
         }
     }

@@ -71,17 +71,20 @@ private:
     Printer WhichPrinter();
     std::string WhichNetwork();
     std::shared_ptr<Secret> WhichPassPhrase(const std::string& network);
-    void Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase);
+    void Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
+                   const std::string& vendor);
     void Rejoin(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
                 const Printer& printer);
     bool Join(const std::string& network, const std::shared_ptr<Secret>& passPhrase);
     void Find(const std::string& network, const Printer& printer);
     std::string StateOfThings() const;
+    const char* WasPutOn() const { return unconfirmed ? "was given" : "was put on"; }
 
     const Settings& settings;
     const SetupOptions& options;
     SetupProgress progress;
     const std::unique_ptr<SetupRoute> route;
+    bool unconfirmed = false;  // whether the printer joined shows only on the network
 };
 
 ExitStatus Journey::Run() {
@@ -109,7 +112,7 @@ void Journey::Steps() {
     const Printer printer = WhichPrinter();
     const std::string network = WhichNetwork();
     std::shared_ptr<Secret> passPhrase = WhichPassPhrase(network);
-    Configure(network, passPhrase);
+    Configure(network, passPhrase, printer.vendor);
     Rejoin(network, passPhrase, printer);
     passPhrase.reset();  // nothing needs it any more
     Find(network, printer);
@@ -147,10 +150,12 @@ std::shared_ptr<Secret> Journey::WhichPassPhrase(const std::string& network) {
     return passPhrase;
 }
 
-void Journey::Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase) {
+void Journey::Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
+                        const std::string& vendor) {
     progress.Begin(SetupStep::Configure);
     const int result = route->Configure(network, passPhrase);
-    if (result != 0) {
+    unconfirmed = IsUnconfirmed(result, vendor);
+    if (result != 0 && !unconfirmed) {
         const SetupRoute::Failure failure = route->ExplainConfigure(result);
         throw StepFailed{fmt::format("the printer was not put on {}: {}\n{} {}", network,
                                      failure.why, failure.advice, AdviceToReadLog()),
@@ -159,7 +164,10 @@ void Journey::Configure(const std::string& network, const std::shared_ptr<Secret
     StepEvent event;
     event.network = network;
     event.result = result;
-    progress.Done("The printer was put on " + network, event);
+    progress.Done(unconfirmed ? "The printer was given " + network +
+                                    " and closed its own network; whether it joined shows below"
+                              : "The printer was put on " + network,
+                  event);
 }
 
 void Journey::Rejoin(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
@@ -175,10 +183,11 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Secret>& 
     }
     if (!Join(network, passPhrase)) {
         throw StepFailed{
-            fmt::format("this computer could not join {}; the printer was put on it.\nJoin it by "
+            fmt::format("this computer could not join {}; the printer {} it.\nJoin it by "
                         "hand, then `devicediscover ap check {} --vendor {}` tells whether the "
                         "printer\nis there, and `devicediscover scan` where. {}",
-                        network, printer.serialNumber, printer.vendor, AdviceToReadLog()),
+                        network, WasPutOn(), printer.serialNumber, printer.vendor,
+                        AdviceToReadLog()),
             std::nullopt};
     }
     StepEvent event;
@@ -189,7 +198,7 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Secret>& 
 bool Journey::Join(const std::string& network, const std::shared_ptr<Secret>& passPhrase) {
     for (int attempt = 1;; ++attempt) {
         if (CurrentAccessPoint(settings).network == network ||
-            JoinNetwork(settings, network, passPhrase)) {
+            JoinNetwork(settings, network, passPhrase).joined) {
             return true;
         }
         if (attempt == kJoinAttempts) {
@@ -207,10 +216,10 @@ void Journey::Find(const std::string& network, const Printer& printer) {
     const std::string places = PlacesOf(outcome.printers);
     if (!outcome.isOnNetwork && outcome.printers.empty()) {
         throw StepFailed{
-            fmt::format("{} was put on {}, but was not found there within {:g} s{}.\nSome printers "
+            fmt::format("{} {} {}, but was not found there within {:g} s{}.\nSome printers "
                         "take longer: `devicediscover scan --watch` shows it when it is there. Is "
                         "this computer\non the same network (`devicediscover wifi current`)?",
-                        NameOf(printer), network, options.timeout.count(),
+                        NameOf(printer), WasPutOn(), network, options.timeout.count(),
                         outcome.vendorsResult == 0
                             ? ""
                             : ": " + VendorsResult(outcome.vendorsResult, printer.vendor)),
@@ -240,7 +249,8 @@ std::string Journey::StateOfThings() const {
         return "The printer may have been put on the network, or not: `devicediscover scan` on "
                "that network\nshows it if so; else start the set-up again.";
     }
-    return "The printer was put on the network: `devicediscover scan` on that network shows it.";
+    return fmt::format(
+        "The printer {} the network: `devicediscover scan` on that network shows it.", WasPutOn());
 }
 
 void RequirePick(const Settings& settings) {

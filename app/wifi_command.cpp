@@ -12,8 +12,11 @@ namespace App {
 
 namespace {
 
-ExitStatus Show(const Settings& settings, const std::vector<HostNetwork>& networks,
-                const std::string& none) {
+ExitStatus Show(const Settings& settings, const HostNetworks& found, const std::string& none) {
+    const auto& [networks, problem] = found;
+    if (networks.empty() && problem.kind != PRINTER_WIFI_DONE) {
+        throw Problem("could not look for networks: " + problem.reason + ".");
+    }
     if (networks.empty()) {
         Complain(none + "\n" + AdviceToReadLog());
         return kNoneFound;
@@ -37,11 +40,16 @@ ExitStatus WifiOffer(const Settings& settings) {
 
 ExitStatus WifiCurrent(const Settings& settings) {
     const AccessPoint joined = CurrentAccessPoint(settings);
+    if (joined.problem.HidesTheAnswer()) {
+        throw Problem("it is not known which Wi-Fi network this computer is on: " +
+                      joined.problem.reason + ".");
+    }
     if (joined.network.empty() && joined.hardwareAddress.empty() && joined.interfaceName.empty()) {
-        Complain(
-            "this computer is joined to no Wi-Fi network.\n`devicediscover wifi join NAME` "
-            "joins one. Should it be joined already:\n" +
-            AdviceToReadLog());
+        const std::string& reason = joined.problem.reason;
+        Complain("this computer is joined to no Wi-Fi network" +
+                 (reason.empty() ? "" : ": " + reason) +
+                 ".\n`devicediscover wifi join NAME` joins one. Should it be joined already:\n" +
+                 AdviceToReadLog());
         return kNoneFound;
     }
     const std::string line = settings.json
@@ -55,14 +63,16 @@ ExitStatus WifiCurrent(const Settings& settings) {
 ExitStatus WifiJoin(const Settings& settings, const std::string& network,
                     const PassPhraseOptions& options) {
     options.Require(settings);
-    const bool joined = JoinNetwork(settings, network, GetPassPhrase(settings, options, network));
+    const auto [joined, problem] =
+        JoinNetwork(settings, network, GetPassPhrase(settings, options, network));
     if (settings.json) {
-        WriteOutput(JoinJson(network, joined) + "\n");
+        WriteOutput(JoinJson(network, joined, problem.reason) + "\n");
     } else if (joined) {
         WriteOutput("joined " + DisplayText(network) + "\n");
     }
     if (!joined) {
         Complain("could not join " + network +
+                 (problem.reason.empty() ? "" : ": " + problem.reason) +
                  ".\nIs it in range (`devicediscover wifi list`), and is the pass phrase right? " +
                  AdviceToReadLog());
     }

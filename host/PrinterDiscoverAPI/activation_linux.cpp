@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/PrinterDiscoverAPI/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
 
 namespace Host {
@@ -141,6 +142,7 @@ std::uint32_t Activation::ActiveState() const {
 
 void Activation::Await(NetworkManager::Clock::time_point deadline) {
     for (;;) {
+        Undertaking::GoOn();
         const auto state = static_cast<State>(ActiveState());
         if (state == State::kActivated) {
             hasSucceeded = true;

@@ -4,10 +4,12 @@
 #include <utility>
 
 #include "host/PrinterDiscoverAPI/diagnostics.h"
-#include "host/PrinterDiscoverAPI/join_request.h"
+#include "host/PrinterDiscoverAPI/join.h"
 #include "host/PrinterDiscoverAPI/network_list.h"
 #include "host/PrinterDiscoverAPI/network_name.h"
+#include "host/PrinterDiscoverAPI/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
+#include "host/PrinterDiscoverAPI/wifi_visit.h"
 #include "host/common/utf8.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
@@ -44,29 +46,6 @@ void ReportProblem(LOG_MESSAGE_LEVEL level, const std::wstring& what,
     lastProblem = {KindOf(problem), {}};
     std::strncpy(lastProblem.reason.data(), problem.what(), lastProblem.reason.size() - 1);
     Host::Report(level, what + L": " + Host::FromUtf8(problem.what()), where);
-}
-
-// Joins what was asked for, looking closer when it is not in sight at once.
-void Join(Host::WifiService& service, const Host::JoinRequest& request) {
-    std::vector<Host::AccessPoint> accessPoints = service.AccessPoints();
-    const Host::AccessPoint* chosen = request.Choose(accessPoints);
-    if (chosen == nullptr) {
-        service.Scan(request.Name());
-        accessPoints = service.AccessPoints();
-        chosen = request.Choose(accessPoints);
-    }
-    if (chosen == nullptr) {
-        throw Host::WifiProblem("no access point of that name is in range");
-    }
-    service.Join(*chosen, request.PassPhrase());
-}
-
-void TryJoin(const Host::JoinRequest& request) {
-    try {
-        Join(*Host::OpenWifiService(), request);
-    } catch (const Host::WifiProblem& problem) {
-        throw Host::WifiProblem(request.WithoutSecret(problem.what()), problem.ItsKind());
-    }
 }
 
 }  // namespace
@@ -110,7 +89,9 @@ bool PrinterWifiAPI::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
     const std::wstring name = std::move(ssid);
     const std::wstring secret = std::move(passPhrase);
     try {
-        TryJoin(Host::JoinRequest(name, secret));
+        const Host::Undertaking undertaking;
+        const Host::JoinRequest request(name, secret);
+        Host::Join(*Host::OpenWifiService(), request, Host::kJoinLimit);
         return true;
     } catch (const Host::WifiProblem& problem) {
         ReportProblem(LOG_LEVEL_ERROR, L"cannot join \"" + name + L'"', problem,
@@ -128,4 +109,34 @@ int PrinterWifiProblem(char* text, std::size_t size) {
         std::strncpy(text, reason.data(), size - 1);
     }
     return kind;
+}
+
+int PrinterWifiVisit(const char* network, int seconds) {
+    using namespace PrinterDiscoverAPI;
+    ForgetProblem();
+    try {
+        Host::VisitNetwork(Host::FromUtf8(network), std::chrono::seconds(seconds));
+        return 1;
+    } catch (const Host::WifiProblem& problem) {
+        ReportProblem(LOG_LEVEL_WARNING, L"no visit", problem, L"PrinterWifiVisit");
+        return 0;
+    }
+}
+
+void PrinterWifiEndVisit() {
+    using namespace PrinterDiscoverAPI;
+    ForgetProblem();
+    try {
+        Host::EndNetworkVisit();
+    } catch (const Host::WifiProblem& problem) {
+        ReportProblem(LOG_LEVEL_WARNING, L"not back from the visit", problem,
+                      L"PrinterWifiEndVisit");
+    }
+}
+
+void PrinterWifiBreakOff() {
+    // A joining looks up this often at least, and its service has this long for an answer.
+    constexpr std::chrono::seconds patience{8};
+    Host::Undertaking::BreakOffAll(patience);
+    PrinterWifiEndVisit();
 }

@@ -8,6 +8,7 @@
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/network_manager_linux.h"
 #include "host/PrinterDiscoverAPI/network_name.h"
+#include "host/PrinterDiscoverAPI/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
 #include "host/common/utf8.h"
 
@@ -180,8 +181,23 @@ public:
         return Translated([this] { return FindJoined(); });
     }
 
-    void Join(const AccessPoint& accessPoint, const std::string& passPhrase) override {
-        Translated([&] { Activate(accessPoint, passPhrase); });
+    void Join(const AccessPoint& accessPoint, const std::string& passPhrase,
+              std::chrono::seconds limit) override {
+        Translated([&] { Activate(accessPoint, passPhrase, Clock::now() + limit); });
+    }
+
+    std::optional<HostConnection> Connection() override {
+        return Translated([this] { return FindConnection(); });
+    }
+
+    void Resume(const HostConnection& connection) override {
+        Translated([&] {
+            manager.Manager()
+                ->callMethod("ActivateConnection")
+                .onInterface(kService)
+                .withArguments(sdbus::ObjectPath(connection.profile),
+                               sdbus::ObjectPath(connection.adapter), kNoObject);
+        });
     }
 
 private:
@@ -285,6 +301,7 @@ private:
         const auto deadline = Clock::now() + kScanLimit;
         for (;;) {
             std::erase_if(watches, [this](const ScanWatch& watch) { return IsDone(watch); });
+            Undertaking::GoOn();
             const auto now = Clock::now();
             if (watches.empty() || now >= deadline) {
                 return;
@@ -328,6 +345,19 @@ private:
         return std::nullopt;
     }
 
+    std::optional<HostConnection> FindConnection() const {
+        for (const Adapter& adapter : adapters) {
+            const auto device = PropertiesUnlessGone(adapter.path, kDevice).value_or(Properties());
+            const auto active = ValueOr(device, "ActiveConnection", kNoObject);
+            const auto properties = PropertiesUnlessGone(active, kActive).value_or(Properties());
+            const auto profile = ValueOr(properties, "Connection", kNoObject);
+            if (profile != kNoObject) {
+                return HostConnection{adapter.path, profile};
+            }
+        }
+        return std::nullopt;
+    }
+
     // The adapter says it itself or, where it does not, the connection that it has.
     sdbus::ObjectPath ActiveAccessPoint(const std::string& adapter) const {
         const auto wireless = PropertiesUnlessGone(adapter, kWireless).value_or(Properties());
@@ -341,9 +371,9 @@ private:
                        "SpecificObject", kNoObject);
     }
 
-    void Activate(const AccessPoint& accessPoint, const std::string& passPhrase) const {
+    void Activate(const AccessPoint& accessPoint, const std::string& passPhrase,
+                  Clock::time_point deadline) const {
         RequireRadio();
-        const auto deadline = Clock::now() + kJoinLimit;
         Activation activation(manager, accessPoint.adapter);
         const bool isOpen = (accessPoint.protection & ~kOpportunistic) == 0;
         if (!passPhrase.empty() || isOpen) {

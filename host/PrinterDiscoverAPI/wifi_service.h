@@ -30,6 +30,12 @@ private:
     Kind kind;
 };
 
+// A connection of the host, by the Wi-Fi service's own names.
+struct HostConnection {
+    std::string adapter;
+    std::string profile;
+};
+
 // The system's Wi-Fi service, opened for one operation and used by one thread. Each operation
 // throws WifiProblem when the service cannot do it, has ended, or does not answer.
 class WifiService {
@@ -45,9 +51,16 @@ public:
 
     virtual std::optional<JoinedAccessPoint> Joined() = 0;
 
-    // Joins an access point's network and waits for the outcome. Without a pass phrase a protected
-    // network is joined with what the system has saved of it. Nothing is saved.
-    virtual void Join(const AccessPoint& accessPoint, const std::string& passPhrase) = 0;
+    // Joins an access point's network and waits for the outcome up to `limit`. Without a pass
+    // phrase a protected network is joined with what the system has saved of it. Nothing is saved.
+    virtual void Join(const AccessPoint& accessPoint, const std::string& passPhrase,
+                      std::chrono::seconds limit) = 0;
+
+    // The connection that the host has, for Resume; nothing where there is none, or none to return
+    // to.
+    virtual std::optional<HostConnection> Connection() { return std::nullopt; }
+    // Begins to connect as before.
+    virtual void Resume(const HostConnection& /*connection*/) {}
 };
 
 // Throws WifiProblem when there is no service or no adapter.

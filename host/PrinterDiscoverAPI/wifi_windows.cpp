@@ -149,9 +149,10 @@ public:
         return std::nullopt;
     }
 
-    void Join(const AccessPoint& accessPoint, const std::string& passPhrase) override {
+    void Join(const AccessPoint& accessPoint, const std::string& passPhrase,
+              std::chrono::seconds limit) override {
         RequireRadio();
-        const auto deadline = Clock::now() + kJoinLimit;
+        const auto deadline = Clock::now() + limit;
         const GUID adapter = GuidOf(accessPoint.adapter);
         WlanAttempt attempt(client, adapter, accessPoint);
         const bool isOpen = (accessPoint.protection & ~kOpportunistic) == 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/PrinterDiscoverAPI/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
 #include "host/common/utf8.h"
 
@@ -69,6 +70,7 @@ void WlanAttempt::Start(WLAN_CONNECTION_MODE mode, const std::wstring& profile) 
 
 void WlanAttempt::Await(WlanClient::Clock::time_point deadline) {
     for (;;) {
+        RequireGoingOn();
         const auto now = WlanClient::Clock::now();
         const auto notification = notifications.Next(std::min(deadline, now + kLookAgain));
         const Outcome outcome = notification ? OutcomeBy(*notification) : Outcome::kNone;
@@ -88,6 +90,15 @@ void WlanAttempt::Await(WlanClient::Clock::time_point deadline) {
         if (now >= deadline) {
             GiveUp("not joined within " + std::to_string(kJoinLimit.count()) + " s");
         }
+    }
+}
+
+// Ends the attempt when the program is about to end.
+void WlanAttempt::RequireGoingOn() const {
+    try {
+        Undertaking::GoOn();
+    } catch (const WifiProblem& problem) {
+        GiveUp(problem.what());
     }
 }
 

@@ -26,6 +26,7 @@ private:
     Outcome OutcomeBy(const WlanNotification& notification);
     void RequireAdapter() const;
     bool IsUnderWay() const;
+    void RequireGoingOn() const;
     [[noreturn]] void GiveUp(const std::string& why) const;
 
     const WlanClient& client;

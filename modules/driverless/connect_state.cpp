@@ -7,18 +7,6 @@ namespace Driverless {
 
 namespace {
 
-// Addresses are given to other printers, so that an answer alone proves little.
-bool IsSamePrinter(const Printer& printer, const PrinterAttributes& attributes) {
-    const std::string uuid = PlainUuid(attributes.uuid);
-    if (!printer.uuid.empty() && !uuid.empty()) {
-        return printer.uuid == uuid;
-    }
-    const std::string serialNumber = SerialNumber(attributes);
-    return serialNumber.empty() || printer.serialNumber.empty() ||
-           printer.serialNumber == serialNumber || printer.serialNumber == uuid ||
-           printer.serialNumber.find('@') != std::string::npos;
-}
-
 int StateFrom(const Printer& printer, const IppAnswer& answer) {
     switch (answer.kind) {
         case IppAnswer::Kind::NoAnswer:
@@ -36,6 +24,17 @@ int StateFrom(const Printer& printer, const IppAnswer& answer) {
 }
 
 }  // namespace
+
+bool IsSamePrinter(const Printer& printer, const PrinterAttributes& attributes) {
+    const std::string uuid = PlainUuid(attributes.uuid);
+    if (!printer.uuid.empty() && !uuid.empty()) {
+        return printer.uuid == uuid;
+    }
+    const std::string serialNumber = SerialNumber(attributes);
+    return serialNumber.empty() || printer.serialNumber.empty() ||
+           printer.serialNumber == serialNumber || printer.serialNumber == uuid ||
+           printer.serialNumber.find('@') != std::string::npos;
+}
 
 bool HasAddress(const Printer& printer) {
     return printer.kind != ServiceKind::None && printer.port != 0 && !printer.address.empty();

@@ -4,6 +4,10 @@
 
 namespace Driverless {
 
+// Whether what answered with the attributes may be the printer. Addresses are given to other
+// printers, so that an answer alone proves little.
+bool IsSamePrinter(const Printer& printer, const PrinterAttributes& attributes);
+
 bool HasAddress(const Printer& printer);
 
 // Whether the printer answers where it is said to be, as GetDeviceConnectState's result says it.

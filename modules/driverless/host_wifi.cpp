@@ -79,12 +79,33 @@ private:
     bool over = false;
 };
 
+// A function that another library in the place of the application's need not have.
+template <class Function>
+Function* Optional(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_DEFAULT, name));
+}
+
 // What stood in the way of this thread's last question.
 int LastProblem() {
-    // Another library in the place of the application's need not have it.
-    static const auto problem =
-        reinterpret_cast<decltype(&PrinterWifiProblem)>(dlsym(RTLD_DEFAULT, "PrinterWifiProblem"));
+    const auto problem = Optional<decltype(PrinterWifiProblem)>("PrinterWifiProblem");
     return problem == nullptr ? PRINTER_WIFI_DONE : problem(nullptr, 0);
+}
+
+// What the system takes longer for is left behind.
+constexpr std::chrono::seconds kMoreForVisits{3};
+constexpr std::chrono::seconds kPatienceWithReturn{3};
+
+template <class Result>
+std::optional<Result> InTime(std::function<Result()> work, std::chrono::milliseconds patience) {
+    std::packaged_task<Result()> task([work = std::move(work)] {
+        Result result{};
+        WifiUse::Instance().With([&] { result = work(); });
+        return result;
+    });
+    auto answer = task.get_future();
+    std::thread(std::move(task)).detach();
+    return answer.wait_for(patience) == std::future_status::ready ? std::optional(answer.get())
+                                                                  : std::nullopt;
 }
 
 // Whether a host about which there was that problem is known to be joined to nothing.
@@ -120,14 +141,26 @@ std::vector<NetworkInRange> AskForNetworks() {
 }  // namespace
 
 std::optional<HostNetwork> CurrentNetwork(std::chrono::milliseconds patience) {
-    std::packaged_task<std::optional<HostNetwork>()> question([] {
-        std::optional<HostNetwork> network;
-        WifiUse::Instance().With([&] { network = AskForCurrent(); });
-        return network;
-    });
-    auto answer = question.get_future();
-    std::thread(std::move(question)).detach();
-    return answer.wait_for(patience) == std::future_status::ready ? answer.get() : std::nullopt;
+    return InTime<std::optional<HostNetwork>>(AskForCurrent, patience).value_or(std::nullopt);
+}
+
+bool Visit(const std::string& network, std::chrono::seconds patience) {
+    const auto visit = Optional<decltype(PrinterWifiVisit)>("PrinterWifiVisit");
+    const auto seconds = static_cast<int>(patience.count());
+    return visit != nullptr && InTime<bool>([=] { return visit(network.c_str(), seconds) != 0; },
+                                            patience + kMoreForVisits)
+                                   .value_or(false);
+}
+
+void EndVisit() {
+    if (const auto end = Optional<decltype(PrinterWifiEndVisit)>("PrinterWifiEndVisit")) {
+        InTime<bool>(
+            [end] {
+                end();
+                return true;
+            },
+            kPatienceWithReturn);
+    }
 }
 
 void FindNetworks(std::function<void(std::future<std::vector<NetworkInRange>>)> take) {

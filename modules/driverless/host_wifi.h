@@ -22,6 +22,13 @@ struct HostNetwork {
 // Throws what keeps the question from being asked (out of memory, no further thread).
 std::optional<HostNetwork> CurrentNetwork(std::chrono::milliseconds patience);
 
+// Goes back to a network for a visit, without a pass phrase; whether the host is there. Takes up to
+// `patience`, and leaves for it the network that the host is on.
+bool Visit(const std::string& network, std::chrono::seconds patience);
+
+// Sends the host back to the network that it left for a visit, if any.
+void EndVisit();
+
 struct NetworkInRange {
     std::string name;  // UTF-8
     int quality = 0;   // of the signal, 0 to 100

@@ -1,5 +1,6 @@
 #include "join_watch.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "results.h"
@@ -45,7 +46,21 @@ std::optional<int> JoinWatch::Gone(Time now) {
     if (!goneSince) {
         goneSince = now;
     }
-    return now >= *goneSince + kGoneForGood ? std::optional(kOk) : std::nullopt;
+    return now >= std::max(deadline, *goneSince + kLeastAbsence) ? std::optional(kNotConfirmed)
+                                                                 : std::nullopt;
+}
+
+std::optional<int> JoinWatch::Announced() {
+    return kOk;
+}
+
+bool JoinWatch::ShouldGoBack(bool elsewhere, Time now) const {
+    const bool isTime = !elsewhere || (goneSince && now >= *goneSince + kPatienceElsewhere);
+    return isTime && (!lastVisit || now >= *lastVisit + kBetweenVisits);
+}
+
+void JoinWatch::Visited(Time now) {
+    lastVisit = now;
 }
 
 std::optional<int> JoinWatch::UnlessOver(Time now) const {

@@ -15,9 +15,17 @@ namespace Driverless {
 // counts when another one was seen since, or when it stands for this long.
 constexpr std::chrono::seconds kOldStateLasts{3};
 
-// A printer may have to close its own network in order to join another. When it does not open it
-// again for this long, it has joined: one that cannot join does.
-constexpr std::chrono::seconds kGoneForGood{10};
+// A printer may have to close its own network in order to join another, and opens it again when it
+// cannot. It has at least this long to do so, whatever the time limit; that it stays away proves
+// nothing.
+constexpr std::chrono::seconds kLeastAbsence{10};
+
+// A host that is on another network by then gives it up only after this time: a network that was
+// closed is still in the host's list for a while, and the printer may yet be announced where the
+// host is.
+constexpr std::chrono::seconds kPatienceElsewhere{4};
+// Between two attempts of the host to go back.
+constexpr std::chrono::seconds kBetweenVisits{3};
 
 class JoinWatch {
 public:
@@ -32,6 +40,14 @@ public:
     std::optional<int> Silent(Time now);
     // The host is no longer in its network.
     std::optional<int> Gone(Time now);
+    // It was met on another network than its own.
+    static std::optional<int> Announced();
+
+    // Whether a host that is out of the printer's network and receives it again is to go back now,
+    // to ask; `elsewhere`: it is on another one.
+    bool ShouldGoBack(bool elsewhere, Time now) const;
+    // An attempt to go back has ended.
+    void Visited(Time now);
 
 private:
     std::optional<int> Outcome(const PrinterAttributes& attributes) const;
@@ -43,6 +59,7 @@ private:
     const Time deadline;
     bool changed = false;
     std::optional<Time> goneSince;
+    std::optional<Time> lastVisit;
 };
 
 }  // namespace Driverless

@@ -37,8 +37,7 @@ struct Wanted {
     }
 };
 
-Wanted WantedBy(const VendorSdk::DeviceInfo& record) {
-    const Printer printer = FromRecord(record);
+Wanted WantedBy(const Printer& printer) {
     const auto known = KnownPrinters().Find(printer);
     return {printer.serialNumber, known ? known->uuid : printer.uuid};
 }
@@ -116,8 +115,30 @@ bool Answers(const Printer& printer) {
 
 }  // namespace
 
+class Arrival::State {
+public:
+    explicit State(Wanted wanted)
+        : search(std::make_shared<Search>(std::move(wanted))), looking(search) {}
+
+    const std::shared_ptr<Search> search;
+    const Looking looking;
+};
+
+Arrival::Arrival(const Printer& printer) : state(std::make_unique<State>(WantedBy(printer))) {}
+
+Arrival::~Arrival() = default;
+
+bool Arrival::HasCome() {
+    while (const auto printer = state->search->Next(Clock::now())) {
+        if (Answers(*printer)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 int IsOnLocalNetwork(const VendorSdk::DeviceInfo& record) {
-    Wanted wanted = WantedBy(record);
+    Wanted wanted = WantedBy(FromRecord(record));
     if (wanted.serialNumber.empty()) {
         return kNoIdentity;
     }

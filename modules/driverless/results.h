@@ -37,6 +37,8 @@ constexpr int kCannotJoin = 12;  // the network does not let the printer in
 constexpr int kTimedOut = 13;    // no outcome in time
 constexpr int kNotAllowed = 14;  // the printer wants to know who asks, or forbids it
 constexpr int kNotValid = 16;    // no name or pass phrase that could be sent; nothing was
+// It took the settings and closed its own network, and nothing shows whether it joined.
+constexpr int kNotConfirmed = 26;
 
 // IsLocalAreaNetworkOK
 constexpr int kNotOnNetwork = 17;  // the printer is not on the local network

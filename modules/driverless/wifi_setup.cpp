@@ -1,17 +1,21 @@
 #include "wifi_setup.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "access_point.h"
+#include "connect_state.h"
 #include "diagnostics.h"
 #include "host_wifi.h"
 #include "ipp_query.h"
 #include "join_watch.h"
 #include "known_printers.h"
+#include "local_network.h"
 #include "results.h"
 #include "text.h"
 #include "usb_bridge.h"
@@ -27,6 +31,7 @@ constexpr std::chrono::milliseconds kStatePatience{1000};
 constexpr std::chrono::milliseconds kStatePatienceWithTls{2000};
 // A fresh look at what is in range takes its time.
 constexpr std::chrono::milliseconds kScanPatience{12000};
+constexpr std::chrono::seconds kVisitPatience{10};
 
 constexpr long kDefaultLimit = 30;
 constexpr long kLongestLimit = 600;
@@ -68,24 +73,35 @@ Recipient OnUsb(const BridgedPrinter& bridged) {
     return {bridged.printer, *bridged.attributes.wifiState, bridged.printer, {}};
 }
 
-// Whether the host is known to have left the network. One whose Wi-Fi is off or has ended is joined
-// to nothing, too, but sees nothing either.
-bool HasLeft(const Recipient& recipient) {
+// Where the host is, seen from the printer's own network.
+struct Whereabouts {
+    bool hasLeft = false;    // it is known to be out of that network
+    bool elsewhere = false;  // and on another one
+    bool inRange = false;    // and receives that network
+};
+
+// A host whose Wi-Fi is off or has ended is joined to nothing, too, but sees nothing either.
+Whereabouts WhereaboutsOf(const Recipient& recipient) {
     if (IsOnUsb(recipient)) {
-        return false;
+        return {};
     }
     const auto current = CurrentNetwork(kStatePatience);
     if (!current || current->name == recipient.network) {
-        return false;
+        return {};
     }
-    const auto inRange = current->name.empty() ? NetworksInRange(kScanPatience) : std::nullopt;
-    return !current->name.empty() || (inRange && !inRange->empty());
+    const auto networks = NetworksInRange(kScanPatience).value_or(std::vector<NetworkInRange>());
+    const bool elsewhere = !current->name.empty();
+    const bool inRange =
+        std::any_of(networks.begin(), networks.end(),
+                    [&](const NetworkInRange& one) { return one.name == recipient.network; });
+    return {elsewhere || !networks.empty(), elsewhere, inRange};
 }
 
 // One that closes its network at once, before its answer is through, took the settings too.
 bool IsTaken(const IppAnswer& answer, const Recipient& recipient) {
     return answer.kind == IppAnswer::Kind::Granted ||
-           (answer.kind == IppAnswer::Kind::NoAnswer && answer.sent && HasLeft(recipient));
+           (answer.kind == IppAnswer::Kind::NoAnswer && answer.sent &&
+            WhereaboutsOf(recipient).hasLeft);
 }
 
 // On the network it may be known by its UUID only. It is where its bridge has it, and where the
@@ -123,26 +139,77 @@ std::optional<int> Send(const Recipient& recipient, const WifiSettings& settings
     }
 }
 
-std::optional<int> LookOnce(const Recipient& recipient, JoinWatch& watch) {
-    const bool tls = recipient.printer.kind == ServiceKind::Ipps;
-    const IppAnswer answer =
-        AskInTime(recipient.printer, tls ? kStatePatienceWithTls : kStatePatience,
-                  {IppQuestion::Kind::AttributesWithWifi, {}});
-    const bool isThere = !IsOnUsb(recipient) || IsStillThere(recipient.printer, answer.attributes);
-    if (answer.kind == IppAnswer::Kind::Granted && isThere) {
-        return watch.Answered(answer.attributes, Clock::now());
-    }
-    return HasLeft(recipient) ? watch.Gone(Clock::now()) : watch.Silent(Clock::now());
-}
-
-int Follow(const Recipient& recipient, JoinWatch watch) {
-    while (true) {
-        std::this_thread::sleep_for(kLookAgain);
-        if (const auto result = LookOnce(recipient, watch)) {
-            return *result;
+// Follows a printer that has taken its settings to the outcome. A host that was thrown out of the
+// printer's network goes back to ask, and in the end to where it was before.
+class PrinterFollower {
+public:
+    PrinterFollower(const Recipient& followed, JoinWatch joinWatch)
+        : recipient(followed), watch(std::move(joinWatch)) {}
+    ~PrinterFollower() {
+        if (visited) {
+            EndVisit();
         }
     }
-}
+
+    int AwaitOutcome() {
+        while (true) {
+            std::this_thread::sleep_for(kLookAgain);
+            if (const auto result = LookOnce()) {
+                return *result;
+            }
+        }
+    }
+
+    PrinterFollower(const PrinterFollower&) = delete;
+    PrinterFollower& operator=(const PrinterFollower&) = delete;
+
+private:
+    std::optional<int> LookOnce() {
+        const bool tls = recipient.printer.kind == ServiceKind::Ipps;
+        const IppAnswer answer =
+            AskInTime(recipient.printer, tls ? kStatePatienceWithTls : kStatePatience,
+                      {IppQuestion::Kind::AttributesWithWifi, {}});
+        // Where the host is elsewhere, another printer may have that address.
+        if (answer.kind == IppAnswer::Kind::Granted && IsThePrinter(answer.attributes)) {
+            return watch.Answered(answer.attributes, Clock::now());
+        }
+        const Whereabouts host = WhereaboutsOf(recipient);
+        return host.hasLeft ? FromOutside(host) : watch.Silent(Clock::now());
+    }
+
+    std::optional<int> FromOutside(const Whereabouts& host) {
+        if (!arrival) {
+            arrival.emplace(recipient.printer);
+        }
+        if (arrival->HasCome()) {
+            return JoinWatch::Announced();
+        }
+        const auto result = watch.Gone(Clock::now());
+        if (!result && host.inRange && watch.ShouldGoBack(host.elsewhere, Clock::now())) {
+            GoBack();
+        }
+        return result;
+    }
+
+    bool IsThePrinter(const PrinterAttributes& attributes) const {
+        return IsOnUsb(recipient) ? IsStillThere(recipient.printer, attributes)
+                                  : IsSamePrinter(recipient.printer, attributes);
+    }
+
+    // What is announced in the printer's own network shows nothing.
+    void GoBack() {
+        arrival.reset();
+        visited = true;
+        ReportDetail("back to " + recipient.network + ", to ask the printer");
+        Visit(recipient.network, kVisitPatience);
+        watch.Visited(Clock::now());
+    }
+
+    const Recipient& recipient;
+    JoinWatch watch;
+    std::optional<Arrival> arrival;
+    bool visited = false;
+};
 
 const char* Outcome(int result) {
     switch (result) {
@@ -150,6 +217,8 @@ const char* Outcome(int result) {
             return " does not see the network ";
         case kCannotJoin:
             return " is not let in with that pass phrase by the network ";
+        case kNotConfirmed:
+            return " closed its own network and did not say whether it joined the network ";
         default:
             return " has not joined in time the network ";
     }
@@ -161,8 +230,9 @@ int Give(const Recipient& recipient, const WifiSettings& settings) {
     }
     ReportDetail("the printer at " + PlaceOf(recipient.printer) + " was given the network " +
                  settings.name);
-    const int result =
-        Follow(recipient, JoinWatch(settings.name, recipient.state, Clock::now(), JoinLimit()));
+    const int result = PrinterFollower(recipient, JoinWatch(settings.name, recipient.state,
+                                                            Clock::now(), JoinLimit()))
+                           .AwaitOutcome();
     ReportDetail("it ended with " + std::to_string(result));
     // Over USB the result does not get as far as the user.
     if (result != kOk && IsOnUsb(recipient)) {

@@ -15,9 +15,23 @@ enum PrinterWifiProblemKind : int {
     PRINTER_WIFI_FAILED = 3        // anything else
 };
 
-// What stood in the way of the calling thread's last operation of PrinterWifiAPI: its kind
+// What stood in the way of the calling thread's last operation of PrinterWifiAPI or visit: its kind
 // and, in the `size` bytes at `text`, its reason as terminated UTF-8, cut where it does not fit. An
 // operation that was done, and a thread without one, has an empty reason.
 PRINTERDISCOVERAPI_API int PrinterWifiProblem(char* text, std::size_t size);
+
+// Joins the network of that name, UTF-8, for a visit, as PrinterWifiAPI::ConnectAP does without a
+// pass phrase; waits for the outcome up to `seconds`, and remembers the connection that the host
+// leaves for it. Not 0: joined. A process makes one visit at a time: another one before its end
+// goes on from it. On Windows there are no visits, and this is always 0.
+PRINTERDISCOVERAPI_API int PrinterWifiVisit(const char* network, int seconds);
+
+// Ends the visit: sends the host back to the connection that it left, without waiting until it is
+// there. A host that had none, or has gone to another network since, stays where it is.
+PRINTERDISCOVERAPI_API void PrinterWifiEndVisit();
+
+// For a program that is about to end: breaks off what is being joined, ends the visit, and comes
+// back when what was begun is undone, which takes as long as the system's Wi-Fi service does.
+PRINTERDISCOVERAPI_API void PrinterWifiBreakOff();
 
 }  // extern "C"

@@ -9,6 +9,8 @@ import app_test
 from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, USAGE, device, json_lines
 from host_test import PASS_PHRASE, HostTest, Terminal, reported
 
+# Results of vendor driverless that say nothing about the printer.
+COULD_NOT_LOOK = (2, 3, 4, 5, 6, 8, 19)
 OFFICE = ["ap", "configure", "--network", "Office"]
 DRIVERLESS = os.path.join(os.path.dirname(os.path.abspath(__file__)),
                           "../../modules/driverless/README.md")
@@ -248,7 +250,8 @@ class AccessPointConfigure(HostTest):
 
     def assert_explained(self, number, *command):
         result = self.run_app(*command)
-        self.assert_status(result, NONE_FOUND)
+        could_not_look = command[1] == "check" and number in COULD_NOT_LOOK
+        self.assert_status(result, COULD_NOT_RUN if could_not_look else NONE_FOUND)
         self.assertRegex(result.errors, rf"the vendor's result {number} \(of vendor driverless: "
                                         r"[^.;]{8,}[.;] [^)]{9}", "what it is, and what to do")
         return result.errors
@@ -257,14 +260,24 @@ class AccessPointConfigure(HostTest):
         self.list_file = self.vendor_list([("driverless", "scripted_all")])
         for entry_point, least, command in (
                 ("GetDeviceInfoByNet", {7, 8, 15}, ["ap", "info"]),
-                ("PrinterAPNetConfigEvent", {10, 11, 12, 13, 14, 15, 16}, [*OFFICE, "--open"]),
-                ("IsLocalAreaNetworkOK", {2, 3, 4, 5, 6, 17, 18}, ["ap", "check", "SN1"])):
+                ("PrinterAPNetConfigEvent", {10, 11, 12, 13, 14, 15, 16, 26}, [*OFFICE, "--open"]),
+                ("IsLocalAreaNetworkOK", {2, 3, 4, 5, 6, 8, 17, 18}, ["ap", "check", "SN1"])):
             results = documented_results(entry_point)
             self.assertLessEqual(least, set(results))
             for number in results:
                 with self.subTest(entry_point, result=number):
                     self.script(f"result {entry_point} {number}")
                     self.assert_explained(number, *command)
+
+    def test_a_printer_that_may_have_joined_is_not_said_to_have(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
+        self.script("result PrinterAPNetConfigEvent 26")
+        result = self.run_app(*OFFICE, "--open", "--json")
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(json_lines(result.output),
+                         [{"network": "Office", "configured": False, "result": 26}])
+        self.assert_mentions(result.errors, "it is not known whether the printer is on Office",
+                             "could not be confirmed", "devicediscover scan")
 
     def test_a_result_says_how_to_go_on(self):
         self.list_file = self.vendor_list([("driverless", "scripted_all")])
@@ -336,6 +349,19 @@ class AccessPointCheck(HostTest):
         self.assertEqual((printer["serialNumber"], printer["onLocalNetwork"], printer["result"]),
                          ("SN1", False, 5))
         self.assert_mentions(result.errors, "vendor scripted: the vendor's result 5")
+
+    def test_could_not_look_is_not_told_as_not_there(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
+        for number in COULD_NOT_LOOK:
+            with self.subTest(number):
+                self.script(f"result IsLocalAreaNetworkOK {number}")
+                result = self.run_app("ap", "check", "SN1", "--json")
+                self.assert_status(result, COULD_NOT_RUN)
+                printer, problem = json_lines(result.output)
+                self.assertEqual((printer["onLocalNetwork"], printer["result"]), (None, number))
+                self.assert_mentions(problem["problem"], "could not look for the printer",
+                                     f"the vendor's result {number} ")
+                self.assertNotIn("is not on the local network", result.errors)
 
     def test_each_vendor_is_asked_until_one_knows_it(self):
         self.list_file = self.vendor_list([("a", "scripted_all"), ("b", "scripted_all_b"),

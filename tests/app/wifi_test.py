@@ -49,6 +49,16 @@ class WifiList(HostTest):
                 self.assertEqual(result.output, "")
                 self.assert_mentions(result.errors, "no network", "DeviceDiscover.log")
 
+    def test_could_not_look_is_not_told_as_none(self):
+        self.host('wifi-problem 2 "NetworkManager is not running"')
+        for command in (["list"], ["offer"], ["current"]):
+            with self.subTest(command):
+                result = self.run_app("wifi", *command, "--json")
+                self.assert_status(result, COULD_NOT_RUN)
+                problem, = json_lines(result.output)
+                self.assert_mentions(problem["problem"], "NetworkManager is not running")
+                self.assert_mentions(result.errors, "NetworkManager is not running")
+
     def test_a_terminal_gets_a_table(self):
         self.host(*IN_RANGE, "delay ScanWifiAPBySsid 700")
         terminal = Terminal(self, "wifi", "list")
@@ -87,6 +97,12 @@ class WifiCurrent(HostTest):
         self.assertEqual(result.output, "")
         self.assert_mentions(result.errors, "joined to no Wi-Fi network", "wifi join")
 
+    def test_a_computer_without_wifi_is_on_no_network(self):
+        self.host('wifi-problem 1 "the host has no Wi-Fi adapter"')
+        result = self.run_app("wifi", "current")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "joined to no Wi-Fi network: the host has no Wi-Fi")
+
 
 class WifiJoin(HostTest):
     def test_the_host_gets_name_and_pass_phrase_as_they_were_given(self):
@@ -117,13 +133,23 @@ class WifiJoin(HostTest):
         self.assert_mentions(result.errors, "could not join Office", "wifi list", "pass phrase")
         self.assert_not_shown(result)
 
-    def test_ctrl_c_ends_the_wait(self):
+    def test_a_failure_names_its_reason(self):
+        self.host("join 0", 'wifi-problem 3 "the network gave the host no address"')
+        result = self.run_app("wifi", "join", "Office", "--json", "--open")
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(json_lines(result.output),
+                         [{"network": "Office", "joined": False,
+                           "problem": "the network gave the host no address"}])
+        self.assert_mentions(result.errors, "could not join Office: the network gave the host no")
+
+    def test_ctrl_c_ends_the_wait_and_undoes_the_attempt(self):
         self.host("join 1", "delay ConnectAP 60000")
         terminal = Terminal(self, "wifi", "join", "Office", "--open")
         terminal.expect(r"Joining Office, \d s")
         terminal.type("\x03")
         self.assertEqual(terminal.finish(), NONE_FOUND)
         terminal.expect("interrupted")
+        self.assertEqual(self.host_calls("PrinterWifiBreakOff"), ["PrinterWifiBreakOff"])
 
 
 class Ping(HostTest):

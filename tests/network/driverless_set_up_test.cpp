@@ -193,11 +193,34 @@ TEST_F(JoinWatchTest, TimesOut) {
     EXPECT_EQ(watch.Silent(begin + seconds(30)), kTimedOut);
 }
 
-TEST_F(JoinWatchTest, TakesAPrinterThatLeftForGoodForJoined) {
+TEST_F(JoinWatchTest, APrinterThatStaysAwayIsNotKnownToHaveJoined) {
     JoinWatch watch = Told(WifiState::NotConfigured);
     EXPECT_EQ(watch.Gone(begin + seconds(1)), std::nullopt);
-    EXPECT_EQ(watch.Gone(begin + seconds(1) + kGoneForGood - milliseconds(1)), std::nullopt);
-    EXPECT_EQ(watch.Gone(begin + seconds(1) + kGoneForGood), kOk);
+    EXPECT_EQ(watch.Gone(begin + milliseconds(29'999)), std::nullopt);
+    EXPECT_EQ(watch.Gone(begin + seconds(30)), kNotConfirmed);
+}
+
+TEST_F(JoinWatchTest, APrinterThatLeftLateStillHasItsTime) {
+    JoinWatch watch = Told(WifiState::NotConfigured);
+    EXPECT_EQ(watch.Gone(begin + seconds(29)), std::nullopt);
+    EXPECT_EQ(watch.Gone(begin + seconds(29) + kLeastAbsence - milliseconds(1)), std::nullopt);
+    EXPECT_EQ(watch.Gone(begin + seconds(29) + kLeastAbsence), kNotConfirmed);
+}
+
+TEST_F(JoinWatchTest, AHostThatIsNowhereGoesBackAtOnce_AndAgainAfterAWhile) {
+    JoinWatch watch = Told(WifiState::NotConfigured);
+    EXPECT_EQ(watch.Gone(begin + seconds(1)), std::nullopt);
+    EXPECT_TRUE(watch.ShouldGoBack(false, begin + seconds(1)));
+    watch.Visited(begin + seconds(2));
+    EXPECT_FALSE(watch.ShouldGoBack(false, begin + seconds(2)));
+    EXPECT_TRUE(watch.ShouldGoBack(false, begin + seconds(2) + kBetweenVisits));
+}
+
+TEST_F(JoinWatchTest, AHostThatIsElsewhereStaysThereForAWhile) {
+    JoinWatch watch = Told(WifiState::NotConfigured);
+    EXPECT_EQ(watch.Gone(begin + seconds(1)), std::nullopt);
+    EXPECT_FALSE(watch.ShouldGoBack(true, begin + seconds(1)));
+    EXPECT_TRUE(watch.ShouldGoBack(true, begin + seconds(1) + kPatienceElsewhere));
 }
 
 TEST_F(JoinWatchTest, GoesOnWhenThePrintersNetworkComesBack) {

@@ -375,9 +375,10 @@ class Journey(JourneyTest):
         def close(_):
             printer.await_line("state 7")
             self.move_to_office(PRINTERS_SIDE)
-            self.wifi.leave()
+            self.wifi.forget(OWN_NETWORK)
         ended = self.set_up(PASS_PHRASE, "--json", at={
-            "configure": close, "find": lambda _: self.arrive(HOSTS_SIDE)})
+            "configure": close, "find": lambda _: self.arrive(HOSTS_SIDE)},
+                            DRIVERLESS_JOIN_SECONDS="4")
         self.assertEqual(ended.status, 0, str(ended))
         self.assertEqual(self.assert_steps(ended)["printer"]["address"], OFFICE + "1")
         self.assertEqual(printer.given(), [(NAME, PASS_PHRASE)])

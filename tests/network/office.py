@@ -35,6 +35,7 @@ class HostWifi:
             assert time.monotonic() < deadline, "the simulated NetworkManager does not answer"
             time.sleep(0.02)
         self.points = 0
+        self.paths = {}
         self.adapter = self._tell("AddAdapter", "string:lab0", f"int32:{DISCONNECTED}")
 
     @staticmethod
@@ -57,6 +58,7 @@ class HostWifi:
             f"string:00:11:22:33:44:{self.points:02X}", f"uint32:{INFRASTRUCTURE}",
             f"byte:{signal}", f"uint32:{PRIVACY if pass_phrase else 0}", "uint32:0",
             f"uint32:{PSK if pass_phrase else 0}")
+        self.paths[name] = point
         self._tell("SetPassPhrase", "string:" + point, "string:" + pass_phrase, "string:join")
 
     def joinings(self):
@@ -73,6 +75,11 @@ class HostWifi:
         answer = self._call("org.freedesktop.NetworkManager.DeactivateConnection",
                             "objpath:" + path)
         assert answer.returncode == 0, answer.stderr
+
+    def forget(self, name):
+        """The network is gone, and the host is in it no longer."""
+        self.leave()
+        self._tell("RemoveAccessPoint", "string:" + self.adapter, "string:" + self.paths[name])
 
     def end(self):
         self.process.kill()

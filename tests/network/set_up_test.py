@@ -26,6 +26,7 @@ OK = 0
 NOT_PRINTERS_NETWORK, NO_WIFI_ANSWER = 7, 8
 REFUSED, NOT_VISIBLE, CANNOT_JOIN, TIMED_OUT, NOT_ALLOWED, NOT_REACHED, NOT_VALID = range(10, 17)
 NOT_ON_NETWORK = 17
+NOT_CONFIRMED = 26
 STILL_REPORTING = 1
 
 OWN_NETWORK = "DIRECT-a1-Acme Laser"
@@ -128,6 +129,29 @@ class HostWifi:
     def leave(self):
         self._tell("SetDeviceDisconnected", "string:" + ADAPTER)
 
+    def forget(self, name):
+        """The network is gone, and the host is in it no longer."""
+        self.leave()
+        self._tell("RemoveAccessPoint", "string:" + ADAPTER, "string:" + self.paths[name])
+
+    @staticmethod
+    def _property(path, interface, name):
+        return subprocess.run(
+            ["dbus-send", "--system", "--print-reply=literal",
+             "--dest=org.freedesktop.NetworkManager", path,
+             "org.freedesktop.DBus.Properties.Get", "string:" + interface, "string:" + name],
+            check=True, capture_output=True, text=True, timeout=PATIENCE).stdout.split()[-1]
+
+    def joined(self):
+        """The network of the profile that the adapter uses."""
+        active = self._property(ADAPTER, "org.freedesktop.NetworkManager.Device",
+                                "ActiveConnection")
+        profile = self._property(active, "org.freedesktop.NetworkManager.Connection.Active",
+                                 "Connection")
+        point = os.path.basename(profile)
+        return next((name for name, path in self.paths.items() if path.endswith("/" + point)),
+                    profile)
+
     def switch_off(self):
         self.leave()
         self._tell("SetProperty", "string:" + NM, "string:org.freedesktop.NetworkManager",
@@ -178,6 +202,20 @@ class SetUpTest(unittest.TestCase):
 
     def end_probe(self, probe):
         self.assertEqual(probe.end(), 0, probe.diagnostics())
+
+
+def announce(test, name="Radio", port=631):
+    announcement = subprocess.Popen(
+        [LAB, "run-beside-printers", "setpriv", "--pdeathsig", "KILL", "avahi-publish", "-s",
+         name, "_ipp._tcp", str(port), "rp=ipp/print"], stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT, text=True)
+    test.addCleanup(announcement.stdout.close)
+    test.addCleanup(announcement.wait)
+    test.addCleanup(announcement.kill)
+    for line in announcement.stdout:
+        if "Established" in line:
+            return
+    test.fail("it could not be announced")
 
 
 class RealPrinter(SetUpTest):
@@ -271,16 +309,47 @@ class RealPrinter(SetUpTest):
         self.assertEqual(event["result"], TIMED_OUT)
         self.assertLess(event["took"], 8 * SLACK)
 
-    def test_a_printer_that_closes_its_network_for_good_has_joined(self):
-        printer, probe = self.begin("--joins-in", "60000")
+    def test_a_printer_that_closes_its_network_for_good_is_not_known_to_have_joined(self):
+        printer, probe = self.begin("--joins-in", "60000",
+                                    environment={"DRIVERLESS_JOIN_SECONDS": "4"})
+        self.wifi.have_network("HomeNet", 60)
         probe.configure(NAME, PASS_PHRASE)
         printer.await_line("state 7")
-        self.wifi.leave()
+        self.wifi.forget(OWN_NETWORK)
         printer.end()
         self.running.remove(printer)
         event = probe.await_event("configure")
-        self.assertEqual(event["result"], OK)
+        self.assertEqual(event["result"], NOT_CONFIRMED)
         self.assertGreater(event["took"], 9)
+
+    def test_a_printer_that_is_met_on_the_network_has_joined(self):
+        lab("cold")
+        printer, probe = self.begin("--joins-in", "60000")
+        probe.configure(NAME, PASS_PHRASE)
+        printer.await_line("state 7")
+        self.wifi.forget(OWN_NETWORK)
+        self.wifi.have_network("Home", 60)
+        self.wifi.join("Home")
+        printer.end()
+        self.running.remove(printer)
+        self.fake("--behaviour", "no-wifi", "--port", "9000", "--serial", SERIAL)
+        announce(self, port=9000)
+        event = probe.await_event("configure")
+        self.assertEqual(event["result"], OK)
+        self.assertLess(event["took"], 15 * SLACK)
+
+    def test_the_host_goes_back_to_ask_and_then_to_where_it_was(self):
+        printer, probe = self.begin("--joins-in", "5000")
+        self.wifi.have_network("Home", 60)
+        probe.configure(NAME, "wrong-horse battery")
+        printer.await_line("state 7")
+        self.wifi.leave()
+        self.wifi.join("Home")
+        lab("run", "ip", "link", "set", "lab0", "down")
+        time.sleep(2)
+        lab("run", "ip", "link", "set", "lab0", "up")
+        self.assertEqual(probe.await_event("configure")["result"], CANNOT_JOIN)
+        self.assertEqual(self.wifi.joined(), "Home")
 
     def assert_not_left(self, lose_wifi):
         """Nothing is known of a printer whose host has lost its own Wi-Fi."""
@@ -364,9 +433,10 @@ class OtherPrinters(SetUpTest):
         printer, probe = self.begin("leaves")
         probe.configure(NAME, PASS_PHRASE)
         printer.await_line(f"given {NAME.encode().hex()} {PASS_PHRASE.encode().hex()} plain")
-        self.wifi.leave()
+        self.wifi.have_network("HomeNet", 60)
+        self.wifi.forget(OWN_NETWORK)
         event = probe.await_event("configure", 2 * PATIENCE)
-        self.assertEqual(event["result"], OK)
+        self.assertEqual(event["result"], NOT_CONFIRMED)
         self.assertGreater(event["took"], 19)
 
     def test_a_printer_that_is_gone_before_it_is_given_the_network_has_not_taken_it(self):
@@ -608,17 +678,7 @@ class LocalNetwork(SetUpTest):
         lab("cold")
 
     def announce(self, name="Radio", port=631):
-        announcement = subprocess.Popen(
-            [LAB, "run-beside-printers", "setpriv", "--pdeathsig", "KILL", "avahi-publish", "-s",
-             name, "_ipp._tcp", str(port), "rp=ipp/print"], stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT, text=True)
-        self.addCleanup(announcement.stdout.close)
-        self.addCleanup(announcement.wait)
-        self.addCleanup(announcement.kill)
-        for line in announcement.stdout:
-            if "Established" in line:
-                return
-        self.fail("it could not be announced")
+        announce(self, name, port)
 
     def test_a_printer_that_joined_is_found_when_the_host_is_there_too(self):
         self.have_wifi()

@@ -96,6 +96,8 @@ bool HostScript::Apply(const std::string& line) {
         bool joined = false;
         words >> joined;
         joinResults.push_back(joined);
+    } else if (directive == "wifi-problem") {
+        words >> wifiProblem >> wifiReason;
     } else if (directive == "delay") {
         std::string operation;
         std::int64_t milliseconds = 0;

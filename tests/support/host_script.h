@@ -23,6 +23,8 @@ std::string Quoted(const std::wstring& text);
 //   network "<ssid>" <signal quality> <security> <exclude flag>
 //   joined "<ssid>" "<hardware address>" "<interface>"
 //   join <0 or 1>              the outcome of the next ConnectAP; the host is joined then
+//   wifi-problem <kind> "<reason>"
+//                              what PrinterWifiProblem tells
 //   delay <operation> <ms>     how long each call of it takes
 //   port "<hardware identifier>" <devices> <bus>
 //   change <ms> <state> "<hardware identifier>"
@@ -49,6 +51,8 @@ struct HostScript {
     std::vector<PrinterWifiApiStruct::WlanInfoData> inRange;
     std::vector<std::wstring> joinedTo{{}, {}, {}};
     std::vector<bool> joinResults;
+    int wifiProblem = 0;
+    std::wstring wifiReason;
     std::map<std::string, std::chrono::milliseconds> delays;
     std::map<std::wstring, std::pair<int, int>> ports;
     std::vector<Change> changes;

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "host/PrinterDiscoverAPI/ping_report.h"
+#include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 #include "tests/support/host_script.h"
 
 namespace {
@@ -224,3 +225,16 @@ void PrinterUsbDeviceManager::StopMonitor() {
 }
 
 }  // namespace PrinterDiscoverAPI
+
+int PrinterWifiProblem(char* text, std::size_t size) {
+    const std::wstring& reason = TheState().script.wifiReason;
+    const std::string narrow(reason.begin(), reason.end());
+    if (text != nullptr && size > 0) {
+        text[narrow.copy(text, size - 1)] = '\0';
+    }
+    return TheState().script.wifiProblem;
+}
+
+void PrinterWifiBreakOff() {
+    TheState().script.Play("PrinterWifiBreakOff");
+}

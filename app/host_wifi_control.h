@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
+
+namespace App {
+
+// Why an operation of the host's Wi-Fi brought nothing. Libraries of other vendors may not tell.
+struct HostWifiProblem {
+    int kind = PRINTER_WIFI_DONE;
+    std::string reason;
+
+    // What was asked is not known, as against known to be nothing.
+    bool HidesTheAnswer() const {
+        return kind != PRINTER_WIFI_DONE && kind != PRINTER_WIFI_NO_ADAPTER;
+    }
+};
+
+// Of the calling thread's last operation.
+HostWifiProblem LastHostWifiProblem();
+
+// Undoes what the program has begun with the host's Wi-Fi and not brought to its end; waits for
+// that up to `patience`.
+void BreakOffHostWifi(std::chrono::milliseconds patience);
+
+// A function of the library PrinterDiscoverAPI; null where it has none of that name.
+void* HostWifiFunction(const char* name);
+
+}  // namespace App

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace Host {
+
+// The host's visit to another network, of which there is one at a time. Both throw WifiProblem.
+void VisitNetwork(const std::wstring& network, std::chrono::seconds limit);
+void EndNetworkVisit();
+
+}  // namespace Host
