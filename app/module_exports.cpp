@@ -208,7 +208,8 @@ std::vector<std::string> ExportedNames(std::istream& file) {
 
 std::string NearMiss(const std::string& entryPoint, const std::vector<std::string>& names) {
     for (const std::string& name : names) {
-        const std::string exported = entryPoint + ": the module exports " + name;
+        std::string exported = entryPoint;
+        exported.append(": the module exports ").append(name);
         if (IsSameButForCase(name, entryPoint)) {
             return exported + "; the name must be the same in upper and lower case";
         }
