@@ -14,67 +14,15 @@ using namespace NetworkManagerName;
 // The attempt's state is looked at this often even when no signal comes.
 constexpr std::chrono::milliseconds kLookAgain{500};
 
-// Of an adapter.
-constexpr std::uint32_t kWantsSecrets = 60;
-constexpr std::uint32_t kFailed = 120;
-
-enum Reason : std::uint32_t {
-    kNothing = 0,
-    kUnknown = 1,
-    kNoAddress = 5,
-    kNoSecrets = 7,
-    kSupplicantDisconnected = 8,
-    kSupplicantMisconfigured = 9,
-    kSupplicantFailed = 10,
-    kSupplicantTimedOut = 11,
-    kDhcpNotStarted = 15,
-    kDhcpError = 16,
-    kDhcpFailed = 17,
-    kAdapterRemoved = 36,
-    kEndedByUser = 39,
-    kNameNotFound = 53,
-    kOtherConnection = 60
-};
-
-constexpr const char* kWrongPassPhrase = "the pass phrase is wrong";
-
-std::string DescribeReason(std::uint32_t reason) {
-    switch (reason) {
-        case kNoSecrets:
-            return kWrongPassPhrase;
-        case kSupplicantDisconnected:
-            return "the access point refused; the pass phrase may be wrong";
-        case kSupplicantMisconfigured:
-        case kSupplicantFailed:
-            return "the adapter cannot join such a network";
-        case kSupplicantTimedOut:
-            return "the access point did not answer";
-        case kNoAddress:
-        case kDhcpNotStarted:
-        case kDhcpError:
-        case kDhcpFailed:
-            return "the network gave the host no address";
-        case kAdapterRemoved:
-            return "the Wi-Fi adapter was removed";
-        case kEndedByUser:
-            return "someone ended it";
-        case kNameNotFound:
-            return "the network is not in range any more";
-        case kOtherConnection:
-            return "another connection took the adapter";
-        default:
-            return "NetworkManager gave up, reason " + std::to_string(reason);
-    }
-}
-
 }  // namespace
 
-Activation::Activation(const NetworkManager& service, const sdbus::ObjectPath& wifiAdapter)
-    : manager(service), adapter(wifiAdapter), device(manager.Object(adapter)) {
+Activation::Activation(const NetworkManager& service, const sdbus::ObjectPath& wifiAdapter,
+                       bool offersSae)
+    : manager(service), adapter(wifiAdapter), device(manager.Object(adapter)), answers(offersSae) {
     device->uponSignal("StateChanged")
         .onInterface(kDevice)
         .call([this](std::uint32_t now, std::uint32_t /*before*/, std::uint32_t why) {
-            OnDeviceState(now, why);
+            answers.AdapterIs(now, why);
         });
     device->finishRegistration();
 }
@@ -92,6 +40,7 @@ void Activation::StartSaved(const sdbus::ObjectPath& profile,
         .onInterface(kService)
         .withArguments(profile, adapter, accessPoint)
         .storeResultsTo(active);
+    Listen();
 }
 
 void Activation::StartNew(const ConnectionSettings& settings,
@@ -115,17 +64,16 @@ void Activation::StartNew(const ConnectionSettings& settings,
             .withArguments(settings, adapter, accessPoint)
             .storeResultsTo(ownProfile, active);
     }
+    Listen();
 }
 
-void Activation::OnDeviceState(std::uint32_t now, std::uint32_t why) {
-    if (now == kWantsSecrets && why == kSupplicantDisconnected) {
-        isRefused = true;
-    } else if (now == kFailed) {
-        hasFailed = true;
-        reason = why;
-    } else if (!hasFailed && why != kNothing && why != kUnknown) {
-        reason = why;
-    }
+// The attempt's own reasons.
+void Activation::Listen() {
+    attempt = manager.Object(active);
+    attempt->uponSignal("StateChanged")
+        .onInterface(kActive)
+        .call([this](std::uint32_t now, std::uint32_t why) { answers.AttemptIs(now, why); });
+    attempt->finishRegistration();
 }
 
 std::uint32_t Activation::ActiveState() const {
@@ -150,15 +98,12 @@ void Activation::Await(NetworkManager::Clock::time_point deadline) {
         }
         // What the adapter said of it has arrived before.
         manager.AwaitSignals(NetworkManager::Clock::now());
-        if (isRefused) {
-            throw WifiProblem(kWrongPassPhrase);
-        }
-        if (state == State::kGone) {
-            throw WifiProblem(DescribeReason(reason));
+        if (state == State::kGone || answers.IsRefused()) {
+            throw WifiProblem(answers.WhyEnded());
         }
         const auto now = NetworkManager::Clock::now();
         if (now >= deadline) {
-            throw WifiProblem("not joined within " + std::to_string(kJoinLimit.count()) + " s");
+            throw WifiProblem(answers.WhyNotIn(kJoinLimit.count()));
         }
         manager.AwaitSignals(std::min(deadline, now + kLookAgain));
     }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "host/PrinterDiscoverAPI/attempt_answers_linux.h"
 #include "host/PrinterDiscoverAPI/network_manager_linux.h"
 
 namespace Host {
@@ -11,7 +12,8 @@ namespace Host {
 // not succeed is undone.
 class Activation {
 public:
-    Activation(const NetworkManager& service, const sdbus::ObjectPath& wifiAdapter);
+    // `offersSae`: the access point has WPA3.
+    Activation(const NetworkManager& service, const sdbus::ObjectPath& wifiAdapter, bool offersSae);
     ~Activation();
     Activation(const Activation&) = delete;
     Activation& operator=(const Activation&) = delete;
@@ -26,18 +28,17 @@ public:
 private:
     enum class State : std::uint32_t { kActivated = 2, kGone = 4 };
 
-    void OnDeviceState(std::uint32_t now, std::uint32_t reason);
+    void Listen();
     std::uint32_t ActiveState() const;
     void Undo() const;
 
     const NetworkManager& manager;
     const sdbus::ObjectPath adapter;
     std::unique_ptr<sdbus::IProxy> device;
+    std::unique_ptr<sdbus::IProxy> attempt;
     sdbus::ObjectPath active;
     sdbus::ObjectPath ownProfile;  // made for this attempt; empty when none was
-    std::uint32_t reason = 0;      // the adapter's, for what became of it
-    bool hasFailed = false;
-    bool isRefused = false;  // the access point did not take the pass phrase
+    AttemptAnswers answers;
     bool hasSucceeded = false;
 };
 

@@ -236,9 +236,10 @@ private:
         }
         if (std::none_of(adapters.begin(), adapters.end(), IsUsable)) {
             const Adapter& adapter = adapters.front();
-            throw WifiProblem(adapter.interfaceName + (adapter.state == kUnmanaged
-                                                           ? " is not managed by NetworkManager"
-                                                           : " is not ready"));
+            throw WifiProblem(adapter.interfaceName +
+                              (adapter.state == kUnmanaged
+                                   ? " is not managed by NetworkManager"
+                                   : " is not ready; it may be switched off, or its link down"));
         }
     }
 
@@ -374,7 +375,8 @@ private:
     void Activate(const AccessPoint& accessPoint, const std::string& passPhrase,
                   Clock::time_point deadline) const {
         RequireRadio();
-        Activation activation(manager, accessPoint.adapter);
+        const bool offersSae = (accessPoint.protection & kWpa3Personal) != 0;
+        Activation activation(manager, accessPoint.adapter, offersSae);
         const bool isOpen = (accessPoint.protection & ~kOpportunistic) == 0;
         if (!passPhrase.empty() || isOpen) {
             activation.StartNew(SettingsFor(accessPoint, passPhrase), accessPoint.identity);

@@ -20,6 +20,8 @@ using Clock = std::chrono::steady_clock;
 
 const std::wstring kSecret = L"correct horse 7";
 const std::string kSecretText = "correct horse 7";
+const std::wstring kBrokenOff =
+    L"the access point broke off the handshake; the pass phrase may be wrong";
 
 // What a program prints.
 std::string OutputOf(const std::string& command) {
@@ -239,7 +241,7 @@ TEST_F(WifiWithoutAdapter, AnAdapterThatIsNotManaged_IsSaidToBe) {
 
 TEST_F(WifiWithoutAdapter, AnAdapterThatIsNotReady_IsSaidToBe) {
     service.AddAdapter("wlan0", kUnavailable);
-    ExpectNoWifi(L"wlan0 is not ready");
+    ExpectNoWifi(L"wlan0 is not ready; it may be switched off, or its link down");
 }
 
 TEST_F(Wifi, WhereTheRadioIsOff_IsSaidToBe) {
@@ -346,7 +348,7 @@ TEST_F(Wifi, AWrongPassPhraseIsSaidToBe) {
     const std::string point = service.Add(adapter, {.name = "Home", .rsn = kPsk});
     service.SetPassPhrase(point, "another one");
     const auto start = Clock::now();
-    ExpectNotJoined(L"Home", kSecret, L"the pass phrase is wrong");
+    ExpectNotJoined(L"Home", kSecret, kBrokenOff);
     EXPECT_LT(SecondsSince(start), 3);
     ExpectTidy();
 }
@@ -394,7 +396,7 @@ TEST_F(Wifi, WhatGoesWrongIsSaid) {
     service.SetPassPhrase(point, kSecretText, "no address");
     ExpectNotJoined(L"Home", kSecret, L"the network gave the host no address");
     service.SetPassPhrase(point, kSecretText, "gone");
-    ExpectNotJoined(L"Home", kSecret, L"the network is not in range any more");
+    ExpectNotJoined(L"Home", kSecret, L"the access point does not answer; it may be out of range");
     ExpectTidy();
 }
 
@@ -409,7 +411,7 @@ TEST_F(Wifi, AnAttemptThatDoesNotEnd_IsNotAwaitedForEver) {
     const std::string point = service.Add(adapter, {.name = "Home", .rsn = kPsk});
     service.SetPassPhrase(point, kSecretText, "hang");
     const auto start = Clock::now();
-    ExpectNotJoined(L"Home", kSecret, L"not joined within 30 s");
+    ExpectNotJoined(L"Home", kSecret, L"the access point did not let the host in within 30 s");
     EXPECT_NEAR(SecondsSince(start), 30, 1);
     ExpectTidy();
 }
@@ -446,7 +448,7 @@ TEST_F(Wifi, AnOlderServiceJoinsToo_AndKeepsNothingOfAFailure) {
     service.SetOld(true);
     const std::string point = service.Add(adapter, {.name = "Home", .rsn = kPsk});
     service.SetPassPhrase(point, "another one");
-    ExpectNotJoined(L"Home", kSecret, L"the pass phrase is wrong");
+    ExpectNotJoined(L"Home", kSecret, kBrokenOff);
     ExpectTidy();
     service.SetPassPhrase(point, kSecretText);
     EXPECT_TRUE(Connect(L"Home", kSecret));
