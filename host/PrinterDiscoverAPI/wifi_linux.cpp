@@ -46,6 +46,9 @@ enum KeyManagement : std::uint32_t {
 
 // While a scan is awaited.
 constexpr std::chrono::milliseconds kLookAgain{100};
+// A network that hides its name is asked for this long, this often at most.
+constexpr std::chrono::seconds kSearchLimit{15};
+constexpr std::chrono::milliseconds kAskAgain{500};
 // A scan that ended this short a time ago is as good as a new one.
 constexpr std::chrono::seconds kFresh{10};
 constexpr std::int64_t kNoScanTime = -2;
@@ -169,7 +172,11 @@ public:
     void Scan(const std::string& name) override {
         Translated([&] {
             RequireRadio();
-            AwaitScans(RequestScans(name));
+            if (name.empty()) {
+                AwaitScans(RequestScans(name), Clock::now() + kScanLimit);
+            } else {
+                Search(name);
+            }
         });
     }
 
@@ -251,6 +258,34 @@ private:
                           : kNoScanTime;
     }
 
+    // While another scan runs, the service drops the one with a name, and the other's end is all
+    // that is heard of it: asked for again until the network is in sight.
+    void Search(const std::string& name) const {
+        const auto deadline = Clock::now() + kSearchLimit;
+        for (;;) {
+            const auto next = std::min(deadline, Clock::now() + kAskAgain);
+            const std::vector<ScanWatch> watches = RequestScans(name);
+            AwaitScans(watches, deadline);
+            if (std::all_of(watches.begin(), watches.end(), IsDenied) || IsInSight(name)) {
+                return;
+            }
+            while (Clock::now() < next) {
+                Undertaking::GoOn();
+                manager.AwaitSignals(std::min(next, Clock::now() + kLookAgain));
+            }
+            if (Clock::now() >= deadline) {
+                return;
+            }
+        }
+    }
+
+    bool IsInSight(const std::string& name) const {
+        const std::vector<AccessPoint> found = FindAccessPoints();
+        return std::any_of(found.begin(), found.end(), [&](const AccessPoint& one) {
+            return one.name == name || ToUtf8(NetworkNameText(one.name)) == name;
+        });
+    }
+
     std::vector<ScanWatch> RequestScans(const std::string& name) const {
         Properties options;
         if (!name.empty() && name.size() <= kLongestNetworkName) {
@@ -270,6 +305,7 @@ private:
     }
 
     static bool IsAccepted(const ScanWatch& watch) { return watch.reply == ScanReply::kAccepted; }
+    static bool IsDenied(const ScanWatch& watch) { return watch.reply == ScanReply::kDenied; }
 
     ScanReply RequestScan(const std::string& adapter, const Properties& options) const {
         try {
@@ -282,7 +318,7 @@ private:
             if (IsServiceLost(error)) {
                 throw;
             }
-            if (!IsDenied(error)) {
+            if (!Host::IsDenied(error)) {
                 return ScanReply::kBusy;
             }
             ReportDenied(DescribeError(error));
@@ -298,8 +334,7 @@ private:
                last != watch.lastBefore || (watch.reply == ScanReply::kBusy && last >= freshSince);
     }
 
-    void AwaitScans(std::vector<ScanWatch> watches) const {
-        const auto deadline = Clock::now() + kScanLimit;
+    void AwaitScans(std::vector<ScanWatch> watches, Clock::time_point deadline) const {
         for (;;) {
             std::erase_if(watches, [this](const ScanWatch& watch) { return IsDone(watch); });
             Undertaking::GoOn();

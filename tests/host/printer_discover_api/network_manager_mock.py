@@ -9,7 +9,8 @@ interface org.freedesktop.DBus.Mock of the manager's object:
   SetPassPhrase   what joining an access point takes, and what happens then: "join", "no address",
                   "hang", "gone" or, at once, "talkative", which refuses quoting what it was given;
                   by itself a network is joined without a pass phrase
-  SetScans        what scans do: "work", "refused", "endless" or, by the bus's policy or the service's
+  SetScans        what scans do: "work", "refused", "endless", "dropped" for one that another takes the
+                  place of, whose end is heard, before they work, or, by the bus's policy or the service's
                   own, "denied" or "not permitted"
   SetScansOf      the same for one adapter
   SetOld          the service is one that cannot make profiles that last as long as the connection
@@ -161,7 +162,10 @@ def scan(adapter, options):
     if outcome == "not permitted":
         raise problem("org.freedesktop.NetworkManager.PermissionDenied", "Insufficient privileges")
     asked = [bytes(name) for name in options.get("ssids", [])]
-    if outcome == "work":
+    if outcome == "dropped":
+        state["scans"] = "work"
+        asked = []
+    if outcome in ("work", "dropped"):
         GLib.timeout_add(3 * STEP, end_scan, adapter, asked)
 
 

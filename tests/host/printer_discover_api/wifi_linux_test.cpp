@@ -299,7 +299,9 @@ TEST_F(Wifi, AServiceThatEndsDuringAScan_EndsIt) {
 
 TEST_F(Wifi, AHostThatIsJoinedToNothing_SaysNothing) {
     service.Add(adapter, {.name = "Home"});
+    service.SetScans("denied");
     EXPECT_FALSE(Connect(L"Homes", L""));
+    service.SetScans("work");
     EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_FAILED);
     EXPECT_EQ(LastProblem().reason, "no access point of that name is in range");
     char cut[3];
@@ -461,10 +463,23 @@ TEST_F(Wifi, AHiddenNetworkIsAskedFor) {
     EXPECT_TRUE(Connect(L"Secret Garden", kSecret));
 }
 
+TEST_F(Wifi, AHiddenNetworkIsAskedForAgain_WhereAnotherScanWasHeard) {
+    const std::string point =
+        service.Add(adapter, {.name = "Secret Garden", .rsn = kPsk, .seen = "asked"});
+    service.SetPassPhrase(point, kSecretText);
+    service.SetScans("dropped");
+    EXPECT_TRUE(Connect(L"Secret Garden", kSecret));
+    EXPECT_EQ(service.Calls(adapter, "RequestScan"), 2);
+}
+
 TEST_F(Wifi, ANetworkThatIsNotThere_IsLookedForAndSaidToBeMissing) {
     service.Add(adapter, {.name = "Home", .rsn = kPsk});
+    const auto start = Clock::now();
     ExpectNotJoined(L"Homes", kSecret, L"no access point of that name is in range");
-    EXPECT_EQ(service.Calls(adapter, "RequestScan"), 1);
+    EXPECT_LT(SecondsSince(start), 18);
+    // Again and again, and not without a pause.
+    EXPECT_GT(service.Calls(adapter, "RequestScan"), 2);
+    EXPECT_LE(service.Calls(adapter, "RequestScan"), 31);
 }
 
 TEST_F(Wifi, ANameThatIsNoText_IsJoinedAsAScanShowsIt) {
@@ -537,6 +552,7 @@ TEST_F(Wifi, KeepsNoFileOpen) {
     Scan();
     QueryConnected();
     Connect(L"Home", L"");
+    service.SetScans("denied");
     Connect(L"Nowhere", L"");
     EXPECT_EQ(count(), before);
 }
