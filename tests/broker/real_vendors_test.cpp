@@ -37,7 +37,7 @@ protected:
         const char* separator = "";
         for (const auto& [productId, module] : vendors) {
             file << separator << R"({"productId": ")" << productId << R"(", "scanModuleName": ")"
-                 << module << R"("})";
+                 << module << R"(", "usbIdList": "-"})";
             separator = ", ";
         }
         file << "]}";
