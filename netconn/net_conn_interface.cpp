@@ -9,21 +9,21 @@ namespace PrinterDeviceDiscoverSdk {
 namespace {
 
 using Item = NetConnInterfaceItem;
-using Vendors = Broker::VendorTable<Item>;
+using NetConnVendors = Broker::VendorTable<Item>;
 
-constexpr auto& kEntryPoints = Broker::kNetConnEntryPoints<Item>;
+constexpr auto& kNetConnEntries = Broker::kNetConnEntryPoints<Item>;
 
 // The chosen vendor's entry point; null, with the reason logged, when there is no vendor or it has
 // none.
 template <auto Slot>
-auto ChosenFunction(const Vendors& vendors, Vendors::const_iterator vendor, const char* missing,
-                    const Broker::Location& where) {
-    using Chosen = decltype(Broker::FunctionOf<Slot, kEntryPoints>(*vendor));
+auto ChosenFunction(const NetConnVendors& vendors, NetConnVendors::const_iterator vendor,
+                    const char* missing, const Broker::Location& where) {
+    using Chosen = decltype(Broker::FunctionOf<Slot, kNetConnEntries>(*vendor));
     if (vendor == vendors.end()) {
         Broker::Log(LOG_LEVEL_ERROR, where, "call Func map find fail:");
         return Chosen();
     }
-    Chosen function = Broker::FunctionOf<Slot, kEntryPoints>(*vendor);
+    Chosen function = Broker::FunctionOf<Slot, kNetConnEntries>(*vendor);
     if (!function) {
         Broker::Log(LOG_LEVEL_WARNING, where, missing);
     }
@@ -55,21 +55,21 @@ bool NetConnInterface::Init() {
 }
 
 bool NetConnInterface::GetDeviceFunc() {
-    return Broker::BindVendors(vendors, &VendorInfo::vendorName, kEntryPoints, HERE);
+    return Broker::BindVendors(vendors, &VendorInfo::vendorName, kNetConnEntries, HERE);
 }
 
 void NetConnInterface::UnInit() {
     Broker::ReleaseVendors(vendors);
 }
 
-Vendors::iterator NetConnInterface::GetCurrentNetConnectWifiAPInterface() {
+NetConnVendors::iterator NetConnInterface::GetCurrentNetConnectWifiAPInterface() {
     if (!initialised) {
         Broker::NotInitialised(HERE);
         return vendors.end();
     }
     for (auto vendor = vendors.begin(); vendor != vendors.end(); ++vendor) {
         const auto isConnected =
-            Broker::FunctionOf<&Item::IsConnectCurrentWifiAP, kEntryPoints>(*vendor);
+            Broker::FunctionOf<&Item::IsConnectCurrentWifiAP, kNetConnEntries>(*vendor);
         if (!isConnected) {
             Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
             continue;
@@ -165,7 +165,8 @@ int NetConnInterface::IsLocalAreaNetworkOK(const DeviceInfo& device) {
     if (vendor == vendors.end()) {
         return Broker::kNothingToCall;
     }
-    const auto isReachable = Broker::FunctionOf<&Item::IsLocalAreaNetworkOK, kEntryPoints>(*vendor);
+    const auto isReachable =
+        Broker::FunctionOf<&Item::IsLocalAreaNetworkOK, kNetConnEntries>(*vendor);
     if (!isReachable) {
         Broker::Log(LOG_LEVEL_ERROR, HERE, "call pFunc is nullptr - fail:", vendor->first);
         return Broker::kNothingToCall;

@@ -8,15 +8,15 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-using Entry = ScanInterface::VendorEntry;
-using Vendors = Broker::VendorTable<Entry>;
+using ScanEntry = ScanInterface::VendorEntry;
+using ScanVendors = Broker::VendorTable<ScanEntry>;
 
-constexpr auto& kEntryPoints = Broker::kScanEntryPoints<Entry>;
+constexpr auto& kScanEntries = Broker::kScanEntryPoints<ScanEntry>;
 
 // Tells the device's vendor of a connection event.
 template <auto Slot>
-int Notify(const Vendors& vendors, const DeviceInfo& device, const Broker::Location& where) {
-    const auto notify = Broker::FindFunction<Slot, kEntryPoints>(vendors, device, where);
+int Notify(const ScanVendors& vendors, const DeviceInfo& device, const Broker::Location& where) {
+    const auto notify = Broker::FindFunction<Slot, kScanEntries>(vendors, device, where);
     if (!notify) {
         return Broker::kNothingToCall;
     }
@@ -49,7 +49,7 @@ bool ScanInterface::Init() {
 }
 
 bool ScanInterface::GetDeviceFunc() {
-    return Broker::BindVendors(vendors, &VendorInfo::scanModuleName, kEntryPoints, HERE);
+    return Broker::BindVendors(vendors, &VendorInfo::scanModuleName, kScanEntries, HERE);
 }
 
 void ScanInterface::UnInit() {
@@ -70,7 +70,7 @@ int ScanInterface::StartDeviceScan(const DeviceCallbackInfo& info) {
             Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Not Enable");
             return Broker::kNoCallback;
         }
-        const auto scan = Broker::FunctionOf<&VendorEntry::StartDeviceScan, kEntryPoints>(vendor);
+        const auto scan = Broker::FunctionOf<&VendorEntry::StartDeviceScan, kScanEntries>(vendor);
         if (!scan) {
             Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
             continue;
@@ -95,7 +95,7 @@ int ScanInterface::StopDeviceScan() {
     const std::lock_guard lock(mutex);
     int result = Broker::kNothingToCall;
     for (const auto& vendor : vendors) {
-        const auto stop = Broker::FunctionOf<&VendorEntry::StopDeviceScan, kEntryPoints>(vendor);
+        const auto stop = Broker::FunctionOf<&VendorEntry::StopDeviceScan, kScanEntries>(vendor);
         if (!stop) {
             Broker::Log(LOG_LEVEL_WARNING, HERE, "pFunc is nullptr, err:");
             continue;
@@ -109,7 +109,7 @@ int ScanInterface::GetDeviceConnectState(const DeviceInfo& device) {
     if (!initialised) {
         return Broker::NotInitialised(HERE);
     }
-    const auto getState = Broker::FindFunction<&VendorEntry::GetDeviceConnectState, kEntryPoints>(
+    const auto getState = Broker::FindFunction<&VendorEntry::GetDeviceConnectState, kScanEntries>(
         vendors, device, HERE);
     if (!getState) {
         return Broker::kNothingToCall;

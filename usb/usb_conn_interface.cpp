@@ -11,10 +11,10 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-using Entry = UsbConnInterface::VendorEntry;
-using UsbVendors = Broker::VendorTable<Entry>;
+using UsbEntry = UsbConnInterface::VendorEntry;
+using UsbVendors = Broker::VendorTable<UsbEntry>;
 
-constexpr auto& kEntryPoints = Broker::kUsbEntryPoints<Entry>;
+constexpr auto& kUsbEntries = Broker::kUsbEntryPoints<UsbEntry>;
 
 constexpr std::int32_t kMostDevices = 64;
 constexpr std::int32_t kMostNetworks = 128;
@@ -69,7 +69,8 @@ Enumeration FindEnumeration(const std::map<std::string, std::string>& usbIdMap,
     if (vendor == vendors.end()) {
         return {Search::kNoVendor, {}};
     }
-    return {Search::kFound, Broker::FunctionOf<&Entry::pGetDeviceInfoByUsb, kEntryPoints>(*vendor)};
+    return {Search::kFound,
+            Broker::FunctionOf<&UsbEntry::pGetDeviceInfoByUsb, kUsbEntries>(*vendor)};
 }
 
 // Logs why there is no function to call, and returns the operation's result.
@@ -138,7 +139,7 @@ bool UsbConnInterface::Init() {
 }
 
 bool UsbConnInterface::GetDeviceFunc() {
-    return Broker::BindVendors(vendors, &VendorInfo::vendorName, kEntryPoints, HERE);
+    return Broker::BindVendors(vendors, &VendorInfo::vendorName, kUsbEntries, HERE);
 }
 
 bool UsbConnInterface::GetUsbItemMap() {
@@ -220,7 +221,7 @@ int UsbConnInterface::GetUSBWifiScan(const DeviceInfo& device,
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP2");
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "modeid:", Broker::FieldText(device, device.modelID));
     const auto scan =
-        Broker::FindFunction<&VendorEntry::pGetUSBWifiScan, kEntryPoints>(vendors, device, HERE);
+        Broker::FindFunction<&VendorEntry::pGetUSBWifiScan, kUsbEntries>(vendors, device, HERE);
     if (!scan) {
         return Broker::kNothingToCall;
     }
@@ -250,8 +251,8 @@ int UsbConnInterface::PrinterUSBNetConfigEvent(const DeviceInfo& device,
     }
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "modeid:", Broker::FieldText(device, device.modelID));
     const auto configure =
-        Broker::FindFunction<&VendorEntry::pPrinterUSBNetConfigEvent, kEntryPoints>(vendors, device,
-                                                                                    HERE);
+        Broker::FindFunction<&VendorEntry::pPrinterUSBNetConfigEvent, kUsbEntries>(vendors, device,
+                                                                                   HERE);
     if (!configure) {
         return Broker::kNothingToCall;
     }

@@ -29,8 +29,8 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kPatienceAtExit{200};
 
-// What is asked for takes 2 KiB. The rest is room for printers that answer with everything that they
-// have, with long lists of media.
+// What is asked for takes 2 KiB. The rest is room for printers that answer with everything that
+// they have, with long lists of media.
 constexpr Base::IppLimits kLimits{
     .bytes = std::size_t{256} * 1024, .attributes = 2048, .values = 16384};
 

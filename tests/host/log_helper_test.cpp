@@ -165,10 +165,10 @@ TEST_F(LogHelperTest, WritesWhatWaitsAndTheLastWordsInASignalHandler) {
 }
 
 TEST_F(LogHelperTest, OpensTheFileInASignalHandlerWhenNothingWasWrittenYet) {
-    const auto far = user.Folder() / "not" / "there" / "own.log";
+    const auto missing = user.Folder() / "not" / "there" / "own.log";
     const auto program = HostTest::ProgramFolder() / HostTest::ProgramFileName("log_and_end");
-    ASSERT_EQ(HostTest::Run(program, {Utf8(far), "crash-at-once"}), 3);
-    const std::vector<std::string> lines = Lines(far);
+    ASSERT_EQ(HostTest::Run(program, {Utf8(missing), "crash-at-once"}), 3);
+    const std::vector<std::string> lines = Lines(missing);
     ASSERT_THAT(lines, SizeIs(2));
     EXPECT_EQ(Text(lines.front()), "first");
     EXPECT_EQ(Text(lines.back()), "the last?words");
