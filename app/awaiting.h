@@ -30,13 +30,14 @@ std::string AwaitedVendors(std::uint64_t began);
 template <class Result, class Wait>
 Result AwaitWork(std::function<Result()> work, const std::function<void()>& onWait,
                  Cancellation::Clock::duration limit, Wait wait) {
-    using Clock = Cancellation::Clock;
-    const auto start = Clock::now();
-    const auto end = limit == kNoLimit ? Clock::time_point::max() : start + limit;
+    const auto start = Cancellation::Clock::now();
+    const auto end = limit == kNoLimit ? Cancellation::Clock::time_point::max() : start + limit;
     Work<Result> running(std::move(work));
     const std::function<bool()> isDone = [&running] { return running.IsDone(); };
-    while (!wait(std::min<Clock::time_point>(Clock::now() + kWaitTick, end), isDone)) {
-        if (Clock::now() >= end) {
+    while (!wait(
+        std::min<Cancellation::Clock::time_point>(Cancellation::Clock::now() + kWaitTick, end),
+        isDone)) {
+        if (Cancellation::Clock::now() >= end) {
             throw TimedOut(AwaitedVendors(running.Began()), limit);
         }
         onWait();

@@ -16,7 +16,15 @@ struct EntryPoint {
     const char* exportName;
     const char* missingMessage;
     void (*store)(Entry& entry, FARPROC symbol);
+    const void* place;  // the slot's in kPlaces
 };
+
+// Tells slots apart at compile time, where the sanitizers do not let functions be compared.
+template <class Entry>
+inline constexpr Entry kPlaces{};
+
+template <class Entry, auto Slot>
+inline constexpr const void* kPlace = &(kPlaces<Entry>.*Slot);
 
 template <class Entry, auto Slot>
 void Store(Entry& entry, FARPROC symbol) {
@@ -49,14 +57,15 @@ constexpr EntryPointList<Entry, Count> InSlotOrder(
 template <auto Slot, class Entry, std::size_t Count>
 consteval const char* ExportName(const EntryPointList<Entry, Count>& list) {
     std::size_t at = 0;
-    while (list.entryPoints[at].store != &Store<Entry, Slot>) {
+    while (list.entryPoints[at].place != kPlace<Entry, Slot>) {
         ++at;
     }
     return list.entryPoints[at].exportName;
 }
 
-#define BROKER_ENTRY_POINT(slot, name, message) \
-    ::Broker::EntryPoint<Entry>{#name, message, &::Broker::Store<Entry, &Entry::slot>},
+#define BROKER_ENTRY_POINT(slot, name, message)                                        \
+    ::Broker::EntryPoint<Entry>{#name, message, &::Broker::Store<Entry, &Entry::slot>, \
+                                ::Broker::kPlace<Entry, &Entry::slot>},
 
 // The lists of the three families. `Entry` is the family's table entry, whose slots come from the
 // same rows.
