@@ -57,7 +57,7 @@ bool IsPlain(std::wstring_view piece) {
     constexpr std::uint32_t belowZero = 0x80000000;
     std::uint32_t differences = 0;
     for (const wchar_t unit : piece) {
-        const auto character = static_cast<std::uint32_t>(unit);
+        const std::uint32_t character = static_cast<char32_t>(unit);
         differences |= (character - 0x20) | (0x7E - character);
     }
     return (differences & belowZero) == 0;

@@ -47,7 +47,10 @@ std::vector<std::string> MendUsbIdentifiers(std::string& usbIdList) {
         if (capitals != identifier && HasForm(capitals)) {
             std::copy(capitals.begin(), capitals.end(),
                       usbIdList.begin() + static_cast<std::ptrdiff_t>(at));
-            notes.push_back("\"usbIdList\": " + identifier + " is taken as " + capitals);
+            notes.push_back(std::string("\"usbIdList\": ")
+                                .append(identifier)
+                                .append(" is taken as ")
+                                .append(capitals));
         }
         at = end + 1;
     }

@@ -123,7 +123,8 @@ void ReadVendors(const Json& vendors, const std::string& place, VendorListReport
                                 " already, which is served");
             }
             for (const std::string& note : MendUsbIdentifiers(vendor.usbIdList)) {
-                report.notes.push_back(place + ": " + Entry(index) + ": " + note);
+                report.notes.push_back(
+                    std::string(place).append(": ").append(Entry(index)).append(": ").append(note));
             }
             report.vendors.push_back(std::move(vendor));
         } catch (const ListError& error) {
