@@ -114,7 +114,7 @@ void CatchCrashes() {
 }
 
 void CatchQuickExit(void (*handler)()) {
-    std::at_quick_exit(handler);
+    static_cast<void>(std::at_quick_exit(handler));
 }
 
 void TellEnd(std::string_view text) {

@@ -49,7 +49,7 @@ std::chrono::system_clock::time_point AsUtc(const std::tm& clock) {
 void MakeFoldersWithoutMemory(const wchar_t* path) noexcept {
     constexpr std::size_t longestPath = 32767;
     static wchar_t folder[longestPath + 1];
-    for (std::size_t at = 0; path[at] != L'\0' && at < longestPath; ++at) {
+    for (std::size_t at = 0; at < longestPath && path[at] != L'\0'; ++at) {
         if ((path[at] == L'\\' || path[at] == L'/') && at != 0) {
             folder[at] = L'\0';
             CreateDirectoryW(folder, nullptr);

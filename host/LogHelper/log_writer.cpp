@@ -82,8 +82,7 @@ LogWriter& LogWriter::GetInstance() {
     return instance;
 }
 
-LogWriter::LogWriter() : wakeUp(std::make_unique<WakeUp>()) {
-    secondAndDistance = kNoDistance;
+LogWriter::LogWriter() : secondAndDistance(kNoDistance), wakeUp(std::make_unique<WakeUp>()) {
     Configure({});
     theInstance = this;
     AroundFork([] { theInstance.load()->BeforeFork(); }, [] { theInstance.load()->InParent(); },
