@@ -98,7 +98,8 @@ public:
                 greediest = &share;
             }
         }
-        if (greediest->order.empty() || greediest->order.begin()->first + slice > now) {
+        if (greediest == nullptr || greediest->order.empty() ||
+            greediest->order.begin()->first + slice > now) {
             return std::nullopt;
         }
         const Item item = greediest->order.begin()->second;
