@@ -36,7 +36,7 @@ install(FILES
 # are installed without their symbols, which are most of their size.
 if(MINGW)
     set(stripped_libraries "")
-    foreach(name libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+    foreach(name libgcc_s_seh-1.dll libssp-0.dll libstdc++-6.dll libwinpthread-1.dll)
         execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
             OUTPUT_VARIABLE library OUTPUT_STRIP_TRAILING_WHITESPACE)
         if(NOT EXISTS ${library})
