@@ -150,12 +150,11 @@ DeviceAnswer AskForDevice(const Settings& settings) {
 }
 
 int ConfigureNetwork(const Settings& settings, const std::string& network,
-                     const std::shared_ptr<Secret>& passPhrase) {
+                     const std::shared_ptr<Base::Secret>& passPhrase) {
     const std::function<int()> work = [network, passPhrase] {
         auto record = NetworkRecord(network, passPhrase->View());
-        const int result = DiscoverNetConnInterface::GetInstance().PrinterAPNetConfigEvent(record);
-        Wipe(&record, sizeof record);
-        return result;
+        const Base::WipeAtEnd wiped(record);
+        return DiscoverNetConnInterface::GetInstance().PrinterAPNetConfigEvent(record);
     };
     try {
         return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);

@@ -9,8 +9,8 @@
 #include "app/printer.h"
 #include "app/problem.h"
 #include "app/running_work.h"
-#include "app/secret.h"
 #include "app/settings.h"
+#include "base/secret.h"
 
 namespace App {
 
@@ -24,7 +24,7 @@ struct DeviceAnswer {
 // throws Interrupted.
 DeviceAnswer AskForDevice(const Settings& settings);
 int ConfigureNetwork(const Settings& settings, const std::string& network,
-                     const std::shared_ptr<Secret>& passPhrase);
+                     const std::shared_ptr<Base::Secret>& passPhrase);
 
 // Asks the vendor whether the printer is on the local network: 0 is yes.
 int CheckLocalNetwork(const Settings& settings, const PrinterDeviceDiscoverSdk::DeviceInfo& device);

@@ -35,7 +35,8 @@ public:
             CurrentAccessPoint(settings).network);
     }
 
-    int Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase) override {
+    int Configure(const std::string& network,
+                  const std::shared_ptr<Base::Secret>& passPhrase) override {
         return ConfigureNetwork(settings, network, passPhrase);
     }
 

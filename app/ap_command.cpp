@@ -81,7 +81,7 @@ ExitStatus AccessPointScan(const Settings& settings, const ScanOptions& options)
 ExitStatus AccessPointConfigure(const Settings& settings, const std::string& network,
                                 const PassPhraseOptions& options) {
     options.Require(settings);
-    const std::shared_ptr<Secret> passPhrase = GetPassPhrase(settings, options, network);
+    const std::shared_ptr<Base::Secret> passPhrase = GetPassPhrase(settings, options, network);
     RequirePrinterPassPhrase(*passPhrase);
     const int result = ConfigureNetwork(settings, network, passPhrase);
     if (settings.json) {

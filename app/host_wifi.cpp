@@ -1,5 +1,7 @@
 #include "app/host_wifi.h"
 
+#include <utility>
+
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "app/awaiting.h"
 #include "app/text.h"
@@ -49,12 +51,13 @@ AccessPoint CurrentAccessPoint(const Settings& settings) {
 }
 
 JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
-                        const std::shared_ptr<Secret>& passPhrase) {
+                        const std::shared_ptr<Base::Secret>& passPhrase) {
     const std::function<JoinOutcome()> work = [network, passPhrase] {
         std::wstring wide = Widen(passPhrase->View()).value_or(L"");
-        const bool joined =
-            PrinterWifiInterface::GetInstance().ConnectAP(Widen(network).value_or(L""), wide);
-        Wipe(wide.data(), wide.size() * sizeof(wchar_t));
+        const Base::WipeAtEnd wiped(wide);
+        // Handed over, not copied: what takes it wipes it.
+        const bool joined = PrinterWifiInterface::GetInstance().ConnectAP(
+            Widen(network).value_or(L""), std::move(wide));
         return JoinOutcome{joined, LastHostWifiProblem()};
     };
     try {

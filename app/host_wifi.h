@@ -6,8 +6,8 @@
 
 #include "app/host_wifi_control.h"
 #include "app/network.h"
-#include "app/secret.h"
 #include "app/settings.h"
+#include "base/secret.h"
 
 namespace App {
 
@@ -37,6 +37,6 @@ AccessPoint CurrentAccessPoint(const Settings& settings);
 
 // `network` must be UTF-8. When it is interrupted, the attempt is undone.
 JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
-                        const std::shared_ptr<Secret>& passPhrase);
+                        const std::shared_ptr<Base::Secret>& passPhrase);
 
 }  // namespace App

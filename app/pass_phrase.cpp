@@ -20,7 +20,7 @@ namespace App {
 
 namespace {
 
-using Line = std::shared_ptr<Secret>;
+using Line = std::shared_ptr<Base::Secret>;
 
 constexpr const char* kStandardInput = "-";
 constexpr const char* kAdvice =
@@ -51,7 +51,7 @@ Line ReadFile(const std::string& name) {
         file.open(path, std::ios::in | std::ios::binary) == nullptr) {
         ThrowCannotRead(name, path, errno);
     }
-    auto line = std::make_shared<Secret>();
+    auto line = std::make_shared<Base::Secret>();
     for (auto next = file.sbumpc(); next != std::filebuf::traits_type::eof();
          next = file.sbumpc()) {
         if (line->View().size() == kLongestLine) {
@@ -68,7 +68,7 @@ Line ReadFile(const std::string& name) {
 }
 
 Line ReadStandardInput() {
-    auto line = std::make_shared<Secret>();
+    auto line = std::make_shared<Base::Secret>();
     ReadInputLine(*line);
     return line;
 }
@@ -96,7 +96,7 @@ Line Ask(const Settings& settings, const std::string& network) {
     return line;
 }
 
-void RequireText(const Secret& passPhrase) {
+void RequireText(const Base::Secret& passPhrase) {
     if (passPhrase.View().find('\n') != std::string_view::npos) {
         throw WrongInput("the pass phrase has more than one line");
     }
@@ -118,10 +118,11 @@ void PassPhraseOptions::Require(const Settings& settings) const {
     }
 }
 
-std::shared_ptr<Secret> GetPassPhrase(const Settings& settings, const PassPhraseOptions& options,
-                                      const std::string& network) {
+std::shared_ptr<Base::Secret> GetPassPhrase(const Settings& settings,
+                                            const PassPhraseOptions& options,
+                                            const std::string& network) {
     if (options.open) {
-        return std::make_shared<Secret>();
+        return std::make_shared<Base::Secret>();
     }
     // Typing never shows, whether or not the prompt can be seen.
     const bool ask = options.file.empty() || (options.file == kStandardInput && InputIsTerminal());
@@ -130,7 +131,7 @@ std::shared_ptr<Secret> GetPassPhrase(const Settings& settings, const PassPhrase
     return line;
 }
 
-void RequirePrinterPassPhrase(const Secret& passPhrase) {
+void RequirePrinterPassPhrase(const Base::Secret& passPhrase) {
     const std::size_t size = passPhrase.View().size();
     if (size > kLongestPrinterPassPhrase) {
         throw WrongInput(fmt::format("the pass phrase has {} bytes; a printer can be given {}",

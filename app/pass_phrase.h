@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "app/secret.h"
 #include "app/settings.h"
+#include "base/secret.h"
 
 namespace App {
 
@@ -22,10 +22,11 @@ extern const std::size_t kLongestPrinterPassPhrase;
 
 // The pass phrase of the network, never null; empty for an open network. Throws WrongInput when
 // there is none, or when it cannot be one; Problem when its file cannot be read; Interrupted.
-std::shared_ptr<Secret> GetPassPhrase(const Settings& settings, const PassPhraseOptions& options,
-                                      const std::string& network);
+std::shared_ptr<Base::Secret> GetPassPhrase(const Settings& settings,
+                                            const PassPhraseOptions& options,
+                                            const std::string& network);
 
 // Throws WrongInput when a printer cannot be given that pass phrase.
-void RequirePrinterPassPhrase(const Secret& passPhrase);
+void RequirePrinterPassPhrase(const Base::Secret& passPhrase);
 
 }  // namespace App

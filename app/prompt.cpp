@@ -17,10 +17,10 @@ bool AsksOnOutput(const Settings& settings) {
 }
 
 // Null when there is no more input.
-std::shared_ptr<Secret> ReadLineInterruptibly() {
-    using Line = std::shared_ptr<Secret>;
+std::shared_ptr<Base::Secret> ReadLineInterruptibly() {
+    using Line = std::shared_ptr<Base::Secret>;
     const std::function<Line()> read = [] {
-        auto line = std::make_shared<Secret>();
+        auto line = std::make_shared<Base::Secret>();
         return ReadInputLine(*line) ? line : nullptr;
     };
     Line line = AwaitInterruptibly(read, [] {});
@@ -55,7 +55,7 @@ void WritePrompt(const Settings& settings, const std::string& text) {
 std::optional<std::string> AskLine(const Settings& settings, const std::string& question) {
     CancelOnInterrupt();
     WritePrompt(settings, question);
-    const std::shared_ptr<Secret> line = ReadLineInterruptibly();
+    const std::shared_ptr<Base::Secret> line = ReadLineInterruptibly();
     if (line == nullptr) {
         WritePrompt(settings, "\n");
         return std::nullopt;
@@ -63,14 +63,14 @@ std::optional<std::string> AskLine(const Settings& settings, const std::string& 
     return std::string(line->View());
 }
 
-std::shared_ptr<Secret> AskSecret(const Settings& settings, const std::string& question) {
+std::shared_ptr<Base::Secret> AskSecret(const Settings& settings, const std::string& question) {
     // First of all: nobody else would show typing again.
     CancelOnInterrupt();
     const HiddenTyping hidden;
     WritePrompt(settings, question);
     // The end of the line does not show either.
     try {
-        std::shared_ptr<Secret> line = ReadLineInterruptibly();
+        std::shared_ptr<Base::Secret> line = ReadLineInterruptibly();
         WritePrompt(settings, "\n");
         return line;
     } catch (const Interrupted&) {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "app/secret.h"
 #include "app/settings.h"
+#include "base/secret.h"
 
 namespace App {
 
@@ -20,6 +20,6 @@ void WritePrompt(const Settings& settings, const std::string& text);
 std::optional<std::string> AskLine(const Settings& settings, const std::string& question);
 
 // What is typed does not show.
-std::shared_ptr<Secret> AskSecret(const Settings& settings, const std::string& question);
+std::shared_ptr<Base::Secret> AskSecret(const Settings& settings, const std::string& question);
 
 }  // namespace App

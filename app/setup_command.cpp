@@ -70,12 +70,12 @@ private:
     void Steps();
     Printer WhichPrinter();
     std::string WhichNetwork();
-    std::shared_ptr<Secret> WhichPassPhrase(const std::string& network);
-    void Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
+    std::shared_ptr<Base::Secret> WhichPassPhrase(const std::string& network);
+    void Configure(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
                    const std::string& vendor);
-    void Rejoin(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
+    void Rejoin(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
                 const Printer& printer);
-    bool Join(const std::string& network, const std::shared_ptr<Secret>& passPhrase);
+    bool Join(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase);
     void Find(const std::string& network, const Printer& printer);
     std::string StateOfThings() const;
     const char* WasPutOn() const { return unconfirmed ? "was given" : "was put on"; }
@@ -111,7 +111,7 @@ ExitStatus Journey::Run() {
 void Journey::Steps() {
     const Printer printer = WhichPrinter();
     const std::string network = WhichNetwork();
-    std::shared_ptr<Secret> passPhrase = WhichPassPhrase(network);
+    std::shared_ptr<Base::Secret> passPhrase = WhichPassPhrase(network);
     Configure(network, passPhrase, printer.vendor);
     Rejoin(network, passPhrase, printer);
     passPhrase.reset();  // nothing needs it any more
@@ -142,15 +142,15 @@ std::string Journey::WhichNetwork() {
     return network;
 }
 
-std::shared_ptr<Secret> Journey::WhichPassPhrase(const std::string& network) {
+std::shared_ptr<Base::Secret> Journey::WhichPassPhrase(const std::string& network) {
     progress.Begin(SetupStep::PassPhrase);
-    std::shared_ptr<Secret> passPhrase = GetPassPhrase(settings, options.passPhrase, network);
+    std::shared_ptr<Base::Secret> passPhrase = GetPassPhrase(settings, options.passPhrase, network);
     RequirePrinterPassPhrase(*passPhrase);
     progress.Done(passPhrase->View().empty() ? "None: the network is open" : "Given");
     return passPhrase;
 }
 
-void Journey::Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
+void Journey::Configure(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
                         const std::string& vendor) {
     progress.Begin(SetupStep::Configure);
     const int result = route->Configure(network, passPhrase);
@@ -170,7 +170,7 @@ void Journey::Configure(const std::string& network, const std::shared_ptr<Secret
                   event);
 }
 
-void Journey::Rejoin(const std::string& network, const std::shared_ptr<Secret>& passPhrase,
+void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
                      const Printer& printer) {
     progress.Begin(SetupStep::Rejoin);
     if (options.noRejoin) {
@@ -195,7 +195,7 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Secret>& 
     progress.Done("This computer is on " + network, event);
 }
 
-bool Journey::Join(const std::string& network, const std::shared_ptr<Secret>& passPhrase) {
+bool Journey::Join(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase) {
     for (int attempt = 1;; ++attempt) {
         if (CurrentAccessPoint(settings).network == network ||
             JoinNetwork(settings, network, passPhrase).joined) {

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "app/printer.h"
-#include "app/secret.h"
 #include "app/settings.h"
+#include "base/secret.h"
 
 namespace App {
 
@@ -31,7 +31,7 @@ public:
 
     // Puts the printer on the network; 0: success.
     virtual int Configure(const std::string& network,
-                          const std::shared_ptr<Secret>& passPhrase) = 0;
+                          const std::shared_ptr<Base::Secret>& passPhrase) = 0;
 
     // Why that result was not 0, and what to do before the next attempt.
     struct Failure {

@@ -11,7 +11,7 @@ bool InputIsTerminal() {
     return isatty(STDIN_FILENO) == 1;
 }
 
-bool ReadInputLine(Secret& line) {
+bool ReadInputLine(Base::Secret& line) {
     bool any = false;
     char character = '\0';
     // Byte by byte: what follows the line is not taken, and no buffer keeps a copy.

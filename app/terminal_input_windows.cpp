@@ -23,14 +23,14 @@ bool ReadByte(char& byte) {
     return ReadFile(Input(), &byte, 1, &count, nullptr) != 0 && count == 1;
 }
 
-void AppendUtf8(Secret& line, const wchar_t* units, int count) {
+void AppendUtf8(Base::Secret& line, const wchar_t* units, int count) {
     std::array<char, 8> bytes{};
     const int length = WideCharToMultiByte(CP_UTF8, 0, units, count, bytes.data(),
                                            static_cast<int>(bytes.size()), nullptr, nullptr);
     for (int at = 0; at < length; ++at) {
         line.Append(bytes[static_cast<std::size_t>(at)]);
     }
-    Wipe(bytes.data(), bytes.size());
+    Base::Wipe(bytes.data(), bytes.size());
 }
 
 bool IsLeading(wchar_t unit) {
@@ -38,7 +38,7 @@ bool IsLeading(wchar_t unit) {
 }
 
 // A console gives wide text, so that no code page comes between.
-bool ReadConsoleLine(Secret& line) {
+bool ReadConsoleLine(Base::Secret& line) {
     bool any = false;
     std::array<wchar_t, 2> units{};
     int count = 0;
@@ -57,11 +57,11 @@ bool ReadConsoleLine(Secret& line) {
         }
         count = 0;
     }
-    Wipe(units.data(), sizeof units);
+    Base::Wipe(units.data(), sizeof units);
     return any;
 }
 
-bool ReadPlainLine(Secret& line) {
+bool ReadPlainLine(Base::Secret& line) {
     bool any = false;
     char byte = '\0';
     while (ReadByte(byte)) {
@@ -84,7 +84,7 @@ bool InputIsTerminal() {
     return GetConsoleMode(Input(), &mode) != 0;
 }
 
-bool ReadInputLine(Secret& line) {
+bool ReadInputLine(Base::Secret& line) {
     return InputIsTerminal() ? ReadConsoleLine(line) : ReadPlainLine(line);
 }
 

@@ -46,7 +46,8 @@ ExitStatus ShowNetworks(const Settings& settings, const UsbPrinter& printer, int
 ExitStatus Configure(const Settings& settings, const UsbPrinter& printer,
                      const UsbConfigureOptions& options) {
     const std::string& network = options.network;
-    const std::shared_ptr<Secret> passPhrase = GetPassPhrase(settings, options.passPhrase, network);
+    const std::shared_ptr<Base::Secret> passPhrase =
+        GetPassPhrase(settings, options.passPhrase, network);
     RequirePrinterPassPhrase(*passPhrase);
     const int result = ConfigureNetwork(settings, printer, network, passPhrase);
     if (settings.json) {

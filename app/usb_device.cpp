@@ -204,13 +204,11 @@ NetworksAnswer NetworksSeenBy(const Settings& settings, const UsbPrinter& printe
 }
 
 int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
-                     const std::string& network, const std::shared_ptr<Secret>& passPhrase) {
+                     const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase) {
     const std::function<int()> work = [device = printer.record, network, passPhrase] {
         auto record = NetworkRecord(network, passPhrase->View());
-        const int result =
-            DiscoverUsbInterface::GetInstance().SetDeviceAPNetConfigByUsb(device, record);
-        Wipe(&record, sizeof record);
-        return result;
+        const Base::WipeAtEnd wiped(record);
+        return DiscoverUsbInterface::GetInstance().SetDeviceAPNetConfigByUsb(device, record);
     };
     return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);
 }

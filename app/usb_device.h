@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "app/network.h"
-#include "app/secret.h"
 #include "app/settings.h"
 #include "app/usb_printer.h"
 #include "app/usb_vendors.h"
+#include "base/secret.h"
 
 namespace App {
 
@@ -55,7 +55,7 @@ NetworksAnswer NetworksSeenBy(const Settings& settings, const UsbPrinter& printe
 
 // Puts the printer on a network; 0: success.
 int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
-                     const std::string& network, const std::shared_ptr<Secret>& passPhrase);
+                     const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase);
 
 // What more there is to know about a printer that reports no network; mostly nothing.
 std::string AboutNoNetworks(const UsbPrinter& printer);

@@ -34,7 +34,8 @@ public:
                              [this] { return NetworksSeenBy(settings, *printer, 0).networks; }, {});
     }
 
-    int Configure(const std::string& network, const std::shared_ptr<Secret>& passPhrase) override {
+    int Configure(const std::string& network,
+                  const std::shared_ptr<Base::Secret>& passPhrase) override {
         return ConfigureNetwork(settings, *printer, network, passPhrase);
     }
 

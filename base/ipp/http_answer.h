@@ -2,6 +2,9 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "base/secret.h"
 
 namespace Base {
 
@@ -25,8 +28,8 @@ public:
     // The status; 0 as long as the head is not whole. An answer other than 200 has no body here.
     int Status() const { return isHeadWhole ? status : 0; }
     // As far as it has come.
-    const std::string& Body() const { return body; }
-    std::string TakeBody() { return std::move(body); }
+    std::string_view Body() const { return body; }
+    WipedBytes TakeBody() { return std::move(body); }
     // Why the answer was refused.
     const std::string& Problem() const { return problem; }
 
@@ -48,13 +51,13 @@ private:
     std::size_t roomForChunkHeads;
     Part part = Part::StatusLine;
     State state = State::Unfinished;
-    std::string line;
+    WipedBytes line;
     int status = 0;
     bool isHeadWhole = false;
     bool isChunked = false;
     bool hasLength = false;
     std::size_t left = 0;  // of the body, or of its chunk
-    std::string body;
+    WipedBytes body;       // a server may quote a secret of the request
     std::string problem;
 };
 

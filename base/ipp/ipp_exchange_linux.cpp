@@ -3,6 +3,7 @@
 #include <array>
 
 #include "base/ipp/http_answer.h"
+#include "base/secret.h"
 
 namespace Base {
 
@@ -120,6 +121,7 @@ IppReply ExchangeIpp(ByteStream& stream, const IppTarget& target, std::string_vi
     // A server that refuses may do so before it has read everything.
     Answer answer(limits);
     std::array<char, 8192> room{};
+    const WipeAtEnd wiped(room);
     while (true) {
         const auto size = stream.Read(room);
         if (!size) {

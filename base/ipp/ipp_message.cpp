@@ -32,18 +32,22 @@ std::uint8_t IppGroup::Tag() const {
 }
 
 std::string IppGroup::Text(std::string_view name) const {
+    return std::string(TextView(name));
+}
+
+std::string_view IppGroup::TextView(std::string_view name) const {
     const auto* const attribute = message->Find(message->groups[index], name);
-    return attribute == nullptr
-               ? std::string()
-               : message->TextOf(message->values[attribute->firstValue]).value_or(std::string());
+    return attribute == nullptr ? std::string_view()
+                                : message->TextOf(message->values[attribute->firstValue])
+                                      .value_or(std::string_view());
 }
 
 std::vector<std::string> IppGroup::Texts(std::string_view name) const {
     std::vector<std::string> texts;
     const auto* const attribute = message->Find(message->groups[index], name);
     for (std::uint32_t i = 0; attribute != nullptr && i < attribute->valueCount; ++i) {
-        if (auto text = message->TextOf(message->values[attribute->firstValue + i])) {
-            texts.push_back(std::move(*text));
+        if (const auto text = message->TextOf(message->values[attribute->firstValue + i])) {
+            texts.emplace_back(*text);
         }
     }
     return texts;
@@ -108,13 +112,13 @@ const IppMessage::Attribute* IppMessage::Find(const GroupRange& group,
     return nullptr;
 }
 
-std::optional<std::string> IppMessage::TextOf(const Value& value) const {
+std::optional<std::string_view> IppMessage::TextOf(const Value& value) const {
     if (!IppTag::IsText(value.tag)) {
         return std::nullopt;
     }
     const std::string_view whole = At(value.place);
     const std::string_view text = IppTag::HasLanguage(value.tag) ? WithoutLanguage(whole) : whole;
-    return std::string(text.substr(0, text.find('\0')));
+    return text.substr(0, text.find('\0'));
 }
 
 }  // namespace Base

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/secret.h"
+
 namespace Base {
 
 // The tag that begins the attributes of a printer.
@@ -23,6 +25,8 @@ public:
     std::uint8_t Tag() const;
     // The first value; empty when there is no such attribute, or when it is no text.
     std::string Text(std::string_view name) const;
+    // The same, as it stands in the message.
+    std::string_view TextView(std::string_view name) const;
     // All values that are text.
     std::vector<std::string> Texts(std::string_view name) const;
     // An integer or enum.
@@ -68,9 +72,9 @@ private:
 
     std::string_view At(const Place& place) const;
     const Attribute* Find(const GroupRange& group, std::string_view name) const;
-    std::optional<std::string> TextOf(const Value& value) const;
+    std::optional<std::string_view> TextOf(const Value& value) const;
 
-    std::string bytes;
+    WipedBytes bytes;
     std::vector<GroupRange> groups;
     std::vector<Attribute> attributes;
     std::vector<Value> values;

@@ -54,7 +54,7 @@ std::string IppReader::Problem() const {
     return state == State::Refused ? reason + place : "the answer ends in the middle," + place;
 }
 
-IppMessage IppReader::Take(std::string whole) {
+IppMessage IppReader::Take(WipedBytes whole) {
     message.bytes = std::move(whole);
     return std::move(message);
 }

@@ -38,7 +38,7 @@ public:
     std::string Problem() const;
 
     // A whole answer; `bytes` holds it.
-    IppMessage Take(std::string bytes);
+    IppMessage Take(WipedBytes bytes);
 
 private:
     struct Item;

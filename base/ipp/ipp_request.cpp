@@ -1,7 +1,6 @@
 #include "base/ipp/ipp_request.h"
 
 #include <stdexcept>
-#include <utility>
 
 #include "base/ipp/ipp_message.h"
 #include "base/ipp/ipp_tags.h"
@@ -14,14 +13,6 @@ namespace {
 constexpr std::size_t kMaxShort = 0x7fff;
 constexpr std::string_view kRequestNumber{"\0\0\0\1", 4};
 
-// A compiler may leave out what nobody reads, but not this.
-void Wipe(char* begin, std::size_t size) {
-    volatile char* const bytes = begin;
-    for (std::size_t i = 0; i < size; ++i) {
-        bytes[i] = 0;
-    }
-}
-
 }  // namespace
 
 IppRequest::IppRequest(Version version, IppOperation operation) {
@@ -31,10 +22,6 @@ IppRequest::IppRequest(Version version, IppOperation operation) {
     PutByte(kIppOperationGroup);
     Add(IppTag::kCharset, "attributes-charset", "utf-8");
     Add(IppTag::kLanguage, "attributes-natural-language", "en");
-}
-
-IppRequest::~IppRequest() {
-    Wipe(bytes.data(), bytes.size());
 }
 
 void IppRequest::BeginPrinter() {
@@ -73,15 +60,7 @@ void IppRequest::Add(std::uint8_t tag, std::string_view name, std::string_view v
     Put(value);
 }
 
-// A string that grows leaves its old memory as it was: it is moved by hand.
 void IppRequest::Put(std::string_view text) {
-    if (bytes.size() + text.size() > bytes.capacity()) {
-        std::string larger;
-        larger.reserve(2 * (bytes.size() + text.size()));
-        larger.append(bytes);
-        Wipe(bytes.data(), bytes.size());
-        bytes = std::move(larger);
-    }
     bytes.append(text);
 }
 

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/secret.h"
+
 namespace Base {
 
 enum class IppOperation : std::uint16_t {
@@ -19,7 +21,6 @@ public:
     // IPP 2.0 or 1.1. Begins the group of the operation, with the text's charset and language.
     enum class Version : std::uint16_t { Old = 0x0101, Usual = 0x0200 };
     IppRequest(Version version, IppOperation operation);
-    ~IppRequest();
 
     // What is added from here on is the printer's.
     void BeginPrinter();
@@ -40,7 +41,7 @@ private:
     void PutByte(std::uint8_t byte);
     void PutShort(std::size_t number);
 
-    std::string bytes;
+    WipedBytes bytes;
 };
 
 }  // namespace Base

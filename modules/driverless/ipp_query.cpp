@@ -104,7 +104,7 @@ Names WantedAttributes(bool withWifi) {
 void AddSettings(IppRequest& request, const WifiSettings& settings) {
     request.BeginPrinter();
     request.AddName(kWifiName, settings.name);
-    request.AddOctets(kWifiPassword, settings.passPhrase.Text());
+    request.AddOctets(kWifiPassword, settings.passPhrase.View());
 }
 
 Base::IppTarget TargetOf(const Printer& printer) {
@@ -154,11 +154,11 @@ PrinterAttributes AttributesOf(const Base::IppMessage& answer) {
     return attributes;
 }
 
-// What the printer says of its refusal, else the name of its status.
-std::string ReasonOf(const Base::IppMessage& answer) {
+// What the printer says of its refusal, which may quote the secret, else the name of its status.
+std::string ReasonOf(const Base::IppMessage& answer, const Base::Secret& secret) {
     const auto group = answer.Group(Base::kIppOperationGroup);
-    const std::string message = group ? group->Text("status-message") : std::string();
-    return message.empty() ? IppStatusName(answer.Status()) : message;
+    const std::string_view message = group ? group->TextView("status-message") : std::string_view();
+    return message.empty() ? IppStatusName(answer.Status()) : secret.MaskedIn(message);
 }
 
 // Of an HTTP server that gave no IPP answer.
@@ -229,7 +229,7 @@ IppAnswer IppQuery::State::AnswerFrom(const Base::IppReply& reply) const {
     if (!IsGranted(status)) {
         return {IppStatus::IsDenied(status) ? IppAnswer::Kind::Denied : IppAnswer::Kind::NoPrinter,
                 {},
-                ReasonOf(*reply.message)};
+                ReasonOf(*reply.message, question.settings.passPhrase)};
     }
     return {IppAnswer::Kind::Granted, AttributesOf(*reply.message), {}};
 }

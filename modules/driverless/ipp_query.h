@@ -36,8 +36,8 @@ struct IppAnswer {
     };
     Kind kind = Kind::NoAnswer;
     PrinterAttributes attributes;
-    std::string problem;
-    bool sent = false;  // the whole question went out
+    std::string problem;  // without the pass phrase
+    bool sent = false;    // the whole question went out
 };
 
 // One question to one printer.

@@ -1,7 +1,5 @@
 #include "wifi_settings.h"
 
-#include <string.h>
-
 #include "text.h"
 
 namespace Driverless {
@@ -12,27 +10,10 @@ constexpr std::size_t kLongestName = 32;
 constexpr std::size_t kShortestPassPhrase = 8;
 constexpr std::size_t kLongestPassPhrase = 63;
 
-constexpr std::string_view kMask = "***";
-
 }  // namespace
 
-PassPhrase::~PassPhrase() {
-    explicit_bzero(text.data(), text.size());
-}
-
-std::string PassPhrase::MaskedIn(std::string words) const {
-    if (text.empty()) {
-        return words;
-    }
-    for (std::size_t at = words.find(text); at != std::string::npos;
-         at = words.find(text, at + kMask.size())) {
-        words.replace(at, text.size(), kMask);
-    }
-    return words;
-}
-
 std::string ProblemWith(const WifiSettings& settings) {
-    const std::size_t length = settings.passPhrase.Text().size();
+    const std::size_t length = settings.passPhrase.View().size();
     if (settings.name.empty()) {
         return "the network has no name";
     }

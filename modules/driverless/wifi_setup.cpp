@@ -126,9 +126,8 @@ std::optional<int> Send(const Recipient& recipient, const WifiSettings& settings
     if (IsTaken(answer, recipient)) {
         return std::nullopt;
     }
-    ReportProblem(
-        "the printer at " + PlaceOf(recipient.printer) + " does not take the network: " +
-        (answer.problem.empty() ? "no answer" : settings.passPhrase.MaskedIn(answer.problem)));
+    ReportProblem("the printer at " + PlaceOf(recipient.printer) + " does not take the network: " +
+                  (answer.problem.empty() ? "no answer" : answer.problem));
     switch (answer.kind) {
         case IppAnswer::Kind::Denied:
             return kNotAllowed;
@@ -242,7 +241,7 @@ int Give(const Recipient& recipient, const WifiSettings& settings) {
 }
 
 WifiSettings SettingsIn(const VendorSdk::WifiConfigInfo& record) {
-    return {FieldText(record.ssid), PassPhrase(FieldView(record.pwd))};
+    return {FieldText(record.ssid), Base::Secret(FieldView(record.pwd))};
 }
 
 bool AreValid(const WifiSettings& settings) {

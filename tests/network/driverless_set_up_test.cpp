@@ -123,7 +123,7 @@ TEST(IsOnWifi, GoesByWhatTheSystemCallsWifi) {
 }
 
 std::string Problem(const std::string& name, const std::string& passPhrase) {
-    return ProblemWith({name, PassPhrase(passPhrase)});
+    return ProblemWith({name, Base::Secret(passPhrase)});
 }
 
 TEST(ProblemWith, AllowsWhatTheStandardAllows) {
@@ -230,13 +230,6 @@ TEST_F(JoinWatchTest, GoesOnWhenThePrintersNetworkComesBack) {
     EXPECT_EQ(watch.Gone(begin + seconds(6)), std::nullopt);
     EXPECT_EQ(watch.Gone(begin + seconds(12)), std::nullopt);
     EXPECT_EQ(Says(watch, WifiState::CannotJoin, seconds(13)), kCannotJoin);
-}
-
-TEST(PassPhrase, IsMaskedInTheWordsOfOthers) {
-    const PassPhrase secret("horse.*1");
-    EXPECT_EQ(secret.MaskedIn("horse.*1, horse.*1horse.*1 and horse1"), "***, ****** and horse1");
-    EXPECT_EQ(PassPhrase("********").MaskedIn("********"), "***");
-    EXPECT_EQ(PassPhrase().MaskedIn("no pass phrase"), "no pass phrase");
 }
 
 using Networks = std::vector<NetworkInRange>;

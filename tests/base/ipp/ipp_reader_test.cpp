@@ -30,7 +30,7 @@ std::string Printer(const std::string& attributes) {
 IppMessage Whole(const std::string& bytes) {
     IppReader reader(kLimits);
     EXPECT_EQ(reader.Read(bytes), State::Whole) << reader.Problem();
-    return reader.Take(bytes);
+    return reader.Take(Base::WipedBytes(bytes));
 }
 
 // Why an answer is refused.
@@ -128,7 +128,7 @@ TEST(IppReader, FindsTheSameWhenAnAnswerComesByteByByte) {
         ASSERT_EQ(reader.Read(copy), State::Unfinished);
     }
     ASSERT_EQ(reader.Read(bytes), State::Whole);
-    const IppMessage message = reader.Take(bytes);
+    const IppMessage message = reader.Take(Base::WipedBytes(bytes));
     EXPECT_EQ(message.Group(kPrinter)->Text("printer-name"), "Acme");
     EXPECT_EQ(message.Group(kPrinter)->Text("last"), "one");
 }
@@ -215,7 +215,7 @@ TEST(IppReader, ComesThroughWhatAnAttackerMakesOfAnAnswer) {
         IppReader reader(kLimits);
         if (reader.Read(bytes) == State::Whole) {
             ++whole;
-            const IppMessage message = reader.Take(bytes);
+            const IppMessage message = reader.Take(Base::WipedBytes(bytes));
             for (const Base::IppGroup& group : message.Groups()) {
                 group.Text("printer-name");
                 group.Texts("printer-uri-supported");
