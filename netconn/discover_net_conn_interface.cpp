@@ -23,8 +23,8 @@ int DiscoverNetConnInterface::StopAPWifiScan() {
 }
 
 int DiscoverNetConnInterface::PrinterAPNetConfigEvent(const WifiConfigInfo& network) {
-    Broker::Log(LOG_LEVEL_DEBUG, HERE, "pwd", Broker::FieldText(network, network.pwd));
-    Broker::Log(LOG_LEVEL_DEBUG, HERE, "ssid", Broker::FieldText(network, network.ssid));
+    Broker::LogSecret(LOG_LEVEL_DEBUG, HERE, "pwd", Broker::FieldText(network, network.pwd));
+    Broker::LogSecret(LOG_LEVEL_DEBUG, HERE, "ssid", Broker::FieldText(network, network.ssid));
     return NetConnInterface::GetInstance().PrinterAPNetConfigEvent(network);
 }
 

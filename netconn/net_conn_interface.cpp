@@ -1,5 +1,6 @@
 #include "DeviceDiscover/netconn.h"
 #include "records/log_line.h"
+#include "records/wipe.h"
 #include "vendor/vendor_call.h"
 #include "vendor/vendor_table.h"
 #include "vendor/vendor_thread.h"
@@ -136,6 +137,7 @@ int NetConnInterface::PrinterAPNetConfigEvent(const WifiConfigInfo& network) {
         return Broker::kNothingToCall;
     }
     VendorSdk::WifiConfigInfo vendorNetwork;
+    const Broker::WipeAtEnd wiped(vendorNetwork);
     DiscoverBasic::GetVendorSdkWifoConfigInfo(network, vendorNetwork);
     return Broker::Outcome(configure(&vendorNetwork), "call Func fail, err:", HERE);
 }

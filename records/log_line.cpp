@@ -9,6 +9,7 @@
 
 #include "platform/compiler.h"
 #include "records/widening.h"
+#include "records/wipe.h"
 
 namespace Broker {
 
@@ -16,6 +17,8 @@ namespace {
 
 // What the stream takes before it has to grow: more than nearly every line needs.
 constexpr std::size_t kRoom = 250;
+// More than any line with a secret needs: a stream that grows leaves a copy behind.
+constexpr std::size_t kRoomForSecrets = 1000;
 
 // The digits that a stream writes for `value` in the classic locale, in `room`. A stream takes
 // several times as long to write them itself. Empty for what it has to write.
@@ -55,7 +58,7 @@ class Line {
 public:
     // cppcheck-suppress uninitMemberVar ; text is written before it is read, as far as gathered
     // says
-    Line() : widen(Widening::Of(stream.getloc())) { MakeRoom(); }
+    explicit Line(std::size_t room) : widen(Widening::Of(stream.getloc())) { MakeRoom(room); }
 
     void Add(std::string_view narrow) {
         while (!narrow.empty()) {
@@ -104,6 +107,14 @@ public:
         return stream;
     }
 
+    // Of a line that is not needed any more.
+    void WipeAll() {
+        std::wstring written = std::move(stream).str();
+        written.resize(written.capacity());
+        Wipe(written.data(), written.size() * sizeof(wchar_t));
+        Wipe(text, sizeof text);
+    }
+
 private:
     template <class Work>
     void Attempt(Work work) {
@@ -116,10 +127,10 @@ private:
     }
 
     // A stream that is given a string goes on in its storage. Without it, it sees to its own.
-    void MakeRoom() {
+    void MakeRoom(std::size_t characters) {
         try {
             std::wstring room;
-            room.reserve(kRoom);
+            room.reserve(characters);
             stream.str(std::move(room));
         } catch (const std::bad_alloc&) {
             return;
@@ -165,11 +176,8 @@ private:
     wchar_t text[256];
 };
 
-}  // namespace
-
-void LogPieces(LOG_MESSAGE_LEVEL level, const Location& where,
-               std::initializer_list<LogPiece> pieces) {
-    Line line;
+void LogLine(Line& line, LOG_MESSAGE_LEVEL level, const Location& where,
+             std::initializer_list<LogPiece> pieces) {
     for (const LogPiece& piece : pieces) {
         std::visit([&line](auto value) { line.Add(value); }, piece);
     }
@@ -185,6 +193,21 @@ void LogPieces(LOG_MESSAGE_LEVEL level, const Location& where,
         // A logger that cannot log must not change what an operation does.
         return;
     }
+}
+
+}  // namespace
+
+void LogPieces(LOG_MESSAGE_LEVEL level, const Location& where,
+               std::initializer_list<LogPiece> pieces) {
+    Line line(kRoom);
+    LogLine(line, level, where, pieces);
+}
+
+void LogSecretPieces(LOG_MESSAGE_LEVEL level, const Location& where,
+                     std::initializer_list<LogPiece> pieces) {
+    Line line(kRoomForSecrets);
+    LogLine(line, level, where, pieces);
+    line.WipeAll();
 }
 
 }  // namespace Broker

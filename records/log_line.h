@@ -25,10 +25,19 @@ using LogPiece =
 void LogPieces(LOG_MESSAGE_LEVEL level, const Location& where,
                std::initializer_list<LogPiece> pieces);
 
+// The same, of a line that holds a secret: no copy of it stays in memory.
+void LogSecretPieces(LOG_MESSAGE_LEVEL level, const Location& where,
+                     std::initializer_list<LogPiece> pieces);
+
 // Logs the message and the values behind it.
 template <class... Pieces>
 void Log(LOG_MESSAGE_LEVEL level, const Location& where, const Pieces&... messageAndValues) {
     LogPieces(level, where, {LogPiece(messageAndValues)...});
+}
+
+template <class... Pieces>
+void LogSecret(LOG_MESSAGE_LEVEL level, const Location& where, const Pieces&... messageAndValues) {
+    LogSecretPieces(level, where, {LogPiece(messageAndValues)...});
 }
 
 }  // namespace Broker

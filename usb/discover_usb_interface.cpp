@@ -117,8 +117,8 @@ int DiscoverUsbInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices) {
 int DiscoverUsbInterface::SetDeviceAPNetConfigByUsb(const DeviceInfo& device,
                                                     const WifiConfigInfo& network) {
     Broker::LogDevice(device, HERE);
-    Broker::Log(LOG_LEVEL_DEBUG, HERE, "pwd", Broker::FieldText(network, network.pwd));
-    Broker::Log(LOG_LEVEL_DEBUG, HERE, "ssid", Broker::FieldText(network, network.ssid));
+    Broker::LogSecret(LOG_LEVEL_DEBUG, HERE, "pwd", Broker::FieldText(network, network.pwd));
+    Broker::LogSecret(LOG_LEVEL_DEBUG, HERE, "ssid", Broker::FieldText(network, network.ssid));
     return UsbConnInterface::GetInstance().PrinterUSBNetConfigEvent(device, network);
 }
 

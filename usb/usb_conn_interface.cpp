@@ -3,6 +3,7 @@
 #include "DeviceDiscover/usb.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
 #include "records/log_line.h"
+#include "records/wipe.h"
 #include "vendor/table_gate.h"
 #include "vendor/vendor_call.h"
 #include "vendor/vendor_table.h"
@@ -258,6 +259,7 @@ int UsbConnInterface::PrinterUSBNetConfigEvent(const DeviceInfo& device,
     }
     const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
     VendorSdk::WifiConfigInfo vendorNetwork;
+    const Broker::WipeAtEnd wiped(vendorNetwork);
     DiscoverBasic::GetVendorSdkWifoConfigInfo(network, vendorNetwork);
     const int result =
         Broker::Outcome(configure(&vendorDevice, &vendorNetwork), "call Func Fail", HERE);

@@ -119,8 +119,14 @@ SCRIPTED_PrinterUSBNetConfigEvent(PrinterUSBNetConfigEvent);
 int PrinterUSBNetConfigEvent(const VendorSdk::DeviceInfo* device,
                              const VendorSdk::WifiConfigInfo* network) {
     const ScriptedVendor::Presence vendor;
-    const ScriptedVendor::UsbNetConfig setting{*device, *network};
-    return vendor ? vendor->Answer("PrinterUSBNetConfigEvent", device, network, &setting,
-                                   sizeof setting)
-                  : 0;
+    ScriptedVendor::UsbNetConfig setting{*device, *network};
+    const int result = vendor ? vendor->Answer("PrinterUSBNetConfigEvent", device, network,
+                                               &setting, sizeof setting)
+                              : 0;
+    // What a forgetful one has not kept must not stay here.
+    volatile char* const passPhrase = setting.network.pwd;
+    for (std::size_t at = 0; at < sizeof setting.network.pwd; ++at) {
+        passPhrase[at] = 0;
+    }
+    return result;
 }

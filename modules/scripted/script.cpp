@@ -206,6 +206,7 @@ constexpr Directive kDirectives[] = {
          script.interval = std::chrono::milliseconds(Number(words[1], 0));
      }},
     {"print", 2, [](Script& script, const Words& words) { script.print = words[1]; }},
+    {"forgetful", 1, [](Script& script, const Words&) { script.forgetful = true; }},
     {"until-stopped", 1, [](Script& script, const Words&) { script.untilStopped = true; }},
     {"after-stop", 2,
      [](Script& script, const Words& words) { script.afterStop = Number(words[1], 0); }},

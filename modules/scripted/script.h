@@ -24,6 +24,7 @@ struct Script {
     std::chrono::milliseconds interval{0};  // between two reports of a thread
     std::string print;                      // what each call writes to standard output
     bool untilStopped = false;              // a scan waits for its stop
+    bool forgetful = false;                 // calls leave no trace of their arguments
     int afterStop = 0;                      // reports once the stop has returned
 
     // The scripted result of an entry point, or its success.

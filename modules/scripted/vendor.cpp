@@ -59,6 +59,10 @@ int Vendor::Answer(const char* entryPoint, const void* argument, std::size_t siz
 
 int Vendor::Answer(const char* entryPoint, const void* argument, const void* second,
                    const void* record, std::size_t size) {
+    {
+        const std::lock_guard guard(mutex);
+        size = script.forgetful ? 0 : size;
+    }
     Call call{entryPoint, argument, second, size, {}};
     if (size > 0) {
         std::memcpy(call.bytes, record, size);

@@ -16,6 +16,7 @@ struct Record {
     std::vector<std::string> complaints;
     std::function<void(const RecordingLog::Line&)> hook;
     bool discards = false;
+    std::atomic<bool> ignores = false;
 };
 
 std::atomic<unsigned long> instanceRequests{0};
@@ -108,6 +109,10 @@ void Discard() {
     record.discards = true;
 }
 
+void Ignore() {
+    TheRecord().ignores = true;
+}
+
 }  // namespace RecordingLog
 
 KzLogger& KzLogger::GetInstance() {
@@ -117,6 +122,9 @@ KzLogger& KzLogger::GetInstance() {
 }
 
 void KzLogger::Log(LOG_MESSAGE_LEVEL level, std::wstringstream& stream) {
+    if (TheRecord().ignores) {
+        return;
+    }
     const RecordingLog::Line line{level, stream.str(), std::this_thread::get_id()};
     const std::string complaint = ComplaintAbout(stream, line.text);
     Record& record = TheRecord();

@@ -42,4 +42,7 @@ LOGHELPER_API void AtItsEnd(void (*work)());
 // Keep nothing from now on: for tests that log more than fits.
 LOGHELPER_API void Discard();
 
+// From now on lines are not even read: no copy of one is made.
+LOGHELPER_API void Ignore();
+
 }  // namespace RecordingLog
