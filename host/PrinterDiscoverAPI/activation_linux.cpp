@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/PrinterDiscoverAPI/new_profile_linux.h"
 #include "host/PrinterDiscoverAPI/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
 
@@ -43,27 +44,21 @@ void Activation::StartSaved(const sdbus::ObjectPath& profile,
     Listen();
 }
 
-void Activation::StartNew(const ConnectionSettings& settings,
+void Activation::StartNew(const ConnectionSettings& settings, std::string_view passPhrase,
                           const sdbus::ObjectPath& accessPoint) {
-    const auto proxy = manager.Manager();
+    const NewProfile profile{settings, passPhrase, adapter, accessPoint};
+    Begun begun;
     try {
-        // Such a profile goes when the network is left.
-        const Properties options{{"persist", sdbus::Variant(std::string("volatile"))}};
-        Properties result;
-        proxy->callMethod("AddAndActivateConnection2")
-            .onInterface(kService)
-            .withArguments(settings, adapter, accessPoint, options)
-            .storeResultsTo(ownProfile, active, result);
+        begun = AddAndActivate(profile, ProfileLife::kVolatile);
     } catch (const sdbus::Error& error) {
         // Services before version 1.16 keep what they are given.
         if (!IsNoSuchObject(error)) {
             throw;
         }
-        proxy->callMethod("AddAndActivateConnection")
-            .onInterface(kService)
-            .withArguments(settings, adapter, accessPoint)
-            .storeResultsTo(ownProfile, active);
+        begun = AddAndActivate(profile, ProfileLife::kKept);
     }
+    ownProfile = begun.profile;
+    active = begun.active;
     Listen();
 }
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "host/PrinterDiscoverAPI/attempt_answers_linux.h"
 #include "host/PrinterDiscoverAPI/network_manager_linux.h"
@@ -20,7 +21,8 @@ public:
 
     // With a profile that the service has saved, or with one that is not to be saved.
     void StartSaved(const sdbus::ObjectPath& profile, const sdbus::ObjectPath& accessPoint);
-    void StartNew(const ConnectionSettings& settings, const sdbus::ObjectPath& accessPoint);
+    void StartNew(const ConnectionSettings& settings, std::string_view passPhrase,
+                  const sdbus::ObjectPath& accessPoint);
 
     // Waits for the outcome; throws WifiProblem unless it is that the network is joined.
     void Await(NetworkManager::Clock::time_point deadline);

@@ -4,6 +4,7 @@
 
 #include "host/PrinterDiscoverAPI/network_name.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
+#include "host/common/utf8.h"
 
 namespace Host {
 
@@ -12,7 +13,6 @@ namespace {
 constexpr std::size_t kShortestPassPhrase = 8;
 constexpr std::size_t kLongestPassPhrase = 63;
 constexpr std::size_t kKeyDigits = 64;
-constexpr std::string_view kMask = "***";
 
 bool IsControl(char character) {
     return (character >= 0 && character < 0x20) || character == 0x7F;
@@ -22,7 +22,7 @@ bool IsHexadecimal(char character) {
     return std::string_view("0123456789abcdefABCDEF").find(character) != std::string_view::npos;
 }
 
-bool IsPassPhrase(const std::string& text) {
+bool IsPassPhrase(std::string_view text) {
     if (text.size() == kKeyDigits) {
         return std::all_of(text.begin(), text.end(), IsHexadecimal);
     }
@@ -41,12 +41,29 @@ std::string CheckedName(std::wstring_view ssid) {
     return *name;
 }
 
-std::string CheckedPassPhrase(std::wstring_view passPhrase) {
-    const auto text = StrictUtf8(passPhrase);
-    if (!text || (!text->empty() && !IsPassPhrase(*text))) {
-        throw WifiProblem("a pass phrase has 8 to 63 characters, or is 64 hexadecimal digits");
+[[noreturn]] void ThrowNoPassPhrase() {
+    throw WifiProblem("a pass phrase has 8 to 63 characters, or is 64 hexadecimal digits");
+}
+
+// One character after the other: a conversion of the whole would leave copies.
+Base::Secret CheckedPassPhrase(std::wstring_view passPhrase) {
+    Base::Secret text;
+    for (std::size_t at = 0; at < passPhrase.size();) {
+        const bool isReplacement = passPhrase[at] == static_cast<wchar_t>(kReplacement);
+        const char32_t codePoint = NextCodePoint(passPhrase, at);
+        if (codePoint == kReplacement && !isReplacement) {
+            ThrowNoPassPhrase();
+        }
+        std::string bytes;
+        AppendUtf8(bytes, codePoint);
+        for (const char byte : bytes) {
+            text.Append(byte);
+        }
     }
-    return *text;
+    if (!text.View().empty() && !IsPassPhrase(text.View())) {
+        ThrowNoPassPhrase();
+    }
+    return text;
 }
 
 // Why an access point does not go with a pass phrase, or with none; empty when it does. Without one
@@ -92,7 +109,7 @@ bool JoinRequest::IsShownAlike(const AccessPoint& accessPoint) const {
 }
 
 const AccessPoint* JoinRequest::Choose(const std::vector<AccessPoint>& accessPoints) const {
-    const bool hasPassPhrase = !passPhrase.empty();
+    const bool hasPassPhrase = !passPhrase.View().empty();
     const bool isThere = std::any_of(accessPoints.begin(), accessPoints.end(),
                                      [this](const AccessPoint& one) { return HasName(one); });
     const AccessPoint* best = nullptr;
@@ -114,15 +131,8 @@ const AccessPoint* JoinRequest::Choose(const std::vector<AccessPoint>& accessPoi
     return best;
 }
 
-std::string JoinRequest::WithoutSecret(std::string text) const {
-    if (passPhrase.empty()) {
-        return text;
-    }
-    for (std::size_t at = text.find(passPhrase); at != std::string::npos;
-         at = text.find(passPhrase, at + kMask.size())) {
-        text.replace(at, passPhrase.size(), kMask);
-    }
-    return text;
+std::string JoinRequest::WithoutSecret(std::string_view text) const {
+    return passPhrase.MaskedIn(text);
 }
 
 }  // namespace Host

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/secret.h"
 #include "host/PrinterDiscoverAPI/access_point.h"
 
 namespace Host {
@@ -16,7 +17,7 @@ public:
 
     // The name as UTF-8, and the pass phrase.
     const std::string& Name() const { return name; }
-    const std::string& PassPhrase() const { return passPhrase; }
+    std::string_view PassPhrase() const { return passPhrase.View(); }
 
     // The strongest access point of that name that goes with the pass phrase; null when none is
     // there. Where none has the name, one whose name is no text counts by how it is shown. Throws
@@ -24,7 +25,7 @@ public:
     const AccessPoint* Choose(const std::vector<AccessPoint>& accessPoints) const;
 
     // `text` without the pass phrase.
-    std::string WithoutSecret(std::string text) const;
+    std::string WithoutSecret(std::string_view text) const;
 
 private:
     bool HasName(const AccessPoint& accessPoint) const;
@@ -32,7 +33,7 @@ private:
 
     std::wstring ssid;
     std::string name;
-    std::string passPhrase;
+    Base::Secret passPhrase;
 };
 
 }  // namespace Host

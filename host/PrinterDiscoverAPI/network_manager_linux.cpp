@@ -10,9 +10,7 @@ namespace Host {
 
 namespace {
 
-constexpr const char* kManagerPath = "/org/freedesktop/NetworkManager";
 constexpr const char* kPropertiesInterface = "org.freedesktop.DBus.Properties";
-constexpr std::chrono::seconds kCallLimit{5};
 
 constexpr std::string_view kBusError = "org.freedesktop.DBus.Error.";
 constexpr std::string_view kSystemError = "System.Error.";
@@ -102,7 +100,7 @@ std::unique_ptr<sdbus::IProxy> NetworkManager::Object(const std::string& path) c
 }
 
 std::unique_ptr<sdbus::IProxy> NetworkManager::Manager() const {
-    return Object(kManagerPath);
+    return Object(NetworkManagerName::kManagerPath);
 }
 
 Properties NetworkManager::PropertiesOf(const std::string& path,

@@ -34,6 +34,8 @@ inline constexpr const char* kDevice = "org.freedesktop.NetworkManager.Device";
 inline constexpr const char* kWireless = "org.freedesktop.NetworkManager.Device.Wireless";
 inline constexpr const char* kAccessPoint = "org.freedesktop.NetworkManager.AccessPoint";
 inline constexpr const char* kActive = "org.freedesktop.NetworkManager.Connection.Active";
+inline constexpr const char* kManagerPath = "/org/freedesktop/NetworkManager";
+inline constexpr const char* kSecuritySettings = "802-11-wireless-security";
 inline constexpr const char* kSaved = "org.freedesktop.NetworkManager.Settings.Connection";
 
 }  // namespace NetworkManagerName
@@ -53,6 +55,9 @@ WifiProblem ProblemOf(const sdbus::Error& error);
 class NetworkManager {
 public:
     using Clock = std::chrono::steady_clock;
+
+    // How long each call may take.
+    static constexpr std::chrono::seconds kCallLimit{5};
 
     // Throws WifiProblem when there is no bus.
     NetworkManager();

@@ -3,6 +3,7 @@
 #include <iterator>
 #include <utility>
 
+#include "base/secret.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/join.h"
 #include "host/PrinterDiscoverAPI/network_list.h"
@@ -86,11 +87,11 @@ void PrinterWifiAPI::QueryConnectedAP(std::wstring& ssid, std::wstring& hardware
 
 bool PrinterWifiAPI::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
     ForgetProblem();
+    const Base::WipeAtEnd wiped(passPhrase);
     const std::wstring name = std::move(ssid);
-    const std::wstring secret = std::move(passPhrase);
     try {
         const Host::Undertaking undertaking;
-        const Host::JoinRequest request(name, secret);
+        const Host::JoinRequest request(name, passPhrase);
         Host::Join(*Host::OpenWifiService(), request, Host::kJoinLimit);
         return true;
     } catch (const Host::WifiProblem& problem) {

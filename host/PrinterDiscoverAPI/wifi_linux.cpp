@@ -21,7 +21,6 @@ using Clock = NetworkManager::Clock;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr const char* kWirelessSettings = "802-11-wireless";
-constexpr const char* kSecuritySettings = "802-11-wireless-security";
 
 constexpr std::uint32_t kWifiDevice = 2;
 
@@ -124,8 +123,9 @@ AccessPoint ToAccessPoint(const Properties& properties) {
     return accessPoint;
 }
 
-// Settings for this one time, which the service does not use again by itself.
-ConnectionSettings SettingsFor(const AccessPoint& accessPoint, const std::string& passPhrase) {
+// Settings for this one time, which the service does not use again by itself; but for the pass
+// phrase.
+ConnectionSettings SettingsFor(const AccessPoint& accessPoint, bool hasPassPhrase) {
     ConnectionSettings settings;
     const std::string id = ToUtf8(NetworkNameText(accessPoint.name));
     settings["connection"] = {{"id", sdbus::Variant(id)},
@@ -135,10 +135,9 @@ ConnectionSettings SettingsFor(const AccessPoint& accessPoint, const std::string
     settings[kWirelessSettings] = {{"ssid", sdbus::Variant(name)},
                                    {"mode", sdbus::Variant(std::string("infrastructure"))}};
     std::string keyManagement;
-    if (!passPhrase.empty()) {
+    if (hasPassPhrase) {
         const bool needsSae = (accessPoint.protection & (kWpaPersonal | kWpa2Personal)) == 0;
         keyManagement = needsSae ? "sae" : "wpa-psk";
-        settings[kSecuritySettings]["psk"] = sdbus::Variant(passPhrase);
     } else if ((accessPoint.protection & kOpportunistic) != 0) {
         keyManagement = "owe";
     }
@@ -188,7 +187,7 @@ public:
         return Translated([this] { return FindJoined(); });
     }
 
-    void Join(const AccessPoint& accessPoint, const std::string& passPhrase,
+    void Join(const AccessPoint& accessPoint, std::string_view passPhrase,
               std::chrono::seconds limit) override {
         Translated([&] { Activate(accessPoint, passPhrase, Clock::now() + limit); });
     }
@@ -407,14 +406,15 @@ private:
                        "SpecificObject", kNoObject);
     }
 
-    void Activate(const AccessPoint& accessPoint, const std::string& passPhrase,
+    void Activate(const AccessPoint& accessPoint, std::string_view passPhrase,
                   Clock::time_point deadline) const {
         RequireRadio();
         const bool offersSae = (accessPoint.protection & kWpa3Personal) != 0;
         Activation activation(manager, accessPoint.adapter, offersSae);
         const bool isOpen = (accessPoint.protection & ~kOpportunistic) == 0;
         if (!passPhrase.empty() || isOpen) {
-            activation.StartNew(SettingsFor(accessPoint, passPhrase), accessPoint.identity);
+            activation.StartNew(SettingsFor(accessPoint, !passPhrase.empty()), passPhrase,
+                                sdbus::ObjectPath(accessPoint.identity));
         } else if (const auto profile = SavedProfile(accessPoint)) {
             activation.StartSaved(*profile, accessPoint.identity);
         } else {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/PrinterDiscoverAPI/access_point.h"
@@ -53,7 +54,7 @@ public:
 
     // Joins an access point's network and waits for the outcome up to `limit`. Without a pass
     // phrase a protected network is joined with what the system has saved of it. Nothing is saved.
-    virtual void Join(const AccessPoint& accessPoint, const std::string& passPhrase,
+    virtual void Join(const AccessPoint& accessPoint, std::string_view passPhrase,
                       std::chrono::seconds limit) = 0;
 
     // The connection that the host has, for Resume; nothing where there is none, or none to return

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdio>
 
+#include "base/secret.h"
 #include "host/PrinterDiscoverAPI/information_elements.h"
 #include "host/PrinterDiscoverAPI/network_name.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
@@ -149,7 +150,7 @@ public:
         return std::nullopt;
     }
 
-    void Join(const AccessPoint& accessPoint, const std::string& passPhrase,
+    void Join(const AccessPoint& accessPoint, std::string_view passPhrase,
               std::chrono::seconds limit) override {
         RequireRadio();
         const auto deadline = Clock::now() + limit;
@@ -157,7 +158,9 @@ public:
         WlanAttempt attempt(client, adapter, accessPoint);
         const bool isOpen = (accessPoint.protection & ~kOpportunistic) == 0;
         if (!passPhrase.empty() || isOpen) {
-            attempt.StartNew(WlanProfile(accessPoint, passPhrase));
+            std::wstring profile = WlanProfile(accessPoint, passPhrase);
+            const Base::WipeAtEnd wiped(profile);
+            attempt.StartNew(profile);
         } else {
             attempt.StartSaved(SavedProfile(adapter, accessPoint.name));
         }

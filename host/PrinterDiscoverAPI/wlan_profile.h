@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "host/PrinterDiscoverAPI/access_point.h"
 
@@ -8,6 +9,7 @@ namespace Host {
 
 // The profile with which Windows joins the access point's network: its settings, with the pass
 // phrase if there is one, as an XML document. The profile also finds a network that hides its name.
-std::wstring WlanProfile(const AccessPoint& accessPoint, const std::string& passPhrase);
+// It is the only copy of the pass phrase that is left.
+std::wstring WlanProfile(const AccessPoint& accessPoint, std::string_view passPhrase);
 
 }  // namespace Host
