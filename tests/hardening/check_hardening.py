@@ -57,9 +57,10 @@ def compiled_without(build, options):
         commands = json.load(file)
     for entry in commands:
         source = os.path.relpath(entry["file"], TOP)
-        if source.startswith("..") or NOT_SHIPPED.match(source) or NOT_SHIPPED.match(entry["output"]):
-            continue
         words = entry["command"].split()
+        product = words[words.index("-o") + 1]
+        if source.startswith("..") or NOT_SHIPPED.match(source) or NOT_SHIPPED.match(product):
+            continue
         for option in options:
             if option not in words:
                 yield source, option
