@@ -22,7 +22,7 @@ constexpr auto kNoLimit = Cancellation::Clock::duration::max();
 constexpr auto kAnswerLimit = std::chrono::seconds(30);
 constexpr auto kJoinLimit = std::chrono::seconds(180);
 
-// The vendors that work which began at `began` waits for.
+// The vendors that work which began at `began` waits for, or the module that is being loaded.
 std::string AwaitedVendors(std::uint64_t began);
 
 // Waits for work by `wait`, which waits until a moment or until the condition is true, and says

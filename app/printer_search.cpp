@@ -67,7 +67,7 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
                             std::chrono::duration<double> time) {
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
     const bool ask = CanBeAsked(wanted.vendor);
-    ScanSession session;
+    ScanSession session(settings);
     StatusLine status(settings, "Looking for the printer");
     SearchOutcome outcome;
     Clock::time_point nextQuestion{};

@@ -8,14 +8,14 @@
 namespace App {
 
 ExitStatus Scan(const Settings& settings, const ScanOptions& options) {
-    ScanSession session;
+    ScanSession session(settings);
     const auto view = ViewFor<Printer>(settings, PrinterJson);
     const bool isAnyFound = RunScan(session, *view, options);
     if (session.HasEnded() && !OutputReaderIsGone()) {
         if (!isAnyFound || options.watch) {
             ThrowNobodyLooks(session);
         }
-        for (const std::string& failure : session.Failures()) {
+        for (const std::string& failure : session.TakeFailures()) {
             Warn(failure);
         }
     }

@@ -22,13 +22,13 @@ int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 
 }  // namespace
 
-ScanSession::ScanSession() {
-    CancelOnInterrupt();
-    const ScanSurvey survey = SurveyScans();
+ScanSession::ScanSession(const Settings& settings) {
+    // It loads the vendors' modules, which may take long, or for ever.
+    const ScanSurvey survey =
+        Await<ScanSurvey>(settings, "Loading the vendors' modules", SurveyScans);
     knownVendors = survey.listed;
     scans.emplace(survey.vendors);
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
-    // The first call loads the vendors' modules, which may take long, or for ever.
     const std::function<int()> start = [&discovery] {
         return discovery.StartDeviceScan({OnDevice, 0});
     };
@@ -40,7 +40,7 @@ ScanSession::ScanSession() {
             throw Interrupted();
         }
     };
-    const bool started = AwaitRegardless(start, onWait, kAnswerLimit) == 0;
+    const bool started = AwaitRegardless(start, onWait, settings.LimitOr(kAnswerLimit)) == 0;
     if (started) {
         scan.emplace("scan", "a vendor has not stopped its scan",
                      [&discovery] { return discovery.StopDeviceScan(); });
@@ -68,12 +68,17 @@ std::vector<std::string> ScanSession::TakeRemarks() {
     std::vector<std::string> remarks;
     RemarkStrangers(remarks);
     if (!HasEnded()) {
-        const std::vector<std::string>& failures = scans->Failures();
-        remarks.insert(remarks.end(), failures.begin() + static_cast<std::ptrdiff_t>(remarked),
-                       failures.end());
-        remarked = failures.size();
+        const std::vector<std::string> failures = TakeFailures();
+        remarks.insert(remarks.end(), failures.begin(), failures.end());
     }
     return remarks;
+}
+
+std::vector<std::string> ScanSession::TakeFailures() {
+    const std::vector<std::string>& failures = scans->Failures();
+    const auto first = failures.begin() + static_cast<std::ptrdiff_t>(remarked);
+    remarked = failures.size();
+    return {first, failures.end()};
 }
 
 void ScanSession::RemarkStrangers(std::vector<std::string>& remarks) {

@@ -9,6 +9,7 @@
 
 #include "app/printer_list.h"
 #include "app/running_work.h"
+#include "app/settings.h"
 #include "app/vendor_scans.h"
 
 namespace App {
@@ -18,8 +19,8 @@ namespace App {
 class ScanSession {
 public:
     // Starts the scan, and names on standard error each vendor that cannot take part. Throws
-    // Problem when none can.
-    ScanSession();
+    // Problem when none can, and TimedOut when a module does not get ready in its time.
+    explicit ScanSession(const Settings& settings);
 
     // As that of RunningWork.
     void Stop(const std::function<void()>& onWait = [] {});
@@ -31,7 +32,10 @@ public:
     // others look on, and printers that no vendor of the list can be asked about.
     std::vector<std::string> TakeRemarks();
 
-    // Why vendors do not look, all of them so far.
+    // Why vendors do not look: those that no remark has told.
+    std::vector<std::string> TakeFailures();
+
+    // All of them so far.
     const std::vector<std::string>& Failures() const { return scans->Failures(); }
 
     PrinterList& Printers() { return PrinterList::GetInstance(); }

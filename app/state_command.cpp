@@ -119,7 +119,7 @@ ExitStatus NotClear(const StateOptions& options, const std::vector<Printer>& pri
 }  // namespace
 
 ExitStatus State(const Settings& settings, const StateOptions& options) {
-    ScanSession session;
+    ScanSession session(settings);
     PrinterList& list = session.Printers();
     WaitForOne(session, options);
     if (options.address.empty() && !Matches(list, options).empty()) {
@@ -130,7 +130,7 @@ ExitStatus State(const Settings& settings, const StateOptions& options) {
     if (printers.empty() && session.HasEnded()) {
         ThrowNobodyLooks(session);
     }
-    for (const std::string& failure : session.Failures()) {
+    for (const std::string& failure : session.TakeFailures()) {
         Warn(failure);
     }
     if (printers.empty()) {

@@ -1,33 +1,22 @@
 #include "app/vendor_scans.h"
 
 #include <algorithm>
-#include <chrono>
 #include <optional>
 #include <utility>
 
-#include "DeviceDiscover/vendor_activity.h"
 #include "app/access_point_printer.h"
+#include "app/vendor_calls.h"
 
 namespace App {
 
 namespace {
 
-using PrinterDeviceDiscoverSdk::VendorCall;
-using PrinterDeviceDiscoverSdk::VendorCallState;
-
-std::uint64_t Now() {
-    const std::chrono::nanoseconds time = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<std::uint64_t>(time.count());
-}
-
 // The latest scan of that vendor that began after `since`.
 std::optional<VendorCall> LatestScan(const std::string& vendor, std::uint64_t since) {
     std::optional<VendorCall> latest;
-    for (std::size_t row = 0; row < PrinterDeviceDiscoverSdk::VendorCallRows(); ++row) {
-        VendorCall call{};
-        if (PrinterDeviceDiscoverSdk::ReadVendorCall(row, call) && vendor == call.productId &&
-            std::string("StartDeviceScan") == call.entryPoint && call.began >= since &&
-            (!latest || call.began > latest->began)) {
+    for (const VendorCall& call : VendorCalls()) {
+        if (vendor == call.productId && std::string("StartDeviceScan") == call.entryPoint &&
+            call.began >= since && (!latest || call.began > latest->began)) {
             latest = call;
         }
     }
@@ -49,7 +38,7 @@ std::string FailureOf(const std::string& vendor, const VendorCall& call) {
 }  // namespace
 
 VendorScans::VendorScans(std::vector<std::string> startedVendors)
-    : vendors(std::move(startedVendors)), start(Now()) {}
+    : vendors(std::move(startedVendors)), start(CallClockNow()) {}
 
 void VendorScans::Update() {
     if (frozen) {

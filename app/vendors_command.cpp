@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "app/awaiting.h"
 #include "app/console.h"
 #include "app/json_output.h"
 #include "app/messages.h"
@@ -81,8 +82,10 @@ ExitStatus Vendors(const Settings& settings) {
     bool anyLoaded = false;
     std::vector<std::string> useless;
     for (const VendorInfo& vendor : list.vendors) {
-        std::vector<ModuleSurvey> modules{SurveyScanModule(vendor),
-                                          SurveyConfigurationModule(vendor)};
+        auto modules = Await<std::vector<ModuleSurvey>>(
+            settings, "Loading the modules of vendor " + vendor.productId, [vendor] {
+                return std::vector{SurveyScanModule(vendor), SurveyConfigurationModule(vendor)};
+            });
         std::for_each(modules.begin(), modules.end(), AddHints);
         WriteOutput(settings.json ? VendorJson(list, vendor, modules) + "\n"
                                   : VendorText(vendor, modules));

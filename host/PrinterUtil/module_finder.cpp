@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "host/PrinterUtil/loading_note.h"
 #include "host/PrinterUtil/module_loader.h"
 #include "host/common/paths.h"
 
@@ -54,6 +55,7 @@ std::string Load(const fs::path& folder, const fs::path& file, HINSTANCE& module
     const TrustedFile trusted = TrustedFile::Open(file);
     std::string problem = trusted.Problem();
     if (problem.empty()) {
+        const LoadingNote note(Host::PathToUtf8(file));
         module = LoadModule(trusted, problem);
     }
     return problem;

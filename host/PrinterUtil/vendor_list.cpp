@@ -1,5 +1,6 @@
 #include "host/PrinterUtil/vendor_list.h"
 
+#include "host/PrinterUtil/loading_note.h"
 #include "host/PrinterUtil/module_finder.h"
 #include "host/PrinterUtil/vendor_list_state.h"
 
@@ -20,6 +21,10 @@ ModuleReport DescribeModule(const std::string& moduleName) {
         return {{}, nullptr, problem};
     }
     return OpenModule(folder, moduleName);
+}
+
+std::string ModuleBeingLoaded() {
+    return LoadingNote::Latest();
 }
 
 }  // namespace PrinterUtil

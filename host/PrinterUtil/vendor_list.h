@@ -35,4 +35,9 @@ struct ModuleReport {
 // Loads a module as VendorDllMgr does, and logs nothing.
 PRINTERUTIL_API ModuleReport DescribeModule(const std::string& moduleName);
 
+// The path of a module that VendorDllMgr or DescribeModule is loading right now, on whichever
+// thread; empty when there is none. For a program that waits, since a module may hang while it
+// starts.
+PRINTERUTIL_API std::string ModuleBeingLoaded();
+
 }  // namespace PrinterUtil
