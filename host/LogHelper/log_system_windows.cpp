@@ -7,7 +7,7 @@
 #include "host/LogHelper/log_system.h"
 #include "host/common/paths.h"
 #include "host/common/utf8.h"
-#include "platform/os.h"
+#include "platform/os_calls.h"
 
 namespace LogHelper {
 
@@ -152,9 +152,7 @@ void WakeUp::WaitFor(std::chrono::milliseconds time) {
 }
 
 bool StartThread(void (*body)()) {
-    HMODULE self = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                       reinterpret_cast<const wchar_t*>(reinterpret_cast<void*>(&RunBody)), &self);
+    KeepLoaded(reinterpret_cast<const void*>(&RunBody));
     const auto thread = reinterpret_cast<HANDLE>(
         _beginthreadex(nullptr, 0, RunBody, reinterpret_cast<void*>(body), 0, nullptr));
     if (thread == nullptr) {

@@ -108,9 +108,9 @@ void LogWriter::UseFile(const Settings& settings) {
         // The file stays the same wherever the program goes.
         file.Use(Host::AbsolutePath(Host::PathFromUtf8(settings.filePath)), {});
     } else {
-        const auto [folder, reason] = Host::UserStateFolder();
-        file.Use(folder.empty() ? folder : folder / kFileName,
-                 "there is no folder for it, " + reason);
+        const Host::UserFolder users = Host::UserStateFolder();
+        file.Use(users.path.empty() ? users.path : users.path / kFileName,
+                 "there is no folder for it, " + users.reason);
     }
 }
 
@@ -179,20 +179,20 @@ bool LogWriter::HasThread() {
 
 bool LogWriter::Push(std::string_view line) {
     const Lock lock = LockUnlessAlone(queueMutex);
-    PushTheLost();
     const std::size_t before = queue.Size();
-    if (lost != 0 || !queue.Push(line)) {
-        return false;
-    }
-    if (before == 0 || (before < kGatheredEnough && queue.Size() >= kGatheredEnough)) {
+    PushTheLost();
+    const bool isPushed = lost == 0 && queue.Push(line);
+    if (!isAnnounced || (before < kGatheredEnough && queue.Size() >= kGatheredEnough)) {
+        isAnnounced = true;
         wakeUp->Signal();
     }
-    return true;
+    return isPushed;
 }
 
 void LogWriter::PushWithPatience(std::string_view line) {
     for (int patience = isStuck ? 0 : kPatienceForRoom; !Push(line); --patience) {
         if (patience == 0) {
+            const Lock lock = LockUnlessAlone(queueMutex);
             isStuck = true;
             ++lost;
             return;
@@ -262,6 +262,7 @@ void LogWriter::Drain(std::string_view next) {
 LineQueue::Buffer& LogWriter::TurnQueue(std::string_view next) {
     const Lock lock = LockUnlessAlone(queueMutex);
     LineQueue::Buffer& filled = queue.Turn();
+    isAnnounced = false;
     PushTheLost();
     queue.Push(next);
     return filled;

@@ -78,6 +78,7 @@ private:
 
     std::unique_ptr<WakeUp> wakeUp;
     std::atomic<bool> hasThread = false;
+    bool isAnnounced = false;  // the thread knows of what is queued; guarded by queueMutex
     std::atomic<std::uint64_t> lost{0};
     std::atomic<bool> isStuck = false;  // the file takes nothing: nobody waits for room any more
     std::atomic<bool> isFileBusy = false;

@@ -339,6 +339,8 @@ TEST_F(LogHelperOnLinux, IsNotHeldUpByAFileThatTakesNothing) {
     });
     EXPECT_EQ(logged.wait_for(std::chrono::seconds(20)), std::future_status::ready);
     EXPECT_THAT(file.ReadUntil("the file took no more"), HasSubstr("LogHelper: lost lines: "));
+    LogOnly(LOG_LEVEL_DEBUG, L"after the loss");
+    EXPECT_THAT(file.ReadUntil("after the loss"), HasSubstr("after the loss"));
     settings.file = false;
     LogHelper::Configure(settings);
 }
