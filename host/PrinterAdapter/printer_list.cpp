@@ -31,8 +31,10 @@ void LogProblem(std::string_view problem) {
 void PrinterList::GetPrinterList(std::vector<PrinterSdk::PrinterProperty>& printers) {
     try {
         SpoolerAnswer answer = AskSpoolerInTime();
-        if (!answer.problem.empty()) {
-            LogProblem(answer.problem);
+        for (const std::string& problem : {answer.note, answer.problem}) {
+            if (!problem.empty()) {
+                LogProblem(problem);
+            }
         }
         printers.insert(printers.end(), std::make_move_iterator(answer.printers.begin()),
                         std::make_move_iterator(answer.printers.end()));

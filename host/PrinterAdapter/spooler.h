@@ -8,10 +8,12 @@
 
 namespace PrinterAdapter {
 
-// The installed printers; none, with the reason in `problem`, when the spooler does not say.
+// The installed printers; none, with the reason in `problem`, when the spooler does not say. `note`
+// is a line for the log: what was not heeded when the spooler was looked for.
 struct SpoolerAnswer {
     std::vector<PrinterSdk::PrinterProperty> printers;
     std::string problem;
+    std::string note;
 };
 
 // How long the spooler has for its answer.

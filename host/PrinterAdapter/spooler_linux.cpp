@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/environment.h"
 #include "base/ipp/byte_stream_linux.h"
 #include "base/ipp/ipp_exchange_linux.h"
 #include "base/ipp/ipp_request.h"
@@ -23,6 +24,9 @@ namespace {
 // names and places of any usual length.
 constexpr Base::IppLimits kLimits{
     .bytes = std::size_t{16} * 1024 * 1024, .attributes = 200000, .values = 400000};
+
+// Where the host's own spooler listens, unless its administrator has moved it.
+constexpr const char* kOwnSocket = "/run/cups/cups.sock";
 
 constexpr std::uint16_t kNotFound = 0x0406;
 constexpr std::uint16_t kFirstError = 0x0400;
@@ -87,22 +91,40 @@ std::vector<Address> AddressesOf(const std::string& host, int port) {
     return addresses;
 }
 
-// Where the system's settings, or CUPS_SERVER, say that the spooler is.
-std::vector<Address> SpoolerAddresses() {
-    const std::string server = cupsServer();
-    return server.starts_with('/') ? SocketFile(server) : AddressesOf(server, ippPort());
+struct Spooler {
+    std::string server;  // a host, or the path of a socket
+    int port;
+    bool tls;
+
+    std::vector<Address> Addresses() const {
+        return server.starts_with('/') ? SocketFile(server) : AddressesOf(server, port);
+    }
+};
+
+// Where the system's settings, or CUPS_SERVER, say that the spooler is. `ignored` says why
+// CUPS_SERVER does not.
+Spooler FindSpooler(std::string& ignored) {
+    for (const char* const variable : {"CUPS_SERVER", "CUPS_ENCRYPTION", "IPP_PORT"}) {
+        const std::string line = Base::ReadEnvironment(variable).ignored;
+        ignored += line.empty() || ignored.empty() ? line : "; " + line;
+    }
+    if (!ignored.empty()) {
+        return {kOwnSocket, 0, false};
+    }
+    return {
+        cupsServer(), ippPort(),
+        cupsEncryption() == HTTP_ENCRYPTION_ALWAYS || cupsEncryption() == HTTP_ENCRYPTION_REQUIRED};
 }
 
-bool Connect(Base::ByteStream& stream, const Address& address) {
-    const bool tls = !address.IsSocketFile() && (cupsEncryption() == HTTP_ENCRYPTION_ALWAYS ||
-                                                 cupsEncryption() == HTTP_ENCRYPTION_REQUIRED);
-    return stream.Connect(address.Get(), address.size) && (!tls || stream.StartTls(cupsServer()));
+bool Connect(Base::ByteStream& stream, const Spooler& spooler, const Address& address) {
+    const bool tls = spooler.tls && !address.IsSocketFile();
+    return stream.Connect(address.Get(), address.size) && (!tls || stream.StartTls(spooler.server));
 }
 
 // The first address that can be reached.
-std::optional<Address> ConnectToAny(Base::ByteStream& stream) {
-    for (const Address& address : SpoolerAddresses()) {
-        if (Connect(stream, address)) {
+std::optional<Address> ConnectToAny(Base::ByteStream& stream, const Spooler& spooler) {
+    for (const Address& address : spooler.Addresses()) {
+        if (Connect(stream, spooler, address)) {
             return address;
         }
     }
@@ -110,7 +132,7 @@ std::optional<Address> ConnectToAny(Base::ByteStream& stream) {
 }
 
 // One question, over a connection that has been made.
-Base::IppReply Ask(Base::ByteStream& stream, const Address& address,
+Base::IppReply Ask(Base::ByteStream& stream, const Spooler& spooler, const Address& address,
                    const std::string& authorization) {
     Base::IppRequest request(Base::IppRequest::Version::Usual, Base::IppOperation::CupsGetPrinters);
     std::vector<std::string_view> names{kState};
@@ -118,17 +140,17 @@ Base::IppReply Ask(Base::ByteStream& stream, const Address& address,
         names.push_back(text.attribute);
     }
     request.AddKeywords("requested-attributes", names);
-    const Base::IppTarget target{address.IsSocketFile() ? "localhost" : cupsServer(),
-                                 static_cast<std::uint16_t>(ippPort()), "/", authorization};
+    const Base::IppTarget target{address.IsSocketFile() ? "localhost" : spooler.server,
+                                 static_cast<std::uint16_t>(spooler.port), "/", authorization};
     return Base::ExchangeIpp(stream, target, request.Finish(), kLimits);
 }
 
 // A spooler on this host that wants to know who asks looks itself who is at the socket's other end.
-Base::IppReply AskByName(Base::ByteStream& stream, const Address& address) {
-    Base::IppReply reply = Ask(stream, address, {});
+Base::IppReply AskByName(Base::ByteStream& stream, const Spooler& spooler, const Address& address) {
+    Base::IppReply reply = Ask(stream, spooler, address, {});
     const bool wantsName = reply.httpStatus == kUnauthorized && address.IsSocketFile();
-    return wantsName && Connect(stream, address)
-               ? Ask(stream, address, std::string("PeerCred ") + cupsUser())
+    return wantsName && Connect(stream, spooler, address)
+               ? Ask(stream, spooler, address, std::string("PeerCred ") + cupsUser())
                : std::move(reply);
 }
 
@@ -159,28 +181,28 @@ std::string RefusalOf(const Base::IppMessage& answer) {
     return message.empty() ? ippErrorString(static_cast<ipp_status_t>(answer.Status())) : message;
 }
 
-std::string Where() {
-    return std::string(" at ") + cupsServer();
-}
-
 }  // namespace
 
 SpoolerAnswer AskSpooler() {
+    SpoolerAnswer answer;
+    const Spooler spooler = FindSpooler(answer.note);
     Base::ByteStream stream(Base::ByteStream::Clock::now() + kSpoolerTime);
-    const auto address = ConnectToAny(stream);
+    const auto address = ConnectToAny(stream, spooler);
     if (!address) {
-        return {{}, "no print spooler can be reached" + Where()};
+        answer.problem = "no print spooler can be reached at " + spooler.server;
+        return answer;
     }
-    const Base::IppReply reply = AskByName(stream, *address);
+    const Base::IppReply reply = AskByName(stream, spooler, *address);
     if (reply.message && reply.message->Status() == kNotFound) {
-        return {};  // no printer is installed
+        return answer;  // no printer is installed
     }
     if (!reply.message || reply.message->Status() >= kFirstError) {
-        return {{},
-                "no answer from the print spooler" + Where() + ": " +
-                    (reply.message ? RefusalOf(*reply.message) : reply.problem)};
+        answer.problem = "no answer from the print spooler at " + spooler.server + ": " +
+                         (reply.message ? RefusalOf(*reply.message) : reply.problem);
+        return answer;
     }
-    return {PrintersOf(*reply.message), {}};
+    answer.printers = PrintersOf(*reply.message);
+    return answer;
 }
 
 }  // namespace PrinterAdapter

@@ -52,7 +52,7 @@ void Ask(Desk& desk, const std::shared_ptr<Question>& question) {
 
 SpoolerAnswer AskSpoolerInTime() {
     const auto deadline = std::chrono::steady_clock::now() + kSpoolerTime;
-    SpoolerAnswer late{{}, "the print spooler has not answered in time"};
+    SpoolerAnswer late{{}, "the print spooler has not answered in time", {}};
     Desk& desk = TheDesk();
     std::unique_lock lock(desk.mutex);
     if (!desk.changed.wait_until(lock, deadline, [&desk] { return !desk.current; })) {

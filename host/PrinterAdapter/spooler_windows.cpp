@@ -124,11 +124,12 @@ SpoolerAnswer AskSpooler() {
             return EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr,
                                  kPrintersLevel, room, size, needed, count);
         });
-    if (queues.error != ERROR_SUCCESS) {
-        return {{},
-                "no print spooler: EnumPrintersW failed: error " + std::to_string(queues.error)};
-    }
     SpoolerAnswer answer;
+    if (queues.error != ERROR_SUCCESS) {
+        answer.problem =
+            "no print spooler: EnumPrintersW failed: error " + std::to_string(queues.error);
+        return answer;
+    }
     const Ports ports;
     for (const PRINTER_INFO_2W& queue : queues) {
         answer.printers.push_back(PrinterOf(queue, ports));

@@ -54,8 +54,7 @@ std::string UsersList(const Host::UserFolder& folder) {
 }
 
 // The user's list, or the one beside this library.
-FoundList FindUnnamedList() {
-    const Host::UserFolder users = Host::UserConfigurationFolder();
+FoundList FindUnnamedList(const Host::UserFolder& users) {
     const fs::path beside = LibraryFolder() / kProductFolder;
     for (const fs::path& folder : {users.path, beside}) {
         if (!folder.empty() && IsThere(folder / kFileName)) {
@@ -64,7 +63,7 @@ FoundList FindUnnamedList() {
     }
     FoundList none;
     none.problem = "vendor list: none found, neither " + UsersList(users) + " nor " +
-                   Host::PathToUtf8(beside / kFileName) + "; " + kVariable + " can name one";
+                   Host::PathToUtf8(beside / kFileName);
     return none;
 }
 
@@ -78,9 +77,14 @@ FoundList FindVendorList(const fs::path& chosen) {
     if (!named.text.empty()) {
         return ReadAt(named.text);
     }
-    FoundList found = FindUnnamedList();
+    const Host::UserFolder users = Host::UserConfigurationFolder();
+    FoundList found = FindUnnamedList(users);
     if (!named.ignored.empty()) {
         found.note = "vendor list: " + named.ignored;
+    } else if (!users.ignored.empty()) {
+        found.note = "vendor list: " + users.ignored;
+    } else if (found.path.empty()) {
+        found.problem += std::string("; ") + kVariable + " can name one";
     }
     return found;
 }

@@ -21,24 +21,29 @@ std::filesystem::path AbsoluteFromEnvironment(const char* variable, bool& isIgno
     return path.is_absolute() ? path : std::filesystem::path();
 }
 
-UserFolder Folder(const FolderRule& rule) {
-    bool isIgnored = false;
+std::filesystem::path FolderBy(const FolderRule& rule, bool& isIgnored) {
     if (const auto folder = AbsoluteFromEnvironment(rule.variable, isIgnored); !folder.empty()) {
-        return {folder / kProductFolder, {}};
+        return folder;
     }
     if (const auto home = AbsoluteFromEnvironment(rule.homeVariable, isIgnored); !home.empty()) {
-        return {home / rule.belowHome / kProductFolder, {}};
+        return home / rule.belowHome;
     }
-    if (isIgnored && rule.withoutEnvironment != nullptr) {
-        if (const auto folder = rule.withoutEnvironment(); !folder.empty()) {
-            return {folder / kProductFolder, {}};
-        }
-    }
+    return isIgnored && rule.withoutEnvironment != nullptr ? rule.withoutEnvironment()
+                                                           : std::filesystem::path();
+}
+
+UserFolder Folder(const FolderRule& rule) {
+    bool isIgnored = false;
+    const std::filesystem::path folder = FolderBy(rule, isIgnored);
     const std::string variables(rule.variables);
-    return {{},
-            isIgnored
-                ? variables + " ignored: this program has more rights than the user who started it"
-                : variables + " unset"};
+    const std::string ignored =
+        isIgnored
+            ? variables + " ignored: this program has more rights than the user who started it"
+            : "";
+    if (!folder.empty()) {
+        return {folder / kProductFolder, {}, ignored};
+    }
+    return {{}, isIgnored ? ignored : variables + " unset", ignored};
 }
 
 }  // namespace

@@ -10,6 +10,8 @@ struct UserFolder {
     std::filesystem::path path;  // empty where the user has none
     // Why there is none, for people: "XDG_STATE_HOME and HOME unset".
     std::string reason;
+    // What did not count, for the log; empty when all did.
+    std::string ignored;
 };
 
 // Where the log is, and where the user's vendor list is. An environment that does not count (see

@@ -195,6 +195,22 @@ TEST(WithoutASpooler, NoPrinterIsInstalledOnANetworkSpoolerEither) {
     ExpectOneWarning(L"installed printers: no print spooler can be reached at 127.0.0.1(");
 }
 
+// This host may have a spooler of its own, or none.
+TEST(AProgramWithMoreRightsThanItsUser, IsNotLedToASpooler) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can become another user";
+    }
+    ASSERT_EQ(seteuid(65534), 0);
+    EXPECT_THAT(Installed(), testing::Not(SizeIs(6)));
+    ASSERT_EQ(seteuid(0), 0);
+    ASSERT_THAT(RecordingLog::Lines(), testing::Not(IsEmpty()));
+    const std::wstring line = RecordingLog::Lines().front().text;
+    EXPECT_TRUE(line.starts_with(
+        L"installed printers: the environment variable CUPS_SERVER is ignored: this program has "
+        L"more rights than the user who started it"))
+        << testing::PrintToString(line);
+}
+
 TEST(ASpoolerThatHasDied, HasNoPrinters) {
     EXPECT_THAT(Installed(), SizeIs(6));
     SignalSpooler(SIGKILL);
