@@ -9,13 +9,15 @@ Exit status: 0 all are, 1 some are not, each named with what it lacks, 2 wrong a
 import glob
 import json
 import os
+import platform
 import re
 import subprocess
 import sys
 
 TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 BOTH = ["-fstack-protector-strong", "-D_FORTIFY_SOURCE=2"]
-COMPILED_WITH = {"linux": BOTH + ["-fstack-clash-protection", "-fcf-protection"], "windows": BOTH}
+ON_X86 = ["-fcf-protection"] if platform.machine() in ("x86_64", "AMD64", "i686") else []
+COMPILED_WITH = {"linux": BOTH + ["-fstack-clash-protection"] + ON_X86, "windows": BOTH}
 # The folders of what users run; tests and benchmarks may be built as they like.
 NOT_SHIPPED = re.compile(r"^(tests|bench)/")
 FEWEST_BINARIES = 8
@@ -62,10 +64,10 @@ def compiled_without(build, options):
         if source.startswith("..") or NOT_SHIPPED.match(source) or NOT_SHIPPED.match(product):
             continue
         for option in options:
-            if option not in words:
-                yield source, option
-            name = option.split("=")[0].replace("-D", "-U")
-            if name != option and name in words[words.index(option):]:
+            undone = option.split("=")[0].replace("-D", "-U")
+            stands = option in words and (
+                undone == option or undone not in words[words.index(option):])
+            if not stands:
                 yield source, option
 
 
