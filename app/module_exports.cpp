@@ -12,8 +12,8 @@ namespace App {
 
 namespace {
 
-constexpr std::size_t kMostExports = 65536;
-constexpr std::size_t kMostSections = 4096;
+constexpr std::size_t kMaxExports = 65536;
+constexpr std::size_t kMaxSections = 4096;
 constexpr std::size_t kLongestExport = 512;
 constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 40;
 
@@ -72,7 +72,7 @@ public:
     explicit ElfLibrary(Image& file)
         : image(file),
           sections(image.NumberOr0(40, 8)),
-          count(std::min<std::uint64_t>(image.NumberOr0(60, 2), kMostSections)) {}
+          count(std::min<std::uint64_t>(image.NumberOr0(60, 2), kMaxSections)) {}
 
     std::vector<std::string> Names() {
         constexpr std::uint64_t dynamicSymbols = 11;
@@ -87,7 +87,7 @@ public:
             const std::uint64_t texts =
                 image.NumberOr0(SectionAt(image.NumberOr0(section + 40, 4)) + 24, 8);
             const std::uint64_t symbolCount = image.NumberOr0(section + 32, 8) / symbolSize;
-            for (std::uint64_t at = 0; at < std::min<std::uint64_t>(symbolCount, kMostExports);
+            for (std::uint64_t at = 0; at < std::min<std::uint64_t>(symbolCount, kMaxExports);
                  ++at) {
                 AddName(symbols + at * symbolSize, texts, names);
             }
@@ -125,7 +125,7 @@ public:
         : image(file),
           optionalHeader(header + 24),
           sections(optionalHeader + image.NumberOr0(header + 20, 2)),
-          count(std::min<std::uint64_t>(image.NumberOr0(header + 6, 2), kMostSections)) {}
+          count(std::min<std::uint64_t>(image.NumberOr0(header + 6, 2), kMaxSections)) {}
 
     std::vector<std::string> Names() {
         constexpr std::uint64_t wide = 0x20B;
@@ -137,7 +137,7 @@ public:
         }
         const auto table = PlaceOf(image.NumberOr0(*exports + 32, 4));
         const std::uint64_t nameCount =
-            std::min<std::uint64_t>(image.NumberOr0(*exports + 24, 4), kMostExports);
+            std::min<std::uint64_t>(image.NumberOr0(*exports + 24, 4), kMaxExports);
         std::vector<std::string> names;
         for (std::uint64_t at = 0; table && at < nameCount; ++at) {
             const auto place = PlaceOf(image.NumberOr0(*table + at * 4, 4));

@@ -8,7 +8,7 @@ namespace App {
 
 namespace {
 
-constexpr std::size_t kMostRemarks = 2;
+constexpr std::size_t kMaxRemarks = 2;
 constexpr auto kShortestInterval = std::chrono::milliseconds(50);
 
 ScreenSize Screen() {
@@ -70,7 +70,7 @@ void TableDrawing::Show(const Table& table, bool hasNews, const std::vector<std:
     lastDrawn = now;
     isOnTerminal = true;
     std::vector<std::string> below;
-    const std::size_t hidden = remarks.size() - std::min(remarks.size(), kMostRemarks);
+    const std::size_t hidden = remarks.size() - std::min(remarks.size(), kMaxRemarks);
     for (std::size_t index = hidden; index < remarks.size(); ++index) {
         below.push_back(DisplayText(remarks[index]));
     }
