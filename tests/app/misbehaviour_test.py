@@ -7,6 +7,8 @@ import unittest
 import app_test
 from app_test import (COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device, json_lines,
                       system_path)
+from setup_test import PRINTER, SetupTest
+from usb_host_test import UsbTest, port, usb_device
 
 on_linux = unittest.skipIf(ON_WINDOWS, "there is no such thing on Windows")
 
@@ -118,6 +120,59 @@ class Misbehaviour(AppTest):
         self.assert_status(result, CRASHED)
         self.assert_mentions(result.errors, " in vendor two (StartDeviceScan); also under way: ",
                              "vendor one (StartDeviceScan)", "vendor zero (StartDeviceScan)")
+
+
+class MisbehaviourOverUsb(UsbTest):
+    COMMANDS = {
+        "GetDeviceInfoByUsb": ["usb", "ports"],
+        "USBWifiScan": ["usb", "networks", "SN1"],
+        "PrinterUSBNetConfigEvent": ["usb", "configure", "SN1", "--network", "Office", "--open"],
+    }
+
+    def run_into(self, entry_point, how):
+        self.script(usb_device("SN1"), f"misbehave {entry_point} {how}")
+        self.host(port())
+        return self.run_app(*self.COMMANDS[entry_point], "--vendor-seconds", "1")
+
+    def test_a_crash_is_named(self):
+        for entry_point in self.COMMANDS:
+            with self.subTest(entry_point):
+                result = self.run_into(entry_point, "crash")
+                self.assert_status(result, CRASHED)
+                self.assert_mentions(result.errors, "devicediscover: the program crashed",
+                                     f"vendor scripted ({entry_point})")
+
+    def test_a_vendor_that_does_not_answer_is_named_and_left_behind(self):
+        for entry_point in self.COMMANDS:
+            with self.subTest(entry_point):
+                result = self.run_into(entry_point, "hang")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors,
+                                     f"no answer from vendor scripted ({entry_point}) within 1 s")
+
+
+class MisbehaviourInSetup(SetupTest):
+    def run_into(self, entry_point, how):
+        self.script(PRINTER, f"misbehave {entry_point} {how}")
+        return self.setup("--vendor-seconds", "1")
+
+    def test_a_crash_is_named(self):
+        for entry_point in ("GetDeviceInfoByNet", "PrinterAPNetConfigEvent", "StartDeviceScan",
+                            "IsLocalAreaNetworkOK"):
+            with self.subTest(entry_point):
+                result = self.run_into(entry_point, "crash")
+                self.assert_status(result, CRASHED)
+                self.assert_mentions(result.errors, f"vendor scripted ({entry_point})")
+                self.assert_not_shown(result)
+
+    def test_a_vendor_that_does_not_answer_is_named_and_left_behind(self):
+        for entry_point in ("GetDeviceInfoByNet", "PrinterAPNetConfigEvent",
+                            "IsLocalAreaNetworkOK"):
+            with self.subTest(entry_point):
+                result = self.run_into(entry_point, "hang")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors,
+                                     f"no answer from vendor scripted ({entry_point}) within 1 s")
 
 
 class Hanging(AppTest):
