@@ -1,5 +1,6 @@
 """Vendors that hang, crash, throw or end the program: named, and left behind."""
 
+import os
 import signal
 import time
 import unittest
@@ -9,6 +10,11 @@ from app_test import (COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, AppTest, dev
                       system_path)
 from setup_test import PRINTER, SetupTest
 from usb_host_test import UsbTest, port, usb_device
+
+# A sanitizer would end a program that crashes itself, with a status of its own.
+for options in ("ASAN_OPTIONS", "TSAN_OPTIONS"):
+    if options in os.environ:
+        os.environ[options] += ":handle_segv=0"
 
 on_linux = unittest.skipIf(ON_WINDOWS, "there is no such thing on Windows")
 
