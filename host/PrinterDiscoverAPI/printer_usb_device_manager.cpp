@@ -1,13 +1,38 @@
 #include "platform/PrinterDiscoverAPI/PrinterUsbDeviceManager.h"
 
+#include <array>
+#include <cstring>
 #include <set>
+#include <string>
 
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/usb_manager.h"
 #include "host/PrinterDiscoverAPI/usb_monitor.h"
 #include "host/common/utf8.h"
+#include "platform/PrinterDiscoverAPI/PrinterUsbControl.h"
 
 namespace PrinterDiscoverAPI {
+
+namespace {
+
+// What the thread's last operation met. Plain memory: threads may end after the library's own
+// objects are gone.
+thread_local std::array<char, 512> lastProblem{};
+
+void Keep(const std::string& problem) {
+    lastProblem = {};
+    std::strncpy(lastProblem.data(), problem.c_str(), lastProblem.size() - 1);
+}
+
+int Give(const char* problem, char* text, std::size_t size) {
+    if (text != nullptr && size > 0) {
+        std::memset(text, 0, size);
+        std::strncpy(text, problem, size - 1);
+    }
+    return *problem == '\0' ? 0 : 1;
+}
+
+}  // namespace
 
 PrinterUsbDeviceManager& PrinterUsbDeviceManager::GetInstance() {
     static PrinterUsbDeviceManager& instance = *new PrinterUsbDeviceManager;
@@ -19,7 +44,9 @@ void PrinterUsbDeviceManager::GetCurrentPrinterPorts(
     ports.clear();
     std::vector<UsbPrinter> printers;
     std::string problem;
-    if (!ListUsbPrinters(printers, problem)) {
+    const bool isListed = ListUsbPrinters(printers, problem);
+    Keep(isListed ? std::string() : problem);
+    if (!isListed) {
         Host::Report(LOG_LEVEL_ERROR, L"USB printers: " + Host::FromUtf8(problem),
                      L"PrinterUsbDeviceManager::GetCurrentPrinterPorts");
         return;
@@ -33,7 +60,10 @@ void PrinterUsbDeviceManager::GetCurrentPrinterPorts(
 }
 
 int PrinterUsbDeviceManager::StartMonitor(const DeviceStateChangeCallbackInfo& info) {
-    return UsbMonitor::GetInstance().Start(info);
+    std::string problem;
+    const int result = UsbMonitor::GetInstance().Start(info, problem);
+    Keep(problem);
+    return result;
 }
 
 void PrinterUsbDeviceManager::StopMonitor() {
@@ -41,3 +71,12 @@ void PrinterUsbDeviceManager::StopMonitor() {
 }
 
 }  // namespace PrinterDiscoverAPI
+
+int PrinterUsbProblem(char* text, std::size_t size) {
+    return PrinterDiscoverAPI::Give(PrinterDiscoverAPI::lastProblem.data(), text, size);
+}
+
+int PrinterUsbMonitorProblem(char* text, std::size_t size) {
+    const std::string trouble = PrinterDiscoverAPI::UsbMonitor::GetInstance().Trouble();
+    return PrinterDiscoverAPI::Give(trouble.c_str(), text, size);
+}

@@ -35,10 +35,12 @@ struct UsbEvent {
         added,       // `printer` is there; it may have been there before
         removed,     // what stands at `printer.path`, an interface or a device, is gone
         missed,      // events were lost: only a new list tells what is there
+        trouble,     // `trouble` is what is wrong with the events from now on; empty: nothing more
         interrupted  // nothing happened; Interrupt was called
     };
     Kind kind;
     UsbPrinter printer;
+    std::string trouble{};
 };
 
 // The system's device events, for one reader.
@@ -54,7 +56,7 @@ public:
     virtual ~UsbEvents() = default;
 
     // Waits for the next event. A device service that fails for a while is one `missed` event when
-    // it is there again.
+    // it is there again, and ends what trouble there was.
     virtual UsbEvent Wait() = 0;
 
     // Ends the waiting, now and from now on; from any thread.

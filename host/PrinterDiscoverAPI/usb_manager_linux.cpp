@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -11,8 +12,10 @@
 #include <cstring>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include "host/PrinterDiscoverAPI/diagnostics.h"
+#include "host/PrinterDiscoverAPI/silent_service.h"
 #include "host/PrinterDiscoverAPI/usb_manager.h"
 #include "host/common/utf8.h"
 
@@ -26,6 +29,9 @@ constexpr int kReceiveBuffer = 4 * 1024 * 1024;
 constexpr int kReopenMilliseconds = 200;
 constexpr int kServiceCheckMilliseconds = 1000;
 constexpr int kScans = 5;
+constexpr const char* kSilence =
+    "the device service (udev) does not pass device events on: it hangs, or was killed; the "
+    "kernel's own events are used, before the system's rules have been applied";
 
 template <class Object, Object* (*Release)(Object*)>
 struct Unref {
@@ -135,10 +141,8 @@ struct DeviceService {
     }
 };
 
-// The udev daemon passes an event on when its rules have been applied. Where no such daemon runs,
-// the kernel's own events say as much of what is there.
-Monitor OpenMonitor(udev* context, const DeviceService& service, std::string& problem) {
-    Monitor monitor(udev_monitor_new_from_netlink(context, service.runs ? "udev" : "kernel"));
+Monitor OpenMonitor(udev* context, const char* source, std::string& problem) {
+    Monitor monitor(udev_monitor_new_from_netlink(context, source));
     if (!monitor) {
         problem = NoEvents(errno);
         return nullptr;
@@ -154,6 +158,30 @@ Monitor OpenMonitor(udev* context, const DeviceService& service, std::string& pr
         return nullptr;
     }
     return monitor;
+}
+
+// The udev daemon passes an event on when its rules have been applied. Where no such daemon runs,
+// or one that is silent, the kernel's own events say as much of what is there.
+struct Monitors {
+    Monitor service;  // null where no device service runs
+    Monitor kernel;
+
+    bool AreOpen() const { return kernel != nullptr; }
+
+    static Monitors Open(udev* context, const DeviceService& present, std::string& problem) {
+        Monitors monitors;
+        if (present.runs) {
+            monitors.service = OpenMonitor(context, "udev", problem);
+        }
+        if (monitors.service || !present.runs) {
+            monitors.kernel = OpenMonitor(context, "kernel", problem);
+        }
+        return monitors;
+    }
+};
+
+int FileOf(const Monitor& monitor) {
+    return monitor ? udev_monitor_get_fd(monitor.get()) : -1;
 }
 
 // What is on USB now. A device that goes away meanwhile can spoil a scan; the next is without it.
@@ -175,11 +203,24 @@ Enumeration UsbDevices(udev* context, std::string& problem) {
     return nullptr;
 }
 
+// What the event says of printers, if anything.
+std::optional<UsbEvent> EventOf(udev_device* device) {
+    if (TextOf(udev_device_get_action(device)) == "remove") {
+        UsbPrinter gone;
+        gone.path = TextOf(udev_device_get_syspath(device));
+        return UsbEvent{UsbEvent::Kind::removed, gone};
+    }
+    if (const std::optional<UsbPrinter> printer = PrinterOf(device)) {
+        return UsbEvent{UsbEvent::Kind::added, *printer};
+    }
+    return std::nullopt;
+}
+
 class UdevEvents : public UsbEvents {
 public:
-    UdevEvents(Context&& freshContext, Monitor&& openMonitor, const DeviceService& present)
+    UdevEvents(Context&& freshContext, Monitors&& openMonitors, const DeviceService& present)
         : context(std::move(freshContext)),
-          monitor(std::move(openMonitor)),
+          monitors(std::move(openMonitors)),
           service(present),
           wake(eventfd(0, EFD_CLOEXEC)) {
         if (wake < 0) {
@@ -190,20 +231,27 @@ public:
 
     UsbEvent Wait() override {
         for (;;) {
-            if (!monitor) {
+            if (!monitors.AreOpen()) {
                 return Reopen();
             }
-            std::array<pollfd, 2> files{pollfd{wake, POLLIN, 0},
-                                        pollfd{udev_monitor_get_fd(monitor.get()), POLLIN, 0}};
-            const int ready = poll(files.data(), files.size(), kServiceCheckMilliseconds);
-            if (ready <= 0) {
+            if (const std::optional<UsbEvent> event = WhatSilenceMeans()) {
+                return *event;
+            }
+            std::array<pollfd, 3> files{pollfd{wake, POLLIN, 0},
+                                        pollfd{FileOf(monitors.kernel), POLLIN, 0},
+                                        pollfd{FileOf(monitors.service), POLLIN, 0}};
+            if (poll(files.data(), files.size(), PollMilliseconds()) <= 0) {
                 NoticeAnotherService();
                 continue;
             }
             if (files[0].revents != 0) {
                 return {UsbEvent::Kind::interrupted, {}};
             }
-            if (const std::optional<UsbEvent> event = Receive(files[1].revents)) {
+            // The kernel's first: the service's are about the same.
+            const std::optional<UsbEvent> event = files[1].revents != 0
+                                                      ? FromKernel(files[1].revents)
+                                                      : FromService(files[2].revents);
+            if (event) {
                 return *event;
             }
         }
@@ -212,27 +260,59 @@ public:
     void Interrupt() override { eventfd_write(wake, 1); }
 
 private:
-    // The event that has come; nothing when it is about something else. A monitor that is broken,
-    // or that has dropped events, is closed.
-    std::optional<UsbEvent> Receive(short signs) {
+    using Clock = SilentService::Clock;
+
+    int PollMilliseconds() const {
+        const auto next = comparison.NextOverdue();
+        if (!next) {
+            return kServiceCheckMilliseconds;
+        }
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now());
+        return std::clamp(static_cast<int>(left.count()), 0, kServiceCheckMilliseconds);
+    }
+
+    // What the service has not passed on in time; before the first such event that it is silent,
+    // and that it is not so any more when it speaks.
+    std::optional<UsbEvent> WhatSilenceMeans() {
+        if (!overdue) {
+            overdue = comparison.TakeOverdue(Clock::now());
+        }
+        if (comparison.IsSilent() != isSilenceTold) {
+            isSilenceTold = comparison.IsSilent();
+            return UsbEvent{UsbEvent::Kind::trouble, {}, isSilenceTold ? kSilence : ""};
+        }
+        return std::exchange(overdue, std::nullopt);
+    }
+
+    // The device that the next event is about; null when there is none for us. A monitor that is
+    // broken, or that has dropped events, is closed.
+    Device Receive(const Monitor& monitor, short signs) {
         errno = 0;
-        const Device device(udev_monitor_receive_device(monitor.get()));
+        Device device(udev_monitor_receive_device(monitor.get()));
         if (!device) {
             const bool dropped = errno != 0 && errno != EAGAIN && errno != EINTR;
             if (dropped || (signs & ~POLLIN) != 0) {
                 Close(dropped ? SystemMessage(errno) : "they have ended");
             }
+        }
+        return device;
+    }
+
+    std::optional<UsbEvent> FromKernel(short signs) {
+        const Device device = Receive(monitors.kernel, signs);
+        std::optional<UsbEvent> event = device ? EventOf(device.get()) : std::nullopt;
+        if (event && monitors.service) {
+            comparison.ToldByKernel(udev_device_get_seqnum(device.get()), *event, Clock::now());
             return std::nullopt;
         }
-        if (TextOf(udev_device_get_action(device.get())) == "remove") {
-            UsbPrinter gone;
-            gone.path = TextOf(udev_device_get_syspath(device.get()));
-            return UsbEvent{UsbEvent::Kind::removed, gone};
-        }
-        if (const std::optional<UsbPrinter> printer = PrinterOf(device.get())) {
-            return UsbEvent{UsbEvent::Kind::added, *printer};
-        }
-        return std::nullopt;
+        return event;
+    }
+
+    std::optional<UsbEvent> FromService(short signs) {
+        const Device device = Receive(monitors.service, signs);
+        const bool isNews =
+            device && comparison.ToldByService(udev_device_get_seqnum(device.get()));
+        return isNews ? EventOf(device.get()) : std::nullopt;
     }
 
     // Nothing is said of what happens between a device service's end and the next one's start, nor
@@ -246,7 +326,7 @@ private:
     }
 
     void Close(const std::string& reason) {
-        monitor.reset();
+        monitors = {};
         Host::Report(LOG_LEVEL_WARNING,
                      L"USB monitor: device events were missed: " + Host::FromUtf8(reason),
                      L"PrinterUsbDeviceManager::StartMonitor");
@@ -260,16 +340,28 @@ private:
             }
             std::string problem;
             service = DeviceService::Now();
-            monitor = OpenMonitor(context.get(), service, problem);
-            if (monitor) {
+            monitors = Monitors::Open(context.get(), service, problem);
+            if (monitors.AreOpen()) {
+                comparison = {};
+                overdue.reset();
+                isSilenceTold = false;
+                reopenProblem.clear();
                 return {UsbEvent::Kind::missed, {}};
+            }
+            if (problem != reopenProblem) {
+                reopenProblem = problem;
+                return {UsbEvent::Kind::trouble, {}, problem};
             }
         }
     }
 
     const Context context;
-    Monitor monitor;
+    Monitors monitors;
     DeviceService service;
+    SilentService comparison;
+    std::optional<UsbEvent> overdue;
+    bool isSilenceTold = false;
+    std::string reopenProblem;
     const int wake;
 };
 
@@ -303,11 +395,11 @@ std::unique_ptr<UsbEvents> UsbEvents::Open(std::string& problem) {
         return nullptr;
     }
     const DeviceService service = DeviceService::Now();
-    Monitor monitor = OpenMonitor(context.get(), service, problem);
-    if (!monitor) {
+    Monitors monitors = Monitors::Open(context.get(), service, problem);
+    if (!monitors.AreOpen()) {
         return nullptr;
     }
-    return std::make_unique<UdevEvents>(std::move(context), std::move(monitor), service);
+    return std::make_unique<UdevEvents>(std::move(context), std::move(monitors), service);
 }
 
 }  // namespace PrinterDiscoverAPI

@@ -44,17 +44,20 @@ UsbMonitor& UsbMonitor::GetInstance() {
     return instance;
 }
 
-int UsbMonitor::Start(const DeviceStateChangeCallbackInfo& info) {
+int UsbMonitor::Start(const DeviceStateChangeCallbackInfo& info, std::string& problem) {
     if (info.callback == nullptr) {
-        LogProblem("there is no callback to report to");
+        problem = "there is no callback to report to";
+        LogProblem(problem);
         return kNotStarted;
     }
     std::unique_lock lock(mutex);
     if (!current) {
-        current = NewRun();
+        current = NewRun(problem);
         if (!current) {
+            LogProblem(problem);
             return kNotStarted;
         }
+        trouble.clear();
     }
     registration = info;
     if (!IsInsideReport()) {
@@ -72,6 +75,7 @@ void UsbMonitor::Stop() {
     registration = {};
     if (current) {
         current->ended = true;
+        trouble.clear();
         current->events->Interrupt();
         retired.push_back(std::move(current));
     }
@@ -81,9 +85,13 @@ void UsbMonitor::Stop() {
     }
 }
 
-// A run that watches already; null, with the reason logged, when that cannot be had.
-std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun() {
-    std::string problem;
+std::string UsbMonitor::Trouble() {
+    const std::lock_guard lock(mutex);
+    return trouble;
+}
+
+// A run that watches already; null, with the reason in `problem`, when that cannot be had.
+std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun(std::string& problem) {
     try {
         auto run = std::make_shared<Run>();
         run->events = UsbEvents::Open(problem);
@@ -98,7 +106,6 @@ std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun() {
     } catch (const std::exception& error) {
         problem = error.what();
     }
-    LogProblem(problem);
     return nullptr;
 }
 
@@ -138,7 +145,8 @@ std::vector<UsbChange> UsbMonitor::ChangesBy(Run& run, const UsbEvent& event) {
     if (event.kind == UsbEvent::Kind::removed) {
         return run.table.Remove(event.printer.path);
     }
-    return ChangesMeanwhile(run);
+    SetTrouble(run, event.trouble);
+    return event.kind == UsbEvent::Kind::missed ? ChangesMeanwhile(run) : std::vector<UsbChange>();
 }
 
 // What has changed by what is there now. It is looked for until that is known, lest a printer that
@@ -149,15 +157,30 @@ std::vector<UsbChange> UsbMonitor::ChangesMeanwhile(Run& run) {
         std::vector<UsbPrinter> present;
         std::string problem;
         if (ListUsbPrinters(present, problem)) {
+            SetTrouble(run, {});
             return run.table.Replace(present);
         }
         if (problem != logged) {
-            LogProblem("events were missed, and " + problem);
+            SetTrouble(run, "events were missed, and " + problem);
             logged = problem;
         }
         std::this_thread::sleep_for(kPause);
     }
     return {};
+}
+
+// Logs each trouble as it begins.
+void UsbMonitor::SetTrouble(const Run& run, const std::string& text) {
+    {
+        const std::lock_guard lock(mutex);
+        if (run.ended || trouble == text) {
+            return;
+        }
+        trouble = text;
+    }
+    if (!text.empty()) {
+        LogProblem(text);
+    }
 }
 
 bool UsbMonitor::HasEnded(const Run& run) {

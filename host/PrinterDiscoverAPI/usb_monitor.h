@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -20,8 +21,12 @@ public:
     // Lives as long as the process: its thread may run while the process ends.
     static UsbMonitor& GetInstance();
 
-    int Start(const DeviceStateChangeCallbackInfo& info);
+    // 0; or -1, with the reason in `problem`.
+    int Start(const DeviceStateChangeCallbackInfo& info, std::string& problem);
     void Stop();
+
+    // What is wrong with the events now; empty: nothing.
+    std::string Trouble();
 
     UsbMonitor(const UsbMonitor&) = delete;
     UsbMonitor& operator=(const UsbMonitor&) = delete;
@@ -38,11 +43,12 @@ private:
     UsbMonitor() = default;
     ~UsbMonitor() = default;
 
-    std::shared_ptr<Run> NewRun();
+    std::shared_ptr<Run> NewRun(std::string& problem);
     void Watch(Run& run);
     bool TakeEvent(Run& run);
     std::vector<UsbChange> ChangesBy(Run& run, const UsbEvent& event);
     std::vector<UsbChange> ChangesMeanwhile(Run& run);
+    void SetTrouble(const Run& run, const std::string& text);
     bool HasEnded(const Run& run);
     bool DeliverAll(const Run& run, const std::vector<UsbChange>& changes);
     bool Deliver(const Run& run, const UsbChange& change);
@@ -54,6 +60,7 @@ private:
     std::condition_variable reported;
     DeviceStateChangeCallbackInfo registration{};
     std::shared_ptr<Run> current;
+    std::string trouble;  // of the current run
     // Over, but not waited for yet: from inside a report nobody can.
     std::vector<std::shared_ptr<Run>> retired;
     std::thread::id reporter;   // the thread that delivers a report now

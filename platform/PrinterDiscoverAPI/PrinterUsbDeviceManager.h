@@ -50,6 +50,8 @@ public:
     // Reports printers that are plugged in or out from now on; devices that are there already are
     // not reported when the system tells of them again, but when they go. What happens while the
     // system's device service is away is reported, as far as it made a difference, when it is back.
+    // What a device service that hangs, or was killed, does not pass on is reported when it is 3
+    // seconds late, and from then on at once; that it is so is logged.
     // A second start replaces the registration: when it returns the former one is not called any
     // more, except that a report from inside which it is called goes to its end. 0 on success; -1,
     // with the reason logged, without a callback or when the device service cannot be used.

@@ -3,12 +3,14 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
+#include "platform/PrinterDiscoverAPI/PrinterUsbControl.h"
 #include "tests/host/usb/device_service_linux.h"
 #include "tests/host/usb/usb_reports.h"
 #include "tests/support/recording_log.h"
@@ -197,8 +199,17 @@ TEST_F(UsbEvents, ThatCannotBeHadAreAFailureThatIsLogged) {
     if (kNeedsFiles) {
         GTEST_SKIP() << "the sanitizer needs files";
     }
+    std::array<char, 512> problem{};
     {
         const NoMoreFiles none;
+        EXPECT_EQ(manager.StartMonitor(Registration()), -1);
+        EXPECT_NE(PrinterUsbProblem(problem.data(), problem.size()), 0);
+        EXPECT_THAT(problem.data(), testing::StartsWith("no device events: Too many open files"));
+        std::map<std::wstring, std::pair<int, int>> ports;
+        manager.GetCurrentPrinterPorts(ports);
+        EXPECT_NE(PrinterUsbProblem(problem.data(), problem.size()), 0);
+        EXPECT_STREQ(problem.data(), "the devices cannot be listed: Too many open files");
+        RecordingLog::Clear();
         EXPECT_EQ(manager.StartMonitor(Registration()), -1);
     }
     const auto lines = RecordingLog::Lines();
@@ -208,6 +219,8 @@ TEST_F(UsbEvents, ThatCannotBeHadAreAFailureThatIsLogged) {
               L"USB monitor: no device events: Too many open files; printers that are plugged in "
               L"will not be noticed(PrinterUsbDeviceManager::StartMonitor)");
     EXPECT_EQ(manager.StartMonitor(Registration()), 0);
+    EXPECT_EQ(PrinterUsbProblem(problem.data(), problem.size()), 0);
+    EXPECT_STREQ(problem.data(), "");
 }
 
 TEST_F(UsbEvents, ComeWhileManyThreadsStartAndStop) {
