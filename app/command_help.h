@@ -199,7 +199,7 @@ over the network too. no: none of the installed network printers is known to
 have that serial number; most print spoolers do not tell it of network printers,
 that of Windows never does. - and null: the USB printer's own is not known.
 Elsewhere than on a terminal these are separated by tabs. Exit status 1: none is
-installed, or the print spooler does not answer.
+installed; 3: the print spooler does not answer.
 
 )";
 
@@ -212,7 +212,7 @@ reports them. A printer without a serial number may have its place instead,
 usb:1-4 for one, in JSON too: that changes when it is plugged in elsewhere.
 Printers that are plugged in and that no vendor reports are named on standard
 error, with the USB identifier to put into the vendor list. Exit status 1: none
-is plugged in that a vendor reports.
+is plugged in that a vendor reports; 3: the system cannot say what is.
 
 )";
 
@@ -224,9 +224,10 @@ inline constexpr const char* kUsbWatch = R"(Examples:
 Each printer about a second after it is plugged in: the time (in JSON that of
 UTC), serial number, make and model, place on USB, and vendor. One that is
 plugged in again is shown again, and so are the others of its model. Those that
-were there before are not shown, only counted on standard error. A model that
-no vendor was asked about, since it came after the first one, is named at the
-end. Exit status 1: none was plugged in.
+were there before are not shown, only counted on standard error. A model that no
+vendor reports is named at the end. When the system's device service is silent
+that is said, and what the kernel itself tells is shown. Exit status 1: none was
+plugged in; 3: it cannot be watched.
 
 )";
 

@@ -5,13 +5,15 @@
 #include <memory>
 #include <thread>
 
+#include "app/host_function.h"
+
 namespace App {
 
 namespace {
 
 template <class Function>
 Function* Find(const char* name) {
-    return reinterpret_cast<Function*>(HostWifiFunction(name));
+    return reinterpret_cast<Function*>(HostFunction("PrinterDiscoverAPI", name));
 }
 
 }  // namespace

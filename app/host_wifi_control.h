@@ -25,7 +25,4 @@ HostWifiProblem LastHostWifiProblem();
 // that up to `patience`.
 void BreakOffHostWifi(std::chrono::milliseconds patience);
 
-// A function of the library PrinterDiscoverAPI; null where it has none of that name.
-void* HostWifiFunction(const char* name);
-
 }  // namespace App

@@ -75,7 +75,7 @@ ExitStatus UsbList(const Settings& settings) {
     const std::vector<InstalledPrinter> printers = InstalledPrinters(settings);
     if (printers.empty()) {
         return Failed(
-            "no USB printer is installed on this computer, or its print spooler does not answer.\n"
+            "no USB printer is installed on this computer.\n"
             "`devicediscover usb ports` shows those that are plugged in.");
     }
     WriteItems(settings, printers, InstalledPrinterJson);
@@ -96,12 +96,11 @@ ExitStatus UsbPorts(const Settings& settings) {
 }
 
 ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options) {
-    const UsbPortMap before = PortsPluggedIn(settings);
     UsbWatchSession session(settings);
-    TellWhatIsThere(CountPluggedIn(before));
+    TellWhatIsThere(CountPluggedIn(session.ThereBefore()));
     const auto view = ViewFor<Arrival>(settings, ArrivalJson);
     const bool isAnyReported = RunScan(session, *view, options);
-    for (const std::string& problem : NeverReported(before, isAnyReported)) {
+    for (const std::string& problem : session.Unreported()) {
         Warn(problem);
     }
     if (isAnyReported) {

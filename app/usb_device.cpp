@@ -8,9 +8,11 @@
 #include "app/access_point_printer.h"
 #include "app/awaiting.h"
 #include "app/broker_result.h"
+#include "app/host_usb_problem.h"
 #include "app/messages.h"
 #include "app/problem.h"
 #include "app/text.h"
+#include "app/usb_question.h"
 #include "app/usb_vendors.h"
 #include "app/vendor_survey.h"
 #include "host/PrinterUtil/vendor_list.h"
@@ -19,7 +21,6 @@ namespace App {
 
 namespace {
 
-using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
@@ -43,23 +44,34 @@ constexpr const char* kAdvice =
     "\nPlug it in, switch it on, and wait a moment; `devicediscover usb watch` shows when it is "
     "there.";
 
+// Throws Problem when the system cannot say.
 UsbPortMap PortsNow() {
     UsbPortMap ports;
     PrinterDiscoverAPI::PrinterUsbDeviceManager::GetInstance().GetCurrentPrinterPorts(ports);
+    const std::string problem = LastUsbProblem();
+    if (ports.empty() && !problem.empty()) {
+        throw Problem("it is not known what is plugged in: " + problem + ".");
+    }
     return ports;
 }
 
+// Each vendor is asked about each of its models once: what it has to say of a printer that does not
+// answer is said once, too.
 PluggedPrinters Ask() {
-    std::vector<DeviceInfo> devices;
-    const int result = DiscoverUsbInterface::GetInstance().GetDeviceInfoByUsb(devices);
     const UsbPortMap ports = PortsNow();
-    if (result != 0) {
+    std::vector<UsbAnswer> answers;
+    std::vector<UsbPrinter> printers;
+    bool isAnyAnswered = false;
+    for (const auto& port : ports) {
+        const UsbAnswer& answer = answers.emplace_back(AskUsbVendor(port.first));
+        isAnyAnswered = isAnyAnswered || answer.result == 0;
+        printers.insert(printers.end(), answer.printers.begin(), answer.printers.end());
+    }
+    if (!isAnyAnswered) {
         RequireUsbVendors("GetDeviceInfoByUsb", ports);
     }
     RequireUsbIdentifiers(ports);
-    std::vector<UsbPrinter> printers{devices.begin(), devices.end()};
-    std::vector<std::string> problems = UnreportedPorts(ports, printers);
-    return {std::move(printers), std::move(problems)};
+    return {std::move(printers), UnreportedPorts(ports, answers)};
 }
 
 // What is given may have been copied from the table.
@@ -118,6 +130,12 @@ std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings) {
     const std::function<std::vector<DeviceUsbInfo>()> work = [] {
         std::vector<DeviceUsbInfo> devices;
         DiscoverUsbInterface::GetInstance().GetDeviceNoConfigNet(devices);
+        const std::string problem = LastInstalledPrintersProblem();
+        if (devices.empty() && !problem.empty()) {
+            throw Problem(
+                "it is not known which printers are installed on this computer: " + problem +
+                ".\n`devicediscover usb ports` shows those that are plugged in.");
+        }
         return devices;
     };
     const auto devices = Await(settings, "Looking for the printers of this computer", work);
@@ -135,19 +153,12 @@ std::size_t CountPluggedIn(const UsbPortMap& ports) {
         });
 }
 
-std::vector<std::string> NeverReported(const UsbPortMap& before, bool isAnyReported) {
-    using Lines = std::vector<std::string>;
-    // A vendor may take its time, and the watch is over.
+UsbPortMap PortsPluggedInAtLast() {
     constexpr auto patience = std::chrono::seconds(2);
-    const std::function<Lines()> work = [before, isAnyReported] {
-        UsbPortMap since = PortsNow();
-        std::erase_if(since, [&](const auto& port) { return before.count(port.first) != 0; });
-        return UnwatchedPorts(since, isAnyReported);
-    };
     try {
-        return AwaitRegardless(
-            work, [] {}, patience);
-    } catch (const TimedOut&) {
+        return AwaitRegardless<UsbPortMap>(
+            PortsNow, [] {}, patience);
+    } catch (const Problem&) {
         return {};
     }
 }

@@ -12,16 +12,17 @@
 
 namespace App {
 
-// The USB printers that are installed on the host. This and the others may take a while, and throw
-// Interrupted.
+// The USB printers that are installed on the host. Throws Problem when the print spooler does not
+// say. This and the others may take a while, and throw Interrupted.
 std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings);
 
-// What is plugged in, whether or not a vendor reports it, and how many printers that are.
+// What is plugged in, whether or not a vendor reports it, and how many printers that are. Throws
+// Problem when the system cannot say.
 UsbPortMap PortsPluggedIn(const Settings& settings);
 std::size_t CountPluggedIn(const UsbPortMap& ports);
 
-// A line for each model that was plugged in after `before` and that a watch cannot have reported.
-std::vector<std::string> NeverReported(const UsbPortMap& before, bool isAnyReported);
+// The same when the program is about to end; nothing when the system does not say soon.
+UsbPortMap PortsPluggedInAtLast();
 
 // The printers that are plugged in.
 struct PluggedPrinters {

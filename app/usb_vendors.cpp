@@ -19,8 +19,6 @@ namespace App {
 
 namespace {
 
-using PrinterDeviceDiscoverSdk::DeviceInfo;
-using PrinterDeviceDiscoverSdk::UsbConnInterface;
 using PrinterUtil::WStringToString;
 
 // What a vendor lists that has no printer on USB.
@@ -38,17 +36,6 @@ std::vector<std::string> UsbIdsOf(const VendorInfo& vendor) {
     return usbIds;
 }
 
-// The vendor that lists the identifier first.
-std::optional<std::string> VendorOf(const std::string& usbId) {
-    for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
-        const std::vector<std::string> usbIds = UsbIdsOf(vendor);
-        if (std::find(usbIds.begin(), usbIds.end(), usbId) != usbIds.end()) {
-            return vendor.productId;
-        }
-    }
-    return std::nullopt;
-}
-
 std::string NotListed(const std::string& usbId) {
     return fmt::format("{}: no vendor has it or * in its usbIdList, in {}", usbId,
                        PrinterUtil::DescribeVendorList().path);
@@ -62,55 +49,34 @@ std::string PluggedIn(const UsbPortMap& ports) {
     return text.empty() ? "" : "\nPlugged in now:" + text;
 }
 
-// A printer's port whose vendor is known.
+// A printer's port whose vendor is known, and what the vendor said.
 struct ServedPort {
-    std::wstring deviceId;
+    std::string usbId;
     std::string vendor;
     std::size_t plugged;
+    const UsbAnswer* answer;
 };
 
-// Why a watch has not reported that port; empty when it may have.
-std::string NotWatched(const std::wstring& deviceId, bool isAnyReported) {
-    const std::string usbId = WStringToString(deviceId);
-    const auto vendor = VendorOf(usbId);
-    if (!vendor) {
-        return NotListed(usbId);
+// Why there is no answer of use from that vendor; empty when there is one.
+std::string Failure(const std::string& usbId, const std::string& vendor, int result) {
+    if (result == 0) {
+        return {};
     }
-    std::vector<DeviceInfo> devices;
-    const int result = UsbConnInterface::GetInstance().GetDeviceInfoByUsb(devices, deviceId);
-    if (result == kNothingToCall) {
-        return fmt::format(
-            "{}: not shown, since it was not there when the vendors were first asked; "
-            "`devicediscover usb ports` shows it, and so does a new watch",
-            usbId);
-    }
-    if (result != 0) {
-        return fmt::format("{}: vendor {} does not report it: {}", usbId, *vendor,
-                           VendorsResult(result, *vendor));
-    }
-    return isAnyReported ? ""
-                         : fmt::format(
-                               "{}: plugged in, but the watch was not told of it; the log "
-                               "says why, or it has only just come",
-                               usbId);
+    return result == kNothingToCall || result == kNotInitialised
+               ? fmt::format("{}: vendor {} cannot be asked about printers on USB", usbId, vendor)
+               : fmt::format("{}: vendor {} does not report it: {}", usbId, vendor,
+                             VendorsResult(result, vendor));
 }
 
-// Asks the vendor again; nothing when it reports all that is plugged in.
+// Empty when the vendor reports all that is plugged in.
 std::string NotReported(const ServedPort& port) {
-    const auto& [deviceId, vendor, plugged] = port;
-    const std::string usbId = WStringToString(deviceId);
-    std::vector<DeviceInfo> devices;
-    const int result = UsbConnInterface::GetInstance().GetDeviceInfoByUsb(devices, deviceId);
-    if (result == kNothingToCall) {
-        return fmt::format("{}: vendor {} cannot be asked about printers on USB", usbId, vendor);
-    }
-    if (result != 0) {
-        return fmt::format("{}: vendor {} does not report it: {}", usbId, vendor,
-                           VendorsResult(result, vendor));
-    }
-    return devices.size() >= plugged ? ""
-                                     : fmt::format("{}: {} plugged in, vendor {} reports {}", usbId,
-                                                   plugged, vendor, devices.size());
+    const auto& [usbId, vendor, plugged, answer] = port;
+    const std::string failure = Failure(usbId, vendor, answer->result);
+    const std::size_t reported = answer->printers.size();
+    return !failure.empty() || reported >= plugged
+               ? failure
+               : fmt::format("{}: {} plugged in, vendor {} reports {}", usbId, plugged, vendor,
+                             reported);
 }
 
 }  // namespace
@@ -144,39 +110,53 @@ std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const 
                   "`devicediscover vendors` shows what is there.");
 }
 
+// The list's first for the identifier counts.
+std::optional<std::string> UsbVendorOf(const std::string& usbId) {
+    for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
+        const std::vector<std::string> usbIds = UsbIdsOf(vendor);
+        if (std::find(usbIds.begin(), usbIds.end(), usbId) != usbIds.end()) {
+            return vendor.productId;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string WhyUsbAnswerIsNone(const std::string& usbId, const UsbAnswer& answer) {
+    const auto vendor = UsbVendorOf(usbId);
+    if (!vendor) {
+        return answer.result == 0 ? "" : NotListed(usbId);
+    }
+    return answer.printers.empty() && answer.result == 0
+               ? fmt::format("{}: vendor {} reports none", usbId, *vendor)
+               : Failure(usbId, *vendor, answer.result);
+}
+
 std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
-                                         const std::vector<UsbPrinter>& reported) {
+                                         const std::vector<UsbAnswer>& answers) {
     std::vector<std::string> lines;
     std::vector<ServedPort> served;
     std::map<std::string, std::size_t> missing;  // by vendor
+    auto answer = answers.begin();
     for (const auto& [deviceId, port] : ports) {
         const std::string usbId = WStringToString(deviceId);
-        const auto vendor = VendorOf(usbId);
+        const auto vendor = UsbVendorOf(usbId);
         if (vendor) {
             const auto plugged = static_cast<std::size_t>(std::max(port.first, 1));
-            served.push_back({deviceId, *vendor, plugged});
+            served.push_back({usbId, *vendor, plugged, &*answer});
             missing[*vendor] += plugged;
         } else {
             lines.push_back(NotListed(usbId));
         }
+        ++answer;
     }
-    for (const UsbPrinter& printer : reported) {
-        std::size_t& ofVendor = missing[printer.vendor];
-        ofVendor -= ofVendor > 0 ? 1 : 0;
+    for (const UsbAnswer& one : answers) {
+        for (const UsbPrinter& printer : one.printers) {
+            std::size_t& ofVendor = missing[printer.vendor];
+            ofVendor -= ofVendor > 0 ? 1 : 0;
+        }
     }
     for (const ServedPort& port : served) {
         const std::string line = missing[port.vendor] == 0 ? "" : NotReported(port);
-        if (!line.empty()) {
-            lines.push_back(line);
-        }
-    }
-    return lines;
-}
-
-std::vector<std::string> UnwatchedPorts(const UsbPortMap& ports, bool isAnyReported) {
-    std::vector<std::string> lines;
-    for (const auto& port : ports) {
-        const std::string line = NotWatched(port.first, isAnyReported);
         if (!line.empty()) {
             lines.push_back(line);
         }

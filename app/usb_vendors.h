@@ -1,11 +1,13 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "app/usb_printer.h"
+#include "app/usb_question.h"
 
 namespace App {
 
@@ -19,13 +21,16 @@ void RequireUsbIdentifiers(const UsbPortMap& ports);
 // one line for each vendor that cannot serve it. `ports` is only for the advice.
 std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const UsbPortMap& ports);
 
-// A line for each port whose printers its vendor does not report one and all, or that no vendor
-// lists. `reported` are those that were: a vendor is asked again only when there are less of it
-// than are plugged in.
-std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
-                                         const std::vector<UsbPrinter>& reported);
+// The vendor that lists the hardware identifier now; nothing when none does.
+std::optional<std::string> UsbVendorOf(const std::string& usbId);
 
-// The same of models that came while a watch ran, which may have reported some.
-std::vector<std::string> UnwatchedPorts(const UsbPortMap& ports, bool isAnyReported);
+// Why the vendor's answer about that identifier names no printer; empty when it names one.
+std::string WhyUsbAnswerIsNone(const std::string& usbId, const UsbAnswer& answer);
+
+// A line for each port whose printers its vendor does not report one and all, or that no vendor
+// lists. `answers` are those about the ports, in their order; a printer may stand in the answer
+// about another port than its own.
+std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
+                                         const std::vector<UsbAnswer>& answers);
 
 }  // namespace App

@@ -1,32 +1,38 @@
 #include "app/usb_watch_session.h"
 
+#include <utility>
+
 #include "app/awaiting.h"
+#include "app/host_usb_problem.h"
 #include "app/messages.h"
-#include "app/usb_vendors.h"
+#include "app/usb_arrivals.h"
+#include "app/usb_device.h"
 
 namespace App {
 
-namespace {
-
-using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
-
-int OnArrival(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
-    ArrivalList::GetInstance().Add({UsbPrinter(*device), std::chrono::system_clock::now()});
-    return 0;
-}
-
-}  // namespace
-
-UsbWatchSession::UsbWatchSession(const Settings& settings) {
+UsbWatchSession::UsbWatchSession(const Settings& settings) : before(PortsPluggedIn(settings)) {
     for (const std::string& problem : RequireUsbVendors("GetDeviceInfoByUsb", {})) {
         Warn(problem);
     }
     const std::function<int()> work = [] {
-        return DiscoverUsbInterface::GetInstance().StartDeviceMonitor({OnArrival, 0});
+        UsbArrivals::GetInstance().Start();
+        return 0;
     };
     Await(settings, "Asking for what is plugged in", work);
     watch.emplace("watch", "the device manager has not stopped its reports",
-                  [] { return DiscoverUsbInterface::GetInstance().StopDeviceMonitor(); });
+                  [] { return UsbArrivals::GetInstance().Stop(); });
+    UsbArrivals::GetInstance().Compare(before, PortsPluggedIn(settings));
+}
+
+std::vector<std::string> UsbWatchSession::TakeRemarks() {
+    std::string now = UsbMonitorProblem();
+    const bool isNews = !now.empty() && now != trouble;
+    trouble = std::move(now);
+    return isNews ? std::vector<std::string>{trouble} : std::vector<std::string>{};
+}
+
+std::vector<std::string> UsbWatchSession::Unreported() const {
+    return UsbArrivals::GetInstance().Unreported(before, PortsPluggedInAtLast());
 }
 
 }  // namespace App

@@ -2,10 +2,13 @@
 
 #include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "app/arrival_list.h"
 #include "app/running_work.h"
 #include "app/settings.h"
+#include "app/usb_vendors.h"
 
 namespace App {
 
@@ -13,15 +16,26 @@ namespace App {
 // ArrivalList.
 class UsbWatchSession {
 public:
-    // Names on standard error each vendor that cannot take part. Throws Problem when none can,
-    // Interrupted.
+    // Names on standard error each vendor that cannot take part. Throws Problem when none can, or
+    // what is plugged in cannot be watched; Interrupted.
     explicit UsbWatchSession(const Settings& settings);
+
+    // What was plugged in already, and is not reported.
+    const UsbPortMap& ThereBefore() const { return before; }
+
+    // What is wrong with the watch itself, when it begins.
+    std::vector<std::string> TakeRemarks();
 
     // As that of RunningWork: returns when no printer is being reported any more.
     void Stop(const std::function<void()>& onWait = [] {}) { watch->Stop(onWait); }
 
+    // Once it has stopped: a line for each model that came, is there now and was not reported.
+    std::vector<std::string> Unreported() const;
+
 private:
+    UsbPortMap before;
     std::optional<RunningWork> watch;
+    std::string trouble;  // as it was last told
 };
 
 }  // namespace App

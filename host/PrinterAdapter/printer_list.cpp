@@ -1,5 +1,7 @@
 #include "host/PrinterAdapter/printer_list.h"
 
+#include <array>
+#include <cstring>
 #include <exception>
 #include <iterator>
 #include <string_view>
@@ -7,11 +9,16 @@
 #include "host/PrinterAdapter/spooler.h"
 #include "host/common/utf8.h"
 #include "platform/LogHelper/KzLogger.h"
+#include "platform/PrinterAdapter/PrinterListProblem.h"
 #include "platform/compiler.h"
 
 namespace PrinterAdapter {
 
 namespace {
+
+// What the thread's last list met. Plain memory: threads may end after the library's own objects
+// are gone.
+thread_local std::array<char, 512> lastProblem{};
 
 // A logger that fails must not fail its caller.
 void LogProblem(std::string_view problem) {
@@ -26,21 +33,37 @@ void LogProblem(std::string_view problem) {
     }
 }
 
+void ReportProblem(std::string_view problem) {
+    problem.copy(lastProblem.data(), lastProblem.size() - 1);
+    LogProblem(problem);
+}
+
 }  // namespace
 
 void PrinterList::GetPrinterList(std::vector<PrinterSdk::PrinterProperty>& printers) {
+    lastProblem = {};
     try {
         SpoolerAnswer answer = AskSpoolerInTime();
-        for (const std::string& problem : {answer.note, answer.problem}) {
-            if (!problem.empty()) {
-                LogProblem(problem);
-            }
+        if (!answer.note.empty()) {
+            LogProblem(answer.note);
+        }
+        if (!answer.problem.empty()) {
+            ReportProblem(answer.problem);
         }
         printers.insert(printers.end(), std::make_move_iterator(answer.printers.begin()),
                         std::make_move_iterator(answer.printers.end()));
     } catch (const std::exception& error) {
-        LogProblem(error.what());
+        ReportProblem(error.what());
     }
 }
 
 }  // namespace PrinterAdapter
+
+int PrinterListProblem(char* text, std::size_t size) {
+    const char* const problem = PrinterAdapter::lastProblem.data();
+    if (text != nullptr && size > 0) {
+        std::memset(text, 0, size);
+        std::strncpy(text, problem, size - 1);
+    }
+    return *problem == '\0' ? 0 : 1;
+}

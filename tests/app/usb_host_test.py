@@ -30,6 +30,12 @@ def change(usb_id=USB_ID, state=1, after=100):
     return f'change {after} {state} "{usb_id}"'
 
 
+def appear(usb_id=USB_ID, devices=1, after=0):
+    """That many are plugged in from then on, and nobody is told; with 0 ms at the front, just before the
+    watch starts."""
+    return f'appear {after} "{usb_id}" {devices} 1'
+
+
 def installed(serial, model="Fake 1000", connect_type=1):
     return f'printer "{serial}" "{model}" {connect_type}'
 

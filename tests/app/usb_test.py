@@ -10,7 +10,7 @@ import app_test
 from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, USAGE, json_lines, system_path
 from access_point_test import documented_results
 from host_test import PASS_PHRASE, Terminal, reported
-from usb_host_test import (OTHER_USB_ID, USB_ID, UsbTest, change, installed, port, usb_device,
+from usb_host_test import (OTHER_USB_ID, USB_ID, UsbTest, appear, change, installed, port, usb_device,
                            vendor)
 
 OFFICE = ["usb", "configure", "SN1", "--network", "Office"]
@@ -58,8 +58,19 @@ class UsbList(UsbTest):
         result = self.run_app("usb", "list")
         self.assert_status(result, NONE_FOUND)
         self.assertEqual(result.output, "")
-        self.assert_mentions(result.errors, "no USB printer is installed",
-                             "or its print spooler does not answer", "usb ports", "log")
+        self.assert_mentions(result.errors, "no USB printer is installed", "usb ports", "log")
+
+    def test_a_spooler_that_does_not_answer_is_not_taken_for_one_without_printers(self):
+        self.host('list-problem "no print spooler can be reached at /run/spooler"')
+        said = ("it is not known which printers are installed on this computer: no print spooler can "
+                "be reached at /run/spooler.")
+        result = self.run_app("usb", "list")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, said, "usb ports")
+        result = self.run_app("usb", "list", "--json")
+        self.assert_status(result, COULD_NOT_RUN)
+        problem, = json_lines(result.output)
+        self.assertTrue(problem["problem"].startswith(said), problem)
 
     def test_help_says_that_no_means_not_known(self):
         text = " ".join(self.run_app("usb", "list", "--help", listed=False).output.split())
@@ -182,7 +193,17 @@ class UsbPorts(UsbTest):
         self.assertEqual(result.errors, f"devicediscover: warning: {OTHER_USB_ID}: 1 plugged in, "
                                         "vendor b reports 0\n")
         self.assertEqual(self.calls_of("GetDeviceInfoByUsb"),
-                         ["scripted_all", "scripted_all_b", "scripted_all_b"])
+                         ["scripted_all", "scripted_all_b"], "each once")
+
+    def test_what_cannot_be_looked_at_is_not_taken_for_none(self):
+        self.host('usb-problem "the devices cannot be listed: Too many open files"')
+        said = "it is not known what is plugged in: the devices cannot be listed: Too many open files."
+        for command in ("ports", "watch", "networks"):
+            with self.subTest(command):
+                result = self.run_app("usb", command, "--json")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors, said)
+                self.assertEqual(json_lines(result.output), [{"problem": said}])
 
     def test_help_says_what_stands_where_there_is_no_serial_number(self):
         text = " ".join(self.run_app("usb", "ports", "--help", listed=False).output.split())
@@ -305,6 +326,67 @@ class UsbWatch(UsbTest):
         self.assertEqual(process.stderr.readline().split(b" plugged")[0],
                          b"devicediscover: 1 printer is")
         self.assertIsNone(process.poll())
+
+    def watch_for_any(self, *host, vendor_id="any"):
+        self.list_file = self.vendor_list([vendor(product_id=vendor_id, usb_ids="*")])
+        self.script(usb_device("SN1", vendor=vendor_id))
+        self.host(*host)
+        return self.run_app("usb", "watch", "--json", "--seconds", "4")
+
+    def test_one_that_went_and_came_in_its_first_second_is_shown(self):
+        there_and_gone = [appear(after=50), change(after=0), appear(devices=0, after=150),
+                          change(state=0, after=0)]
+        result = self.watch_for_any(*4 * there_and_gone, appear(after=400), change(after=0))
+        self.assert_status(result, FOUND)
+        self.assertEqual(json_lines(result.output)[-1]["serialNumber"], "SN1")
+        self.assertEqual(result.errors, "")
+
+    def test_a_model_that_comes_after_another_is_shown(self):
+        result = self.watch_for_any(appear(after=10), change(after=0),
+                                    appear(OTHER_USB_ID, after=1500), change(OTHER_USB_ID, after=0))
+        self.assert_status(result, FOUND)
+        self.assertEqual(len(json_lines(result.output)), 2)
+        self.assertEqual([question[:4] for question in self.arguments_of("GetDeviceInfoByUsb")],
+                         [b"\xcd\xab\x34\x12", b"\xce\xab\x34\x12"])
+        self.assertEqual(result.errors, "")
+
+    def test_one_that_comes_between_the_count_and_the_start_is_shown(self):
+        self.script(usb_device("SN1"))
+        self.host(appear())
+        result = self.run_app("usb", "watch", "--json", "--seconds", "2")
+        self.assert_status(result, FOUND)
+        self.assertEqual([one["serialNumber"] for one in json_lines(result.output)], ["SN1"])
+        self.assertEqual(result.errors, "")
+
+    def test_one_that_comes_meanwhile_and_is_told_is_shown_once(self):
+        self.script(usb_device("SN1"))
+        self.host(appear(), change(after=0))
+        result = self.run_app("usb", "watch", "--json", "--seconds", "3")
+        self.assert_status(result, FOUND)
+        self.assertEqual(len(json_lines(result.output)), 1)
+
+    def test_what_is_wrong_with_the_watch_is_told(self):
+        self.host('usb-monitor-problem "the device service is silent"')
+        result = self.run_app("usb", "watch", "--seconds", "1")
+        self.assert_status(result, NONE_FOUND)
+        self.assertEqual(result.errors.count("warning: the device service is silent\n"), 1)
+
+    def test_a_printer_that_its_vendor_does_not_report_is_named_and_asked_about_once(self):
+        self.script("result GetDeviceInfoByUsb 77")
+        self.host(appear(after=10), change(after=0))
+        result = self.run_app("usb", "watch", "--seconds", "2.5")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, f"warning: {USB_ID}: vendor scripted does not report it: "
+                                            "the vendor's result 77\n")
+        self.assertEqual(len(self.calls_of("GetDeviceInfoByUsb")), 1)
+
+    def test_a_vendor_that_does_not_answer_is_named_at_the_end(self):
+        self.script(usb_device("SN1"), "delay GetDeviceInfoByUsb 60000")
+        self.host(appear(after=10), change(after=0))
+        result = self.run_app("usb", "watch", "--seconds", "2.5")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors,
+                             f"warning: {USB_ID}: its vendor scripted has not answered yet\n")
 
     def test_each_request_to_end_stops_it_properly(self):
         for request in REQUESTS:

@@ -37,6 +37,7 @@ MAY_INCLUDE = {
     # The application configures its own libraries, and names no entry point by hand.
     "app": ["include/", "base/", "platform/os.h", "platform/os_calls.h",
             "platform/LogHelper/", "platform/PrinterUtil/",
+            "platform/PrinterAdapter/PrinterListProblem.h",
             "platform/PrinterDiscoverAPI/PrinterUsbControl.h",
             "platform/PrinterDiscoverAPI/PrinterWifiControl.h",
             "host/LogHelper/log_settings.h", "host/PrinterDiscoverAPI/ping_report.h",

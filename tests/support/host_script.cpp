@@ -113,6 +113,18 @@ bool HostScript::Apply(const std::string& line) {
         Change& change = changes.emplace_back();
         words >> milliseconds >> change.state >> change.deviceId;
         change.delay = std::chrono::milliseconds(milliseconds);
+    } else if (directive == "appear") {
+        std::int64_t milliseconds = 0;
+        Change& change = changes.emplace_back();
+        change.port.emplace();
+        words >> milliseconds >> change.deviceId >> change.port->first >> change.port->second;
+        change.delay = std::chrono::milliseconds(milliseconds);
+    } else if (directive == "usb-problem") {
+        words >> usbProblem;
+    } else if (directive == "usb-monitor-problem") {
+        words >> usbMonitorProblem;
+    } else if (directive == "list-problem") {
+        words >> listProblem;
     } else if (directive == "printer") {
         PrinterSdk::PrinterProperty& printer = printers.emplace_back();
         words >> printer.serialNumber >> printer.modelID >> printer.connectType;

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,12 +31,21 @@ std::string Quoted(const std::wstring& text);
 //   change <ms> <state> "<hardware identifier>"
 //                              what the USB monitor reports, so long after the one before it or
 //                              after the start
+//   appear <ms> "<hardware identifier>" <devices> <bus>
+//                              what is plugged in from then on, though nothing is reported, so
+//                              long after the change before it; the first ones with 0 ms: from just
+//                              before the start
+//   usb-problem "<reason>"     what PrinterUsbProblem tells
+//   usb-monitor-problem "<reason>"
+//                              what PrinterUsbMonitorProblem tells
+//   list-problem "<reason>"    what PrinterListProblem tells
 //   printer "<serial number>" "<model>" <connect type>
 struct HostScript {
     struct Change {
         std::chrono::milliseconds delay;
         int state;
         std::wstring deviceId;
+        std::optional<std::pair<int, int>> port{};  // not reported, but there
     };
 
     // The script that the environment variable SCRIPTED_HOST_SCRIPT names; an empty one when it
@@ -53,6 +63,9 @@ struct HostScript {
     std::vector<bool> joinResults;
     int wifiProblem = 0;
     std::wstring wifiReason;
+    std::wstring usbProblem;
+    std::wstring usbMonitorProblem;
+    std::wstring listProblem;
     std::map<std::string, std::chrono::milliseconds> delays;
     std::map<std::wstring, std::pair<int, int>> ports;
     std::vector<Change> changes;

@@ -2,6 +2,7 @@
 
 #include <mutex>
 
+#include "platform/PrinterAdapter/PrinterListProblem.h"
 #include "tests/support/host_script.h"
 
 namespace {
@@ -87,4 +88,13 @@ PrinterSdk::IPrinterAdapter& PrinterSdk::IPrinterAdapter::GetInstance() {
     Note("GetInstance");
     static IPrinterAdapter& instance = *new Adapter;
     return instance;
+}
+
+int PrinterListProblem(char* text, std::size_t size) {
+    const std::wstring& reason = TheState().script.listProblem;
+    const std::string narrow(reason.begin(), reason.end());
+    if (text != nullptr && size > 0) {
+        text[narrow.copy(text, size - 1)] = '\0';
+    }
+    return narrow.empty() ? 0 : 1;
 }

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "host/PrinterDiscoverAPI/ping_report.h"
+#include "platform/PrinterDiscoverAPI/PrinterUsbControl.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 #include "tests/support/host_script.h"
 
@@ -118,15 +119,53 @@ void NoteUsbCall(const std::string& operation) {
     With([&](State& state) { state.usbCalls.push_back(operation); });
 }
 
+void Appear(const HostScript::Change& change) {
+    With([&](State& state) {
+        if (change.port->first > 0) {
+            state.ports[change.deviceId] = *change.port;
+        } else {
+            state.ports.erase(change.deviceId);
+        }
+    });
+}
+
+bool IsBeforeTheStart(const HostScript::Change& change) {
+    return change.port && change.delay.count() == 0;
+}
+
+// What happens between the last question before a start and the start itself.
+std::size_t PlayTheFirstChanges() {
+    const std::vector<HostScript::Change>& changes = TheState().script.changes;
+    std::size_t played = 0;
+    for (; played < changes.size() && IsBeforeTheStart(changes[played]); ++played) {
+        Appear(changes[played]);
+    }
+    return played;
+}
+
 // Plugs in and out what the script says, until the monitor is stopped or started again.
-void PlayChanges(unsigned start) {
-    for (const HostScript::Change& change : TheState().script.changes) {
+void PlayChanges(unsigned start, std::size_t first) {
+    const std::vector<HostScript::Change>& changes = TheState().script.changes;
+    for (std::size_t index = first; index < changes.size(); ++index) {
+        const HostScript::Change& change = changes[index];
         std::this_thread::sleep_for(change.delay);
         if (With([&](State& state) { return state.starts != start; })) {
             return;
         }
-        ScriptedHost::Report(change.state, change.deviceId);
+        if (change.port) {
+            Appear(change);
+        } else {
+            ScriptedHost::Report(change.state, change.deviceId);
+        }
     }
+}
+
+int Tell(const std::wstring& reason, char* text, std::size_t size) {
+    const std::string narrow(reason.begin(), reason.end());
+    if (text != nullptr && size > 0) {
+        text[narrow.copy(text, size - 1)] = '\0';
+    }
+    return narrow.empty() ? 0 : 1;
 }
 
 }  // namespace
@@ -213,10 +252,12 @@ int PrinterUsbDeviceManager::StartMonitor(const DeviceStateChangeCallbackInfo& i
         state.monitorAtItsStart = info;
         return ++state.starts;
     });
-    if (!TheState().script.changes.empty()) {
-        std::thread(PlayChanges, start).detach();
+    const std::size_t played = PlayTheFirstChanges();
+    if (TheState().script.changes.size() > played) {
+        std::thread(PlayChanges, start, played).detach();
     }
-    return With([](State& state) { return state.startResult; });
+    return With(
+        [](State& state) { return state.script.usbProblem.empty() ? state.startResult : -1; });
 }
 
 void PrinterUsbDeviceManager::StopMonitor() {
@@ -227,12 +268,16 @@ void PrinterUsbDeviceManager::StopMonitor() {
 }  // namespace PrinterDiscoverAPI
 
 int PrinterWifiProblem(char* text, std::size_t size) {
-    const std::wstring& reason = TheState().script.wifiReason;
-    const std::string narrow(reason.begin(), reason.end());
-    if (text != nullptr && size > 0) {
-        text[narrow.copy(text, size - 1)] = '\0';
-    }
+    Tell(TheState().script.wifiReason, text, size);
     return TheState().script.wifiProblem;
+}
+
+int PrinterUsbProblem(char* text, std::size_t size) {
+    return Tell(TheState().script.usbProblem, text, size);
+}
+
+int PrinterUsbMonitorProblem(char* text, std::size_t size) {
+    return Tell(TheState().script.usbMonitorProblem, text, size);
 }
 
 void PrinterWifiBreakOff() {
