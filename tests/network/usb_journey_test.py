@@ -9,6 +9,7 @@ and usb_bed.py need.
 import json
 import os
 import signal
+import subprocess
 import time
 import unittest
 
@@ -107,6 +108,31 @@ class UsbJourney(JourneyTest):
             self.assertEqual(watch.process.wait(PATIENCE), 0)
         with open(errors, encoding="utf-8") as file:
             self.assertEqual(file.read(), "")
+
+    def test_one_that_goes_and_comes_in_its_first_second_is_shown(self):
+        self.usb.plug("2-4", "B", *OTHER_MODEL)
+        watch = self.watch(stderr=subprocess.PIPE)
+        # It is told when the watch has started.
+        self.assertIn(b"1 printer is plugged in already", watch.process.stderr.readline())
+        for _ in range(5):
+            self.usb.plug("1-1", "A")
+            time.sleep(0.05)
+            self.usb.unplug("1-1")
+            time.sleep(0.05)
+        self.assertIsNone(watch.next(1.5 * WAIT))
+        self.usb.plug("1-1", "A")
+        self.assert_arrival(watch.next(), "A", "usb:1-1")
+        watch.process.send_signal(signal.SIGINT)
+        self.assertEqual(watch.process.wait(PATIENCE), 0)
+        with watch.process.stderr as errors:
+            self.assertEqual(errors.read(), b"")
+
+    def test_one_that_cannot_be_asked_is_told_once(self):
+        self.usb.plug("1-1", "A", *PRINTER_CLASS, "silent")
+        listed = self.devicediscover("usb", "ports")
+        self.assertEqual(listed.status, 1, str(listed))
+        self.assertEqual(listed.errors.count("the printer at usb:1-1 cannot be asked"), 1,
+                         listed.errors)
 
     def test_it_ends_while_a_printer_is_being_asked(self):
         watch = self.watch()

@@ -14,6 +14,7 @@
 
 #include "DeviceDiscover/printer_sdk.h"
 #include "DeviceDiscover/usb.h"
+#include "platform/PrinterAdapter/PrinterListProblem.h"
 #include "tests/base/ipp/ipp_bytes.h"
 #include "tests/host/printer_adapter/fake_spooler_linux.h"
 #include "tests/support/recording_log.h"
@@ -187,6 +188,10 @@ TEST(WithoutASpooler, NoPrinterIsInstalled) {
     EXPECT_THAT(Installed(), IsEmpty());
     ExpectOneWarning(
         L"installed printers: no print spooler can be reached at /nonexistent/spooler(");
+    std::array<char, 24> problem{};
+    EXPECT_NE(PrinterListProblem(problem.data(), problem.size()), 0);
+    EXPECT_STREQ(problem.data(), "no print spooler can be");
+    std::thread([] { EXPECT_EQ(PrinterListProblem(nullptr, 0), 0); }).join();
 }
 
 TEST(WithoutASpooler, NoPrinterIsInstalledOnANetworkSpoolerEither) {
@@ -213,6 +218,7 @@ TEST(AProgramWithMoreRightsThanItsUser, IsNotLedToASpooler) {
 
 TEST(ASpoolerThatHasDied, HasNoPrinters) {
     EXPECT_THAT(Installed(), SizeIs(6));
+    EXPECT_EQ(PrinterListProblem(nullptr, 0), 0);
     SignalSpooler(SIGKILL);
     std::this_thread::sleep_for(100ms);
     EXPECT_THAT(Installed(), IsEmpty());
