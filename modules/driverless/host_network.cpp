@@ -7,7 +7,6 @@
 
 #include <array>
 #include <cstring>
-
 #include <filesystem>
 #include <system_error>
 
@@ -23,10 +22,6 @@ std::uint32_t NumberOf(const sockaddr* address) {
     std::memcpy(&internet, address, sizeof internet);
     return ntohl(internet.sin_addr.s_addr);
 }
-
-}  // namespace
-
-namespace {
 
 // Whether an interface that is up, has an IPv4 address and fits is there; true when that cannot be
 // told.
