@@ -390,7 +390,7 @@ void DnssdBrowser::Watch::LookUp() {
         ForgetResolver(id);
     }
     Begin(work.begin);
-    SetTimer(refusals > 0 ? Clock::now() + kDelayAfterRefusal : work.next);
+    SetTimer(schedule.Next(Clock::now()));
 }
 
 // When Avahi refuses one, the others wait as well.

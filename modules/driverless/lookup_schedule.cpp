@@ -122,12 +122,17 @@ LookupSchedule::Work LookupSchedule::Advance(Time now) {
     }
     Exchange(plain, now, work);
     Exchange(others, now, work);
-    const auto sooner = [&work](std::optional<Time> time) {
+    work.next = Next(now);
+    return work;
+}
+
+std::optional<LookupSchedule::Time> LookupSchedule::Next(Time now) const {
+    std::optional<Time> next = refusedUntil;
+    const auto sooner = [&next](std::optional<Time> time) {
         if (time) {
-            work.next = work.next ? std::min(*work.next, *time) : time;
+            next = next ? std::min(*next, *time) : time;
         }
     };
-    sooner(refusedUntil);
     if (!due.empty()) {
         sooner(due.begin()->first);
     }
@@ -138,7 +143,7 @@ LookupSchedule::Work LookupSchedule::Advance(Time now) {
             sooner(now + kSliceOfLookup / 4);
         }
     }
-    return work;
+    return next;
 }
 
 // What is not needed is left, until the service that makes it so is gone.

@@ -59,6 +59,10 @@ public:
 
     Work Advance(Time now);
 
+    // When to ask for work again, if nothing happens before. Differs from the work's own `next`
+    // when a look-up of that work was refused.
+    std::optional<Time> Next(Time now) const;
+
 private:
     using Name = std::tuple<std::string, std::string, int>;
     using Window = FairWindow<int, ServiceId>;  // shared by interfaces

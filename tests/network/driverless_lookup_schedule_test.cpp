@@ -196,6 +196,26 @@ TEST_F(LookupScheduleTest, WhenAvahiRefuses_OneThatLastsIsHandedBack) {
     EXPECT_EQ(work.begin, Ids{Junk(3)});
 }
 
+TEST_F(LookupScheduleTest, ARefusal_IsTheNextToLookAtOnceItHappened) {
+    Announce(Junk(1));
+    const auto work = After(milliseconds(0));
+    EXPECT_EQ(work.begin, Ids{Junk(1)});
+    schedule.Refused(Junk(1), now);
+    EXPECT_EQ(schedule.Next(now), now + kDelayAfterRefusal);
+    // What is due before stays so.
+    Announce(Id(ServiceKind::Ipps));
+    EXPECT_EQ(schedule.Next(now), now + kDelayWithoutIpp);
+}
+
+TEST_F(LookupScheduleTest, ARefusalOfWhatIsGone_IsLookedAtOnce) {
+    Announce(Junk(1));
+    EXPECT_EQ(BegunNow(), Ids{Junk(1)});
+    schedule.Refused(Junk(1), now);
+    schedule.Gone(Junk(1), now);
+    EXPECT_EQ(schedule.Next(now), now + kDelayAfterRefusal);
+    EXPECT_EQ(After(kDelayAfterRefusal).next, std::nullopt);
+}
+
 TEST_F(LookupScheduleTest, Clear_ForgetsEverything) {
     Announce(Id(ServiceKind::Ipp));
     Announce(Id(ServiceKind::Ipps));
