@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <optional>
 #include <set>
@@ -31,32 +30,34 @@ public:
 
     explicit FairWindow(const Limits& windowLimits) : limits(windowLimits) {}
 
+    // What is under way already stays so.
+    void LimitAll(std::size_t most) { limits.all = most; }
+
     // Puts an item behind the others of its owner; one that comes `again` behind all of them that
     // come for the first time. An item that is in the window already stays where it is.
     void Add(const Owner& owner, const Item& item, bool again = false) {
-        if (!owners.emplace(item, owner).second) {
+        if (!tickets.emplace(item, Ticket{owner, {again, lastNumber + 1}}).second) {
             return;
         }
         Share& share = shares[owner];
         Unrank(owner, share);
-        (again ? share.again : share.waiting).push_back(item);
+        share.waiting.emplace(Place{again, ++lastNumber}, item);
         Rank(owner, share);
     }
 
     // The item is done, or no longer wanted.
     void Remove(const Item& item) {
-        const auto found = owners.find(item);
-        if (found == owners.end()) {
+        const auto found = tickets.find(item);
+        if (found == tickets.end()) {
             return;
         }
-        const auto share = shares.find(found->second);
-        owners.erase(found);
+        const auto share = shares.find(found->second.owner);
         Unrank(share->first, share->second);
         if (!End(share->second, item)) {
-            std::erase(share->second.waiting, item);
-            std::erase(share->second.again, item);
+            share->second.waiting.erase(found->second.place);
         }
-        if (!share->second.IsWaiting() && share->second.since.empty()) {
+        tickets.erase(found);
+        if (share->second.waiting.empty() && share->second.since.empty()) {
             shares.erase(share);
         } else {
             Rank(share->first, share->second);
@@ -76,9 +77,7 @@ public:
             return std::nullopt;
         }
         Unrank(owner, share);
-        std::deque<Item>& queue = share.waiting.empty() ? share.again : share.waiting;
-        const Item item = std::move(queue.front());
-        queue.pop_front();
+        const Item item = std::move(share.waiting.extract(share.waiting.begin()).mapped());
         Begin(share, item, now);
         share.served = ++turns;
         Rank(owner, share);
@@ -120,11 +119,16 @@ public:
     std::size_t UnderWay() const { return all; }
 
 private:
-    struct Share {
-        bool IsWaiting() const { return !waiting.empty() || !again.empty(); }
+    // Where an item waits: first those that came for the first time, and each by when it came.
+    using Place = std::pair<bool, std::uint64_t>;
 
-        std::deque<Item> waiting;
-        std::deque<Item> again;
+    struct Ticket {
+        Owner owner;
+        Place place;
+    };
+
+    struct Share {
+        std::map<Place, Item> waiting;
         std::map<Item, Time> since;  // under way
         std::set<std::pair<Time, Item>> order;
         std::size_t young = 0;
@@ -143,7 +147,7 @@ private:
     }
 
     void Rank(const Owner& owner, const Share& share) {
-        if (share.IsWaiting()) {
+        if (!share.waiting.empty()) {
             ranks.emplace(share.since.size(), share.served, owner);
         }
     }
@@ -175,18 +179,19 @@ private:
 
     void GrowOld(Time now) {
         while (!youngest.empty() && youngest.begin()->first + limits.youth <= now) {
-            --shares.at(owners.at(youngest.begin()->second)).young;
+            --shares.at(tickets.at(youngest.begin()->second).owner).young;
             youngest.erase(youngest.begin());
         }
     }
 
-    const Limits limits;
-    std::map<Item, Owner> owners;
+    Limits limits;
+    std::map<Item, Ticket> tickets;
     std::map<Owner, Share> shares;
     std::set<std::tuple<std::size_t, std::uint64_t, Owner>> ranks;  // of those who wait
     std::set<std::pair<Time, Item>> youngest;
     std::size_t all = 0;
     std::uint64_t turns = 0;
+    std::uint64_t lastNumber = 0;
 };
 
 }  // namespace Driverless

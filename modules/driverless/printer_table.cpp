@@ -13,23 +13,24 @@ void Sooner(std::optional<PrinterTable::Time>& next, std::optional<PrinterTable:
     }
 }
 
-bool IsSamePlace(const Service& one, const Service& other) {
-    return one.address == other.address && (one.host == other.host || one.port == other.port);
+std::string PathOf(const Service& service) {
+    const auto entry = service.txt.find("rp");
+    return entry == service.txt.end() ? std::string() : entry->second;
 }
 
 // Whether a question to the one is a question to the other.
 bool IsSameEndpoint(const Service& one, const Service& other) {
-    const auto path = [](const Service& service) {
-        const auto entry = service.txt.find("rp");
-        return entry == service.txt.end() ? std::string() : entry->second;
-    };
-    return one.address == other.address && one.port == other.port && path(one) == path(other);
+    return one.address == other.address && one.port == other.port && PathOf(one) == PathOf(other);
 }
 
-bool SpeaksIpp(const std::map<ServiceId, Service>& services) {
-    return std::any_of(services.begin(), services.end(), [](const auto& service) {
-        return Driverless::SpeaksIpp(service.first.kind);
-    });
+// True when it was in the set, and is no more.
+template <typename Set>
+bool Mark(Set& set, const typename Set::value_type& value, bool isIn) {
+    if (isIn) {
+        set.insert(value);
+        return false;
+    }
+    return set.erase(value) > 0;
 }
 
 template <typename Key>
@@ -68,13 +69,22 @@ void PrinterTable::Resolved(const ServiceId& id, const Service& service, Time no
 // A service that is new in a row, or elsewhere than before, is another chance for an answer.
 void PrinterTable::Join(RowId id, const ServiceId& serviceId, const Service& service, Time now) {
     Row& row = rows.at(id);
-    const auto known = row.services.find(serviceId);
-    if (known != row.services.end() && !IsSameEndpoint(known->second, service)) {
-        row.asked.erase(serviceId);
+    if (row.last) {
+        LeaveSpots(id, row, row.last->second);
+        row.last.reset();
     }
-    row.services.insert_or_assign(serviceId, service);
-    row.last.reset();
-    owners.insert_or_assign(serviceId, id);
+    const auto known = row.services.find(serviceId);
+    if (known != row.services.end() && IsSameEndpoint(known->second, service)) {
+        LeaveSpots(id, row, known->second);
+        known->second = service;
+        EnterSpots(id, row, service);
+    } else {
+        if (known != row.services.end()) {
+            Leave(id, row, serviceId);
+            row.refuses = false;
+        }
+        Enter(id, row, serviceId, service);
+    }
     if (row.uuid.empty()) {
         SetUuid(id, AnnouncedUuid(service));
     }
@@ -84,6 +94,7 @@ void PrinterTable::Join(RowId id, const ServiceId& serviceId, const Service& ser
         row.deadline.reset();
     }
     changed.insert(id);
+    File(id);
 }
 
 void PrinterTable::Gone(const ServiceId& id) {
@@ -105,6 +116,8 @@ void PrinterTable::AllGone() {
     owners.clear();
     rows.clear();
     byUuid.clear();
+    spots.clear();
+    leftOut.clear();
     byNameAndHost.clear();
     changed.clear();
     alarms.clear();
@@ -141,12 +154,26 @@ void PrinterTable::Answered(QueryId query, const std::optional<PrinterAttributes
     }
 }
 
+void PrinterTable::Refused(QueryId query) {
+    const auto question = questions.find(query);
+    if (question != questions.end()) {
+        rows.at(question->second.row).refuses = true;
+        EndQuestion(query);
+    }
+}
+
+void PrinterTable::LimitQuestions(std::size_t most) {
+    maxQuestions = std::min(most, kMaxQuestions);
+    window.LimitAll(maxQuestions);
+}
+
 void PrinterTable::SetAnswer(RowId id, const ServiceId& source,
                              const PrinterAttributes& attributes) {
     Row& row = rows.at(id);
     row.attributes = attributes;
     row.source = source;
     DropQuestions(row);
+    File(id);
     const std::string uuid = PlainUuid(attributes.uuid);
     if (uuid.empty()) {
         return;
@@ -173,7 +200,11 @@ PrinterTable::Work PrinterTable::Advance(Time now) {
     StartQuestions(now, work);
     work.overdue.insert(work.overdue.end(), dropped.begin(), dropped.end());
     dropped.clear();
+    work.leftOut = std::exchange(leftOut, {});
     Sooner(work.next, window.Next());
+    if (window.IsWaiting() && maxQuestions < kMaxQuestions) {
+        Sooner(work.next, now + kPatienceForRoom);
+    }
     if (!alarms.empty()) {
         Sooner(work.next, alarms.begin()->first);
     }
@@ -231,21 +262,18 @@ void PrinterTable::Consider(RowId id, Time now, Work& work) {
     const Time patient = WorthWaitingUntil(row);
     if (!row.open.empty()) {
         if (row.deadline && now >= *row.deadline) {
-            ReportSilent(row, work);
+            ReportSilent(id, row, work);
         }
     } else if (now < patient) {
         SetAlarm(id, row, patient);
     } else if (!AskTls(id, row, now)) {
-        ReportSilent(row, work);
-    }
-    if (!IsUndecided(row)) {
-        WakeWaiting(row);
+        ReportSilent(id, row, work);
     }
 }
 
 PrinterTable::Time PrinterTable::WorthWaitingUntil(const Row& row) const {
     const bool askable = NextToAsk(row, ServiceKind::Ipps) != nullptr;
-    if (row.asked.empty()) {
+    if (row.asked == 0) {
         const bool alone = askable && !IsAnnounced(row, ServiceKind::Ipp);
         return row.since + (alone ? kPatienceForPlainIpp : kPatienceForIpp);
     }
@@ -258,26 +286,32 @@ PrinterTable::Time PrinterTable::WorthWaitingUntil(const Row& row) const {
 }
 
 void PrinterTable::AskPlain(RowId id, Row& row, Time now) {
-    while (const ServiceId* const service = NextToAsk(row, ServiceKind::Ipp)) {
-        AddQuestion(id, row, *service, now);
+    while (const Endpoint* const endpoint = NextToAsk(row, ServiceKind::Ipp)) {
+        AddQuestion(id, row, *endpoint, now);
     }
 }
 
 bool PrinterTable::AskTls(RowId id, Row& row, Time now) {
-    const ServiceId* const service = NextToAsk(row, ServiceKind::Ipps);
-    if (service == nullptr || (row.deadline && now >= *row.deadline)) {
+    const Endpoint* const endpoint = NextToAsk(row, ServiceKind::Ipps);
+    if (endpoint == nullptr || (row.deadline && now >= *row.deadline)) {
         return false;
     }
-    AddQuestion(id, row, *service, now);
+    AddQuestion(id, row, *endpoint, now);
     return true;
 }
 
-void PrinterTable::AddQuestion(RowId id, Row& row, const ServiceId& service, Time now) {
+void PrinterTable::AddQuestion(RowId id, Row& row, const Endpoint& endpoint, Time now) {
     const QueryId query = ++lastQuery;
-    row.asked.insert(service);
+    const auto found = row.chances.find(endpoint);
+    row.unasked.erase(found->first);
+    Chance& chance = found->second;
+    chance.asked = *chance.services.begin();
+    chance.query = query;
+    ++row.asked;
     row.open.insert(query);
-    questions.emplace(query, Question{id, service, now, std::nullopt});
-    window.Add(row.services.at(service).address, query);
+    questions.emplace(query, Question{id, *chance.asked, now, std::nullopt});
+    window.Add(row.services.at(*chance.asked).address, query);
+    File(id);
 }
 
 void PrinterTable::EndQuestion(QueryId query) {
@@ -290,34 +324,25 @@ void PrinterTable::EndQuestion(QueryId query) {
     window.Remove(query);
     rows.at(id).open.erase(query);
     changed.insert(id);
+    File(id);
+}
+
+void PrinterTable::DropQuestion(QueryId query) {
+    if (questions.at(query).deadline) {
+        dropped.push_back(query);
+    }
+    EndQuestion(query);
 }
 
 void PrinterTable::DropQuestions(Row& row) {
     while (!row.open.empty()) {
-        const QueryId query = *row.open.begin();
-        if (questions.at(query).deadline) {
-            dropped.push_back(query);
-        }
-        EndQuestion(query);
+        DropQuestion(*row.open.begin());
     }
 }
 
-const ServiceId* PrinterTable::NextToAsk(const Row& row, ServiceKind kind) const {
-    const auto found =
-        std::find_if(row.services.begin(), row.services.end(), [&](const auto& service) {
-            return service.first.kind == kind && !WasAsked(row, service.first);
-        });
-    return found == row.services.end() ? nullptr : &found->first;
-}
-
-// A service that comes in by two interfaces is asked once.
-bool PrinterTable::WasAsked(const Row& row, const ServiceId& id) const {
-    const Service& service = row.services.at(id);
-    return std::any_of(row.asked.begin(), row.asked.end(), [&](const ServiceId& asked) {
-        const auto other = row.services.find(asked);
-        return asked == id || (asked.kind == id.kind && other != row.services.end() &&
-                               IsSameEndpoint(other->second, service));
-    });
+const PrinterTable::Endpoint* PrinterTable::NextToAsk(const Row& row, ServiceKind kind) const {
+    const auto next = row.unasked.lower_bound(Endpoint{kind, {}, 0, {}});
+    return next == row.unasked.end() || std::get<ServiceKind>(*next) != kind ? nullptr : &*next;
 }
 
 bool PrinterTable::IsAnnounced(const Row& row, ServiceKind kind) const {
@@ -326,43 +351,13 @@ bool PrinterTable::IsAnnounced(const Row& row, ServiceKind kind) const {
 
 // Whether it may still be reported with an answer.
 bool PrinterTable::IsUndecided(const Row& row) const {
-    return row.attributes ? !row.answerReported
-                          : !row.open.empty() || NextToAsk(row, ServiceKind::Ipps) != nullptr;
-}
-
-bool PrinterTable::HasAnswered(const std::string& uuid) const {
-    const auto places = byUuid.find(uuid);
-    return places != byUuid.end() &&
-           std::any_of(places->second.begin(), places->second.end(),
-                       [this](RowId id) { return rows.at(id).attributes.has_value(); });
+    return row.attributes ? !row.answerReported : !row.open.empty() || !row.unasked.empty();
 }
 
 bool PrinterTable::MustWaitForEarlier(const Row& row) const {
     const auto places = byUuid.find(row.uuid);
-    return places != byUuid.end() &&
-           std::any_of(places->second.begin(), places->second.end(), [&](RowId id) {
-               const Row& other = rows.at(id);
-               return other.rank < row.rank && IsUndecided(other);
-           });
-}
-
-// The next of the places that have answered and wait for the earlier ones.
-void PrinterTable::WakeWaiting(const Row& row) {
-    const auto places = byUuid.find(row.uuid);
-    if (places == byUuid.end()) {
-        return;
-    }
-    std::optional<RowId> next;
-    for (const RowId id : places->second) {
-        const Row& other = rows.at(id);
-        const bool waits = other.answeredAt && !other.answerReported && &other != &row;
-        if (waits && (!next || other.rank < rows.at(*next).rank)) {
-            next = id;
-        }
-    }
-    if (next) {
-        changed.insert(*next);
-    }
+    return places != byUuid.end() && !places->second.undecided.empty() &&
+           places->second.undecided.begin()->first < row.rank;
 }
 
 void PrinterTable::ReportAnswer(RowId id, Row& row, Time now, Work& work) {
@@ -373,21 +368,31 @@ void PrinterTable::ReportAnswer(RowId id, Row& row, Time now, Work& work) {
     const Time patient = *row.answeredAt + kPatienceForEarlierPlace;
     if (now < patient && MustWaitForEarlier(row)) {
         SetAlarm(id, row, patient);
+        File(id);
         return;
     }
     row.reported = row.answerReported = true;
     work.reports.push_back(DescribeRow(row));
     work.answered.push_back(row.source);
-    WakeWaiting(row);
+    File(id);
 }
 
-// Of a printer with a place that answers, the places that do not are not shown.
-void PrinterTable::ReportSilent(Row& row, Work& work) {
-    const bool hidden = SpeaksIpp(row.services) && HasAnswered(row.uuid);
-    if (!row.reported && !hidden) {
-        row.reported = true;
-        work.reports.push_back(DescribeRow(row));
+// Of a printer with a place that answers, the places where nothing does are not shown. Those that
+// refuse to tell may be the printer as well, and come behind.
+void PrinterTable::ReportSilent(RowId id, Row& row, Work& work) {
+    if (row.reported) {
+        return;
     }
+    const auto found = byUuid.find(row.uuid);
+    if (found != byUuid.end() && !row.chances.empty()) {
+        Places& places = found->second;
+        if (row.refuses ? !places.waiting.empty() : !places.answered.empty()) {
+            (row.refuses ? places.behind : places.hidden).insert(id);
+            return;
+        }
+    }
+    row.reported = true;
+    work.reports.push_back(DescribeRow(row));
 }
 
 void PrinterTable::SetAlarm(RowId id, Row& row, std::optional<Time> time) {
@@ -402,6 +407,9 @@ void PrinterTable::SetAlarm(RowId id, Row& row, std::optional<Time> time) {
 
 // With what the printer said over IPP, the service it said it over; without, the best there is.
 Printer PrinterTable::DescribeRow(const Row& row) const {
+    if (row.services.empty()) {
+        return Describe(row.last->first, row.last->second, row.attributes);
+    }
     auto service = row.services.find(row.source);
     if (!row.attributes || service == row.services.end()) {
         service = std::min_element(
@@ -427,20 +435,21 @@ PrinterTable::RowId PrinterTable::RowFor(const ServiceId& id, const Service& ser
 std::optional<PrinterTable::RowId> PrinterTable::RowAtPlace(const std::string& uuid,
                                                             const Service& service,
                                                             RowId except) const {
-    const auto places = byUuid.find(uuid);
-    if (places == byUuid.end()) {
-        return std::nullopt;
-    }
-    for (const RowId id : places->second) {
-        const Row& row = rows.at(id);
-        const bool here =
-            std::any_of(row.services.begin(), row.services.end(),
-                        [&](const auto& known) { return IsSamePlace(known.second, service); });
-        if (id != except && (here || (row.last && IsSamePlace(row.last->second, service)))) {
-            return id;
+    std::optional<RowId> first;
+    for (const Spot& spot : SpotsOf(uuid, service)) {
+        const auto there = spots.find(spot);
+        if (there == spots.end()) {
+            continue;
+        }
+        auto row = there->second.begin();
+        if (row->first == except) {
+            ++row;
+        }
+        if (row != there->second.end() && (!first || row->first < *first)) {
+            first = row->first;
         }
     }
-    return std::nullopt;
+    return first;
 }
 
 std::optional<PrinterTable::RowId> PrinterTable::RowOfName(const ServiceId& id,
@@ -474,11 +483,25 @@ PrinterTable::RowId PrinterTable::NewRow(const ServiceId& id, const Service& ser
 
 void PrinterTable::SetUuid(RowId id, const std::string& uuid) {
     Row& row = rows.at(id);
-    EraseFrom(byUuid, row.uuid, id);
-    row.uuid = uuid;
-    if (!uuid.empty()) {
-        byUuid[uuid].insert(id);
+    if (row.uuid == uuid) {
+        return;
     }
+    if (!uuid.empty()) {
+        MakeRoomForPlace(uuid);
+    }
+    Unfile(id);
+    const auto forServices = [&](const auto& operation) {
+        for (const auto& [serviceId, service] : row.services) {
+            operation(service);
+        }
+        if (row.last) {
+            operation(row.last->second);
+        }
+    };
+    forServices([&](const Service& service) { LeaveSpots(id, row, service); });
+    row.uuid = uuid;
+    forServices([&](const Service& service) { EnterSpots(id, row, service); });
+    File(id);
 }
 
 // A printer goes with its last service. One that has answered stays while it still announces a
@@ -489,24 +512,14 @@ void PrinterTable::Detach(const ServiceId& id) {
         return;
     }
     const RowId rowId = owner->second;
-    owners.erase(owner);
     Row& row = rows.at(rowId);
-    const auto service = row.services.extract(id);
-    row.asked.erase(id);
-    std::vector<QueryId> moot;
-    for (const QueryId query : row.open) {
-        if (questions.at(query).service == id) {
-            moot.push_back(query);
-        }
-    }
-    for (const QueryId query : moot) {
-        dropped.push_back(query);
-        EndQuestion(query);
-    }
+    const Service service = Leave(rowId, row, id);
     if (!row.services.empty()) {
         changed.insert(rowId);
+        File(rowId);
     } else if (row.answerReported && pendingNames.count(NameOf(id)) > 0) {
-        row.last.emplace(id, service.mapped());
+        row.last.emplace(id, service);
+        EnterSpots(rowId, row, service);
         lingering[NameOf(id)].insert(rowId);
     } else {
         Remove(rowId);
@@ -518,34 +531,216 @@ void PrinterTable::Remove(RowId id) {
     DropQuestions(row);
     SetAlarm(id, row, std::nullopt);
     EraseFrom(byNameAndHost, {row.name, row.host}, id);
-    const std::string uuid = row.uuid;
+    for (const auto& [serviceId, service] : row.services) {
+        owners.erase(serviceId);
+    }
     SetUuid(id, {});
     rows.erase(id);
     changed.erase(id);
-    // Places that were hidden behind this one, or waited for it.
-    const auto places = byUuid.find(uuid);
-    if (places != byUuid.end()) {
-        changed.insert(places->second.begin(), places->second.end());
-    }
 }
 
+// What `left` is already told of `gone`, it is not asked again: one of them has answered.
 void PrinterTable::Merge(RowId into, RowId from) {
     Row& left = rows.at(into);
     Row& gone = rows.at(from);
-    for (const auto& [id, service] : gone.services) {
-        owners[id] = into;
+    if (gone.rank < left.rank) {
+        Unfile(into);
+        left.rank = gone.rank;
     }
-    left.services.merge(gone.services);
-    left.asked.merge(gone.asked);
-    left.rank = std::min(left.rank, gone.rank);
     if (!left.attributes) {
         left.attributes = gone.attributes;
         left.source = gone.source;
         DropQuestions(left);
     }
-    left.last.reset();
+    if (left.last) {
+        LeaveSpots(into, left, left.last->second);
+        left.last.reset();
+    }
+    while (!gone.services.empty()) {
+        const ServiceId id = gone.services.begin()->first;
+        const Service service = Leave(from, gone, id);
+        Enter(into, left, id, service);
+    }
     changed.insert(into);
     Remove(from);
+    File(into);
+}
+
+PrinterTable::Endpoint PrinterTable::EndpointOf(const ServiceId& id, const Service& service) {
+    return {id.kind, service.address, service.port, PathOf(service)};
+}
+
+std::array<PrinterTable::Spot, 2> PrinterTable::SpotsOf(const std::string& uuid,
+                                                        const Service& service) {
+    return {Spot{uuid, service.address, service.host, 0},
+            Spot{uuid, service.address, {}, service.port}};
+}
+
+void PrinterTable::Enter(RowId id, Row& row, const ServiceId& serviceId, const Service& service) {
+    if (row.services.size() >= kMaxServicesOfPlace) {
+        MakeRoomForService(row);
+    }
+    row.services.emplace(serviceId, service);
+    owners.insert_or_assign(serviceId, id);
+    EnterSpots(id, row, service);
+    if (Driverless::SpeaksIpp(serviceId.kind)) {
+        const auto [chance, isNew] = row.chances.try_emplace(EndpointOf(serviceId, service));
+        chance->second.services.insert(serviceId);
+        if (isNew) {
+            row.unasked.insert(chance->first);
+        }
+    }
+}
+
+Service PrinterTable::Leave(RowId id, Row& row, const ServiceId& serviceId) {
+    Service service = std::move(row.services.at(serviceId));
+    owners.erase(serviceId);
+    LeaveSpots(id, row, service);
+    if (Driverless::SpeaksIpp(serviceId.kind)) {
+        LeaveChance(row, serviceId, service);
+    }
+    row.services.erase(serviceId);
+    return service;
+}
+
+void PrinterTable::LeaveChance(Row& row, const ServiceId& serviceId, const Service& service) {
+    const auto found = row.chances.find(EndpointOf(serviceId, service));
+    Chance& chance = found->second;
+    chance.services.erase(serviceId);
+    if (chance.asked == serviceId) {
+        chance.asked.reset();
+        --row.asked;
+        row.unasked.insert(found->first);
+        if (questions.count(chance.query) > 0) {
+            DropQuestion(chance.query);
+        }
+    }
+    if (chance.services.empty()) {
+        row.unasked.erase(found->first);
+        row.chances.erase(found);
+    }
+}
+
+void PrinterTable::EnterSpots(RowId id, const Row& row, const Service& service) {
+    if (row.uuid.empty()) {
+        return;
+    }
+    for (const Spot& spot : SpotsOf(row.uuid, service)) {
+        ++spots[spot][id];
+    }
+}
+
+void PrinterTable::LeaveSpots(RowId id, const Row& row, const Service& service) {
+    if (row.uuid.empty()) {
+        return;
+    }
+    for (const Spot& spot : SpotsOf(row.uuid, service)) {
+        const auto there = spots.find(spot);
+        CountDown(there->second, id);
+        if (there->second.empty()) {
+            spots.erase(there);
+        }
+    }
+}
+
+// Puts the row into those groups of its UUID that it belongs to now.
+void PrinterTable::File(RowId id) {
+    const Row& row = rows.at(id);
+    if (row.uuid.empty()) {
+        return;
+    }
+    Places& places = byUuid[row.uuid];
+    places.all.insert(id);
+    Mark(places.answered, id, row.attributes.has_value());
+    Mark(places.waiting, {row.rank, id}, row.answeredAt && !row.answerReported);
+    Wake(places, Mark(places.undecided, {row.rank, id}, IsUndecided(row)));
+}
+
+void PrinterTable::Unfile(RowId id) {
+    const Row& row = rows.at(id);
+    const auto found = byUuid.find(row.uuid);
+    if (found == byUuid.end()) {
+        return;
+    }
+    Places& places = found->second;
+    places.all.erase(id);
+    places.answered.erase(id);
+    places.waiting.erase({row.rank, id});
+    places.hidden.erase(id);
+    places.behind.erase(id);
+    Wake(places, places.undecided.erase({row.rank, id}) > 0);
+    if (places.all.empty()) {
+        byUuid.erase(found);
+    }
+}
+
+// Of those that waited for another place, the ones that need not any more.
+void PrinterTable::Wake(Places& places, bool fewerUndecided) {
+    if (fewerUndecided && !places.waiting.empty()) {
+        changed.insert(places.waiting.begin()->second);
+    }
+    if (places.waiting.empty()) {
+        changed.insert(places.behind.begin(), places.behind.end());
+        places.behind.clear();
+    }
+    if (places.answered.empty()) {
+        changed.insert(places.hidden.begin(), places.hidden.end());
+        places.hidden.clear();
+    }
+}
+
+void PrinterTable::MakeRoomForPlace(const std::string& uuid) {
+    const auto found = byUuid.find(uuid);
+    if (found == byUuid.end() || found->second.all.size() < kMaxPlaces) {
+        return;
+    }
+    const std::set<RowId>& places = found->second.all;
+    const RowId least = *std::min_element(places.begin(), places.end(), [this](RowId a, RowId b) {
+        return WorthOfPlace(rows.at(a)) < WorthOfPlace(rows.at(b));
+    });
+    leftOut.push_back(DescribeRow(rows.at(least)));
+    Remove(least);
+}
+
+void PrinterTable::MakeRoomForService(const Row& row) {
+    const auto least = std::min_element(
+        row.services.begin(), row.services.end(), [&](const auto& a, const auto& b) {
+            return WorthOfService(row, a.first) < WorthOfService(row, b.first);
+        });
+    leftOut.push_back(Describe(least->first, least->second, {}));
+    const ServiceId id = least->first;
+    Detach(id);
+}
+
+// What is worth less goes first: a place that had its chance; one that lasts, the longest first;
+// one that was not asked yet, and then one that has answered, of both the latest first.
+std::pair<int, std::int64_t> PrinterTable::WorthOfPlace(const Row& row) const {
+    const auto rank = static_cast<std::int64_t>(row.rank);
+    if (row.attributes) {
+        return {row.answerReported ? 3 : 4, -rank};
+    }
+    if (!IsUndecided(row)) {
+        return {0, rank};
+    }
+    return row.deadline ? std::pair<int, std::int64_t>{1, row.deadline->time_since_epoch().count()}
+                        : std::pair<int, std::int64_t>{2, -rank};
+}
+
+// The same of a place's services. Those that cannot be asked, or need not, are worth the least.
+std::pair<int, PrinterTable::QueryId> PrinterTable::WorthOfService(const Row& row,
+                                                                   const ServiceId& id) const {
+    if (row.attributes && id == row.source) {
+        return {5, 0};
+    }
+    const auto chance = row.chances.find(EndpointOf(id, row.services.at(id)));
+    if (chance == row.chances.end() || (chance->second.asked && chance->second.asked != id)) {
+        return {0, 0};
+    }
+    if (!chance->second.asked) {
+        return {id.kind == ServiceKind::Ipps ? 3 : 4, 0};
+    }
+    const bool isOpen = questions.count(chance->second.query) > 0;
+    return isOpen ? std::pair{2, chance->second.query} : std::pair{1, QueryId{0}};
 }
 
 }  // namespace Driverless

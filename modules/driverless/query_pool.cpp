@@ -10,7 +10,6 @@
 
 #include "diagnostics.h"
 #include "guarded.h"
-#include "ipp_query.h"
 
 namespace Driverless {
 
@@ -32,7 +31,7 @@ struct QueryPool::State {
     void Work();
     std::optional<Task> Take();
     void Ask(const Task& task);
-    std::optional<PrinterAttributes> AnswerTo(const Task& task) const;
+    static IppAnswer AnswerTo(const Task& task);
 
     const Listener listener;
     std::mutex mutex;
@@ -73,7 +72,7 @@ std::optional<QueryPool::State::Task> QueryPool::State::Take() {
 }
 
 void QueryPool::State::Ask(const Task& task) {
-    std::optional<PrinterAttributes> answer;
+    IppAnswer answer;
     try {
         answer = AnswerTo(task);
     } catch (const std::exception& exception) {
@@ -86,19 +85,18 @@ void QueryPool::State::Ask(const Task& task) {
     listener(task.query.id, answer);
 }
 
-std::optional<PrinterAttributes> QueryPool::State::AnswerTo(const Task& task) const {
+IppAnswer QueryPool::State::AnswerTo(const Task& task) {
     if (task.running == nullptr) {
-        return std::nullopt;
+        return {};
     }
-    const IppAnswer answer = task.running->Run();
-    if (answer.kind == IppAnswer::Kind::Granted) {
-        return answer.attributes;
+    IppAnswer answer = task.running->Run();
+    if (answer.kind != IppAnswer::Kind::Granted) {
+        const Printer& printer = task.query.printer;
+        ReportDetail(
+            printer.id.name + " at " + printer.address + ":" + std::to_string(printer.port) +
+            " gives no attributes: " + (answer.problem.empty() ? "no answer" : answer.problem));
     }
-    const Printer& printer = task.query.printer;
-    ReportDetail(
-        printer.id.name + " at " + printer.address + ":" + std::to_string(printer.port) +
-        " gives no attributes: " + (answer.problem.empty() ? "no answer" : answer.problem));
-    return std::nullopt;
+    return answer;
 }
 
 QueryPool::QueryPool(Listener listener) : state(std::make_shared<State>(std::move(listener))) {}

@@ -5,8 +5,8 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
+#include "ipp_query.h"
 #include "printer_table.h"
 
 namespace Driverless {
@@ -14,8 +14,7 @@ namespace Driverless {
 class QueryPool {
 public:
     // Called on the pool's threads, several at once, and possibly still after the destructor.
-    using Listener =
-        std::function<void(PrinterTable::QueryId, const std::optional<PrinterAttributes>&)>;
+    using Listener = std::function<void(PrinterTable::QueryId, const IppAnswer&)>;
 
     explicit QueryPool(Listener listener);
     ~QueryPool();

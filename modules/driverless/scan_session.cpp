@@ -24,9 +24,12 @@ namespace {
 // Avahi and D-Bus are on this host: who has not answered by then does not work.
 constexpr std::chrono::milliseconds kPatienceForAvahi{3000};
 
+// Lines about printers that are left out, so that no one fills the disk.
+constexpr int kMaxLeftOutLines = 100;
+
 struct Answer {
     PrinterTable::QueryId query;
-    std::optional<PrinterAttributes> attributes;
+    IppAnswer said;
 };
 using Message = std::variant<DnssdEvent, Answer>;
 
@@ -108,7 +111,7 @@ public:
     // The result that ends the scan, or nothing.
     std::optional<int> Take(const Message& message, Clock::time_point now) {
         if (const auto* answer = std::get_if<Answer>(&message)) {
-            table.Answered(answer->query, answer->attributes);
+            Take(*answer);
             return std::nullopt;
         }
         return Take(std::get<DnssdEvent>(message), now);
@@ -132,6 +135,21 @@ public:
     }
 
 private:
+    void Take(const Answer& answer) {
+        switch (answer.said.kind) {
+            case IppAnswer::Kind::Granted:
+                table.Answered(answer.query, answer.said.attributes);
+                break;
+            case IppAnswer::Kind::Denied:
+            case IppAnswer::Kind::NoPrinter:
+                table.Refused(answer.query);
+                break;
+            case IppAnswer::Kind::NoAnswer:
+                table.Answered(answer.query, std::nullopt);
+                break;
+        }
+    }
+
     std::optional<int> Take(const DnssdEvent& event, Clock::time_point now) {
         switch (event.kind) {
             case DnssdEvent::Kind::Ready:
@@ -185,8 +203,8 @@ int ScanSession::Run() {
             box->Put(std::move(event));
         }
     });
-    QueryPool queries([box](PrinterTable::QueryId query, const auto& attributes) {
-        box->Put(Answer{query, attributes});
+    QueryPool queries([box](PrinterTable::QueryId query, const IppAnswer& said) {
+        box->Put(Answer{query, said});
     });
     Course course;
     std::optional<Clock::time_point> next = Clock::now();
@@ -213,6 +231,9 @@ int ScanSession::Run() {
         for (const Printer& printer : work.reports) {
             Report(printer);
         }
+        for (const Printer& printer : work.leftOut) {
+            SayLeftOut(printer);
+        }
         next = work.next;
     }
 }
@@ -221,6 +242,16 @@ void ScanSession::Report(const Printer& printer) {
     KnownPrinters().Remember(printer);
     ReportDetail("found " + Summary(printer));
     gate.Pass([&] { reporter(printer); });
+}
+
+void ScanSession::SayLeftOut(const Printer& printer) {
+    if (leftOutLines < kMaxLeftOutLines) {
+        const bool last = ++leftOutLines == kMaxLeftOutLines;
+        ReportDetail(printer.id.name + " at " + printer.address + ":" +
+                     std::to_string(printer.port) +
+                     " is left out: too many services claim to be that printer" +
+                     (last ? "; further ones are not told" : ""));
+    }
 }
 
 bool ScanSession::Stop(std::chrono::milliseconds patience) {

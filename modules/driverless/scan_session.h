@@ -36,11 +36,13 @@ private:
     class Inbox;
 
     void Report(const Printer& printer);
+    void SayLeftOut(const Printer& printer);
 
     const Reporter reporter;
     const Reach reach;
     const std::shared_ptr<Inbox> inbox;
     ReportGate gate;
+    int leftOutLines = 0;
 };
 
 }  // namespace Driverless

@@ -91,8 +91,8 @@ TEST_F(WithoutMemory, AQuestionToAPrinterEndsAndTheCallerIsToldWhy) {
 
 TEST_F(WithoutMemory, QuestionsOfAScanHaveNoAnswer) {
     std::array<std::promise<bool>, 3> answered;
-    QueryPool queries([&](PrinterTable::QueryId query, const auto& attributes) {
-        answered.at(query).set_value(attributes.has_value());
+    QueryPool queries([&](PrinterTable::QueryId query, const IppAnswer& answer) {
+        answered.at(query).set_value(answer.kind == IppAnswer::Kind::Granted);
     });
     const FailingMemory::FailsForOthers memory;
     for (PrinterTable::QueryId id = 0; id < answered.size(); ++id) {

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <ctime>
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -463,7 +466,197 @@ TEST_F(PrinterTableTest, ManyPrinters_TakeTimeInProportion) {
     EXPECT_LT(timeOf(4000), 16 * timeOf(500)) << "8 in proportion, 64 when quadratic";
 }
 
+// Of many services, each announced, resolved, and at last gone; the first one answers.
+double ProcessorTimeOf(int services, const std::function<Service(int)>& serviceOf) {
+    PrinterTable table{kPatience};
+    const PrinterTable::Time now{};
+    const auto idOf = [](int number) {
+        return ServiceId{"Laser " + std::to_string(number), "local", ServiceKind::Ipp, 2};
+    };
+    const std::clock_t begin = std::clock();
+    for (int number = 0; number < services; ++number) {
+        table.Announced(idOf(number));
+        table.Resolved(idOf(number), serviceOf(number), now);
+        for (const auto& query : table.Advance(now).queries) {
+            if (number == 0) {
+                table.Answered(query.id, PrinterAttributes{});
+            }
+        }
+    }
+    for (int number = 0; number < services; ++number) {
+        table.Gone(idOf(number));
+        table.Advance(now);
+    }
+    EXPECT_TRUE(table.IsEmpty());
+    return static_cast<double>(std::clock() - begin);
+}
+
+void ExpectInProportion(const std::function<Service(int)>& serviceOf) {
+    ProcessorTimeOf(100, serviceOf);
+    EXPECT_LT(ProcessorTimeOf(4000, serviceOf), 20 * ProcessorTimeOf(500, serviceOf))
+        << "8 in proportion, 64 when quadratic";
+}
+
+TEST_F(PrinterTableTest, ManyPlacesOfOneUuid_TakeTimeInProportion) {
+    ExpectInProportion([](int number) {
+        Service service = WithUuid(kUuid, "host-" + std::to_string(number) + ".local");
+        service.address =
+            "10." + std::to_string(number / 250) + ".0." + std::to_string(number % 250);
+        return service;
+    });
+}
+
+TEST_F(PrinterTableTest, ManyPortsOfOnePlace_TakeTimeInProportion) {
+    const auto portOf = [](int number, Service service) {
+        service.port = static_cast<std::uint16_t>(number + 1);
+        return service;
+    };
+    ExpectInProportion([&](int number) { return portOf(number, WithUuid(kUuid)); });
+    // None of them answers.
+    ExpectInProportion(
+        [&](int number) { return portOf(number, WithUuid(number == 0 ? kOtherUuid : kUuid)); });
+}
+
+TEST_F(PrinterTableTest, AFloodOfPlaces_TakesNoChanceFromALateOne) {
+    const int places = static_cast<int>(kMaxPlaces) + 50;
+    std::size_t leftOut = 0;
+    for (int number = 1; number <= places; ++number) {
+        const ServiceId id = Id(ServiceKind::Ipp, "Silent " + std::to_string(number));
+        Service service = WithUuid(kUuid, "silent-" + std::to_string(number) + ".local");
+        service.address =
+            "10.0." + std::to_string(number / 250) + "." + std::to_string(number % 250);
+        table.Announced(id);
+        table.Resolved(id, service, now);
+        leftOut += After(milliseconds(2)).leftOut.size();
+    }
+    EXPECT_EQ(leftOut, 50u);
+    ResolvePlace(1);
+    const auto asking = After(kYouthOfQuestion);
+    EXPECT_EQ(asking.leftOut.size(), 1u);
+    ASSERT_FALSE(asking.queries.empty());
+    table.Answered(asking.queries[0].id, Attributes());
+    EXPECT_TRUE(Now().reports.empty());
+    EXPECT_EQ(AddressesOf(After(kPatienceForEarlierPlace)), Texts{"192.0.2.1"});
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty()) << "those that hang";
+}
+
+TEST_F(PrinterTableTest, AFloodOfPlacesThatAnswer_LeavesTheFirstOneInPlace) {
+    std::size_t reports = 0;
+    for (int number = 1; number <= static_cast<int>(kMaxPlaces) + 10; ++number) {
+        const ServiceId id = Id(ServiceKind::Ipp, "Laser " + std::to_string(number));
+        Service service = WithUuid(kUuid, "laser-" + std::to_string(number) + ".local");
+        service.port = static_cast<std::uint16_t>(number);
+        table.Resolved(id, service, now);
+        for (const auto& query : After(milliseconds(10)).queries) {
+            table.Answered(query.id, Attributes());
+        }
+        reports += Now().reports.size();
+    }
+    EXPECT_EQ(reports, kMaxPlaces + 10) << "each is reported";
+    table.Resolved(Id(ServiceKind::Ipps, "Laser 1"), WithUuid(kUuid, "laser-1.local"), now);
+    const auto work = After(milliseconds(10000));
+    EXPECT_TRUE(work.queries.empty());
+    EXPECT_TRUE(work.reports.empty()) << "again";
+}
+
+TEST_F(PrinterTableTest, AFloodOfPortsOfAPlace_TakesNoChanceFromALateOne) {
+    const int ports = static_cast<int>(kMaxServicesOfPlace) + 50;
+    std::size_t leftOut = 0;
+    for (int number = 1; number <= ports; ++number) {
+        const ServiceId id = Id(ServiceKind::Ipp, "Silent " + std::to_string(number));
+        table.Announced(id);
+        table.Resolved(id, Place(1, kUuid, static_cast<std::uint16_t>(number)), now);
+        leftOut += After(milliseconds(2)).leftOut.size();
+    }
+    EXPECT_EQ(leftOut, 50u);
+    table.Resolved(Id(ServiceKind::Ipp, "Late"), Place(1, kUuid, 9631), now);
+    std::optional<PrinterTable::QueryId> asked;
+    for (auto work = Now(); !asked && work.next; now = *work.next, work = table.Advance(now)) {
+        for (const auto& query : work.queries) {
+            asked = query.printer.port == 9631 ? query.id : asked;
+        }
+    }
+    ASSERT_TRUE(asked);
+    table.Answered(*asked, Attributes());
+    const auto done = Now();
+    ASSERT_EQ(done.reports.size(), 1u);
+    EXPECT_EQ(done.reports[0].port, 9631);
+}
+
+TEST_F(PrinterTableTest, APlaceThatRefusesToTell_IsReportedBehindTheOneThatAnswers) {
+    ResolvePlace(1);
+    ResolvePlace(2);
+    const auto asking = Now();
+    table.Refused(asking.queries.at(0).id);
+    table.Answered(asking.queries.at(1).id, Attributes());
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+    EXPECT_EQ(AddressesOf(After(kPatienceForIpp)), Texts{"192.0.2.1"});
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty()) << "each once";
+}
+
+TEST_F(PrinterTableTest, APlaceThatRefusesToTell_WaitsForTheReportOfTheOneThatAnswered) {
+    ResolvePlace(1);
+    ResolvePlace(2);
+    ResolvePlace(3);
+    const auto asking = Now();
+    table.Refused(asking.queries.at(1).id);
+    now += kPatienceForIpp - milliseconds(1);
+    table.Answered(asking.queries.at(2).id, Attributes());
+    EXPECT_TRUE(Now().reports.empty()) << "the first one may answer";
+    EXPECT_TRUE(After(milliseconds(1)).reports.empty()) << "the second one is behind the third";
+    EXPECT_EQ(AddressesOf(After(kPatienceForEarlierPlace)), (Texts{"192.0.2.3", "192.0.2.2"}));
+}
+
+TEST_F(PrinterTableTest, APlaceThatRefusedToTell_AndMovedToWhereNothingAnswers_IsLeftOut) {
+    ResolvePlace(1);
+    ResolvePlace(2);
+    const auto asking = Now();
+    table.Refused(asking.queries.at(0).id);
+    table.Answered(asking.queries.at(1).id, Attributes());
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+    table.Resolved(PlaceId(1), Place(7), now);
+    table.Answered(Now().queries.at(0).id, std::nullopt);
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty());
+}
+
+TEST_F(PrinterTableTest, AServiceThatMovesWhileItIsAsked_IsAskedWhereItIs) {
+    ResolvePlace(1);
+    const auto before = Now().queries.at(0).id;
+    table.Resolved(PlaceId(1), Place(7), now);
+    const auto work = Now();
+    EXPECT_EQ(work.overdue, std::vector{before});
+    ASSERT_EQ(work.queries.size(), 1u);
+    table.Gone(PlaceId(1));
+    EXPECT_TRUE(table.IsEmpty());
+    EXPECT_EQ(Now().overdue, std::vector{work.queries[0].id});
+}
+
+TEST_F(PrinterTableTest, AServiceSeenTwice_IsAskedAgainWhenTheOneThatWasAskedIsGone) {
+    Resolve(Id(ServiceKind::Ipp));
+    Resolve(Id(ServiceKind::Ipp, "Laser", 3));
+    EXPECT_EQ(Now().queries.size(), 1u);
+    table.Gone(Id(ServiceKind::Ipp));
+    EXPECT_EQ(Now().queries.size(), 1u);
+}
+
+TEST_F(PrinterTableTest, NoMoreQuestionsAreUnderWayThanThereIsRoomFor) {
+    table.LimitQuestions(4);
+    for (int number = 1; number <= 6; ++number) {
+        ResolvePlace(number, "");
+    }
+    const auto asking = Now();
+    EXPECT_EQ(asking.queries.size(), 4u);
+    ASSERT_TRUE(asking.next);
+    EXPECT_LE(*asking.next, now + kYouthOfQuestion) << "others may make room";
+    EXPECT_TRUE(After(kYouthOfQuestion).queries.empty());
+    table.LimitQuestions(5);
+    EXPECT_EQ(Now().queries.size(), 1u);
+    table.Answered(asking.queries[0].id, std::nullopt);
+    EXPECT_EQ(Now().queries.size(), 1u);
+}
+
 TEST_F(PrinterTableTest, WhatIsUnknown_IsIgnored) {
+    table.Refused(77);
     table.Gone(Id(ServiceKind::Ipp));
     table.Answered(77, Attributes());
     EXPECT_TRUE(Now().reports.empty());
