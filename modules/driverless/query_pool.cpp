@@ -10,15 +10,9 @@
 
 #include "diagnostics.h"
 #include "guarded.h"
+#include "question_budget.h"
 
 namespace Driverless {
-
-namespace {
-
-// As many as the table has questions under way, and some for those it no longer waits for.
-constexpr std::size_t kMaxThreads = kMaxQuestions + 64;
-
-}  // namespace
 
 struct QueryPool::State {
     explicit State(Listener answerListener) : listener(std::move(answerListener)) {}
@@ -57,6 +51,7 @@ std::optional<QueryPool::State::Task> QueryPool::State::Take() {
     const std::lock_guard lock(mutex);
     if (waiting.empty()) {
         --threads;
+        QuestionBudget::OfProcess().Give();
         return std::nullopt;
     }
     Task task{std::move(waiting.front()), nullptr};
@@ -99,9 +94,12 @@ IppAnswer QueryPool::State::AnswerTo(const Task& task) {
     return answer;
 }
 
-QueryPool::QueryPool(Listener listener) : state(std::make_shared<State>(std::move(listener))) {}
+QueryPool::QueryPool(Listener listener) : state(std::make_shared<State>(std::move(listener))) {
+    QuestionBudget::OfProcess().Join();
+}
 
 QueryPool::~QueryPool() {
+    QuestionBudget::OfProcess().Leave();
     const std::lock_guard lock(state->mutex);
     state->waiting.clear();
     for (const auto& [id, query] : state->asked) {
@@ -112,19 +110,25 @@ QueryPool::~QueryPool() {
 void QueryPool::Start(const PrinterTable::Query& query) {
     const std::lock_guard lock(state->mutex);
     state->waiting.push_back(query);
-    if (state->threads == kMaxThreads) {
+    // Without a further one, the threads that run take the query in their turn.
+    if (!QuestionBudget::OfProcess().Take(state->threads == 0)) {
         return;
     }
     try {
         std::thread([own = state] { own->Work(); }).detach();
         ++state->threads;
     } catch (const std::system_error& problem) {
-        // The threads that run take the query in their turn.
+        QuestionBudget::OfProcess().Give();
         if (state->threads == 0) {
             throw;
         }
         ReportDetail(std::string("no further thread for questions: ") + problem.what());
     }
+}
+
+std::size_t QueryPool::Room() const {
+    const std::lock_guard lock(state->mutex);
+    return QuestionBudget::OfProcess().RoomFor(state->threads);
 }
 
 void QueryPool::Drop(PrinterTable::QueryId query) {

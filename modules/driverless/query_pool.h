@@ -22,6 +22,9 @@ public:
     void Start(const PrinterTable::Query& query);
     void Drop(PrinterTable::QueryId query);
 
+    // How many questions may be under way at once, with what other pools have under way.
+    std::size_t Room() const;
+
     QueryPool(const QueryPool&) = delete;
     QueryPool& operator=(const QueryPool&) = delete;
 

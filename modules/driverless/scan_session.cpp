@@ -125,7 +125,9 @@ public:
         return Fail(kNoBrowsing, "Avahi or the system's D-Bus runs, but does not answer");
     }
 
-    PrinterTable::Work Advance(Clock::time_point now) {
+    // With room for so many questions under way.
+    PrinterTable::Work Advance(Clock::time_point now, std::size_t room) {
+        table.LimitQuestions(room);
         PrinterTable::Work work = table.Advance(now);
         const Clock::time_point patient = start + kPatienceForAvahi;
         if (!ready && (!work.next || patient < *work.next)) {
@@ -218,7 +220,7 @@ int ScanSession::Run() {
         if (result) {
             return *result;
         }
-        const PrinterTable::Work work = course.Advance(now);
+        const PrinterTable::Work work = course.Advance(now, queries.Room());
         for (const PrinterTable::Query& query : work.queries) {
             queries.Start(query);
         }
