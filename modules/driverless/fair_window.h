@@ -5,10 +5,13 @@
 //
 // Work that takes long must not block the window, so only young work counts against it; all work
 // together has a limit of its own. Of both, one owner gets no more than is left free beside its
-// share: whoever comes late finds room, however much an earlier one has taken.
+// share: whoever comes late finds room, however much an earlier one has taken. Of one owner's items
+// that wait, the oldest and the newest begin in turns: neither a long queue in front of an item nor
+// a stream of items behind it keeps it waiting for long.
 
 #include <chrono>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
@@ -33,8 +36,8 @@ public:
     // What is under way already stays so.
     void LimitAll(std::size_t most) { limits.all = most; }
 
-    // Puts an item behind the others of its owner; one that comes `again` behind all of them that
-    // come for the first time. An item that is in the window already stays where it is.
+    // Puts an item behind the others of its owner. One that comes `again` begins after all of them
+    // that come for the first time. An item that is in the window already stays where it is.
     void Add(const Owner& owner, const Item& item, bool again = false) {
         if (!tickets.emplace(item, Ticket{owner, {again, lastNumber + 1}}).second) {
             return;
@@ -77,7 +80,7 @@ public:
             return std::nullopt;
         }
         Unrank(owner, share);
-        const Item item = std::move(share.waiting.extract(share.waiting.begin()).mapped());
+        const Item item = TakeFrom(share);
         Begin(share, item, now);
         share.served = ++turns;
         Rank(owner, share);
@@ -133,7 +136,16 @@ private:
         std::set<std::pair<Time, Item>> order;
         std::size_t young = 0;
         std::uint64_t served = 0;
+        bool newestIsNext = false;
     };
+
+    static Item TakeFrom(Share& share) {
+        const auto firstAgain = share.waiting.lower_bound({true, 0});
+        const bool newest = share.newestIsNext && firstAgain != share.waiting.begin();
+        share.newestIsNext = !newest;
+        return std::move(
+            share.waiting.extract(newest ? std::prev(firstAgain) : share.waiting.begin()).mapped());
+    }
 
     bool HasRoomForAll(const Share& share) const {
         return all < limits.all && (share.since.empty() || share.since.size() < limits.all - all);

@@ -5,10 +5,11 @@ usage: announcer.py --network INTERFACE_ADDRESS < COMMANDS
 One JSON object a line, for example
   {"name": "Laser", "host": "laser", "address": "10.99.0.7", "port": 9000, "txt": ["UUID=..."]}
 Keys left out of the record are not announced: without "port" there is no SRV record. "type" is
-_ipp._tcp unless it is given; "count": N announces N of it, with a number after name, host (when
-"hosts" is true), and port. "serve": BEHAVIOUR of fake_printer.py serves each port at its address,
-with "attributes", in which {} stands for the number. "pace": N announces N a second, for ever. An
-address that the host does not have yet is added to its interface. Answers "ready" to each line.
+_ipp._tcp unless it is given; "bare": true says no more than what is asked for; "count": N announces
+N of it, with a number after name, host (when "hosts" is true), and port. "serve": BEHAVIOUR of
+fake_printer.py serves each port at its address, with "attributes", in which {} stands for the number.
+"pace": N announces N a second, for ever. An address that the host does not have yet is added to its
+interface. Answers "ready" to each line.
 """
 
 import argparse
@@ -27,6 +28,7 @@ import fake_printer
 GROUP, PORT = "224.0.0.251", 5353
 A, PTR, TXT, SRV = 1, 12, 16, 33
 FLUSH = 0x8000
+TRUNCATED = 0x0200  # more of what the asker knows follows
 
 
 def encoded_name(labels):
@@ -53,10 +55,14 @@ class Instance:
         self.host = labels_of(host + ".local")
         self.address = spec.get("address")
         self.port = None if "port" not in spec else spec["port"] + (number or 0)
+        self.bare = spec.get("bare", False)
         self.txt = [entry.replace("{}", str(number)) for entry in spec.get("txt", [])]
 
     def pointer(self):
         return record(self.type, PTR, encoded_name(self.full), unique=False)
+
+    def announced(self):
+        return [self.pointer()] if self.bare else [self.pointer(), *self.rest()]
 
     def rest(self):
         records = []
@@ -76,6 +82,7 @@ class Responder:
         self.lock = threading.Lock()
         self.instances = []
         self.by_name = {}
+        self.begun = {}  # questions of which more follows, by who asks
         self.socket = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEPORT, 1)
@@ -97,7 +104,7 @@ class Responder:
             self.by_name.setdefault(host, [instance])
 
     def send(self, answers):
-        """As many packets as it takes."""
+        """As many packets as it takes, no faster than a receiver takes them: it has little room."""
         packet, count = b"", 0
         for answer in answers:
             if packet and len(packet) + len(answer) > 1300:
@@ -110,42 +117,45 @@ class Responder:
     def send_packet(self, packet, count):
         self.socket.sendto(struct.pack(">HHHHHH", 0, 0x8400, 0, count, 0, 0) + packet,
                            (GROUP, PORT))
+        time.sleep(0.002)
 
     def announce(self, instances):
-        self.send(answer for instance in instances
-                  for answer in [instance.pointer(), *instance.rest()])
+        self.send(answer for instance in instances for answer in instance.announced())
 
     def answer(self):
         while True:
-            data = self.socket.recv(9000)
+            data, sender = self.socket.recvfrom(9000)
             try:
-                self.answer_to(data)
+                self.answer_to(data, sender)
             except (IndexError, struct.error):
                 pass
 
-    def answer_to(self, data):
+    def answer_to(self, data, sender):
         _, flags, questions, known, _, _ = struct.unpack(">HHHHHH", data[:12])
         if flags & 0x8000:
             return
-        wanted, offset = [], 12
+        wanted, told = self.begun.pop(sender, ([], set()))
+        offset = 12
         for _ in range(questions):
             name, offset = read_name(data, offset)
             wanted.append((name, struct.unpack(">H", data[offset:offset + 2])[0]))
             offset += 4
-        told = set()
         for _ in range(known):
             _, offset = read_name(data, offset)
             kind, _, _, length = struct.unpack(">HHIH", data[offset:offset + 10])
             if kind == PTR:
                 told.add(read_name(data, offset + 10)[0])
             offset += 10 + length
+        if flags & TRUNCATED:
+            self.begun[sender] = (wanted, told)
+            return
         answers = []
         with self.lock:
             for name, kind in wanted:
                 if kind == PTR:
                     chosen = [i for i in self.instances if b".".join(i.type).lower() == name
                               and b".".join(i.full).lower() not in told]
-                    answers += [r for i in chosen for r in [i.pointer(), *i.rest()]]
+                    answers += [r for i in chosen for r in i.announced()]
                 else:
                     answers += [r for i in self.by_name.get(name, []) for r in i.rest()]
         self.send(answers)
