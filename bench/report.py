@@ -7,6 +7,7 @@ missing or cannot be read. Targets that were left out are named.
 
 import argparse
 import json
+import operator
 import os
 import sys
 
@@ -15,6 +16,9 @@ CHOICES = (1, 10, 100)
 USB_IDS = (1, 100, 10000)
 USB_PRINTERS = (10, 100, 1000)
 TOOLS = ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")
+ATTACKS = ("40 that are silent", "180 of 300 hang", "900 without SRV", "1,100 without SRV",
+           "200 new ones a second", "30 endless answers")
+MIB = 1024  # kB
 
 
 class Unusable(Exception):
@@ -33,7 +37,8 @@ class Figures:
             for size in sizes:
                 self.medians.update({f"{name}/{size}": run
                                      for name, run in self.medians_of(f"{program}_{size}").items()})
-        self.race = self.read("race") if os.path.exists(self.path("race")) else None
+        self.race, self.attack = (self.read(name) if os.path.exists(self.path(name)) else None
+                                  for name in ("race", "attack"))
 
     def path(self, name):
         return os.path.join(self.folder, name + ".json")
@@ -73,9 +78,16 @@ class Figures:
 
     def scan(self, tool, moment):
         """Seconds until `moment`, or kilobytes of memory."""
-        value = self.part(self.part(self.race, "race", tool), "race", moment)
+        return self.positive("race", self.race, tool, moment)
+
+    def attacked(self, scan, what):
+        """The same of a scan under attack, or of one among 1,000 printers."""
+        return self.positive("attack", self.attack, scan, what)
+
+    def positive(self, program, results, scan, what):
+        value = self.part(self.part(results, program, scan), program, what)
         if not isinstance(value, (int, float)) or value <= 0:
-            raise Unusable(f"{self.path('race')}: {moment!r} of {tool} is {value!r}")
+            raise Unusable(f"{self.path(program)}: {what!r} of {scan} is {value!r}")
         return value
 
 
@@ -150,6 +162,10 @@ def measured(figures):
         first, last, memory = (figures.scan(tool, what) for what in ("first", "all", "memory"))
         yield (f"scan, 20 printers: {tool}",
                f"first {first:.2f} s, all {last:.2f} s, memory {memory / 1024:.1f} MB")
+    if figures.attack:
+        for tool in ("devicediscover", "avahi-browse"):
+            yield f"scan, 1,000 printers: {tool}", f"all {figures.attacked('thousand', tool):.2f} s"
+        yield "scan, 20 printers, no attack", f"all {figures.attacked('none', 'all'):.2f} s"
 
 
 def targets(figures):
@@ -196,6 +212,25 @@ def targets(figures):
             if figures.race:
                 ratio = figures.scan("devicediscover", moment) / figures.scan(rival, moment)
             yield f"scan to {what} / {rival}", ratio, limit, False
+    yield from targets_under_attack(figures)
+
+
+def targets_under_attack(figures):
+    attacked = figures.attacked if figures.attack else lambda *_: None
+
+    def combined(combine, *values):
+        return None if None in values else combine(*values)
+
+    ratio = combined(operator.truediv, attacked("thousand", "devicediscover"),
+                     attacked("thousand", "avahi-browse"))
+    yield "scan to all 1,000 printers / avahi-browse", ratio, 0.50, False
+    memory = combined(operator.truediv, attacked("thousand", "memory"), MIB)
+    yield "scan of 1,000 printers, MiB", memory, 64, False
+    for attack in ATTACKS:
+        delay = combined(operator.sub, attacked(attack, "all"), attacked("none", "all"))
+        yield f"scan, {attack}: s later than without", delay, 1.50, False
+        memory = combined(operator.truediv, attacked(attack, "memory"), MIB)
+        yield f"scan, {attack}: MiB", memory, 64, False
 
 
 def table(figures):

@@ -10,17 +10,13 @@ each once. Memory is the peak of the tool's own process.
 import argparse
 import json
 import os
-import pty
 import re
-import select
-import signal
 import statistics
 import subprocess
 import sys
-import time
-import tty
 
-LAB = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "scripts", "lab-network")
+from scanning import forget_all, resolved_name, scan
+
 PATIENCE = 60.0  # seconds until a tool has failed
 
 
@@ -33,11 +29,6 @@ class Tool:
         self.first = []
         self.all = []
         self.memory = []
-
-
-def resolved_name(line):
-    fields = line.split(";")
-    return fields[3] if fields[0] == "=" else None
 
 
 def uri(line):
@@ -68,71 +59,14 @@ def tools(build, printers):
     ]
 
 
-def peak_memory(pid):
-    """In kB; None once the process has ended. Not getrusage: it counts this process before exec."""
-    try:
-        with open(f"/proc/{pid}/status", encoding="ascii") as status:
-            found = re.search(r"^VmHWM:\s+(\d+) kB", status.read(), re.MULTILINE)
-    except FileNotFoundError:
-        return None
-    return int(found[1]) if found else None
-
-
-def lines_of(process, terminal, deadline):
-    """The process's lines as they come, an empty one each time that nothing came for a while."""
-    rest = b""
-    while time.monotonic() < deadline:
-        if not select.select([terminal], [], [], 0.02)[0]:
-            yield ""
-            continue
-        try:
-            data = os.read(terminal, 65536)
-        except OSError:  # all ends of the terminal are closed
-            return
-        *lines, rest = (rest + data).split(b"\n")
-        yield from (line.decode("utf-8", "replace") for line in lines)
-    raise RuntimeError(f"{process.args[0]} did not find all printers within {PATIENCE:.0f} s")
-
-
-def end(process):
-    if process.poll() is None:
-        process.send_signal(signal.SIGINT)
-    try:
-        process.wait(5)
-    except subprocess.TimeoutExpired:
-        process.kill()
-        process.wait()
-
-
 def run(tool, printers):
-    subprocess.run([LAB, "cold"], check=True)
-    # On a terminal of its own every tool writes each line at once.
-    terminal, other_end = pty.openpty()
-    tty.setraw(other_end)
-    found, memory, first = set(), 0, None
-    start = time.monotonic()
-    process = subprocess.Popen(tool.command, stdin=subprocess.DEVNULL, stdout=other_end,
-                               stderr=subprocess.DEVNULL)
-    os.close(other_end)
-    try:
-        for line in lines_of(process, terminal, start + PATIENCE):
-            now = time.monotonic()
-            memory = peak_memory(process.pid) or memory
-            printer = tool.printer(line) if line else None
-            if printer is None or printer in found:
-                continue
-            found.add(printer)
-            first = first or now - start
-            if len(found) == printers:
-                break
-    finally:
-        end(process)
-        os.close(terminal)
-    if len(found) != printers:
-        raise RuntimeError(f"{tool.command[0]} found {len(found)} of {printers} printers")
-    tool.first.append(first)
-    tool.all.append(now - start)
-    tool.memory.append(memory)
+    forget_all()
+    result = scan(tool.command, tool.printer, printers, PATIENCE)
+    if len(result.found) != printers:
+        raise RuntimeError(f"{tool.command[0]} found {len(result.found)} of {printers} printers")
+    tool.first.append(min(result.found.values()) - result.start)
+    tool.all.append(max(result.found.values()) - result.start)
+    tool.memory.append(result.memory)
 
 
 def main():

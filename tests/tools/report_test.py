@@ -43,6 +43,11 @@ class Report(unittest.TestCase):
         self.race = {tool: {"first": 1.0, "all": 1.0, "memory": 1024}
                      for tool in ("devicediscover", "avahi-browse", "ippfind", "cupsEnumDests")}
         self.race["ippfind"].update(first=10.0, all=10.0)
+        self.attack = {scan: {"all": 1.0, "memory": 20 * 1024}
+                       for scan in ("none", "40 that are silent", "180 of 300 hang",
+                                    "900 without SRV", "1,100 without SRV",
+                                    "200 new ones a second", "30 endless answers")}
+        self.attack["thousand"] = {"devicediscover": 1.0, "avahi-browse": 2.1, "memory": 20 * 1024}
 
     def report(self):
         for program, times in self.times.items():
@@ -50,8 +55,9 @@ class Report(unittest.TestCase):
                 dict(run_name=name, aggregate_name=aggregate, cpu_time=time, real_time=time)
                 for name, median in times.items()
                 for aggregate, time in (("mean", 10 * median), ("median", median))]})
-        if self.race is not None:
-            self.write("race", self.race)
+        for name, results in (("race", self.race), ("attack", self.attack)):
+            if results is not None:
+                self.write(name, results)
         return subprocess.run([REPORT, self.folder], capture_output=True, text=True, timeout=60)
 
     def write(self, name, content):
@@ -69,7 +75,7 @@ class Report(unittest.TestCase):
         result = self.report()
         self.assertEqual(result.returncode, ALL_MET, result.stderr)
         verdicts = [line.split()[-1] for line in result.stdout.split("\n\n")[1].splitlines()]
-        self.assertEqual(verdicts, ["ok"] * 36)
+        self.assertEqual(verdicts, ["ok"] * 50)
 
     def test_a_missed_target_is_over(self):
         self.times["facade"]["Facade"] = 141
@@ -125,6 +131,28 @@ class Report(unittest.TestCase):
         self.race["avahi-browse"]["all"] = None
         self.expect_unusable(self.report(), "race.json", "'all' of avahi-browse is None")
 
+    def test_a_scan_that_an_attack_delays_is_over(self):
+        self.attack["900 without SRV"]["all"] = 2.6
+        result = self.report()
+        self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
+        self.assertRegex(result.stdout, r"900 without SRV: s later than without +1\.60 .* over\n")
+
+    def test_a_scan_that_takes_much_memory_is_over(self):
+        self.attack["30 endless answers"]["memory"] = 65 * 1024
+        result = self.report()
+        self.assertEqual(result.returncode, SOME_MISSED, result.stderr)
+        self.assertRegex(result.stdout, r"30 endless answers: MiB +65\.00 .* over\n")
+
+    def test_an_attack_that_is_missing_is_named(self):
+        del self.attack["900 without SRV"]
+        self.expect_unusable(self.report(), "attack.json", "'900 without SRV' is missing")
+
+    def test_attacks_that_were_left_out_are_named(self):
+        self.attack = None
+        result = self.report()
+        self.assertEqual(result.returncode, ALL_MET, result.stderr)
+        self.assertEqual(result.stdout.count("  left out\n"), 14)
+
     def test_targets_that_were_left_out_are_named(self):
         self.race = None
         result = self.report()
@@ -133,7 +161,7 @@ class Report(unittest.TestCase):
         self.assertEqual([row.split("  ")[0] for row in rows],
                          [f"scan to {what} / {rival}" for rival in ("avahi-browse", "ippfind")
                           for what in ("the first printer", "all 20 printers")])
-        self.assertEqual(result.stdout.count("  ok\n"), 32)
+        self.assertEqual(result.stdout.count("  ok\n"), 46)
 
 
 if __name__ == "__main__":
