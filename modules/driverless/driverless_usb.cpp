@@ -14,6 +14,7 @@
 #include "results.h"
 #include "running_scans.h"
 #include "usb_devices.h"
+#include "usb_other_names.h"
 #include "wifi_setup.h"
 
 VENDORSDK_EXPORT(GetDeviceInfoByUsb);
@@ -41,6 +42,7 @@ void Write(const Things& things, Record* records, std::int32_t& count) {
 int DescribePrinters(std::uint16_t productId, std::uint16_t vendorId,
                      VendorSdk::DeviceInfo* devices, std::int32_t& count) {
     const UsbLook look = LookForUsbPrinters(productId, vendorId, kRoomForDevices);
+    KnownUsbNames().Remember(vendorId, productId, look.printers);
     Write(look.printers, devices, count);
     return look.result;
 }

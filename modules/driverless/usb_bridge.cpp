@@ -123,7 +123,7 @@ std::vector<std::uint16_t> BridgePorts(const std::vector<ListeningPort>& listeni
 }
 
 BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
-                           const VendorSdk::DeviceInfo& record) {
+                           const VendorSdk::DeviceInfo& record, const OtherSerialNumber& other) {
     const std::string serialNumber = FieldText(record.deviceSN);
     std::vector<BridgedPrinter> likely =
         Those(printers, [&](const BridgedPrinter& one) { return IsSame(one, serialNumber); });
@@ -131,6 +131,13 @@ BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
         Those(likely, [&](const BridgedPrinter& one) { return IsSameModel(one, record); });
     if (!ofModel.empty()) {
         likely = ofModel;
+    }
+    bool isShared = false;
+    if (likely.empty() && !other.text.empty()) {
+        likely = Those(printers, [&](const BridgedPrinter& one) {
+            return IsSame(one, other.text) && IsSameModel(one, record);
+        });
+        isShared = other.isShared && !likely.empty();
     }
     if (likely.empty()) {
         // Where one side says no serial number, the model tells, as long as there is only one of
@@ -145,7 +152,7 @@ BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
                        "no bridge for printers on USB has " + name +
                            ": see whether it speaks IPP over USB, and plug it in again");
     }
-    if (likely.size() > 1) {
+    if (likely.size() > 1 || isShared) {
         return Nothing(kSeveralAlike, "several printers on USB are like " + name +
                                           ", and nothing tells them apart: unplug the others");
     }
@@ -165,7 +172,8 @@ BridgeSearch FindBridged(const VendorSdk::DeviceInfo& record, Clock::time_point 
             "or name the ports of another in DRIVERLESS_USB_BRIDGE_PORTS");
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-    return ChooseBridged(AskAll(ports, std::max(left, std::chrono::milliseconds(0))), record);
+    return ChooseBridged(AskAll(ports, std::max(left, std::chrono::milliseconds(0))), record,
+                         KnownUsbNames().Of(record));
 }
 
 }  // namespace Driverless

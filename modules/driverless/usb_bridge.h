@@ -11,6 +11,7 @@
 #include "ipp_query.h"
 #include "listening_ports.h"
 #include "printer.h"
+#include "usb_other_names.h"
 
 namespace Driverless {
 
@@ -39,9 +40,11 @@ struct BridgeSearch {
     std::optional<BridgedPrinter> found;
 };
 
-// The one of the bridges' printers that a record of a printer on USB describes.
+// The one of the bridges' printers that a record of a printer on USB describes. `other` is what the
+// same printer may be called where none has its serial number.
 BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
-                           const VendorSdk::DeviceInfo& record);
+                           const VendorSdk::DeviceInfo& record,
+                           const OtherSerialNumber& other = {});
 
 // Whether what answers where the printer was reached is still the printer: a bridge may give the
 // port to another one that is plugged in. One that tells neither serial number nor UUID is taken

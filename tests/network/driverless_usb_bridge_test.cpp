@@ -147,6 +147,72 @@ TEST(ChooseBridged, TakesNoPrinterOfAnotherSerialNumber) {
     EXPECT_EQ(Chosen({}, record), -kNotReached);
 }
 
+UsbPrinter Plugged(const std::string& place, const std::string& serialNumber,
+                   const std::string& deviceId) {
+    UsbPrinter printer;
+    printer.place = place;
+    printer.serialNumber = serialNumber;
+    printer.deviceId = deviceId;
+    return printer;
+}
+
+// The port of the bridged one that is chosen for the first of those plugged in.
+int ChosenForFirst(const std::vector<BridgedPrinter>& bridged,
+                   const std::vector<UsbPrinter>& plugged) {
+    UsbOtherNames names;
+    names.Remember(1, 2, plugged);
+    const auto record = ToRecord(plugged.front());
+    const BridgeSearch search = ChooseBridged(bridged, record, names.Of(record));
+    return search.found ? search.found->printer.port : kNone - search.result;
+}
+
+const std::string kOfModel = "MFG:Acme;MDL:9;SN:X;";
+
+TEST(ChooseBridged, TakesThePrinterThatSaysTheSerialNumberOfItsDeviceId) {
+    const UsbPrinter printer = Plugged("1-1", "D1", kOfModel);
+    EXPECT_EQ(ChosenForFirst({Bridged(1, "", "Acme 9", kOfModel)}, {printer}), 1);
+    EXPECT_EQ(ChosenForFirst({Bridged(1, "Y", "Acme 9"), Bridged(2, "X", "Acme 9")}, {printer}), 2);
+    EXPECT_EQ(ChosenForFirst({Bridged(1, "X", "Acme 9"), Bridged(2, "D1", "Acme 9")}, {printer}), 2)
+        << "its own serial number goes first";
+    EXPECT_EQ(ChosenForFirst({Bridged(1, "X", "Acme 8")}, {printer}), -kNotReached)
+        << "another model's";
+}
+
+TEST(ChooseBridged, DoesNotGuessWhichPrinterHasASerialNumberOfADeviceId) {
+    const UsbPrinter printer = Plugged("1-1", "D1", kOfModel);
+    const std::vector bridged{Bridged(1, "", "Acme 9", kOfModel)};
+    EXPECT_EQ(ChosenForFirst(bridged, {printer, Plugged("1-2", "D2", kOfModel)}), -kSeveralAlike);
+    EXPECT_EQ(ChosenForFirst(bridged, {printer, Plugged("1-2", "X", "MFG:Acme;MDL:9;")}),
+              -kSeveralAlike);
+    EXPECT_EQ(ChosenForFirst(bridged, {printer, Plugged("1-2", "D2", "MFG:Acme;MDL:9;SN:Y;")}), 1);
+    EXPECT_EQ(ChosenForFirst({bridged[0], Bridged(2, "X", "Acme 9")}, {printer}), -kSeveralAlike);
+}
+
+TEST(UsbOtherNames, AreThoseOfThePrintersThatAreThereNow) {
+    UsbOtherNames names;
+    const UsbPrinter printer = Plugged("1-1", "D1", kOfModel);
+    names.Remember(1, 2, {printer, Plugged("1-2", "D2", kOfModel)});
+    EXPECT_TRUE(names.Of(ToRecord(printer)).isShared);
+    names.Remember(1, 2, {printer});
+    EXPECT_FALSE(names.Of(ToRecord(printer)).isShared);
+    EXPECT_EQ(names.Of(ToRecord(printer)).text, "X");
+    EXPECT_EQ(names.Of(ToRecord(Plugged("1-3", "D1", kOfModel))).text, "") << "another place";
+    names.Remember(1, 2, {Plugged("1-1", "X", kOfModel)});
+    EXPECT_EQ(names.Of(ToRecord(printer)).text, "") << "another printer";
+    names.Remember(1, 2, {});
+    EXPECT_EQ(names.Of(ToRecord(Plugged("1-1", "X", kOfModel))).text, "");
+}
+
+TEST(UsbOtherNames, AreNotCountless) {
+    UsbOtherNames names;
+    const UsbPrinter printer = Plugged("1-1", "D1", kOfModel);
+    for (std::uint16_t model = 0; model < 64; ++model) {
+        names.Remember(1, model, {Plugged("1-2", "D2", kOfModel)});
+    }
+    names.Remember(2, 0, {printer});
+    EXPECT_EQ(names.Of(ToRecord(printer)).text, "");
+}
+
 TEST(ChooseBridged, GoesByTheModelWhereThePrinterSaysNoSerialNumberOverIpp) {
     const auto record = OnUsb("MFG:Acme;MDL:9;SN:B;");
     EXPECT_EQ(
