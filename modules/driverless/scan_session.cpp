@@ -1,5 +1,6 @@
 #include "scan_session.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -108,6 +109,8 @@ namespace {
 // The course of one scan: tells the table what happened, and the others what the table wants done.
 class Course {
 public:
+    explicit Course(AvahiSilence& avahiSilence) : silence(avahiSilence) {}
+
     // The result that ends the scan, or nothing.
     std::optional<int> Take(const Message& message, Clock::time_point now) {
         if (const auto* answer = std::get_if<Answer>(&message)) {
@@ -118,20 +121,20 @@ public:
     }
 
     // The result for an Avahi that has not answered yet, or nothing.
-    std::optional<int> Overdue(Clock::time_point now) const {
-        if (ready || now < start + kPatienceForAvahi) {
-            return std::nullopt;
-        }
-        return Fail(kNoBrowsing, "Avahi or the system's D-Bus runs, but does not answer");
+    std::optional<int> Overdue(Clock::time_point now) {
+        silence.TellDuringScan(now);
+        const bool overdue = !silence.HasAnswered() && now >= silence.Begin() + kPatienceForAvahi;
+        return overdue ? std::optional(kNoBrowsing) : std::nullopt;
     }
 
     // With room for so many questions under way.
     PrinterTable::Work Advance(Clock::time_point now, std::size_t room) {
         table.LimitQuestions(room);
         PrinterTable::Work work = table.Advance(now);
-        const Clock::time_point patient = start + kPatienceForAvahi;
-        if (!ready && (!work.next || patient < *work.next)) {
-            work.next = patient;
+        if (!silence.HasAnswered()) {
+            const auto due =
+                silence.Due() > now ? silence.Due() : silence.Begin() + kPatienceForAvahi;
+            work.next = std::min(work.next.value_or(due), due);
         }
         return work;
     }
@@ -155,7 +158,7 @@ private:
     std::optional<int> Take(const DnssdEvent& event, Clock::time_point now) {
         switch (event.kind) {
             case DnssdEvent::Kind::Ready:
-                ready = true;
+                silence.Answered();
                 break;
             case DnssdEvent::Kind::Announced:
                 table.Announced(event.id);
@@ -186,15 +189,17 @@ private:
         return Fail(kNoNetwork, "this host is on no network: no interface has an IPv4 address");
     }
 
-    const Clock::time_point start = Clock::now();
-    bool ready = false;
+    AvahiSilence& silence;
     PrinterTable table{kAnswerPatience};
 };
 
 }  // namespace
 
 ScanSession::ScanSession(Reporter printerReporter, Reach looksWhere)
-    : reporter(std::move(printerReporter)), reach(looksWhere), inbox(std::make_shared<Inbox>()) {}
+    : reporter(std::move(printerReporter)),
+      reach(looksWhere),
+      inbox(std::make_shared<Inbox>()),
+      silence(Clock::now()) {}
 
 ScanSession::~ScanSession() = default;
 
@@ -208,7 +213,7 @@ int ScanSession::Run() {
     QueryPool queries([box](PrinterTable::QueryId query, const IppAnswer& said) {
         box->Put(Answer{query, said});
     });
-    Course course;
+    Course course(silence);
     std::optional<Clock::time_point> next = Clock::now();
     while (true) {
         const std::optional<Message> message = inbox->Take(next);
@@ -257,6 +262,7 @@ void ScanSession::SayLeftOut(const Printer& printer) {
 }
 
 bool ScanSession::Stop(std::chrono::milliseconds patience) {
+    silence.TellAtStop(Clock::now());
     inbox->Close();
     return gate.Close(patience);
 }

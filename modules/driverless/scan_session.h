@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include "avahi_silence.h"
 #include "printer.h"
 #include "report_gate.h"
 #include "scan.h"
@@ -41,6 +42,7 @@ private:
     const Reporter reporter;
     const Reach reach;
     const std::shared_ptr<Inbox> inbox;
+    AvahiSilence silence;
     ReportGate gate;
     int leftOutLines = 0;
 };

@@ -567,6 +567,18 @@ class WithoutServices(NetworkTest):
         self.assertNotEqual(probe.await_event("ended", 10 * SLACK)["result"], 0)
         self.assert_diagnostics(probe, "does not answer")
 
+    def test_a_short_scan_says_that_avahi_or_the_bus_hangs(self):
+        for daemon in ("avahi", "bus"):
+            lab("cold")
+            self.frozen(daemon)
+            begin = time.monotonic()
+            scan = subprocess.run([PROGRAM, "scan", "--seconds", "1"], env=ENVIRONMENT, text=True,
+                                  stdin=subprocess.DEVNULL, capture_output=True, timeout=60)
+            self.assertLess(time.monotonic() - begin, 1 + 3 * SLACK)
+            self.assertNotEqual(scan.returncode, 0)
+            self.assertIn("does not answer: no printer can be found", scan.stderr)
+            self.doCleanups()
+
     def test_a_scan_stops_at_once_while_avahi_hangs(self):
         probe = self.probe()
         probe.start()
