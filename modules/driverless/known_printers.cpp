@@ -1,6 +1,8 @@
 #include "known_printers.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace Driverless {
 
@@ -27,7 +29,12 @@ bool PrinterMemory::IsSame(const Entries& entries, const Entry& entry, const Pri
     if (!entry.announcedName.empty() && IsAnnounced(printer)) {
         return entry.announcedName == printer.id.name;
     }
-    return entries.size() == 1 || entry.places.count(PlaceOf(printer)) > 0;
+    return entries.size() == 1 || WasAt(entry, printer);
+}
+
+bool PrinterMemory::WasAt(const Entry& entry, const Printer& printer) {
+    return std::find(entry.places.begin(), entry.places.end(), PlaceOf(printer)) !=
+           entry.places.end();
 }
 
 void PrinterMemory::Remember(const Printer& printer) {
@@ -37,14 +44,62 @@ void PrinterMemory::Remember(const Printer& printer) {
                               [&](const Entry& entry) { return IsSame(entries, entry, printer); });
     if (known == entries.end()) {
         known = entries.insert(entries.end(), Entry{});
+        ++count;
     }
     for (Entry& entry : entries) {
-        entry.places.erase(PlaceOf(printer));
+        std::erase(entry.places, PlaceOf(printer));
     }
-    known->places.insert(PlaceOf(printer));
+    if (known->places.size() == kMaxKnownPlaces) {
+        known->places.erase(known->places.begin());
+    }
+    known->places.push_back(PlaceOf(printer));
+    known->turn = ++turns;
     known->uuid = printer.uuid.empty() ? known->uuid : printer.uuid;
     known->announcedName = IsAnnounced(printer) ? printer.id.name : known->announcedName;
     known->printer = printer;
+    if (entries.size() > kMaxOfOneSerialNumber) {
+        const auto found = printers.find(printer.serialNumber);
+        MakeRoom(found, std::next(found));
+    }
+    if (count > kMaxKnownPrinters) {
+        MakeRoom(printers.begin(), printers.end());
+    }
+}
+
+// An eighth of these serial numbers' printers goes, for it takes a look at all of them: of the
+// address with the most, the oldest.
+void PrinterMemory::MakeRoom(Printers::const_iterator first, Printers::const_iterator last) {
+    std::map<std::string, std::vector<Ticket>> byAddress;
+    std::size_t all = 0;
+    for (; first != last; ++first) {
+        for (const Entry& entry : first->second) {
+            const std::string address =
+                entry.places.empty() ? std::string() : entry.places.back().first;
+            byAddress[address].push_back({entry.turn, first->first});
+            ++all;
+        }
+    }
+    for (auto& [address, tickets] : byAddress) {
+        std::sort(tickets.begin(), tickets.end(),
+                  [](const Ticket& a, const Ticket& b) { return a.turn > b.turn; });
+    }
+    for (std::size_t left = all / 8; left > 0; --left) {
+        auto& most =
+            std::max_element(byAddress.begin(), byAddress.end(), [](const auto& a, const auto& b) {
+                return a.second.size() < b.second.size();
+            })->second;
+        Drop(most.back());
+        most.pop_back();
+    }
+}
+
+void PrinterMemory::Drop(const Ticket& ticket) {
+    const auto known = printers.find(ticket.serialNumber);
+    count -=
+        std::erase_if(known->second, [&](const Entry& entry) { return entry.turn == ticket.turn; });
+    if (known->second.empty()) {
+        printers.erase(known);
+    }
 }
 
 std::optional<Printer> PrinterMemory::Find(const Printer& described) {
@@ -67,7 +122,7 @@ PrinterMemory::Entry* PrinterMemory::EntryOf(const Printer& described) {
     }
     Entries& entries = known->second;
     const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) {
-        return entries.size() == 1 || entry.places.count(PlaceOf(described)) > 0;
+        return entries.size() == 1 || WasAt(entry, described);
     });
     return found == entries.end() ? nullptr : &*found;
 }

@@ -3,12 +3,14 @@
 // What the module remembers of printers between calls, by serial number. Printers may share one:
 // these are told apart by their UUIDs or, without them, by the names under which they are
 // announced, and in a record, which has neither, by where they were.
+//
+// Anybody can announce any number of printers. What is remembered is bounded, and the address with
+// the most of it makes room first: one host's noise costs its own.
 
 #include <cstdint>
 #include <map>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +18,11 @@
 #include "printer.h"
 
 namespace Driverless {
+
+constexpr std::size_t kMaxKnownPrinters = 4096;
+constexpr std::size_t kMaxOfOneSerialNumber = 256;
+// Where a printer was before; those are for records that an application has kept.
+constexpr std::size_t kMaxKnownPlaces = 16;
 
 class PrinterMemory {
 public:
@@ -34,17 +41,28 @@ private:
     struct Entry {
         std::string uuid;
         std::string announcedName;
-        std::set<Place> places;
+        std::vector<Place> places;       // the latest one last
+        std::uint64_t turn = 0;          // of its last Remember
         std::optional<Printer> printer;  // nothing: forgotten
     };
     using Entries = std::vector<Entry>;
+    using Printers = std::map<std::string, Entries>;
+    struct Ticket {
+        std::uint64_t turn;
+        std::string serialNumber;
+    };
 
     static Place PlaceOf(const Printer& printer);
     static bool IsSame(const Entries& entries, const Entry& entry, const Printer& printer);
+    static bool WasAt(const Entry& entry, const Printer& printer);
     Entry* EntryOf(const Printer& described);
+    void MakeRoom(Printers::const_iterator first, Printers::const_iterator last);
+    void Drop(const Ticket& ticket);
 
     std::mutex mutex;
-    std::map<std::string, Entries> printers;
+    Printers printers;
+    std::size_t count = 0;
+    std::uint64_t turns = 0;
 };
 
 // The one memory. Never destroyed: scans run until the process is gone.

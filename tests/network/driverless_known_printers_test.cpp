@@ -127,5 +127,56 @@ TEST_F(Memory, NeverGivesAnotherPrinterForOneThatWasForgotten) {
     EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.1:631");
 }
 
+Printer Numbered(const std::string& serialNumber, const std::string& address) {
+    Printer printer = At(address);
+    printer.serialNumber = serialNumber;
+    return printer;
+}
+
+TEST_F(Memory, OfAFlood_IsBoundedAndCostsNobodyElse) {
+    constexpr int flood = 20000;
+    for (int number = 0; number < flood; ++number) {
+        if (number % 1000 == 0) {
+            memory.Remember(Numbered("Honest " + std::to_string(number), "192.0.2.7"));
+        }
+        memory.Remember(Numbered(std::to_string(number), "192.0.2.66"));
+    }
+    std::size_t ofFlood = 0;
+    for (int number = 0; number < flood; ++number) {
+        ofFlood += memory.Find(Numbered(std::to_string(number), "192.0.2.66")) ? 1U : 0U;
+        if (number % 1000 == 0) {
+            EXPECT_TRUE(memory.Find(Numbered("Honest " + std::to_string(number), "192.0.2.7")));
+        }
+    }
+    EXPECT_LE(ofFlood, kMaxKnownPrinters);
+    EXPECT_GT(ofFlood, kMaxKnownPrinters / 2);
+    EXPECT_TRUE(memory.Find(Numbered(std::to_string(flood - 1), "192.0.2.66"))) << "the latest";
+}
+
+TEST_F(Memory, OfManyWithOneSerialNumber_IsBounded) {
+    constexpr int flood = 1000;
+    const auto place = [](int number) {
+        return "198.51." + std::to_string(number / 250) + "." + std::to_string(number % 250);
+    };
+    for (int number = 0; number < flood; ++number) {
+        memory.Remember(Announced("Printer " + std::to_string(number), place(number)));
+    }
+    std::size_t known = 0;
+    for (int number = 0; number < flood; ++number) {
+        known += memory.Find(At(place(number))) ? 1U : 0U;
+    }
+    EXPECT_LE(known, kMaxOfOneSerialNumber);
+    EXPECT_GT(known, kMaxOfOneSerialNumber / 2);
+}
+
+TEST_F(Memory, OfAPrinterThatMoves_HasItsLatestPlaces) {
+    memory.Remember(At("192.0.2.1", kOther));
+    for (std::uint16_t port = 1; port <= 100; ++port) {
+        memory.Remember(At("192.0.2.2", kOne, port));
+    }
+    EXPECT_EQ(Remembered(At("192.0.2.2", {}, 85)), "192.0.2.2:100");
+    EXPECT_EQ(Remembered(At("192.0.2.2", {}, 84)), "none");
+}
+
 }  // namespace
 }  // namespace Driverless
