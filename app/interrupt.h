@@ -10,6 +10,10 @@ void NotifyOnInterrupt(void (*notify)());
 // Whether the first request has come.
 bool IsInterrupted();
 
+// From now on the calling thread takes no such request; another one does. For threads that wait in
+// a read: a sanitizer holds a request back until the thread that took it calls something else.
+void LeaveInterruptsToOthers();
+
 // Ends the process with that status as it is: nothing is taken down under what is at work on other
 // threads. Standard output, standard error and the log are flushed.
 [[noreturn]] void EndProcess(int status);

@@ -18,6 +18,8 @@ namespace App {
 
 namespace {
 
+constexpr int kRequests[]{SIGINT, SIGTERM, SIGHUP};
+
 int wakeUp[2];
 std::atomic<bool> requested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler uses it");
@@ -52,14 +54,24 @@ void NotifyOnInterrupt(void (*notify)()) {
     }
     // A handler may do next to nothing; the thread that it wakes may do everything.
     std::thread([notify] {
+        LeaveInterruptsToOthers();
         char byte;
         while (read(wakeUp[0], &byte, 1) < 0 && errno == EINTR) {
         }
         notify();
     }).detach();
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : kRequests) {
         Catch(signal);
     }
+}
+
+void LeaveInterruptsToOthers() {
+    sigset_t requests;
+    sigemptyset(&requests);
+    for (const int signal : kRequests) {
+        sigaddset(&requests, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &requests, nullptr);
 }
 
 bool IsInterrupted() {

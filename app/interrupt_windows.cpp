@@ -40,6 +40,9 @@ void NotifyOnInterrupt(void (*notify)()) {
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 }
 
+// The system tells of them on a thread of its own.
+void LeaveInterruptsToOthers() {}
+
 bool IsInterrupted() {
     return interrupted;
 }

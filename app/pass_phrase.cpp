@@ -11,6 +11,7 @@
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "app/awaiting.h"
+#include "app/interrupt.h"
 #include "app/problem.h"
 #include "app/prompt.h"
 #include "app/terminal_input.h"
@@ -76,6 +77,7 @@ Line ReadStandardInput() {
 Line Read(const PassPhraseOptions& options) {
     const std::string name = options.file;
     const std::function<Line()> work = [name] {
+        LeaveInterruptsToOthers();
         return name == kStandardInput ? ReadStandardInput() : ReadFile(name);
     };
     Line line = AwaitInterruptibly(work, [] {});

@@ -3,6 +3,7 @@
 #include "app/awaiting.h"
 #include "app/cancellation.h"
 #include "app/console.h"
+#include "app/interrupt.h"
 #include "app/terminal_input.h"
 #include "app/text.h"
 
@@ -20,6 +21,7 @@ bool AsksOnOutput(const Settings& settings) {
 std::shared_ptr<Base::Secret> ReadLineInterruptibly() {
     using Line = std::shared_ptr<Base::Secret>;
     const std::function<Line()> read = [] {
+        LeaveInterruptsToOthers();
         auto line = std::make_shared<Base::Secret>();
         return ReadInputLine(*line) ? line : nullptr;
     };

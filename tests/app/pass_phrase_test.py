@@ -124,6 +124,27 @@ class Prompt(HostTest):
         if not ON_WINDOWS:  # there the console is nobody else's
             self.assertTrue(terminal.shows_typing())
 
+    @unittest.skipIf(ON_WINDOWS, "signals of Linux")
+    def test_no_thread_that_waits_in_a_read_takes_a_request_to_end(self):
+        terminal = self.start()
+        self.wait_until(lambda: len(self.readers(terminal.process.pid)) == 2,
+                        "one waits for the line, one for Ctrl-C")
+        for blocked in self.readers(terminal.process.pid):
+            for request in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+                self.assertTrue(blocked >> (request - 1) & 1, f"{request} in {blocked:x}")
+
+    @staticmethod
+    def readers(process):
+        """The signals that they block, of the threads that are in a read."""
+        found = []
+        for task in os.scandir(f"/proc/{process}/task"):
+            with open(task.path + "/syscall", encoding="ascii") as call:
+                reads = call.read().split()[0] == "0"
+            with open(task.path + "/status", encoding="ascii") as status:
+                blocked = [line.split()[1] for line in status if line.startswith("SigBlk:")]
+            found += [int(blocked[0], 16)] if reads else []
+        return found
+
     def test_what_is_typed_at_the_prompt_does_not_show(self):
         terminal = self.start()
         if not ON_WINDOWS:
