@@ -284,7 +284,8 @@ is told, and JSON has neither.
 
 Exit status: 0 the printer was found on the network, 1 a step failed or was
 interrupted, 2 wrong arguments or a pass phrase too long for a printer's record,
-3 could not run: no vendor that could do it, or a file that cannot be read.
+3 could not run: no vendor that could do it, nobody who looks for the printer any
+more, or a file that cannot be read.
 )";
 
 }  // namespace App::Help

@@ -71,17 +71,23 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
     StatusLine status(settings, "Looking for the printer");
     SearchOutcome outcome;
     Clock::time_point nextQuestion{};
+    bool hasEnded = false;
     do {
         Wait(status, std::min(end, Clock::now() + kTick));
+        hasEnded = session.HasEnded();
         outcome.printers = Candidates(wanted);
-        if ((outcome.printers.empty() && !ask) || Clock::now() < nextQuestion) {
+        // Once nobody looks any more, the vendor is asked for the last time.
+        if ((outcome.printers.empty() && !ask) || (Clock::now() < nextQuestion && !hasEnded)) {
             continue;
         }
         // About the printer as it was set up: what was found may be another of its serial number.
         outcome.vendorsResult = ask ? CheckLocalNetwork(settings, wanted.record) : 0;
         outcome.isOnNetwork = outcome.vendorsResult == 0;
         nextQuestion = Clock::now() + kPause;
-    } while (!outcome.isOnNetwork && Clock::now() < end);
+    } while (!outcome.isOnNetwork && !hasEnded && Clock::now() < end);
+    if (hasEnded) {
+        outcome.failures = session.Failures();
+    }
     if (outcome.isOnNetwork) {
         Settle(status, wanted, std::min(end, Clock::now() + kLongestToPlace));
     }

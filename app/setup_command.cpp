@@ -231,6 +231,12 @@ void Journey::Find(const std::string& network, const Printer& printer) {
                         "one that was put on {} does not find that on the local network: {}\nTry "
                         "`devicediscover ap check {} --vendor {}` in a moment.",
                         NameOf(printer), places, network,
+    if (!outcome.isOnNetwork && !outcome.failures.empty()) {
+        throw Problem(
+            fmt::format("{} {} {}; whether it is there is not known: nobody looks for "
+                        "printers any more{}",
+                        NameOf(printer), WasPutOn(), network, Lines(outcome.failures)));
+    }
                         VendorsResult(outcome.vendorsResult, printer.vendor), printer.serialNumber,
                         printer.vendor),
             outcome.vendorsResult};

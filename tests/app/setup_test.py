@@ -271,6 +271,28 @@ class SetupThatFails(SetupTest):
         self.assertGreater(time.monotonic() - start, 3)
         self.assertEqual(len(self.calls_of("StopDeviceScan")), 2)
 
+    def use_two_modules(self):
+        self.list_file = self.vendor_list([
+            dict(productId="scripted", vendorName="scripted_all",
+                 scanModuleName="scripted_all_b")])
+
+    def test_it_ends_when_nobody_looks_any_more(self):
+        self.use_two_modules()
+        self.script("[scripted_all]", PRINTER, "result IsLocalAreaNetworkOK 9",
+                    "[scripted_all_b]", "result StartDeviceScan 6")
+        start = time.monotonic()
+        self.assert_failed("find", "--timeout", "300", status=COULD_NOT_RUN, saying=(
+            "nobody looks for printers any more", "was put on Office", "vendor scripted does not "
+            "look for printers: the vendor's result 6"))
+        self.assertLess(time.monotonic() - start, 2 * app_test.PATIENCE)
+
+    def test_what_its_vendor_finds_counts_when_nobody_looks_any_more(self):
+        self.use_two_modules()
+        self.script("[scripted_all]", PRINTER, "[scripted_all_b]", "result StartDeviceScan 6")
+        result = self.setup()
+        self.assert_status(result, FOUND)
+        self.assert_mentions(result.output, "SN1, is on Office, its vendor says")
+
     def test_a_printer_that_only_its_vendor_finds(self):
         self.list_file = self.vendor_list([
             dict(productId="scripted", vendorName="scripted_all",
