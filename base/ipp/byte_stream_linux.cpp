@@ -37,6 +37,7 @@ ByteStream::~ByteStream() {
 
 bool ByteStream::Connect(const sockaddr* address, socklen_t size) {
     Close();
+    isRefused = false;
     if (!Open(address->sa_family)) {
         return false;
     }
@@ -52,6 +53,7 @@ bool ByteStream::Connect(const sockaddr* address, socklen_t size) {
         return false;
     }
     getsockopt(connection, SOL_SOCKET, SO_ERROR, &error, &errorSize);
+    isRefused = error == ECONNREFUSED;
     return error == 0 || FailWith(error);
 }
 

@@ -41,6 +41,8 @@ public:
 
     bool IsOver() const { return isCut || Clock::now() >= deadline; }
     const std::string& Problem() const { return problem; }
+    // Whether the last Connect found a host on which nobody listens.
+    bool IsRefused() const { return isRefused; }
 
     ByteStream(const ByteStream&) = delete;
     ByteStream& operator=(const ByteStream&) = delete;
@@ -60,6 +62,7 @@ private:
     int connection = -1;
     gnutls_session_int* tls = nullptr;
     bool isEncrypted = false;
+    bool isRefused = false;
     gnutls_certificate_credentials_st* credentials = nullptr;
     std::string problem;
 };

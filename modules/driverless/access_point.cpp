@@ -1,8 +1,12 @@
 #include "access_point.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <mutex>
+#include <thread>
 
 #include "diagnostics.h"
+#include "first_questions.h"
 #include "host_route.h"
 #include "host_wifi.h"
 #include "printer_network.h"
@@ -21,6 +25,8 @@ constexpr std::chrono::milliseconds kPatienceForPlainIpp{500};
 constexpr std::chrono::milliseconds kPreferenceForPlainIpp{1200};
 // While both are waited for.
 constexpr std::chrono::milliseconds kLookAgain{20};
+// Between a question and the next one.
+constexpr std::chrono::milliseconds kAskAgain{250};
 
 std::chrono::milliseconds Until(Clock::time_point deadline) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
@@ -80,7 +86,9 @@ Reply AskAt(const std::string& network, const std::string& address, Clock::time_
     if (!IsGranted(overPlain) && overTls.Answer().kind == IppAnswer::Kind::Granted) {
         return {tls, overTls.Answer()};
     }
-    return {plain, overPlain.Answer()};
+    Reply reply{plain, overPlain.Answer()};
+    reply.answer.refused = reply.answer.refused && overTls.Answer().refused;
+    return reply;
 }
 
 AccessPointSearch Nothing(int result, const std::string& detail) {
@@ -88,27 +96,89 @@ AccessPointSearch Nothing(int result, const std::string& detail) {
     return {result, std::nullopt};
 }
 
-}  // namespace
+// How long the first question in a network is asked again, from the environment variable
+// DRIVERLESS_FIRST_SECONDS.
+std::chrono::seconds FirstPatience() {
+    constexpr long normal = 10;
+    constexpr long longest = 60;
+    const std::string text = ReadSetting("DRIVERLESS_FIRST_SECONDS");
+    char* end = nullptr;
+    const long seconds = std::strtol(text.c_str(), &end, 10);
+    const bool valid = *end == '\0' && seconds >= 1 && seconds <= longest;
+    return std::chrono::seconds(valid ? seconds : normal);
+}
 
-AccessPointSearch FindAccessPoint(Clock::time_point deadline) {
-    const auto current = CurrentNetwork(Until(deadline));
-    if (!current) {
-        return Nothing(kNoWifiAnswer, "the host's Wi-Fi service does not answer");
+// FirstQuestions for all threads. Never destroyed: they run until the process is gone.
+class Questions {
+public:
+    AskedAgain Begin(const std::string& network) {
+        const std::lock_guard lock(mutex);
+        return questions.Begin(network, FirstPatience(), Clock::now());
     }
-    if (!MayBePrintersOwn(current->name)) {
-        return {kNotPrintersNetwork, std::nullopt};
+
+    void Answered(const std::string& network) {
+        const std::lock_guard lock(mutex);
+        questions.Answered(network);
     }
-    const std::string address = GatewayOf(current->interface);
+
+private:
+    std::mutex mutex;
+    FirstQuestions questions{kAnswerPatience};
+};
+
+Questions& TheQuestions() {
+    static Questions& questions = *new Questions;
+    return questions;
+}
+
+// Asks the network's gateway once, and tells `asking` what came of it.
+AccessPointSearch SearchIn(const HostNetwork& network, Clock::time_point deadline,
+                           AskedAgain& asking) {
+    const std::string address = GatewayOf(network.interface);
     if (address.empty()) {
-        return Nothing(kNotReached, current->name + " has given the host no address yet");
+        return Nothing(kNotReached, network.name + " has given the host no address yet");
     }
-    const auto [candidate, answer] = AskAt(current->name, address, deadline);
+    const auto [candidate, answer] = AskAt(network.name, address, deadline);
+    if (answer.kind != IppAnswer::Kind::NoAnswer) {
+        asking.Answered();
+    } else if (answer.refused) {
+        asking.Refused();
+    }
     if (answer.kind != IppAnswer::Kind::Granted || !answer.attributes.wifiState) {
         return Nothing(kNotReached, "no printer whose Wi-Fi can be configured answers at " +
-                                        address + ", in " + current->name + ": " + answer.problem);
+                                        address + ", in " + network.name + ": " + answer.problem);
     }
-    return {kOk, AccessPoint{current->name, DescribeCandidate(candidate, answer.attributes),
+    TheQuestions().Answered(network.name);
+    return {kOk, AccessPoint{network.name, DescribeCandidate(candidate, answer.attributes),
                              answer.attributes}};
+}
+
+}  // namespace
+
+AccessPointSearch FindAccessPoint() {
+    std::optional<AskedAgain> asking;
+    AccessPointSearch search{kNotReached, std::nullopt};
+    while (true) {
+        const auto current = CurrentNetwork(kAnswerPatience);
+        if (!current) {
+            return Nothing(kNoWifiAnswer, "the host's Wi-Fi service does not answer");
+        }
+        if (!asking) {
+            asking = TheQuestions().Begin(current->name);
+        }
+        if (!MayBePrintersOwn(current->name)) {
+            return {kNotPrintersNetwork, std::nullopt};
+        }
+        const auto until = asking->Next(Clock::now());
+        if (!until) {
+            return search;
+        }
+        search = SearchIn(*current, *until, *asking);
+        if (asking->IsOver(Clock::now() + kAskAgain)) {
+            return search;
+        }
+        std::this_thread::sleep_for(kAskAgain);
+    }
 }
 
 std::optional<std::string> AddressOnPrintersNetwork(Clock::time_point deadline) {

@@ -21,8 +21,10 @@ struct AccessPointSearch {
 };
 
 // Looks at the network's name first, and asks the network's gateway only when the name may be a
-// printer's. Comes back by `deadline`.
-AccessPointSearch FindAccessPoint(Clock::time_point deadline);
+// printer's. Waits for an answer for kAnswerPatience; right after the host has joined, the way to
+// the printer may not be open yet: until one has answered in that network it is asked again, for as
+// long as the environment variable DRIVERLESS_FIRST_SECONDS says.
+AccessPointSearch FindAccessPoint();
 
 // The address at which a printer's own network, if the host is joined to one by its name, has its
 // printer; empty when it is joined to none, and nothing when that is not known.

@@ -30,7 +30,7 @@ using namespace Driverless;
 constexpr std::chrono::milliseconds kPatienceWithCallback{2000};
 
 int DescribePrinter(VendorSdk::DeviceInfo& device) {
-    const AccessPointSearch search = FindAccessPoint(Clock::now() + kAnswerPatience);
+    const AccessPointSearch search = FindAccessPoint();
     if (!search.found) {
         return search.result;
     }
@@ -82,6 +82,5 @@ int GetDeviceInfoByNet(VendorSdk::DeviceInfo* device) {
 }
 
 int IsConnectCurrentWifiAP() {
-    return Guarded(kNoResources,
-                   [] { return FindAccessPoint(Clock::now() + kAnswerPatience).result; });
+    return Guarded(kNoResources, [] { return FindAccessPoint().result; });
 }

@@ -204,6 +204,7 @@ IppAnswer IppQuery::State::Run() {
     IppAnswer answer =
         reply ? AnswerFrom(*reply) : IppAnswer{IppAnswer::Kind::NoAnswer, {}, stream.Problem()};
     answer.sent = wholeSent;
+    answer.refused = !reply && stream.IsRefused();
     return answer;
 }
 

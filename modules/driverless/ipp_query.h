@@ -36,8 +36,9 @@ struct IppAnswer {
     };
     Kind kind = Kind::NoAnswer;
     PrinterAttributes attributes;
-    std::string problem;  // without the pass phrase
-    bool sent = false;    // the whole question went out
+    std::string problem;   // without the pass phrase
+    bool sent = false;     // the whole question went out
+    bool refused = false;  // the host is there, and nobody listens on it
 };
 
 // One question to one printer.

@@ -259,7 +259,7 @@ int SetUpWifi(const VendorSdk::WifiConfigInfo& record) {
     if (!AreValid(settings)) {
         return kNotValid;
     }
-    const auto found = FindAccessPoint(Clock::now() + kAnswerPatience).found;
+    const auto found = FindAccessPoint().found;
     if (!found) {
         ReportProblem("the host is in no network of a printer that can be set up");
         return kNotReached;

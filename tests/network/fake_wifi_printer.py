@@ -5,6 +5,7 @@ usage: fake_wifi_printer.py [--address ADDRESS] [--port PORT] [--behaviour BEHAV
                             [--certificate FILE] [--state NUMBER] [--network NAME]
                             [--without-tls BEHAVIOUR] [--over-tls BEHAVIOUR]
                             [--serial NUMBER] [--model NAME] [--uuid UUID]
+                            [--wakes-after SECONDS]
 
 behaviours: joins (default), hesitates (keeps its old state and network for a moment, then joins),
 stays (takes the settings, and keeps its state and network), leaves (goes when it has taken them,
@@ -12,7 +13,8 @@ without an answer), ignores, talkative (refuses, and says what it was given),
 wants-password, forbids, not-authorized, no-wifi, silent, vanishes (describes itself once, after a
 moment, and is not there for more), and those of fake_printer's `hostile`. With a certificate it also takes TLS, and says so. Who does not
 speak TLS is answered, too, unless that behaviour is another: closes, waits (for TLS to begin), or
-late (answers, after 0.7 s). Over TLS it answers, or waits: never begins it.
+late (answers, after 0.7 s). Over TLS it answers, or waits: never begins it. It may say nothing for
+some seconds after it was spoken to first.
 """
 
 import argparse
@@ -35,6 +37,13 @@ class Printer:
         self.options = options
         self.state = options.state
         self.network = options.network.encode()
+        self.awake = None
+
+    def wake(self):
+        """Comes back when it is awake."""
+        if self.awake is None:
+            self.awake = time.monotonic() + self.options.wakes_after
+        time.sleep(max(0, self.awake - time.monotonic()))
 
     def attributes(self):
         return self.identity() + self.wifi()
@@ -111,6 +120,7 @@ def answer(printer, request, over_tls):
 
 
 def serve(connection, listener, printer, certificate):
+    printer.wake()
     over_tls = certificate is not None and connection.recv(1, socket.MSG_PEEK) == b"\x16"
     if over_tls:
         if printer.options.over_tls == "waits":
@@ -158,6 +168,7 @@ def main():
     parser.add_argument("--serial")
     parser.add_argument("--model")
     parser.add_argument("--uuid")
+    parser.add_argument("--wakes-after", type=float, default=0)
     options = parser.parse_args()
     certificate = None
     if options.certificate:

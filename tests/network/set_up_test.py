@@ -194,8 +194,10 @@ class SetUpTest(unittest.TestCase):
         printer.await_line("ready")
         return printer
 
-    def probe(self, **options):
-        probe = SetUpProbe(**options)
+    def probe(self, environment=None, **options):
+        # What is said to be silent has been so for long.
+        probe = SetUpProbe(environment={"DRIVERLESS_FIRST_SECONDS": "2", **(environment or {})},
+                           **options)
         self.addCleanup(self.end_probe, probe)
         probe.await_event("ready")
         return probe
@@ -534,6 +536,21 @@ class OtherPrinters(SetUpTest):
         event = probe.asked("connected")
         self.assertEqual(event["result"], NOT_REACHED)
         self.assertLess(event["took"], 2.2 * SLACK)
+
+    def test_a_printer_that_answers_only_a_while_after_the_host_has_joined_is_waited_for(self):
+        _, probe = self.begin("joins", "--wakes-after", "5",
+                              environment={"DRIVERLESS_FIRST_SECONDS": "20"})
+        event = probe.asked("connected")
+        self.assertEqual(event["result"], OK)
+        self.assertGreater(event["took"], 4.9)
+        self.assertLess(event["took"], 8 * SLACK)
+        self.assertLess(probe.asked("describe")["took"], 1 * SLACK)
+
+    def test_a_gateway_that_refuses_is_not_waited_for_long(self):
+        self.have_wifi()
+        event = self.probe(environment={"DRIVERLESS_FIRST_SECONDS": "20"}).asked("connected")
+        self.assertEqual(event["result"], NOT_REACHED)
+        self.assertLess(event["took"], 2.5 * SLACK)
 
     def test_in_another_network_nobody_is_asked(self):
         self.have_wifi("HomeNet")
