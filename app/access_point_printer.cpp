@@ -219,4 +219,15 @@ NetworkScanSession::NetworkScanSession(const Settings& settings) {
                  [] { return DiscoverNetConnInterface::GetInstance().StopAPWifiScan(); });
 }
 
+void NetworkScanSession::Stop(const std::function<void()>& onWait) {
+    scans.Update();
+    scans.Freeze();
+    scan->Stop(onWait);
+}
+
+bool NetworkScanSession::HasEnded() {
+    scans.Update();
+    return scans.HasEnded();
+}
+
 }  // namespace App

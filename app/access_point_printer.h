@@ -4,12 +4,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/network_list.h"
 #include "app/printer.h"
 #include "app/problem.h"
 #include "app/running_work.h"
 #include "app/settings.h"
+#include "app/vendor_scans.h"
 #include "base/secret.h"
 
 namespace App {
@@ -59,9 +61,16 @@ public:
     explicit NetworkScanSession(const Settings& settings);
 
     // As that of RunningWork.
-    void Stop(const std::function<void()>& onWait = [] {}) { scan->Stop(onWait); }
+    void Stop(const std::function<void()>& onWait = [] {});
+
+    // Whether nobody looks any more: the vendor's scan has failed.
+    bool HasEnded();
+
+    // Why not.
+    const std::vector<std::string>& Failures() const { return scans.Failures(); }
 
 private:
+    VendorScans scans{VendorScans::kForNetworks};
     std::optional<RunningWork> scan;
 };
 

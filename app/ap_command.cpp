@@ -54,6 +54,17 @@ std::vector<DeviceInfo> Candidates(const CheckOptions& options) {
     return records;
 }
 
+// Of a scan in which nobody looks any more. Throws Problem unless what was found before counts.
+void TellFailures(const std::vector<std::string>& failures, bool counts) {
+    if (!counts) {
+        throw Problem("nobody looks for networks; whether there are more is not known" +
+                      Lines(failures));
+    }
+    for (const std::string& failure : failures) {
+        Warn(failure);
+    }
+}
+
 void WriteCheck(const Settings& settings, const Printer& printer, int result) {
     if (settings.json) {
         WriteOutput(CheckJson(printer, result, IsAnswer(result, printer.vendor)) + "\n");
@@ -69,10 +80,11 @@ ExitStatus AccessPointScan(const Settings& settings, const ScanOptions& options)
     try {
         NetworkScanSession session(settings);
         const auto view = ViewFor<Network>(settings, NetworkJson);
-        if (RunScan(session, *view, options)) {
-            return kFound;
+        const bool isAnyFound = RunScan(session, *view, options);
+        if (session.HasEnded() && !OutputReaderIsGone()) {
+            TellFailures(session.Failures(), isAnyFound && !options.watch);
         }
-        return Failed("no network was reported.");
+        return isAnyFound ? kFound : Failed("no network was reported.");
     } catch (const NoScan& noScan) {
         return Failed("no scan was started: " + noScan.reason);
     }

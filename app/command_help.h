@@ -143,7 +143,8 @@ inline constexpr const char* kApScan = R"(Examples:
   devicediscover ap scan --json --watch   one JSON object a line, until Ctrl-C
 
 This computer must be joined to the printer's own network. The signal is as the
-printer's vendor measures it. Exit status 1: no network, or no such printer.
+printer's vendor measures it. Exit status 1: no network, or no such printer,
+3: the vendor could not look for networks.
 
 )";
 

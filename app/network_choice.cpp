@@ -131,7 +131,7 @@ std::vector<Network> SeenFromAccessPoint(const Settings& settings,
     StatusLine status(settings, {});
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
     constexpr auto tick = std::chrono::milliseconds(200);
-    while (Clock::now() < end) {
+    while (Clock::now() < end && !session->HasEnded()) {
         list.WaitForNews(std::min(end, Clock::now() + tick));
         Cancellation::GetInstance().Check();
         status.Draw(ScanStatus<Network>(list.GetItems().size(), false, end));

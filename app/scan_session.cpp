@@ -27,7 +27,7 @@ ScanSession::ScanSession(const Settings& settings) {
     const ScanSurvey survey =
         Await<ScanSurvey>(settings, "Loading the vendors' modules", SurveyScans);
     knownVendors = survey.listed;
-    scans.emplace(survey.vendors);
+    scans.emplace(VendorScans::kForPrinters, survey.vendors);
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
     const std::function<int()> start = [&discovery] {
         return discovery.StartDeviceScan({OnDevice, 0});

@@ -9,8 +9,16 @@ namespace App {
 // What has become of the scans that were started in the vendors' modules, as the library saw it.
 class VendorScans {
 public:
-    // `vendors` are the product ids of those whose scan is started from now on.
-    explicit VendorScans(std::vector<std::string> vendors);
+    struct Kind {
+        const char* entryPoint;  // that runs as long as the scan
+        const char* wanted;      // what is looked for: "printers"
+    };
+    static constexpr Kind kForPrinters{"StartDeviceScan", "printers"};
+    static constexpr Kind kForNetworks{"StartAPWifiScan", "networks"};
+
+    // `vendors` are the product ids of those whose scan is started from now on; without them, all
+    // whose scan is seen to begin.
+    explicit VendorScans(const Kind& kind, std::vector<std::string> vendors = {});
 
     // Looks again. Until Freeze: a vendor that was told to stop may return anything.
     void Update();
@@ -24,6 +32,11 @@ public:
     const std::vector<std::string>& Failures() const { return failures; }
 
 private:
+    void AddThoseThatBegan();
+    std::string FailureOf(const std::string& vendor) const;
+
+    const Kind kind;
+    const bool isGiven;  // who the vendors are
     std::vector<std::string> vendors;
     std::vector<std::string> failed;
     std::vector<std::string> failures;

@@ -50,6 +50,12 @@ void ReportProblem(LOG_MESSAGE_LEVEL level, const std::wstring& what,
 }
 
 }  // namespace
+void Append(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks, Host::WifiService& service) {
+    auto inRange = Host::NetworksOf(service.AccessPoints());
+    networks.insert(networks.end(), std::make_move_iterator(inRange.begin()),
+                    std::make_move_iterator(inRange.end()));
+}
+
 
 PrinterWifiAPI& PrinterWifiAPI::GetInstance() {
     static PrinterWifiAPI& instance = *new PrinterWifiAPI;
@@ -61,9 +67,7 @@ void PrinterWifiAPI::ScanWifiAPBySsid(std::vector<PrinterWifiApiStruct::WlanInfo
     try {
         const auto service = Host::OpenWifiService();
         service->Scan({});
-        auto inRange = Host::NetworksOf(service->AccessPoints());
-        networks.insert(networks.end(), std::make_move_iterator(inRange.begin()),
-                        std::make_move_iterator(inRange.end()));
+        Append(networks, *service);
     } catch (const Host::WifiProblem& problem) {
         ReportProblem(LOG_LEVEL_WARNING, L"no networks", problem,
                       L"PrinterWifiAPI::ScanWifiAPBySsid");
@@ -113,6 +117,17 @@ int PrinterWifiProblem(char* text, std::size_t size) {
 }
 
 int PrinterWifiVisit(const char* network, int seconds) {
+void PrinterWifiKnownNetworks(std::vector<PrinterWifiApiStruct::WlanInfoData>* networks) {
+    using namespace PrinterDiscoverAPI;
+    ForgetProblem();
+    try {
+        Append(*networks, *Host::OpenWifiService());
+    } catch (const Host::WifiProblem& problem) {
+        ReportProblem(LOG_LEVEL_WARNING, L"no known networks", problem,
+                      L"PrinterWifiKnownNetworks");
+    }
+}
+
     using namespace PrinterDiscoverAPI;
     ForgetProblem();
     try {

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <array>
 #include <condition_variable>
 #include <cstdlib>
 #include <future>
@@ -85,10 +86,18 @@ Function* Optional(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_DEFAULT, name));
 }
 
-// What stood in the way of this thread's last question.
-int LastProblem() {
+// What stood in the way of this thread's last question, and the reason in words.
+int LastProblem(std::string* reason = nullptr) {
     const auto problem = Optional<decltype(PrinterWifiProblem)>("PrinterWifiProblem");
-    return problem == nullptr ? PRINTER_WIFI_DONE : problem(nullptr, 0);
+    if (problem == nullptr) {
+        return PRINTER_WIFI_DONE;
+    }
+    std::array<char, 512> text{};
+    const int kind = problem(text.data(), text.size());
+    if (reason != nullptr) {
+        *reason = text.data();
+    }
+    return kind;
 }
 
 // What the system takes longer for is left behind.
@@ -126,16 +135,33 @@ std::optional<HostNetwork> AskForCurrent() {
     return HostNetwork{ToUtf8(name), ToUtf8(interface)};
 }
 
-std::vector<NetworkInRange> AskForNetworks() {
-    std::vector<PrinterWifiApiStruct::WlanInfoData> inRange;
-    WifiUse::Instance().With([&] { PrinterWifiAPI::GetInstance().ScanWifiAPBySsid(inRange); });
-    std::vector<NetworkInRange> networks;
+using WlanNetworks = std::vector<PrinterWifiApiStruct::WlanInfoData>;
+
+void ListNetworks(Look look, WlanNetworks& networks) {
+    if (look == Look::Fresh) {
+        PrinterWifiAPI::GetInstance().ScanWifiAPBySsid(networks);
+    } else if (const auto known =
+                   Optional<decltype(PrinterWifiKnownNetworks)>("PrinterWifiKnownNetworks")) {
+        known(&networks);
+    }
+}
+
+NetworksFound AskForNetworks(Look look) {
+    WlanNetworks inRange;
+    NetworksFound found;
+    WifiUse::Instance().With([&] {
+        ListNetworks(look, inRange);
+        std::string reason;
+        if (LastProblem(&reason) != PRINTER_WIFI_DONE) {
+            found.problem = reason;
+        }
+    });
     for (const auto& network : inRange) {
         if (!network.excludeFlag && !network.ssid.empty()) {
-            networks.push_back({ToUtf8(network.ssid), network.attributes.signalQuality});
+            found.networks.push_back({ToUtf8(network.ssid), network.attributes.signalQuality});
         }
     }
-    return networks;
+    return found;
 }
 
 }  // namespace
@@ -163,8 +189,8 @@ void EndVisit() {
     }
 }
 
-void FindNetworks(std::function<void(std::future<std::vector<NetworkInRange>>)> take) {
-    std::packaged_task<std::vector<NetworkInRange>()> question(AskForNetworks);
+void FindNetworks(Look look, std::function<void(std::future<NetworksFound>)> take) {
+    std::packaged_task<NetworksFound()> question([look] { return AskForNetworks(look); });
     std::thread([take = std::move(take), question = std::move(question)]() mutable {
         auto answer = question.get_future();
         question();
@@ -173,12 +199,14 @@ void FindNetworks(std::function<void(std::future<std::vector<NetworkInRange>>)> 
 }
 
 std::optional<std::vector<NetworkInRange>> NetworksInRange(std::chrono::milliseconds patience) {
-    using Networks = std::vector<NetworkInRange>;
-    const auto answer = std::make_shared<std::promise<std::future<Networks>>>();
+    const auto answer = std::make_shared<std::promise<std::future<NetworksFound>>>();
     auto seen = answer->get_future();
-    FindNetworks([answer](std::future<Networks> found) { answer->set_value(std::move(found)); });
-    return seen.wait_for(patience) == std::future_status::ready ? std::optional(seen.get().get())
-                                                                : std::nullopt;
+    FindNetworks(Look::Fresh, [answer](std::future<NetworksFound> found) {
+        answer->set_value(std::move(found));
+    });
+    return seen.wait_for(patience) == std::future_status::ready
+               ? std::optional(seen.get().get().networks)
+               : std::nullopt;
 }
 
 }  // namespace Driverless

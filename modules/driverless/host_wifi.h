@@ -29,18 +29,28 @@ bool Visit(const std::string& network, std::chrono::seconds patience);
 // Sends the host back to the network that it left for a visit, if any.
 void EndVisit();
 
+// Networks that a printer can be put on.
 struct NetworkInRange {
     std::string name;  // UTF-8
     int quality = 0;   // of the signal, 0 to 100
 };
 
-// The networks in range, after a fresh scan, that a printer can be put on: `take` is called once,
-// on another thread, with what is ready then: them, or what was thrown on the way. It throws
-// nothing itself.
-void FindNetworks(std::function<void(std::future<std::vector<NetworkInRange>>)> take);
+struct NetworksFound {
+    std::vector<NetworkInRange> networks;
+    std::optional<std::string> problem;  // why the host could not look
+};
 
-// The same for who waits; nothing when they are not known within `patience`. Throws what was thrown
-// on the way.
+enum class Look {
+    Known,  // at what the host knows already: at once, and maybe out of date
+    Fresh,  // after a new scan
+};
+
+// The networks in range: `take` is called once, on another thread, with what is ready then: them,
+// or what was thrown on the way. It throws nothing itself.
+void FindNetworks(Look look, std::function<void(std::future<NetworksFound>)> take);
+
+// The same, fresh, for who waits; nothing when they are not known within `patience`. Throws what
+// was thrown on the way.
 std::optional<std::vector<NetworkInRange>> NetworksInRange(std::chrono::milliseconds patience);
 
 }  // namespace Driverless

@@ -26,16 +26,14 @@ constexpr std::chrono::milliseconds kPatienceForCurrent{1000};
 // What a look gave, for the thread in Run. Outlives the scan while a look is left behind.
 class NetworkScan::Inbox {
 public:
-    using Networks = std::vector<NetworkInRange>;
-
-    void Put(std::future<Networks> found) {
+    void Put(std::future<NetworksFound> found) {
         const std::lock_guard lock(mutex);
         networks = std::move(found);
         changed.notify_all();
     }
 
     // What the look gave; nothing when the inbox was closed. Throws what the look threw.
-    std::optional<Networks> Take() {
+    std::optional<NetworksFound> Take() {
         std::unique_lock lock(mutex);
         changed.wait(lock, [this] { return closed || networks.valid(); });
         return closed ? std::nullopt : std::optional(networks.get());
@@ -56,7 +54,7 @@ public:
 private:
     std::mutex mutex;
     std::condition_variable changed;
-    std::future<Networks> networks;
+    std::future<NetworksFound> networks;
     bool closed = false;
 };
 
@@ -67,22 +65,37 @@ NetworkScan::~NetworkScan() = default;
 
 int NetworkScan::Run() {
     OfferedNetworks offered;
-    const auto box = inbox;
     std::string current;  // the last that was known
-    do {
+    bool hasLooked = false;
+    for (Look look = Look::Known;; look = Look::Fresh) {
         if (auto network = CurrentNetwork(kPatienceForCurrent)) {
             current = std::move(network->name);
         }
-        FindNetworks([box](auto found) { box->Put(std::move(found)); });
-        const auto networks = inbox->Take();
-        if (!networks) {
+        const auto found = TakeLook(look);
+        if (!found) {
             return kOk;
         }
-        for (const auto& network : offered.Take(*networks, current)) {
+        for (const auto& network : offered.Take(found->networks, current)) {
             Report(network);
         }
-    } while (inbox->Sleep(kPause));
-    return kOk;
+        if (look == Look::Known) {
+            continue;
+        }
+        if (!hasLooked && found->problem) {
+            ReportProblem("networks cannot be looked for: " + *found->problem);
+            return kNoWifiAnswer;
+        }
+        hasLooked = true;
+        if (!inbox->Sleep(kPause)) {
+            return kOk;
+        }
+    }
+}
+
+// Nothing when the scan was stopped.
+std::optional<NetworksFound> NetworkScan::TakeLook(Look look) {
+    FindNetworks(look, [box = inbox](auto found) { box->Put(std::move(found)); });
+    return inbox->Take();
 }
 
 void NetworkScan::Report(const NetworkInRange& network) {

@@ -3,6 +3,7 @@
 // One look at the Wi-Fi networks in range.
 
 #include <memory>
+#include <optional>
 
 #include "VendorSdk/records.h"
 #include "host_wifi.h"
@@ -16,7 +17,8 @@ public:
     explicit NetworkScan(VendorSdk::WifiCallbackInfo* listener);
     ~NetworkScan() override;
 
-    // Looks again and again until it is stopped; StartAPWifiScan's result.
+    // Reports what the host knows already, then looks again and again until it is stopped. Ends by
+    // itself when the first look fails. StartAPWifiScan's result.
     int Run() override;
 
     bool Stop(std::chrono::milliseconds patience) override;
@@ -27,6 +29,7 @@ public:
 private:
     class Inbox;
 
+    std::optional<NetworksFound> TakeLook(Look look);
     void Report(const NetworkInRange& network);
 
     VendorSdk::WifiCallbackInfo* const info;

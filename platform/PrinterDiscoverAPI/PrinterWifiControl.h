@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
+#include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
 #include "platform/PrinterDiscoverAPI/export.h"
 
 // What the Wi-Fi service of the library PrinterDiscoverAPI offers besides the class PrinterWifiAPI.
@@ -19,6 +21,11 @@ enum PrinterWifiProblemKind : int {
 // and, in the `size` bytes at `text`, its reason as terminated UTF-8, cut where it does not fit. An
 // operation that was done, and a thread without one, has an empty reason.
 PRINTERDISCOVERAPI_API int PrinterWifiProblem(char* text, std::size_t size);
+
+// Appends to `networks` what the system knows already of the networks in range, as
+// PrinterWifiAPI::ScanWifiAPBySsid gives them, without a scan: at once, and maybe out of date.
+PRINTERDISCOVERAPI_API void PrinterWifiKnownNetworks(
+    std::vector<PrinterWifiApiStruct::WlanInfoData>* networks);
 
 // Joins the network of that name, UTF-8, for a visit, as PrinterWifiAPI::ConnectAP does without a
 // pass phrase; waits for the outcome up to `seconds`, and remembers the connection that the host

@@ -70,6 +70,39 @@ class AccessPointScan(HostTest):
         self.assert_mentions(result.errors, "no network was reported", "log")
         self.assertEqual(self.calls_of("StopAPWifiScan"), ["scripted_all"])
 
+    def assert_nobody_looks(self, result, *words):
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "nobody looks for networks", *words)
+        self.assertNotIn("no network was reported", result.errors)
+
+    def test_where_nobody_could_look_none_found_is_not_said(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
+        self.script("result StartAPWifiScan 8")
+        begun = time.monotonic()
+        result = self.run_app("ap", "scan", "--seconds", "300", "--json")
+        self.assertLess(time.monotonic() - begun, app_test.PATIENCE, "it ends when nobody looks")
+        self.assert_nobody_looks(result, "vendor driverless does not look for networks",
+                                 "the vendor's result 8", "Wi-Fi service does not answer")
+        problem, = json_lines(result.output)
+        self.assertEqual(list(problem), ["problem"])
+
+    def test_what_was_found_before_it_failed_counts_but_ends_a_watch_with_status_3(self):
+        self.script(reported("Office"), "result StartAPWifiScan 7")
+        result = self.run_app("ap", "scan", "--seconds", "300")
+        self.assert_status(result, FOUND)
+        self.assertEqual(result.output, "Office\t50\n")
+        self.assert_mentions(result.errors, "warning: vendor scripted does not look for networks: "
+                                            "the vendor's result 7")
+        result = self.run_app("ap", "scan", "--watch")
+        self.assertEqual(result.output, "Office\t50\n")
+        self.assert_nobody_looks(result, "vendor scripted", "the vendor's result 7")
+
+    def test_a_result_after_the_stop_is_no_failure(self):
+        self.script("until-stopped", "result StartAPWifiScan 9")
+        result = self.run_app("ap", "scan", "--seconds", "1")
+        self.assert_status(result, NONE_FOUND)
+        self.assertNotIn("result 9", result.errors)
+
     def test_a_terminal_gets_a_table_that_grows(self):
         self.script("interval 1000", "until-stopped", reported("Office"), reported("Guests", 7))
         terminal = Terminal(self, "ap", "scan", "--seconds", "3")

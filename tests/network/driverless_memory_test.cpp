@@ -74,9 +74,9 @@ TEST_F(WithoutMemory, TheHostsNetworkIsNotFoundAndTheCallerIsToldWhy) {
 }
 
 TEST_F(WithoutMemory, ALookAtTheNetworksEndsAndSaysWhy) {
-    std::promise<std::future<std::vector<NetworkInRange>>> taken;
+    std::promise<std::future<NetworksFound>> taken;
     const FailingMemory::FailsForOthers memory;
-    FindNetworks([&](auto found) { taken.set_value(std::move(found)); });
+    FindNetworks(Look::Fresh, [&](auto found) { taken.set_value(std::move(found)); });
     EXPECT_THROW(taken.get_future().get().get(), std::bad_alloc);
 }
 

@@ -509,3 +509,10 @@ class JourneySteps(JourneyTest):
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)
+    def test_the_networks_that_the_host_knows_do_not_wait_for_a_scan(self):
+        self.printer()
+        self.join_the_printers_network()
+        self.wifi.let_scans("endless")
+        self.assertEqual(sorted(one["network"] for one in self.json("ap", "scan")),
+                         [NAME, "HomeNet"])
+

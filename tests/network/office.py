@@ -50,7 +50,7 @@ class HostWifi:
         assert answer.returncode == 0, answer.stderr
         return answer.stdout.strip()
 
-    def have_network(self, name, signal, pass_phrase=""):
+    def have_network(self, name, signal, pass_phrase="", outcome="join"):
         self.points += 1
         digits = ",".join(str(byte) for byte in name.encode())
         point = self._tell(
@@ -59,7 +59,12 @@ class HostWifi:
             f"byte:{signal}", f"uint32:{PRIVACY if pass_phrase else 0}", "uint32:0",
             f"uint32:{PSK if pass_phrase else 0}")
         self.paths[name] = point
-        self._tell("SetPassPhrase", "string:" + point, "string:" + pass_phrase, "string:join")
+        self._tell("SetPassPhrase", "string:" + point, "string:" + pass_phrase,
+                   "string:" + outcome)
+
+    def let_scans(self, outcome):
+        """What scans do from now on, in the simulated service's words."""
+        self._tell("SetScans", "string:" + outcome)
 
     def joinings(self):
         """The pass phrases of the attempts so far; nothing for an open network."""

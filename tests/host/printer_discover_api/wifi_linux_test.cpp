@@ -103,6 +103,17 @@ TEST_F(Wifi, AScanUsesAllAdapters) {
                                     IsNetwork(L"Two", 20, kOpen, false)));
 }
 
+TEST_F(Wifi, WhatIsKnownNeedsNoScan) {
+    service.SetScans("endless");
+    service.Add(adapter, {.name = "Home", .strength = 82, .rsn = kPsk});
+    service.Add(adapter, {.name = "Switched on just now", .seen = "scan"});
+    const auto start = Clock::now();
+    EXPECT_THAT(Known(), ElementsAre(IsNetwork(L"Home", 82, WLAN_SECURITY_WPA_PERSONAL, false)));
+    EXPECT_LT(SecondsSince(start), 2);
+    EXPECT_EQ(service.Calls(adapter, "RequestScan"), 0);
+    EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_DONE);
+}
+
 TEST_F(Wifi, AScanThatIsRefused_GivesWhatIsKnown) {
     service.Add(adapter, {.name = "Home"});
     Scan();

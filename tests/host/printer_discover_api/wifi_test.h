@@ -19,6 +19,12 @@ inline Networks Scan() {
     return networks;
 }
 
+inline Networks Known() {
+    Networks networks;
+    PrinterWifiKnownNetworks(&networks);
+    return networks;
+}
+
 struct Connected {
     std::wstring ssid = L"before";
     std::wstring hardwareAddress = L"before";

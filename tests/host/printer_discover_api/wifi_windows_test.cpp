@@ -82,6 +82,13 @@ TEST_F(Wifi, AScanIsAFreshOne) {
     EXPECT_EQ(service.scans, 1);
 }
 
+TEST_F(Wifi, WhatIsKnownNeedsNoScan) {
+    Add({.name = "Home", .quality = 82});
+    Add({.name = "Switched on just now", .seen = Seen::afterScan});
+    EXPECT_THAT(Known(), ElementsAre(IsNetwork(L"Home", 82, kOpen, false)));
+    EXPECT_EQ(service.scans, 0);
+}
+
 TEST_F(Wifi, AScanUsesAllAdapters) {
     service.adapters.push_back({.number = 2, .scanSteps = 4});
     service.adapters.push_back({.number = 3, .state = wlan_interface_state_not_ready});
