@@ -23,7 +23,7 @@ HostNetworks Scan(const Settings& settings, void (PrinterWifiInterface::*scan)(N
     return Await(settings, "Looking for networks", work);
 }
 
-// How long an attempt that is interrupted has to be undone.
+// How long the host's Wi-Fi service has for what the program itself could do without.
 constexpr std::chrono::seconds kPatienceWithUndoing{3};
 
 }  // namespace
@@ -66,6 +66,22 @@ JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
         BreakOffHostWifi(kPatienceWithUndoing);
         throw;
     }
+}
+
+void RememberNetwork(const Settings& settings) {
+    const std::function<bool()> work = [] {
+        RememberHostWifi();
+        return true;
+    };
+    try {
+        Await(settings, "Asking for this computer's network", work, kPatienceWithUndoing);
+    } catch (const TimedOut&) {
+        return;  // then there is no way back
+    }
+}
+
+bool GoBackFrom(const std::string& network) {
+    return GoBackWithHostWifi(network, kPatienceWithUndoing);
 }
 
 }  // namespace App

@@ -39,4 +39,10 @@ AccessPoint CurrentAccessPoint(const Settings& settings);
 JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
                         const std::shared_ptr<Base::Secret>& passPhrase);
 
+// For who takes the host to another network and may have to bring it back: remembers where it is,
+// and sends it back from `network`, when that is where it is now; whether it is on its way. The
+// latter is done though the user has asked the program to end.
+void RememberNetwork(const Settings& settings);
+bool GoBackFrom(const std::string& network);
+
 }  // namespace App

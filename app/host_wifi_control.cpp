@@ -1,9 +1,11 @@
 #include "app/host_wifi_control.h"
 
 #include <array>
+#include <functional>
 #include <future>
 #include <memory>
 #include <thread>
+#include <utility>
 
 #include "app/host_function.h"
 
@@ -14,6 +16,14 @@ namespace {
 template <class Function>
 Function* Find(const char* name) {
     return reinterpret_cast<Function*>(HostFunction("PrinterDiscoverAPI", name));
+}
+
+// What the work gives; false when that takes too long: then it is left behind.
+bool InTime(std::function<bool()> work, std::chrono::milliseconds patience) {
+    const auto done = std::make_shared<std::promise<bool>>();
+    std::future<bool> result = done->get_future();
+    std::thread([work = std::move(work), done] { done->set_value(work()); }).detach();
+    return result.wait_for(patience) == std::future_status::ready && result.get();
 }
 
 }  // namespace
@@ -28,18 +38,27 @@ HostWifiProblem LastHostWifiProblem() {
     return {kind, reason.data()};
 }
 
-void BreakOffHostWifi(std::chrono::milliseconds patience) {
-    const auto breakOff = Find<decltype(PrinterWifiBreakOff)>("PrinterWifiBreakOff");
-    if (breakOff == nullptr) {
-        return;
+void RememberHostWifi() {
+    if (const auto remember = Find<decltype(PrinterWifiRemember)>("PrinterWifiRemember")) {
+        remember();
     }
-    const auto done = std::make_shared<std::promise<void>>();
-    std::future<void> isDone = done->get_future();
-    std::thread([breakOff, done] {
-        breakOff();
-        done->set_value();
-    }).detach();
-    isDone.wait_for(patience);
+}
+
+bool GoBackWithHostWifi(const std::string& network, std::chrono::milliseconds patience) {
+    const auto goBack = Find<decltype(PrinterWifiGoBack)>("PrinterWifiGoBack");
+    return goBack != nullptr &&
+           InTime([goBack, network] { return goBack(network.c_str()) != 0; }, patience);
+}
+
+void BreakOffHostWifi(std::chrono::milliseconds patience) {
+    if (const auto breakOff = Find<decltype(PrinterWifiBreakOff)>("PrinterWifiBreakOff")) {
+        InTime(
+            [breakOff] {
+                breakOff();
+                return true;
+            },
+            patience);
+    }
 }
 
 }  // namespace App

@@ -21,6 +21,13 @@ struct HostWifiProblem {
 // Of the calling thread's last operation.
 HostWifiProblem LastHostWifiProblem();
 
+// Remembers the connection that the host has, for GoBackWithHostWifi.
+void RememberHostWifi();
+
+// Sends the host back to it, unless the host is on another network than `network` by now, which the
+// program has joined. Whether it is on its way. Takes up to `patience`.
+bool GoBackWithHostWifi(const std::string& network, std::chrono::milliseconds patience);
+
 // Undoes what the program has begun with the host's Wi-Fi and not brought to its end; waits for
 // that up to `patience`.
 void BreakOffHostWifi(std::chrono::milliseconds patience);

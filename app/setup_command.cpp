@@ -78,6 +78,7 @@ private:
     bool Join(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase);
     void Find(const std::string& network, const Printer& printer);
     std::string StateOfThings() const;
+    std::string WayBack() const;
     const char* WasPutOn() const { return unconfirmed ? "was given" : "was put on"; }
 
     const Settings& settings;
@@ -85,6 +86,7 @@ private:
     SetupProgress progress;
     const std::unique_ptr<SetupRoute> route;
     bool unconfirmed = false;  // whether the printer joined shows only on the network
+    std::string leftFor;       // the network for which this computer leaves the one it was on
 };
 
 ExitStatus Journey::Run() {
@@ -94,22 +96,36 @@ ExitStatus Journey::Run() {
     } catch (const StepFailed& failure) {
         StepEvent event;
         event.result = failure.result;
-        progress.Failed("failed", failure.problem, event);
+        progress.Failed("failed", failure.problem + WayBack(), event);
         return kNoneFound;
     } catch (const Interrupted&) {
-        progress.Failed("interrupted", "interrupted. " + StateOfThings());
+        progress.Failed("interrupted", "interrupted. " + StateOfThings() + WayBack());
         return kNoneFound;
     } catch (const WrongInput& problem) {
-        progress.Failed("failed", problem.what());
+        progress.Failed("failed", problem.what() + WayBack());
         return kUsage;
     } catch (const Problem& problem) {
-        progress.Failed("failed", problem.what());
+        progress.Failed("failed", problem.what() + WayBack());
         return kCouldNotRun;
     }
 }
 
+// Sends this computer back to the network that it left for this one, and says so.
+std::string Journey::WayBack() const {
+    if (leftFor.empty() || !GoBackFrom(leftFor)) {
+        return {};
+    }
+    return fmt::format(
+        "\nThis computer goes back to the network it was on; `devicediscover wifi join {}` joins "
+        "{} again.",
+        leftFor, leftFor);
+}
+
 void Journey::Steps() {
     const Printer printer = WhichPrinter();
+    if (route->LeavesNetwork() && !options.noRejoin) {
+        RememberNetwork(settings);
+    }
     const std::string network = WhichNetwork();
     std::shared_ptr<Base::Secret> passPhrase = WhichPassPhrase(network);
     Configure(network, passPhrase, printer.vendor);
@@ -181,6 +197,7 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Sec
         progress.Skipped("This computer stays on the network it is on");
         return;
     }
+    leftFor = network;
     if (!Join(network, passPhrase)) {
         throw StepFailed{
             fmt::format("this computer could not join {}; the printer {} it.\nJoin it by "
@@ -214,6 +231,12 @@ void Journey::Find(const std::string& network, const Printer& printer) {
     progress.Begin(SetupStep::Find);
     const SearchOutcome outcome = SearchPrinter(settings, printer, options.timeout);
     const std::string places = PlacesOf(outcome.printers);
+    if (!outcome.isOnNetwork && !outcome.failures.empty()) {
+        throw Problem(
+            fmt::format("{} {} {}; whether it is there is not known: nobody looks for "
+                        "printers any more{}",
+                        NameOf(printer), WasPutOn(), network, Lines(outcome.failures)));
+    }
     if (!outcome.isOnNetwork && outcome.printers.empty()) {
         throw StepFailed{
             fmt::format("{} {} {}, but was not found there within {:g} s{}.\nSome printers "
@@ -231,12 +254,6 @@ void Journey::Find(const std::string& network, const Printer& printer) {
                         "one that was put on {} does not find that on the local network: {}\nTry "
                         "`devicediscover ap check {} --vendor {}` in a moment.",
                         NameOf(printer), places, network,
-    if (!outcome.isOnNetwork && !outcome.failures.empty()) {
-        throw Problem(
-            fmt::format("{} {} {}; whether it is there is not known: nobody looks for "
-                        "printers any more{}",
-                        NameOf(printer), WasPutOn(), network, Lines(outcome.failures)));
-    }
                         VendorsResult(outcome.vendorsResult, printer.vendor), printer.serialNumber,
                         printer.vendor),
             outcome.vendorsResult};

@@ -6,6 +6,7 @@
 #include "base/secret.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/join.h"
+#include "host/PrinterDiscoverAPI/left_place.h"
 #include "host/PrinterDiscoverAPI/network_list.h"
 #include "host/PrinterDiscoverAPI/network_name.h"
 #include "host/PrinterDiscoverAPI/undertaking.h"
@@ -49,13 +50,13 @@ void ReportProblem(LOG_MESSAGE_LEVEL level, const std::wstring& what,
     Host::Report(level, what + L": " + Host::FromUtf8(problem.what()), where);
 }
 
-}  // namespace
 void Append(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks, Host::WifiService& service) {
     auto inRange = Host::NetworksOf(service.AccessPoints());
     networks.insert(networks.end(), std::make_move_iterator(inRange.begin()),
                     std::make_move_iterator(inRange.end()));
 }
 
+}  // namespace
 
 PrinterWifiAPI& PrinterWifiAPI::GetInstance() {
     static PrinterWifiAPI& instance = *new PrinterWifiAPI;
@@ -116,7 +117,6 @@ int PrinterWifiProblem(char* text, std::size_t size) {
     return kind;
 }
 
-int PrinterWifiVisit(const char* network, int seconds) {
 void PrinterWifiKnownNetworks(std::vector<PrinterWifiApiStruct::WlanInfoData>* networks) {
     using namespace PrinterDiscoverAPI;
     ForgetProblem();
@@ -128,6 +128,7 @@ void PrinterWifiKnownNetworks(std::vector<PrinterWifiApiStruct::WlanInfoData>* n
     }
 }
 
+int PrinterWifiVisit(const char* network, int seconds) {
     using namespace PrinterDiscoverAPI;
     ForgetProblem();
     try {
@@ -147,6 +148,29 @@ void PrinterWifiEndVisit() {
     } catch (const Host::WifiProblem& problem) {
         ReportProblem(LOG_LEVEL_WARNING, L"not back from the visit", problem,
                       L"PrinterWifiEndVisit");
+    }
+}
+
+void PrinterWifiRemember() {
+    using namespace PrinterDiscoverAPI;
+    ForgetProblem();
+    try {
+        Host::RememberPlace();
+    } catch (const Host::WifiProblem& problem) {
+        ReportProblem(LOG_LEVEL_WARNING, L"no connection to remember", problem,
+                      L"PrinterWifiRemember");
+    }
+}
+
+int PrinterWifiGoBack(const char* network) {
+    using namespace PrinterDiscoverAPI;
+    ForgetProblem();
+    try {
+        return Host::GoBackFrom(Host::FromUtf8(network)) ? 1 : 0;
+    } catch (const Host::WifiProblem& problem) {
+        ReportProblem(LOG_LEVEL_WARNING, L"not back on the network that was left", problem,
+                      L"PrinterWifiGoBack");
+        return 0;
     }
 }
 

@@ -8,6 +8,7 @@
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/network_manager_linux.h"
 #include "host/PrinterDiscoverAPI/network_name.h"
+#include "host/PrinterDiscoverAPI/new_profile_linux.h"
 #include "host/PrinterDiscoverAPI/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
 #include "host/common/utf8.h"
@@ -30,6 +31,9 @@ enum DeviceState : std::uint32_t {
     kDisconnected = 30,
     kActivated = 100
 };
+
+// Of a connection: being made, then made; what is about to end has a higher one.
+constexpr std::uint32_t kConnected = 2;
 
 enum AccessPointMode : std::uint32_t { kUnknownMode = 0, kInfrastructure = 2 };
 
@@ -197,13 +201,7 @@ public:
     }
 
     void Resume(const HostConnection& connection) override {
-        Translated([&] {
-            manager.Manager()
-                ->callMethod("ActivateConnection")
-                .onInterface(kService)
-                .withArguments(sdbus::ObjectPath(connection.profile),
-                               sdbus::ObjectPath(connection.adapter), kNoObject);
-        });
+        Translated([&] { ConnectAsBefore(connection); });
     }
 
 private:
@@ -382,15 +380,64 @@ private:
 
     std::optional<HostConnection> FindConnection() const {
         for (const Adapter& adapter : adapters) {
-            const auto device = PropertiesUnlessGone(adapter.path, kDevice).value_or(Properties());
-            const auto active = ValueOr(device, "ActiveConnection", kNoObject);
-            const auto properties = PropertiesUnlessGone(active, kActive).value_or(Properties());
-            const auto profile = ValueOr(properties, "Connection", kNoObject);
-            if (profile != kNoObject) {
-                return HostConnection{adapter.path, profile};
+            if (auto connection = ConnectionOf(adapter.path)) {
+                return connection;
             }
         }
         return std::nullopt;
+    }
+
+    // One that is about to end is none.
+    std::optional<HostConnection> ConnectionOf(const std::string& adapter) const {
+        const auto device = PropertiesUnlessGone(adapter, kDevice).value_or(Properties());
+        const auto active = ValueOr(device, "ActiveConnection", kNoObject);
+        const auto properties = PropertiesUnlessGone(active, kActive).value_or(Properties());
+        const auto profile = ValueOr(properties, "Connection", kNoObject);
+        if (profile == kNoObject ||
+            ValueOr<std::uint32_t>(properties, "State", kConnected) > kConnected) {
+            return std::nullopt;
+        }
+        const auto accessPoint = PropertiesUnlessGone(ActiveAccessPoint(adapter), kAccessPoint);
+        return HostConnection{adapter, profile, NameOf(accessPoint.value_or(Properties()))};
+    }
+
+    void ConnectAsBefore(const HostConnection& connection) const {
+        const auto now = ConnectionOf(connection.adapter);
+        if (now && now->profile == connection.profile) {
+            return;
+        }
+        try {
+            manager.Manager()
+                ->callMethod("ActivateConnection")
+                .onInterface(kService)
+                .withArguments(sdbus::ObjectPath(connection.profile),
+                               sdbus::ObjectPath(connection.adapter), kNoObject);
+        } catch (const sdbus::Error& error) {
+            // What was made for one time is gone with its connection.
+            if (IsServiceLost(error) || !JoinAnew(connection)) {
+                throw;
+            }
+        }
+    }
+
+    // Begins to join the network of a connection whose profile is gone, which takes an open one.
+    bool JoinAnew(const HostConnection& connection) const {
+        for (const AccessPoint& one : FindAccessPoints()) {
+            if (one.adapter == connection.adapter && one.name == connection.network &&
+                IsOpen(one)) {
+                AddAndActivate({SettingsFor(one, false),
+                                {},
+                                sdbus::ObjectPath(one.adapter),
+                                sdbus::ObjectPath(one.identity)},
+                               ProfileLife::kVolatile);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    static bool IsOpen(const AccessPoint& accessPoint) {
+        return (accessPoint.protection & ~kOpportunistic) == 0;
     }
 
     // The adapter says it itself or, where it does not, the connection that it has.
@@ -409,10 +456,39 @@ private:
     void Activate(const AccessPoint& accessPoint, std::string_view passPhrase,
                   Clock::time_point deadline) const {
         RequireRadio();
+        const auto before = ConnectionOf(accessPoint.adapter);
+        try {
+            Attempt(accessPoint, passPhrase, deadline);
+        } catch (const sdbus::Error& error) {
+            if (!IsServiceLost(error)) {
+                GoBackTo(before);
+            }
+            throw;
+        } catch (const WifiProblem&) {
+            GoBackTo(before);
+            throw;
+        }
+    }
+
+    // After an attempt to join another network, which took the adapter. What keeps it from this is
+    // less than what made the attempt fail.
+    void GoBackTo(const std::optional<HostConnection>& connection) const {
+        try {
+            if (connection && !ConnectionOf(connection->adapter)) {
+                ConnectAsBefore(*connection);
+            }
+        } catch (const sdbus::Error& error) {
+            Report(LOG_LEVEL_WARNING,
+                   L"not back on the network that was left: " + FromUtf8(DescribeError(error)),
+                   L"PrinterWifiAPI");
+        }
+    }
+
+    void Attempt(const AccessPoint& accessPoint, std::string_view passPhrase,
+                 Clock::time_point deadline) const {
         const bool offersSae = (accessPoint.protection & kWpa3Personal) != 0;
         Activation activation(manager, accessPoint.adapter, offersSae);
-        const bool isOpen = (accessPoint.protection & ~kOpportunistic) == 0;
-        if (!passPhrase.empty() || isOpen) {
+        if (!passPhrase.empty() || IsOpen(accessPoint)) {
             activation.StartNew(SettingsFor(accessPoint, !passPhrase.empty()), passPhrase,
                                 sdbus::ObjectPath(accessPoint.identity));
         } else if (const auto profile = SavedProfile(accessPoint)) {

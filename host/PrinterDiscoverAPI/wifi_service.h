@@ -31,10 +31,11 @@ private:
     Kind kind;
 };
 
-// A connection of the host, by the Wi-Fi service's own names.
+// A connection that the host has, or is making.
 struct HostConnection {
-    std::string adapter;
+    std::string adapter;  // by the Wi-Fi service's own names
     std::string profile;
+    std::string network;  // as it is broadcast; empty where it is not known yet
 };
 
 // The system's Wi-Fi service, opened for one operation and used by one thread. Each operation
@@ -54,13 +55,14 @@ public:
 
     // Joins an access point's network and waits for the outcome up to `limit`. Without a pass
     // phrase a protected network is joined with what the system has saved of it. Nothing is saved.
+    // When it fails, the host begins to connect as before.
     virtual void Join(const AccessPoint& accessPoint, std::string_view passPhrase,
                       std::chrono::seconds limit) = 0;
 
     // The connection that the host has, for Resume; nothing where there is none, or none to return
     // to.
     virtual std::optional<HostConnection> Connection() { return std::nullopt; }
-    // Begins to connect as before.
+    // Begins to connect as before, unless the host does so already.
     virtual void Resume(const HostConnection& /*connection*/) {}
 };
 

@@ -37,6 +37,15 @@ PRINTERDISCOVERAPI_API int PrinterWifiVisit(const char* network, int seconds);
 // there. A host that had none, or has gone to another network since, stays where it is.
 PRINTERDISCOVERAPI_API void PrinterWifiEndVisit();
 
+// Remembers the connection that the host has now, for PrinterWifiGoBack. On Windows, none.
+PRINTERDISCOVERAPI_API void PrinterWifiRemember();
+
+// Sends the host back to the connection that was remembered, without waiting until it is there,
+// unless it has gone to another network than `network`, UTF-8, which the program has joined since.
+// Not 0: the host is on its way, or there. What was joined for one time only can be gone back to
+// where it is an open network in range.
+PRINTERDISCOVERAPI_API int PrinterWifiGoBack(const char* network);
+
 // For a program that is about to end: breaks off what is being joined, ends the visit, and comes
 // back when what was begun is undone, which takes as long as the system's Wi-Fi service does.
 PRINTERDISCOVERAPI_API void PrinterWifiBreakOff();

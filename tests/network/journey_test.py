@@ -171,6 +171,12 @@ class JourneyTest(unittest.TestCase):
     def log(self):
         return text_below(os.path.join(self.state, "log"))
 
+    def await_joinings(self, number):
+        deadline = time.monotonic() + PATIENCE
+        while len(self.wifi.joinings()) < number:
+            self.assertLess(time.monotonic(), deadline, "the host does not join")
+            time.sleep(0.05)
+
     def join_the_printers_network(self):
         joined = self.devicediscover("wifi", "join", OWN_NETWORK, "--open")
         self.assertEqual(joined.status, 0, str(joined))
@@ -236,6 +242,21 @@ class Journey(JourneyTest):
 
     def assert_not_joined(self):
         self.assertEqual(len(self.wifi.joinings()), 1, "only the printer's own network")
+
+    def assert_goes_back(self, ended):
+        self.assertIn("This computer goes back to the network it was on", ended.errors)
+        self.wifi.await_joined(OWN_NETWORK)
+
+    def test_an_interrupt_while_the_computer_joins_takes_it_back(self):
+        self.wifi.have_network("Annex", 50, PASS_PHRASE, "hang")
+        self.printer("--network", "Annex=" + PASS_PHRASE)
+
+        def interrupt(process):
+            self.await_joinings(2)
+            process.send_signal(signal.SIGINT)
+        ended = self.set_up(PASS_PHRASE, network="Annex", at={"rejoin": interrupt})
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assert_goes_back(ended)
 
     def test_the_right_pass_phrase_ends_with_the_printers_place(self):
         printer = self.printer()
@@ -404,6 +425,7 @@ class Journey(JourneyTest):
         self.assertEqual(ended.status, 1, str(ended))
         self.assert_steps(ended, "find")
         self.assertIn("was put on " + NAME + ", but was not found there within 2 s", ended.errors)
+        self.assert_goes_back(ended)
 
     def test_a_computer_that_cannot_join_says_that_the_printer_has(self):
         self.wifi.have_network("Annex", 50, "only for computers")
@@ -412,6 +434,7 @@ class Journey(JourneyTest):
         self.assertEqual(ended.status, 1, str(ended))
         self.assert_steps(ended, "rejoin")
         self.assertIn("this computer could not join Annex; the printer was put on it", ended.errors)
+        self.assert_goes_back(ended)
         self.assertIn(f"devicediscover ap check {SERIAL} --vendor driverless", ended.errors)
         self.assertEqual(printer.given(), [("Annex", "only for printers")])
 
@@ -491,6 +514,84 @@ class JourneySteps(JourneyTest):
         self.assertIn("vendor driverless: the vendor's result 17", other.errors)
         self.assert_masked_log()
 
+    @contextlib.contextmanager
+    def started(self, *arguments, secret):
+        """A run of the application while things happen; `ended` with what became of it."""
+        self.given.append(secret)
+        process = subprocess.Popen(
+            self.command(*arguments), stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE, text=True, env=self.environment())
+        try:
+            process.stdin.write(secret + "\n")
+            process.stdin.flush()
+            process.ended = lambda: self.end_of(process)
+            yield process
+        finally:
+            process.kill()
+            process.communicate()
+
+    def end_of(self, process):
+        output, errors = process.communicate(timeout=2 * PATIENCE * SLACK)
+        self.assert_secret(output, errors)
+        return Ended(process.returncode, output, errors)
+
+    def close_the_printers_link(self, closed=True):
+        lab("run-beside-printers", "ip", "link", "set", "lab0", "down" if closed else "up")
+
+    def begin_to_configure(self, secret, *arguments):
+        """The printer is told the network, on a host that is in the printer's own."""
+        printer = self.printer(*arguments)
+        self.join_the_printers_network()
+        self.addCleanup(self.close_the_printers_link, False)
+        running = self.started("ap", "configure", "--network", NAME, "--pass-phrase-file", "-",
+                               "--json", secret=secret)
+        return printer, running
+
+    def test_a_printer_with_one_radio_says_on_its_own_network_that_it_was_not_let_in(self):
+        printer, running = self.begin_to_configure(WRONG, "--joins-in", "5000")
+        with running as process:
+            printer.await_line("state 7")
+            self.close_the_printers_link()
+            self.wifi.forget(OWN_NETWORK)
+            time.sleep(3)
+            self.close_the_printers_link(False)
+            self.wifi.have_network(OWN_NETWORK, 90)
+            ended = process.ended()
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertEqual(ended.objects(), [{"network": NAME, "configured": False,
+                                            "result": CANNOT_JOIN}])
+        self.assertIn(f"the printer was not put on {NAME}", ended.errors)
+        self.assertIn("Check the pass phrase", ended.errors)
+        self.assertEqual(self.wifi.joinings(), ["", ""])
+
+    def test_an_interrupt_while_the_host_is_back_to_ask_takes_it_to_where_it_was(self):
+        self.wifi.have_network("Cafe", 50)
+        printer, running = self.begin_to_configure(WRONG, "--joins-in", "60000")
+        with running as process:
+            printer.await_line("state 7")
+            self.close_the_printers_link()
+            joined = self.devicediscover("wifi", "join", "Cafe", "--open")
+            self.assertEqual(joined.status, 0, str(joined))
+            self.await_joinings(3)
+            self.wifi.await_joined(OWN_NETWORK)
+            process.send_signal(signal.SIGINT)
+            ended = process.ended()
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertIn("interrupted", ended.errors)
+        self.wifi.await_joined("Cafe")
+
+    def test_an_interrupt_undoes_what_wifi_join_has_begun(self):
+        self.wifi.have_network("Slow", 50, PASS_PHRASE, "hang")
+        self.join_the_printers_network()
+        with self.started("wifi", "join", "Slow", "--pass-phrase-file", "-",
+                          secret=PASS_PHRASE) as process:
+            self.await_joinings(2)
+            process.send_signal(signal.SIGINT)
+            ended = process.ended()
+        self.assertEqual(ended.status, 1, str(ended))
+        self.assertIn("interrupted", ended.errors)
+        self.wifi.await_joined(OWN_NETWORK)
+
     def test_the_hosts_networks_are_told(self):
         listed = {one["network"]: one["signal"] for one in self.json("wifi", "list")}
         self.assertEqual(listed, {OWN_NETWORK: 90, NAME: 60, "HomeNet": 80})
@@ -498,6 +599,13 @@ class JourneySteps(JourneyTest):
         self.json("wifi", "join", OWN_NETWORK, "--open")
         self.assertEqual(self.json("wifi", "current"), [
             {"network": OWN_NETWORK, "hardwareAddress": "00:11:22:33:44:01", "interface": "lab0"}])
+
+    def test_the_networks_that_the_host_knows_do_not_wait_for_a_scan(self):
+        self.printer()
+        self.join_the_printers_network()
+        self.wifi.let_scans("endless")
+        self.assertEqual(sorted(one["network"] for one in self.json("ap", "scan")),
+                         [NAME, "HomeNet"])
 
     def test_a_host_that_is_there_answers_a_ping(self):
         self.assertEqual(self.json("ping", THERE + "1"), [{"address": THERE + "1",
@@ -509,10 +617,3 @@ class JourneySteps(JourneyTest):
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)
-    def test_the_networks_that_the_host_knows_do_not_wait_for_a_scan(self):
-        self.printer()
-        self.join_the_printers_network()
-        self.wifi.let_scans("endless")
-        self.assertEqual(sorted(one["network"] for one in self.json("ap", "scan")),
-                         [NAME, "HomeNet"])
-

@@ -18,7 +18,8 @@ PRINTER = os.environ["WIFI_PRINTER"]
 MOCK = os.environ["NETWORK_MANAGER_MOCK"]
 
 NM = "/org/freedesktop/NetworkManager"
-DISCONNECTED, PRIVACY, INFRASTRUCTURE, PSK = 30, 1, 2, 0x100
+DISCONNECTED, ACTIVATED = 30, 100
+PRIVACY, INFRASTRUCTURE, PSK = 1, 2, 0x100
 THERE, OFFICE = "10.99.0.", "10.98.0."
 BOTH = PRINTERS_SIDE, HOSTS_SIDE = ("run-beside-printers", "1"), ("run", "2")
 
@@ -71,6 +72,28 @@ class HostWifi:
         said = self._tell("Joinings")
         return [(re.findall(r"\bpsk\s+variant\s+(.*?)\s*\)", attempt) or [""])[0]
                 for attempt in said.split("struct {")[1:]]
+
+    def joined(self):
+        """The network that the host is joined to; nothing while it is joined to none."""
+        state = self._property(self.adapter, "org.freedesktop.NetworkManager.Device", "State")
+        point = self._property(self.adapter, "org.freedesktop.NetworkManager.Device.Wireless",
+                               "ActiveAccessPoint")
+        names = [name for name, path in self.paths.items() if path == point]
+        return names[0] if names and state == str(ACTIVATED) else None
+
+    def await_joined(self, name):
+        deadline = time.monotonic() + PATIENCE
+        while self.joined() != name:
+            assert time.monotonic() < deadline, f"joined to {self.joined()}, not to {name}"
+            time.sleep(0.05)
+
+    @staticmethod
+    def _property(path, interface, name):
+        return subprocess.run(
+            ["dbus-send", "--system", "--print-reply=literal",
+             "--dest=org.freedesktop.NetworkManager", path,
+             "org.freedesktop.DBus.Properties.Get", "string:" + interface, "string:" + name],
+            check=True, capture_output=True, text=True, timeout=PATIENCE).stdout.split()[-1]
 
     def leave(self):
         """What happens when the network that the host is joined to is closed."""

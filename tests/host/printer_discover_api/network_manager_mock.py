@@ -49,6 +49,7 @@ state = {
     "networks": {},    # path: (pass phrase, outcome)
     "waiting": [],     # (adapter, path, when, name, properties)
     "joinings": [],
+    "volatile": set(), # paths of profiles that last as long as their connection
     "count": 0,
 }
 
@@ -210,6 +211,8 @@ def join_new(settings, adapter, point, options):
         raise problem("org.freedesktop.NetworkManager.InvalidConnection",
                       f"psk: '{given}' is not good, not good at all is '{given}'")
     profile = manager.SettingsAddConnection(settings)
+    if (options or {}).get("persist") == "volatile":
+        state["volatile"].add(str(profile))
     active = join(manager, profile, adapter, point, given)
     return (profile, active, dbus.Dictionary({}, signature="sv"))
 
@@ -217,10 +220,26 @@ def join_new(settings, adapter, point, options):
 # A saved profile knows the pass phrase.
 def join_saved(profile, adapter, point):
     manager = dbusmock.get_object(base.MANAGER_OBJ)
+    if profile not in dbusmock.mockobject.objects:
+        raise problem("org.freedesktop.NetworkManager.UnknownConnection", "Connection not found")
+    if point == "/":
+        point = point_for(adapter, profile)
     return join(manager, profile, adapter, point, state["networks"][point][0])
 
 
+# The access point of that adapter that has the profile's name.
+def point_for(adapter, profile):
+    name = bytes(dbusmock.get_object(profile).settings["802-11-wireless"]["ssid"])
+    for path in dbusmock.get_object(adapter).access_points:
+        if bytes(dbusmock.get_object(path).Get(base.ACCESS_POINT_IFACE, "Ssid")) == name:
+            return path
+    raise problem("org.freedesktop.NetworkManager.UnknownDevice", "No suitable device found")
+
+
 def join(manager, profile, adapter, point, given):
+    before = dbusmock.get_object(adapter).Get(base.DEVICE_IFACE, "ActiveConnection")
+    if before in dbusmock.mockobject.objects:
+        end(before)
     state["count"] += 1
     active = f"/org/freedesktop/NetworkManager/ActiveConnection/{state['count']}"
     settings = dbusmock.get_object(profile).settings
@@ -270,11 +289,21 @@ def fail(adapter, active, reason):
 
 
 def leave(active):
-    manager = dbusmock.get_object(base.MANAGER_OBJ)
     connection = dbusmock.get_object(active)
     change(active, base.ACTIVE_CONNECTION_IFACE, {"State": dbus.UInt32(DEACTIVATED)})
     adapter = connection.Get(base.ACTIVE_CONNECTION_IFACE, "Devices")[0]
-    set_active(adapter, "/", "/")
     to_device_state(adapter, DEVICE_DISCONNECTED, REASON_NONE)
+    end(active)
+
+
+def end(active):
+    manager = dbusmock.get_object(base.MANAGER_OBJ)
+    connection = dbusmock.get_object(active)
+    profile = connection.Get(base.ACTIVE_CONNECTION_IFACE, "Connection")
+    set_active(connection.Get(base.ACTIVE_CONNECTION_IFACE, "Devices")[0], "/", "/")
     manager.object_manager_emit_removed(active)
     manager.RemoveObject(active)
+    if profile in state["volatile"]:
+        state["volatile"].remove(profile)
+        kept = dbusmock.get_object(profile)
+        kept.ConnectionDelete(kept)

@@ -58,6 +58,15 @@ protected:
                                                     L"cannot join \"" + ssid + L"\": " + reason)));
     }
 
+    // Whether the host is joined to that network soon.
+    static bool Arrives(const std::wstring& ssid) {
+        const auto start = Clock::now();
+        while (QueryConnected().ssid != ssid && SecondsSince(start) < 20) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return QueryConnected().ssid == ssid;
+    }
+
     // Nothing is left of an attempt.
     void ExpectTidy() {
         EXPECT_EQ(service.Profiles(), 0U);
@@ -94,15 +103,6 @@ TEST_F(Wifi, AScanIsAFreshOne) {
     EXPECT_EQ(service.Calls(adapter, "RequestScan"), 1);
 }
 
-TEST_F(Wifi, AScanUsesAllAdapters) {
-    const std::string second = service.AddAdapter("wlan1");
-    service.Add(adapter, {.name = "One", .strength = 30, .seen = "scan"});
-    service.Add(second, {.name = "Two", .strength = 20, .seen = "scan"});
-    service.Add(second, {.name = "One", .strength = 40, .seen = "scan"});
-    EXPECT_THAT(Scan(), ElementsAre(IsNetwork(L"One", 40, kOpen, false),
-                                    IsNetwork(L"Two", 20, kOpen, false)));
-}
-
 TEST_F(Wifi, WhatIsKnownNeedsNoScan) {
     service.SetScans("endless");
     service.Add(adapter, {.name = "Home", .strength = 82, .rsn = kPsk});
@@ -112,6 +112,15 @@ TEST_F(Wifi, WhatIsKnownNeedsNoScan) {
     EXPECT_LT(SecondsSince(start), 2);
     EXPECT_EQ(service.Calls(adapter, "RequestScan"), 0);
     EXPECT_EQ(LastProblem().kind, PRINTER_WIFI_DONE);
+}
+
+TEST_F(Wifi, AScanUsesAllAdapters) {
+    const std::string second = service.AddAdapter("wlan1");
+    service.Add(adapter, {.name = "One", .strength = 30, .seen = "scan"});
+    service.Add(second, {.name = "Two", .strength = 20, .seen = "scan"});
+    service.Add(second, {.name = "One", .strength = 40, .seen = "scan"});
+    EXPECT_THAT(Scan(), ElementsAre(IsNetwork(L"One", 40, kOpen, false),
+                                    IsNetwork(L"Two", 20, kOpen, false)));
 }
 
 TEST_F(Wifi, AScanThatIsRefused_GivesWhatIsKnown) {
@@ -402,6 +411,50 @@ TEST_F(Wifi, AnAttemptWithASavedNetworkThatFails_KeepsWhatIsSaved) {
     service.Save(adapter, "saved", "Home");
     ExpectNotJoined(L"Home", L"", L"the network gave the host no address");
     EXPECT_EQ(service.Profiles(), 1U);
+}
+
+TEST_F(Wifi, AnAttemptThatFails_TakesTheHostBackToASavedNetwork) {
+    service.SetPassPhrase(service.Add(adapter, {.name = "Home", .rsn = kPsk}), kSecretText);
+    service.Save(adapter, "saved", "Home");
+    service.SetPassPhrase(service.Add(adapter, {.name = "Other", .rsn = kPsk}), "another one");
+    ASSERT_TRUE(Connect(L"Home", L""));
+    ExpectNotJoined(L"Other", kSecret, kBrokenOff);
+    EXPECT_TRUE(Arrives(L"Home"));
+    EXPECT_EQ(service.Profiles(), 1U);
+}
+
+TEST_F(Wifi, AnAttemptThatFails_TakesTheHostBackToAnOpenNetworkToo) {
+    service.Add(adapter, {.name = "Printer-Setup"});
+    service.SetPassPhrase(service.Add(adapter, {.name = "Other", .rsn = kPsk}), "another one");
+    ASSERT_TRUE(Connect(L"Printer-Setup", L""));
+    ExpectNotJoined(L"Other", kSecret, kBrokenOff);
+    EXPECT_TRUE(Arrives(L"Printer-Setup"));
+}
+
+TEST_F(Wifi, AnAttemptThatFails_SaysItWhenThereIsNoWayBack) {
+    service.SetPassPhrase(service.Add(adapter, {.name = "Home", .rsn = kPsk}), kSecretText);
+    service.SetPassPhrase(service.Add(adapter, {.name = "Other", .rsn = kPsk}), "another one");
+    ASSERT_TRUE(Connect(L"Home", kSecret));
+    EXPECT_FALSE(Connect(L"Other", kSecret));
+    EXPECT_THAT(TakeLines(),
+                ElementsAre(IsLine(LOG_LEVEL_WARNING, L"not back on the network that was left"),
+                            IsLine(LOG_LEVEL_ERROR, L"cannot join \"Other\": " + kBrokenOff)));
+    ExpectTidy();
+}
+
+TEST_F(Wifi, AHostThatWasTakenElsewhereGoesBackToWhereItWas) {
+    service.Add(adapter, {.name = "Printer-Setup"});
+    service.Add(adapter, {.name = "Office"});
+    service.Add(adapter, {.name = "Home"});
+    EXPECT_EQ(PrinterWifiGoBack("Office"), 0) << "nothing was remembered";
+    ASSERT_TRUE(Connect(L"Printer-Setup", L""));
+    PrinterWifiRemember();
+    EXPECT_EQ(PrinterWifiGoBack("Office"), 1) << "it is there";
+    ASSERT_TRUE(Connect(L"Office", L""));
+    EXPECT_EQ(PrinterWifiGoBack("Home"), 0) << "somebody else has taken it there";
+    EXPECT_EQ(QueryConnected().ssid, L"Office");
+    EXPECT_EQ(PrinterWifiGoBack("Office"), 1);
+    EXPECT_TRUE(Arrives(L"Printer-Setup"));
 }
 
 TEST_F(Wifi, WhatGoesWrongIsSaid) {
