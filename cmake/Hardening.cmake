@@ -18,7 +18,8 @@ if(CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
     add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 endif()
 if(WIN32)
-    add_link_options(-Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+    # MinGW-w64's C library has no guard: the option brings the library that has it.
+    add_link_options(-fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
     return()
 endif()
 
