@@ -554,8 +554,9 @@ class JourneySteps(JourneyTest):
             self.close_the_printers_link()
             self.wifi.forget(OWN_NETWORK)
             time.sleep(3)
-            self.close_the_printers_link(False)
             self.wifi.have_network(OWN_NETWORK, 90)
+            self.await_joinings(2)
+            self.close_the_printers_link(False)
             ended = process.ended()
         self.assertEqual(ended.status, 1, str(ended))
         self.assertEqual(ended.objects(), [{"network": NAME, "configured": False,
