@@ -3,16 +3,14 @@
 #include <libusb.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
-#include <future>
 #include <memory>
 #include <span>
 #include <string>
-#include <system_error>
 
 #include "diagnostics.h"
 #include "results.h"
+#include "side_by_side.h"
 #include "usb_device.h"
 
 namespace Driverless {
@@ -20,9 +18,7 @@ namespace Driverless {
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{1000};
-// After this time no further device is asked.
-constexpr std::chrono::milliseconds kPatienceForAll{3000};
-constexpr std::size_t kMaxThreads = 32;
+constexpr SideBySideLimits kLimits{32, std::chrono::milliseconds(3000)};
 
 struct ExitLibrary {
     void operator()(libusb_context* context) const { libusb_exit(context); }
@@ -104,29 +100,11 @@ void ReportFailure(const std::string& place, int error) {
                   " (" + libusb_strerror(error) + ")");
 }
 
-// Asks many at once: one that does not answer keeps no other waiting.
 std::vector<Description> AskAll(std::span<libusb_device*> devices, const Wanted& wanted) {
-    using Clock = std::chrono::steady_clock;
     std::vector<Description> descriptions(devices.size());
-    std::atomic<std::size_t> next = 0;
-    const auto work = [&, end = Clock::now() + kPatienceForAll] {
-        for (std::size_t i = next++; i < devices.size() && Clock::now() < end; i = next++) {
-            descriptions[i] = DescriptionOf(devices[i], wanted);
-        }
-    };
-    std::vector<std::future<void>> others;
-    try {
-        for (std::size_t i = 1; i < std::min(devices.size(), kMaxThreads); ++i) {
-            others.push_back(std::async(std::launch::async, work));
-        }
-    } catch (const std::system_error& problem) {
-        // Those that there are ask the more.
-        ReportDetail(std::string("no further thread for printers on USB: ") + problem.what());
-    }
-    work();
-    for (std::future<void>& other : others) {
-        other.get();
-    }
+    AskSideBySide(devices.size(), kLimits, [&](std::size_t number) {
+        descriptions[number] = DescriptionOf(devices[number], wanted);
+    });
     return descriptions;
 }
 
