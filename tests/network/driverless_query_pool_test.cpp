@@ -71,7 +71,11 @@ protected:
         low.rlim_cur = before.rlim_cur - FreeDescriptors() + kFree;
         setrlimit(RLIMIT_NOFILE, &low);
     }
-    ~LowLimit() override { setrlimit(RLIMIT_NOFILE, &before); }
+    // What was asked ends by itself.
+    ~LowLimit() override {
+        EXPECT_TRUE(Becomes([] { return FreeDescriptors() + 1 >= kFree; }));
+        setrlimit(RLIMIT_NOFILE, &before);
+    }
 
     static constexpr std::size_t kFree = 60;
     rlimit before{};

@@ -69,8 +69,9 @@ class Probe:
     MODULE_ARGUMENTS = ["--module", MODULE]
     EXIT = "exit"
 
-    def __init__(self, through_broker=False, environment=None):
-        arguments = self.COMMAND + ([] if through_broker else self.MODULE_ARGUMENTS)
+    def __init__(self, through_broker=False, environment=None, descriptors=None):
+        limit = [] if descriptors is None else ["prlimit", f"--nofile={descriptors}"]
+        arguments = limit + self.COMMAND + ([] if through_broker else self.MODULE_ARGUMENTS)
         self.process = subprocess.Popen(
             arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
             text=True, env={**ENVIRONMENT, **(environment or {})})
@@ -888,6 +889,18 @@ class PrintersOfAllKinds(NetworkTest):
                               serve="answers", attributes=["printer-serial-number=S9"])
         self.assertEqual(self.places(probe)[2:], [("S9", "10.99.0.82"), ("S9", "10.99.0.67")])
 
+    def test_an_impostor_does_not_hide_a_printer_that_wants_a_password(self):
+        announcer = self.announcer()
+        for name, number, behaviour in (("Laser", 81, "wants-password"),
+                                        ("Impostor", 66, "answers")):
+            announcer.announce(name=name, host=name, address=f"10.99.0.{number}", port=9000,
+                               txt=[f"UUID={UUID}8"], serve=behaviour,
+                               attributes=["printer-serial-number=S8"])
+        probe = self.probe()
+        probe.start()
+        self.assertEqual(self.places(probe),
+                         [("S8", "10.99.0.66"), (UUID + "8", "10.99.0.81")])
+
     def test_only_hosts_of_the_network_are_asked(self):
         announcer = self.announcer()
         elsewhere = ["127.0.0.1", "0.0.0.0", "224.0.0.1", "255.255.255.255", "10.99.0.255",
@@ -910,14 +923,14 @@ class PrintersOfAllKinds(NetworkTest):
         for address in elsewhere:
             self.assertIn(f"at {address} is left out: ", text_of(path))
 
-    def assert_attack_does_not_matter(self, later=False, **attack):
+    def assert_attack_does_not_matter(self, later=False, descriptors=None, **attack):
         """Printers are found with their attributes although somebody announces a lot; also those
         that come `later` than all of that."""
         announcer = self.announcer()
         announcer.announce(**attack)
         honest = self.announcer()
         lab("cold")
-        probe = self.probe()
+        probe = self.probe(descriptors=descriptors)
         probe.start()
         if later:
             probe.found(1)
@@ -935,8 +948,10 @@ class PrintersOfAllKinds(NetworkTest):
         honest.end()
 
     def test_many_that_hang_take_no_attributes_from_the_others(self):
+        # Also with few descriptors, of which the questions leave some.
         self.assert_attack_does_not_matter(name="Silent", host="silent", hosts=True, count=200,
-                                           address="10.99.0.66", port=20000, serve="silent")
+                                           address="10.99.0.66", port=20000, serve="silent",
+                                           later=True, descriptors=64)
 
     def test_many_that_hang_at_the_same_address_do_not_either(self):
         self.assert_attack_does_not_matter(name="Silent", host="silent", hosts=True, count=200,
