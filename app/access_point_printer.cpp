@@ -135,9 +135,6 @@ const KnownResult* KnownAs(int result, const std::string& vendor) {
     return known != std::end(kKnownResults) && MayBeOfKnownVendor(vendor) ? known : nullptr;
 }
 
-// How long a vendor has, that took the host to another network, to bring it back.
-constexpr std::chrono::seconds kPatienceWithReturn{3};
-
 }  // namespace
 
 DeviceAnswer AskForDevice(const Settings& settings) {
@@ -159,7 +156,7 @@ int ConfigureNetwork(const Settings& settings, const std::string& network,
     try {
         return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);
     } catch (const Interrupted&) {
-        BreakOffHostWifi(kPatienceWithReturn);
+        BreakOffHostWifi();
         throw;
     }
 }

@@ -63,7 +63,7 @@ JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
     try {
         return Await(settings, "Joining " + network, work, kJoinLimit);
     } catch (const Interrupted&) {
-        BreakOffHostWifi(kPatienceWithUndoing);
+        BreakOffHostWifi();
         throw;
     }
 }

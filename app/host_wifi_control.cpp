@@ -2,12 +2,11 @@
 
 #include <array>
 #include <functional>
-#include <future>
-#include <memory>
-#include <thread>
 #include <utility>
 
+#include "app/awaiting.h"
 #include "app/host_function.h"
+#include "app/messages.h"
 
 namespace App {
 
@@ -20,10 +19,12 @@ Function* Find(const char* name) {
 
 // What the work gives; false when that takes too long: then it is left behind.
 bool InTime(std::function<bool()> work, std::chrono::milliseconds patience) {
-    const auto done = std::make_shared<std::promise<bool>>();
-    std::future<bool> result = done->get_future();
-    std::thread([work = std::move(work), done] { done->set_value(work()); }).detach();
-    return result.wait_for(patience) == std::future_status::ready && result.get();
+    try {
+        return AwaitRegardless<bool>(
+            std::move(work), [] {}, patience);
+    } catch (const TimedOut&) {
+        return false;
+    }
 }
 
 }  // namespace
@@ -50,14 +51,18 @@ bool GoBackWithHostWifi(const std::string& network, std::chrono::milliseconds pa
            InTime([goBack, network] { return goBack(network.c_str()) != 0; }, patience);
 }
 
-void BreakOffHostWifi(std::chrono::milliseconds patience) {
-    if (const auto breakOff = Find<decltype(PrinterWifiBreakOff)>("PrinterWifiBreakOff")) {
-        InTime(
-            [breakOff] {
-                breakOff();
-                return true;
-            },
-            patience);
+void BreakOffHostWifi() {
+    // The library gives the system's service 8 s for what is being joined.
+    constexpr std::chrono::seconds patience{10};
+    const auto breakOff = Find<decltype(PrinterWifiBreakOff)>("PrinterWifiBreakOff");
+    const auto work = [breakOff] {
+        breakOff();
+        return true;
+    };
+    if (breakOff != nullptr && !InTime(work, patience)) {
+        Warn(
+            "what was begun with this computer's Wi-Fi is not undone yet: its Wi-Fi service does "
+            "not answer.");
     }
 }
 

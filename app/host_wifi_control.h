@@ -29,7 +29,7 @@ void RememberHostWifi();
 bool GoBackWithHostWifi(const std::string& network, std::chrono::milliseconds patience);
 
 // Undoes what the program has begun with the host's Wi-Fi and not brought to its end; waits for
-// that up to `patience`.
-void BreakOffHostWifi(std::chrono::milliseconds patience);
+// that up to 10 s, and warns when it is not done by then.
+void BreakOffHostWifi();
 
 }  // namespace App

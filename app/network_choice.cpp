@@ -50,8 +50,12 @@ std::vector<std::string> NamesToOffer(const Settings& settings, const NetworkSou
         add(network.name);
     }
     if (names.empty()) {
-        for (const HostNetwork& network : NetworksToOffer(settings).networks) {
+        const HostNetworks host = NetworksToOffer(settings);
+        for (const HostNetwork& network : host.networks) {
             add(network.name);
+        }
+        if (host.networks.empty() && host.problem.kind != PRINTER_WIFI_DONE) {
+            Warn("could not look for networks: " + host.problem.reason + ".");
         }
     }
     return names;

@@ -75,7 +75,7 @@ private:
                    const std::string& vendor);
     void Rejoin(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
                 const Printer& printer);
-    bool Join(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase);
+    JoinOutcome Join(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase);
     void Find(const std::string& network, const Printer& printer);
     std::string StateOfThings() const;
     std::string WayBack() const;
@@ -198,13 +198,14 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Sec
         return;
     }
     leftFor = network;
-    if (!Join(network, passPhrase)) {
+    if (const JoinOutcome outcome = Join(network, passPhrase); !outcome.joined) {
+        const std::string& reason = outcome.problem.reason;
         throw StepFailed{
-            fmt::format("this computer could not join {}; the printer {} it.\nJoin it by "
+            fmt::format("this computer could not join {}{}; the printer {} it.\nJoin it by "
                         "hand, then `devicediscover ap check {} --vendor {}` tells whether the "
                         "printer\nis there, and `devicediscover scan` where. {}",
-                        network, WasPutOn(), printer.serialNumber, printer.vendor,
-                        AdviceToReadLog()),
+                        network, reason.empty() ? "" : " (" + reason + ")", WasPutOn(),
+                        printer.serialNumber, printer.vendor, AdviceToReadLog()),
             std::nullopt};
     }
     StepEvent event;
@@ -212,14 +213,15 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Sec
     progress.Done("This computer is on " + network, event);
 }
 
-bool Journey::Join(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase) {
+JoinOutcome Journey::Join(const std::string& network,
+                          const std::shared_ptr<Base::Secret>& passPhrase) {
     for (int attempt = 1;; ++attempt) {
-        if (CurrentAccessPoint(settings).network == network ||
-            JoinNetwork(settings, network, passPhrase).joined) {
-            return true;
+        if (CurrentAccessPoint(settings).network == network) {
+            return {true, {}};
         }
-        if (attempt == kJoinAttempts) {
-            return false;
+        const JoinOutcome outcome = JoinNetwork(settings, network, passPhrase);
+        if (outcome.joined || attempt == kJoinAttempts) {
+            return outcome;
         }
         // The network may not be back in the list yet.
         Cancellation::GetInstance().WaitUntil(Cancellation::Clock::now() + kJoinPause,

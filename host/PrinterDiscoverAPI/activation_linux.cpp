@@ -84,6 +84,8 @@ std::uint32_t Activation::ActiveState() const {
 }
 
 void Activation::Await(NetworkManager::Clock::time_point deadline) {
+    const auto limit =
+        std::chrono::ceil<std::chrono::seconds>(deadline - NetworkManager::Clock::now());
     for (;;) {
         Undertaking::GoOn();
         const auto state = static_cast<State>(ActiveState());
@@ -98,7 +100,7 @@ void Activation::Await(NetworkManager::Clock::time_point deadline) {
         }
         const auto now = NetworkManager::Clock::now();
         if (now >= deadline) {
-            throw WifiProblem(answers.WhyNotIn(kJoinLimit.count()));
+            throw WifiProblem(answers.WhyNotIn(limit.count()));
         }
         manager.AwaitSignals(std::min(deadline, now + kLookAgain));
     }

@@ -196,6 +196,8 @@ public:
         Translated([&] { Activate(accessPoint, passPhrase, Clock::now() + limit); });
     }
 
+    bool CanResume() const override { return true; }
+
     std::optional<HostConnection> Connection() override {
         return Translated([this] { return FindConnection(); });
     }

@@ -59,6 +59,8 @@ public:
     virtual void Join(const AccessPoint& accessPoint, std::string_view passPhrase,
                       std::chrono::seconds limit) = 0;
 
+    // Whether it can go back to a connection that it has left.
+    virtual bool CanResume() const { return false; }
     // The connection that the host has, for Resume; nothing where there is none, or none to return
     // to.
     virtual std::optional<HostConnection> Connection() { return std::nullopt; }

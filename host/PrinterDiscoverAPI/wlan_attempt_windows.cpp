@@ -69,6 +69,7 @@ void WlanAttempt::Start(WLAN_CONNECTION_MODE mode, const std::wstring& profile) 
 }
 
 void WlanAttempt::Await(WlanClient::Clock::time_point deadline) {
+    const auto limit = std::chrono::ceil<std::chrono::seconds>(deadline - WlanClient::Clock::now());
     for (;;) {
         RequireGoingOn();
         const auto now = WlanClient::Clock::now();
@@ -88,7 +89,7 @@ void WlanAttempt::Await(WlanClient::Clock::time_point deadline) {
         }
         RequireAdapter();
         if (now >= deadline) {
-            GiveUp("not joined within " + std::to_string(kJoinLimit.count()) + " s");
+            GiveUp("not joined within " + std::to_string(limit.count()) + " s");
         }
     }
 }

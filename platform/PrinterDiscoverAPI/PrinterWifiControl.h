@@ -19,7 +19,8 @@ enum PrinterWifiProblemKind : int {
 
 // What stood in the way of the calling thread's last operation of PrinterWifiAPI or visit: its kind
 // and, in the `size` bytes at `text`, its reason as terminated UTF-8, cut where it does not fit. An
-// operation that was done, and a thread without one, has an empty reason.
+// operation that was done, and a thread without one, has an empty reason. `text` may be null where
+// only the kind is wanted.
 PRINTERDISCOVERAPI_API int PrinterWifiProblem(char* text, std::size_t size);
 
 // Appends to `networks` what the system knows already of the networks in range, as
@@ -27,10 +28,10 @@ PRINTERDISCOVERAPI_API int PrinterWifiProblem(char* text, std::size_t size);
 PRINTERDISCOVERAPI_API void PrinterWifiKnownNetworks(
     std::vector<PrinterWifiApiStruct::WlanInfoData>* networks);
 
-// Joins the network of that name, UTF-8, for a visit, as PrinterWifiAPI::ConnectAP does without a
-// pass phrase; waits for the outcome up to `seconds`, and remembers the connection that the host
-// leaves for it. Not 0: joined. A process makes one visit at a time: another one before its end
-// goes on from it. On Windows there are no visits, and this is always 0.
+// Joins the network of that name, terminated UTF-8, for a visit, as PrinterWifiAPI::ConnectAP does
+// without a pass phrase; waits for the outcome up to `seconds`, and remembers the connection that
+// the host leaves for it. Not 0: joined. A process makes one visit at a time: another one before
+// its end goes on from it. On Windows there are no visits, and this is always 0.
 PRINTERDISCOVERAPI_API int PrinterWifiVisit(const char* network, int seconds);
 
 // Ends the visit: sends the host back to the connection that it left, without waiting until it is
