@@ -59,11 +59,13 @@ UsbPortMap PortsNow() {
 // answer is said once, too.
 PluggedPrinters Ask() {
     const UsbPortMap ports = PortsNow();
-    std::vector<UsbAnswer> answers;
+    std::vector<std::wstring> deviceIds;
+    std::transform(ports.begin(), ports.end(), std::back_inserter(deviceIds),
+                   [](const auto& port) { return port.first; });
+    const std::vector<UsbAnswer> answers = AskUsbVendors(deviceIds);
     std::vector<UsbPrinter> printers;
     bool isAnyAnswered = false;
-    for (const auto& port : ports) {
-        const UsbAnswer& answer = answers.emplace_back(AskUsbVendor(port.first));
+    for (const UsbAnswer& answer : answers) {
         isAnyAnswered = isAnyAnswered || answer.result == 0;
         printers.insert(printers.end(), answer.printers.begin(), answer.printers.end());
     }

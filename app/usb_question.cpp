@@ -1,17 +1,23 @@
 #include "app/usb_question.h"
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <future>
 #include <mutex>
 #include <set>
 
 #include "app/broker_result.h"
+#include "app/crash_report.h"
 #include "app/usb_vendors.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
 
 namespace App {
 
 namespace {
+
+constexpr std::size_t kMaxAtOnce = 32;
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
@@ -101,6 +107,28 @@ UsbAnswer AskUsbVendor(const std::wstring& deviceId) {
         return answer;
     }
     return Ask(deviceId);
+}
+
+std::vector<UsbAnswer> AskUsbVendors(const std::vector<std::wstring>& deviceIds) {
+    std::vector<UsbAnswer> answers(deviceIds.size());
+    std::atomic<std::size_t> next = 0;
+    const auto work = [&] {
+        for (std::size_t at = next++; at < deviceIds.size(); at = next++) {
+            answers[at] = AskUsbVendor(deviceIds[at]);
+        }
+    };
+    std::vector<std::future<void>> others;
+    for (std::size_t thread = 1; thread < std::min(deviceIds.size(), kMaxAtOnce); ++thread) {
+        others.push_back(std::async(std::launch::async, [&work] {
+            ReportCrashesOfThisThread();
+            work();
+        }));
+    }
+    work();
+    for (std::future<void>& other : others) {
+        other.get();
+    }
+    return answers;
 }
 
 }  // namespace App

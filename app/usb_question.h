@@ -21,4 +21,8 @@ struct UsbAnswer {
 // must go this way.
 UsbAnswer AskUsbVendor(const std::wstring& deviceId);
 
+// Asks for the printers of each of them, many at once: models that do not answer keep no other
+// waiting. The answers come in the order of the identifiers.
+std::vector<UsbAnswer> AskUsbVendors(const std::vector<std::wstring>& deviceIds);
+
 }  // namespace App

@@ -552,6 +552,17 @@ class OtherPrinters(SetUpTest):
         self.assertEqual(event["result"], NOT_REACHED)
         self.assertLess(event["took"], 2.5 * SLACK)
 
+    def test_answers_without_bounds_end_no_process(self):
+        self.have_wifi()
+        for behaviour in ("nested", "endless", "floods", "trickles"):
+            with self.subTest(behaviour):
+                printer = self.fake("--behaviour", behaviour)
+                probe = self.probe(environment={"DRIVERLESS_FIRST_SECONDS": "1"})
+                self.assertEqual(probe.result("connected"), NOT_REACHED)
+                self.assertEqual(probe.result("describe"), NOT_REACHED)
+                printer.end()
+                self.running.remove(printer)
+
     def test_in_another_network_nobody_is_asked(self):
         self.have_wifi("HomeNet")
         self.fake("--behaviour", "silent")
