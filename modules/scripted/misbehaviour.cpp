@@ -30,7 +30,8 @@ constexpr Name kNames[] = {
     {"hang", Misbehaviour::Hang},
 };
 
-// An address that nobody has. Null itself would be seen by a sanitizer, before the processor sees it.
+// An address that nobody has. Null itself would be seen by a sanitizer, before the processor sees
+// it.
 char* volatile nowhere = reinterpret_cast<char*>(8);
 volatile int depth = 0;
 
