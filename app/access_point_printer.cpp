@@ -158,6 +158,9 @@ int ConfigureNetwork(const Settings& settings, const std::string& network,
     } catch (const Interrupted&) {
         BreakOffHostWifi();
         throw;
+    } catch (const TimedOut&) {
+        BreakOffHostWifi();
+        throw;
     }
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -139,7 +140,11 @@ bool OutputReaderIsGone() {
 
 void WriteError(std::string_view text) {
     static const int errors = WithoutWaiting(STDERR_FILENO);
-    WriteTo(errors, text);
+    static std::atomic<bool> isStalled = false;
+    // A program that is to end does not wait for each line anew.
+    if (!isStalled) {
+        isStalled = WriteTo(errors, text) == kStalled;
+    }
 }
 
 bool ErrorIsTerminal() {

@@ -65,6 +65,9 @@ JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
     } catch (const Interrupted&) {
         BreakOffHostWifi();
         throw;
+    } catch (const TimedOut&) {
+        BreakOffHostWifi();
+        throw;
     }
 }
 

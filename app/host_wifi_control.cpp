@@ -1,6 +1,7 @@
 #include "app/host_wifi_control.h"
 
 #include <array>
+#include <exception>
 #include <functional>
 #include <utility>
 
@@ -22,7 +23,7 @@ bool InTime(std::function<bool()> work, std::chrono::milliseconds patience) {
     try {
         return AwaitRegardless<bool>(
             std::move(work), [] {}, patience);
-    } catch (const TimedOut&) {
+    } catch (const std::exception&) {
         return false;
     }
 }

@@ -14,6 +14,10 @@ bool IsInterrupted();
 // a read: a sanitizer holds a request back until the thread that took it calls something else.
 void LeaveInterruptsToOthers();
 
+// Ends the process with that status in a while, should a library not let it end: it may hang in
+// what it does at the end. Where the system ends other threads first, on Windows, it cannot.
+void EndProcessSoon(int status);
+
 // Ends the process with that status as it is: nothing is taken down under what is at work on other
 // threads. Standard output, standard error and the log are flushed.
 [[noreturn]] void EndProcess(int status);

@@ -3,13 +3,16 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <system_error>
 #include <thread>
 
+#include "app/crash_system.h"
 #include "app/interrupt.h"
 #include "app/problem.h"
 #include "host/LogHelper/log_settings.h"
@@ -17,6 +20,9 @@
 namespace App {
 
 namespace {
+
+// A sanitizer may take its time at the end.
+constexpr std::chrono::seconds kPatienceWithLibraries{10};
 
 constexpr int kRequests[]{SIGINT, SIGTERM, SIGHUP};
 
@@ -76,6 +82,19 @@ void LeaveInterruptsToOthers() {
 
 bool IsInterrupted() {
     return requested;
+}
+
+void EndProcessSoon(int status) {
+    try {
+        std::thread([status] {
+            LeaveInterruptsToOthers();
+            std::this_thread::sleep_for(kPatienceWithLibraries);
+            TellEnd("a module does not let the program end; nobody waits for it any more");
+            EndProcess(status);
+        }).detach();
+    } catch (const std::system_error&) {
+        return;  // then it ends when they let it
+    }
 }
 
 void EndProcess(int status) {

@@ -47,6 +47,8 @@ bool IsInterrupted() {
     return interrupted;
 }
 
+void EndProcessSoon(int) {}
+
 void EndProcess(int status) {
     std::fflush(stdout);
     std::fflush(stderr);

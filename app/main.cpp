@@ -31,5 +31,6 @@ int main(int argc, char** argv) {
         App::EndProcess(status);  // a vendor is at work still
     }
     App::EndIsOwn();
+    App::EndProcessSoon(status);
     return status;
 }

@@ -197,7 +197,6 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Sec
         progress.Skipped("This computer stays on the network it is on");
         return;
     }
-    leftFor = network;
     if (const JoinOutcome outcome = Join(network, passPhrase); !outcome.joined) {
         const std::string& reason = outcome.problem.reason;
         throw StepFailed{
@@ -219,7 +218,8 @@ JoinOutcome Journey::Join(const std::string& network,
         if (CurrentAccessPoint(settings).network == network) {
             return {true, {}};
         }
-        const JoinOutcome outcome = JoinNetwork(settings, network, passPhrase);
+        leftFor = network;
+        JoinOutcome outcome = JoinNetwork(settings, network, passPhrase);
         if (outcome.joined || attempt == kJoinAttempts) {
             return outcome;
         }

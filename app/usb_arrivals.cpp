@@ -13,6 +13,7 @@
 #include "app/host_usb_problem.h"
 #include "app/problem.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
+#include "platform/compiler.h"
 
 namespace App {
 
@@ -107,6 +108,11 @@ void UsbArrivals::Ask(const std::wstring& deviceId, std::size_t unlessTold) {
         problem = WhyUsbAnswerIsNone(usbId, answer);
     } catch (const std::out_of_range&) {
         problem = usbId + ": too short to name a printer; write it as VID_vvvv&PID_pppp";
+    } catch (const std::exception& error) {
+        problem = usbId + ": an exception came out of its vendor: " + error.what();
+    }
+    PLATFORM_CATCH_ALL {
+        problem = usbId + ": an exception came out of its vendor";
     }
     Report(deviceId, answer, problem);
 }

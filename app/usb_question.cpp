@@ -1,23 +1,23 @@
 #include "app/usb_question.h"
 
-#include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <future>
+#include <exception>
 #include <mutex>
 #include <set>
 
 #include "app/broker_result.h"
 #include "app/crash_report.h"
 #include "app/usb_vendors.h"
+#include "base/side_by_side.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
 
 namespace App {
 
 namespace {
 
-constexpr std::size_t kMaxAtOnce = 32;
+// Whoever waits for the answers has a limit of his own.
+constexpr Base::SideBySideLimits kLimits{32, std::chrono::hours(1)};
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
@@ -53,9 +53,7 @@ public:
         }
         isLearning = true;
         lock.unlock();
-        UsbConnInterface::GetInstance().Init();
-        // One that was unplugged in the middle may have been overlooked.
-        const bool isListed = UsbVendorOf(PrinterUtil::WStringToString(deviceId)).has_value();
+        const bool isListed = LearnNow(deviceId);
         lock.lock();
         isLearning = false;
         if (isListed) {
@@ -72,6 +70,16 @@ public:
 
 private:
     static constexpr std::chrono::seconds kPatience{30};
+
+    // One that was unplugged in the middle may have been overlooked.
+    static bool LearnNow(const std::wstring& deviceId) {
+        try {
+            UsbConnInterface::GetInstance().Init();
+            return UsbVendorOf(PrinterUtil::WStringToString(deviceId)).has_value();
+        } catch (const std::exception&) {
+            return false;
+        }
+    }
 
     std::mutex mutex;
     std::condition_variable changed;
@@ -111,23 +119,10 @@ UsbAnswer AskUsbVendor(const std::wstring& deviceId) {
 
 std::vector<UsbAnswer> AskUsbVendors(const std::vector<std::wstring>& deviceIds) {
     std::vector<UsbAnswer> answers(deviceIds.size());
-    std::atomic<std::size_t> next = 0;
-    const auto work = [&] {
-        for (std::size_t at = next++; at < deviceIds.size(); at = next++) {
-            answers[at] = AskUsbVendor(deviceIds[at]);
-        }
-    };
-    std::vector<std::future<void>> others;
-    for (std::size_t thread = 1; thread < std::min(deviceIds.size(), kMaxAtOnce); ++thread) {
-        others.push_back(std::async(std::launch::async, [&work] {
-            ReportCrashesOfThisThread();
-            work();
-        }));
-    }
-    work();
-    for (std::future<void>& other : others) {
-        other.get();
-    }
+    Base::AskSideBySide(deviceIds.size(), kLimits, [&](std::size_t number) {
+        ReportCrashesOfThisThread();
+        answers[number] = Ask(deviceIds[number]);
+    });
     return answers;
 }
 

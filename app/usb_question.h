@@ -22,7 +22,7 @@ struct UsbAnswer {
 UsbAnswer AskUsbVendor(const std::wstring& deviceId);
 
 // Asks for the printers of each of them, many at once: models that do not answer keep no other
-// waiting. The answers come in the order of the identifiers.
+// waiting. The answers come in the order of the identifiers; the broker learns none.
 std::vector<UsbAnswer> AskUsbVendors(const std::vector<std::wstring>& deviceIds);
 
 }  // namespace App

@@ -11,7 +11,9 @@
 
 #include "app/cancellation.h"
 #include "app/crash_report.h"
+#include "app/problem.h"
 #include "app/vendor_calls.h"
+#include "platform/compiler.h"
 
 namespace App {
 
@@ -37,6 +39,18 @@ public:
     std::uint64_t Began() const { return began; }
 
 private:
+    // Calls `end` also when the thread is ended, which comes as an exception that goes on.
+    class AtEnd {
+    public:
+        explicit AtEnd(std::function<void()> whatToDo) : end(std::move(whatToDo)) {}
+        ~AtEnd() { end(); }
+        AtEnd(const AtEnd&) = delete;
+        AtEnd& operator=(const AtEnd&) = delete;
+
+    private:
+        const std::function<void()> end;
+    };
+
     struct Outcome {
         std::optional<Result> result;
         std::exception_ptr failure;
@@ -69,16 +83,23 @@ template <class Result>
 void Work<Result>::Run(const std::function<Result()>& work, Outcome& outcome) {
     ReportCrashesOfThisThread();
     std::optional<Result> result;
-    std::exception_ptr failure;
-    try {
-        result = work();
-    } catch (...) {
-        failure = std::current_exception();
+    std::exception_ptr failure =
+        std::make_exception_ptr(Problem("a vendor has ended the thread that it was called on"));
+    {
+        const AtEnd tell([&] {
+            Cancellation::GetInstance().Notify([&] {
+                outcome.result = std::move(result);
+                outcome.failure = failure;
+            });
+        });
+        try {
+            result = work();
+            failure = nullptr;
+        }
+        PLATFORM_CATCH_ALL {
+            failure = std::current_exception();
+        }
     }
-    Cancellation::GetInstance().Notify([&] {
-        outcome.result = std::move(result);
-        outcome.failure = failure;
-    });
     while (!outcome.mayEnd) {
         std::this_thread::yield();
     }

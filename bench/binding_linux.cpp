@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 using Entry = ScanInterface::VendorEntry;
 using Table = Broker::VendorTable<Entry>;
 
-constexpr int kMostVendors = 1000;
+constexpr int kMaxVendors = 1000;
 constexpr const char* kFunction = "PrinterDeviceDiscoverSdk::ScanInterface::GetDeviceFunc";
 constexpr const char* kEntryPoints[] = {"StartDeviceScan",           "StopDeviceScan",
                                         "GetDeviceConnectState",     "BeforeConnectEventNotify",
@@ -33,7 +33,7 @@ public:
         if (mkdtemp(folder.data()) == nullptr) {
             throw std::runtime_error("cannot make the folder " + folder);
         }
-        for (int number = 0; number < kMostVendors; ++number) {
+        for (int number = 0; number < kMaxVendors; ++number) {
             fs::copy_file(Bench::VendorModule(), Path(number));
         }
     }
@@ -119,7 +119,7 @@ void Binding(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
-BENCHMARK(Binding)->UseRealTime()->RangeMultiplier(10)->Range(1, kMostVendors);
+BENCHMARK(Binding)->UseRealTime()->RangeMultiplier(10)->Range(1, kMaxVendors);
 
 void BindingByHand(benchmark::State& state) {
     const std::vector<VendorInfo> vendors = Modules().Vendors(static_cast<int>(state.range()));
@@ -130,7 +130,7 @@ void BindingByHand(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
-BENCHMARK(BindingByHand)->UseRealTime()->RangeMultiplier(10)->Range(1, kMostVendors);
+BENCHMARK(BindingByHand)->UseRealTime()->RangeMultiplier(10)->Range(1, kMaxVendors);
 
 void Prepare() {
     const std::vector<VendorInfo> vendors = Modules().Vendors(3);

@@ -17,8 +17,8 @@ using UsbVendors = Broker::VendorTable<UsbEntry>;
 
 constexpr auto& kUsbEntries = Broker::kUsbEntryPoints<UsbEntry>;
 
-constexpr std::int32_t kMostDevices = 64;
-constexpr std::int32_t kMostNetworks = 128;
+constexpr std::int32_t kMaxDevices = 64;
+constexpr std::int32_t kMaxNetworks = 128;
 
 // Where a hardware identifier, VID_vvvv&PID_pppp, holds its numbers.
 constexpr std::size_t kVendorIdAt = 4;
@@ -195,7 +195,7 @@ int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::
     const std::int32_t productId = IdAt(usbId, kProductIdAt);
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "pid:", Broker::Hex{productId}, "vid",
                 Broker::Hex{vendorId});
-    VendorSdk::DeviceInfo found[kMostDevices];
+    VendorSdk::DeviceInfo found[kMaxDevices];
     std::int32_t count = 0;
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP4");
     const int result = enumeration.function(static_cast<std::uint16_t>(productId),
@@ -204,7 +204,7 @@ int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::
         Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func Fail", result);
     } else {
         Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK", count);
-        if (IsUsable(count, kMostDevices)) {
+        if (IsUsable(count, kMaxDevices)) {
             AppendDevices(devices, found, count, HERE);
         }
         Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP5");
@@ -227,7 +227,7 @@ int UsbConnInterface::GetUSBWifiScan(const DeviceInfo& device,
         return Broker::kNothingToCall;
     }
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP3");
-    VendorSdk::WifiConfigInfo found[kMostNetworks];
+    VendorSdk::WifiConfigInfo found[kMaxNetworks];
     std::int32_t count = 0;
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP4");
     const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
@@ -236,7 +236,7 @@ int UsbConnInterface::GetUSBWifiScan(const DeviceInfo& device,
         Broker::Log(LOG_LEVEL_ERROR, HERE, "call Func fail, err:", result);
     } else {
         Broker::Log(LOG_LEVEL_DEBUG, HERE, "call Func OK", count);
-        if (IsUsable(count, kMostNetworks)) {
+        if (IsUsable(count, kMaxNetworks)) {
             AppendNetworks(networks, found, count, HERE);
         }
         Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP5");

@@ -354,6 +354,7 @@ void LogWriter::InParent() {
 // The copy has none of the threads, and nobody will wake the one that waited.
 void LogWriter::InChild() {
     queue.Clear();
+    isAnnounced = false;
     lost = 0;
     hasThread = false;
     static_cast<void>(wakeUp.release());

@@ -17,11 +17,11 @@ namespace {
 
 // What the thread's last operation met. Plain memory: threads may end after the library's own
 // objects are gone.
-thread_local std::array<char, 512> lastProblem{};
+thread_local std::array<char, 512> lastUsbProblem{};
 
 void Keep(const std::string& problem) {
-    lastProblem = {};
-    std::strncpy(lastProblem.data(), problem.c_str(), lastProblem.size() - 1);
+    lastUsbProblem = {};
+    std::strncpy(lastUsbProblem.data(), problem.c_str(), lastUsbProblem.size() - 1);
 }
 
 int Give(const char* problem, char* text, std::size_t size) {
@@ -73,7 +73,7 @@ void PrinterUsbDeviceManager::StopMonitor() {
 }  // namespace PrinterDiscoverAPI
 
 int PrinterUsbProblem(char* text, std::size_t size) {
-    return PrinterDiscoverAPI::Give(PrinterDiscoverAPI::lastProblem.data(), text, size);
+    return PrinterDiscoverAPI::Give(PrinterDiscoverAPI::lastUsbProblem.data(), text, size);
 }
 
 int PrinterUsbMonitorProblem(char* text, std::size_t size) {

@@ -408,6 +408,9 @@ private:
         if (now && now->profile == connection.profile) {
             return;
         }
+        if (!MayBeInRange(connection)) {
+            throw WifiProblem("the network " + connection.network + " is not in range");
+        }
         try {
             manager.Manager()
                 ->callMethod("ActivateConnection")
@@ -420,6 +423,17 @@ private:
                 throw;
             }
         }
+    }
+
+    // The service would leave the present network for one that is not there. One that hides its
+    // name may be any of those without.
+    bool MayBeInRange(const HostConnection& connection) const {
+        const std::vector<AccessPoint> inRange = FindAccessPoints();
+        return connection.network.empty() ||
+               std::any_of(inRange.begin(), inRange.end(), [&](const AccessPoint& one) {
+                   return one.adapter == connection.adapter &&
+                          (one.name == connection.network || one.name.empty());
+               });
     }
 
     // Begins to join the network of a connection whose profile is gone, which takes an open one.

@@ -22,7 +22,7 @@ std::filesystem::path AbsoluteFromEnvironment(const char* variable, bool& isIgno
 }
 
 std::filesystem::path FolderBy(const FolderRule& rule, bool& isIgnored) {
-    if (const auto folder = AbsoluteFromEnvironment(rule.variable, isIgnored); !folder.empty()) {
+    if (auto folder = AbsoluteFromEnvironment(rule.variable, isIgnored); !folder.empty()) {
         return folder;
     }
     if (const auto home = AbsoluteFromEnvironment(rule.homeVariable, isIgnored); !home.empty()) {

@@ -13,7 +13,7 @@ public:
     using Time = std::chrono::steady_clock::time_point;
     using Duration = std::chrono::steady_clock::duration;
 
-    // A question waits for its answer for `patience` at least.
+    // A question waits for its answer for `patience`, or until the deadline where that is sooner.
     static AskedAgain Once(Time start, Duration patience);
     static AskedAgain Until(Time deadline, Time start, Duration patience);
 

@@ -86,7 +86,9 @@ void PrinterMemory::MakeRoom(Printers::const_iterator first, Printers::const_ite
     for (std::size_t left = all / 8; left > 0; --left) {
         auto& most =
             std::max_element(byAddress.begin(), byAddress.end(), [](const auto& a, const auto& b) {
-                return a.second.size() < b.second.size();
+                return a.second.size() != b.second.size()
+                           ? a.second.size() < b.second.size()
+                           : !a.second.empty() && a.second.back().turn > b.second.back().turn;
             })->second;
         Drop(most.back());
         most.pop_back();

@@ -26,7 +26,7 @@ namespace {
 constexpr std::chrono::milliseconds kPatienceForAvahi{3000};
 
 // Lines about printers that are left out, so that no one fills the disk.
-constexpr int kMaxLeftOutLines = 100;
+constexpr int kMaxLinesOfLeftOut = 100;
 
 struct Answer {
     PrinterTable::QueryId query;
@@ -252,8 +252,8 @@ void ScanSession::Report(const Printer& printer) {
 }
 
 void ScanSession::SayLeftOut(const Printer& printer) {
-    if (leftOutLines < kMaxLeftOutLines) {
-        const bool last = ++leftOutLines == kMaxLeftOutLines;
+    if (leftOutLines < kMaxLinesOfLeftOut) {
+        const bool last = ++leftOutLines == kMaxLinesOfLeftOut;
         ReportDetail(printer.id.name + " at " + printer.address + ":" +
                      std::to_string(printer.port) +
                      " is left out: too many services claim to be that printer" +

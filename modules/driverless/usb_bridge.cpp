@@ -18,7 +18,7 @@ namespace Driverless {
 namespace {
 
 // A host has no more printers on USB than this.
-constexpr std::size_t kMostBridges = 64;
+constexpr std::size_t kMaxBridges = 64;
 
 constexpr const char* kRangeVariable = "DRIVERLESS_USB_BRIDGE_PORTS";
 
@@ -115,7 +115,7 @@ std::vector<std::uint16_t> BridgePorts(const std::vector<ListeningPort>& listeni
     }
     std::vector<std::uint16_t> ports;
     for (const auto& [port, isTrusted] : trusted) {
-        if (isTrusted && port >= range.first && port <= range.last && ports.size() < kMostBridges) {
+        if (isTrusted && port >= range.first && port <= range.last && ports.size() < kMaxBridges) {
             ports.push_back(port);
         }
     }

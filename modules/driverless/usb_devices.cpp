@@ -8,9 +8,9 @@
 #include <span>
 #include <string>
 
+#include "base/side_by_side.h"
 #include "diagnostics.h"
 #include "results.h"
-#include "side_by_side.h"
 #include "usb_device.h"
 
 namespace Driverless {
@@ -18,7 +18,7 @@ namespace Driverless {
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{1000};
-constexpr SideBySideLimits kLimits{32, std::chrono::milliseconds(3000)};
+constexpr Base::SideBySideLimits kLimits{32, std::chrono::milliseconds(3000)};
 
 struct ExitLibrary {
     void operator()(libusb_context* context) const { libusb_exit(context); }
@@ -102,9 +102,12 @@ void ReportFailure(const std::string& place, int error) {
 
 std::vector<Description> AskAll(std::span<libusb_device*> devices, const Wanted& wanted) {
     std::vector<Description> descriptions(devices.size());
-    AskSideBySide(devices.size(), kLimits, [&](std::size_t number) {
-        descriptions[number] = DescriptionOf(devices[number], wanted);
-    });
+    const std::string problem = Base::AskSideBySide(
+        devices.size(), kLimits,
+        [&](std::size_t number) { descriptions[number] = DescriptionOf(devices[number], wanted); });
+    if (!problem.empty()) {
+        ReportDetail("no further thread for printers on USB: " + problem);
+    }
     return descriptions;
 }
 

@@ -64,7 +64,8 @@ public:
     // Joins the network `ssid`, as a scan gives its name or hidden, with `passPhrase`, 8 to 63
     // characters or a key of 64 hexadecimal digits; without one an open network, or a protected one
     // with what the system has saved of it. Waits for the outcome up to 30 seconds, and before
-    // that up to 15 for a network that is not in sight, which is scanned for again and again. True
+    // that for a network that is not in sight: on Linux up to 15, in which it is scanned for again
+    // and again, on Windows up to 10 for one scan. True
     // when the host is joined; false, with the reason logged, otherwise: the attempt is then ended,
     // and on Linux the host begins to connect as before it, where that was an open or a saved
     // network. The system is not to remember the network because of it. The pass phrase is never

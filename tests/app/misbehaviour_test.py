@@ -204,6 +204,13 @@ class Hanging(AppTest):
             self.assert_mentions(errors, "no answer from module ", "scripted_hangs_at_load",
                                  ", which is being loaded, within 1 s")
 
+    @on_linux
+    def test_a_module_that_hangs_when_the_program_ends_does_not_keep_it(self):
+        self.list_file = self.vendor_list([("one", "scripted_hangs_at_end")])
+        result = self.run_app("vendors")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "a module does not let the program end")
+
     def test_a_vendor_that_does_not_answer_is_named_and_left_behind(self):
         questions = [name for name in COMMANDS if not name.startswith(("Start", "Stop"))]
         results = self.run_hanging([(COMMANDS[name], [f"misbehave {name} hang"])
@@ -250,7 +257,7 @@ class Hanging(AppTest):
                 process.send_signal(request)
                 start = time.monotonic()
                 _, errors = process.communicate(timeout=app_test.PATIENCE)
-                self.assertLess(time.monotonic() - start, 5)
+                self.assertLess(time.monotonic() - start, 15)
                 self.assertEqual(process.returncode, NONE_FOUND)
                 self.assert_mentions(errors.decode(), "interrupted")
 

@@ -493,8 +493,8 @@ double ProcessorTimeOf(int services, const std::function<Service(int)>& serviceO
 
 void ExpectInProportion(const std::function<Service(int)>& serviceOf) {
     ProcessorTimeOf(100, serviceOf);
-    EXPECT_LT(ProcessorTimeOf(4000, serviceOf), 20 * ProcessorTimeOf(500, serviceOf))
-        << "8 in proportion, 64 when quadratic";
+    EXPECT_LT(ProcessorTimeOf(8000, serviceOf), 10 * ProcessorTimeOf(2000, serviceOf))
+        << "4 in proportion, 16 when quadratic";
 }
 
 TEST_F(PrinterTableTest, ManyPlacesOfOneUuid_TakeTimeInProportion) {

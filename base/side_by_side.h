@@ -11,9 +11,7 @@
 #include <system_error>
 #include <vector>
 
-#include "diagnostics.h"
-
-namespace Driverless {
+namespace Base {
 
 struct SideBySideLimits {
     std::size_t threads;
@@ -21,9 +19,10 @@ struct SideBySideLimits {
 };
 
 // Calls ask(number) for the numbers below `count`, the lower ones first, on several threads, and
-// waits for all that was begun.
+// waits for all that was begun. Returns why there were fewer threads than wanted: then those that
+// there are ask the more. Throws what `ask` throws.
 template <class Ask>
-void AskSideBySide(std::size_t count, const SideBySideLimits& limits, Ask ask) {
+std::string AskSideBySide(std::size_t count, const SideBySideLimits& limits, Ask ask) {
     const auto now = [] { return std::chrono::steady_clock::now(); };
     std::atomic<std::size_t> next = 0;
     const auto work = [&, end = now() + limits.patience] {
@@ -32,18 +31,19 @@ void AskSideBySide(std::size_t count, const SideBySideLimits& limits, Ask ask) {
         }
     };
     std::vector<std::future<void>> others;
+    std::string problem;
     try {
         for (std::size_t i = 1; i < std::min(count, limits.threads); ++i) {
             others.push_back(std::async(std::launch::async, work));
         }
-    } catch (const std::system_error& problem) {
-        // Those that there are ask the more.
-        ReportDetail(std::string("no further thread for printers on USB: ") + problem.what());
+    } catch (const std::system_error& error) {
+        problem = error.what();
     }
     work();
     for (std::future<void>& other : others) {
         other.get();
     }
+    return problem;
 }
 
-}  // namespace Driverless
+}  // namespace Base

@@ -6,9 +6,9 @@
 #include <chrono>
 #include <thread>
 
-#include "side_by_side.h"
+#include "base/side_by_side.h"
 
-namespace Driverless {
+namespace Base {
 namespace {
 
 using std::chrono::milliseconds;
@@ -54,4 +54,4 @@ TEST_F(SideBySide, Nothing_IsAskedOfNone) {
 }
 
 }  // namespace
-}  // namespace Driverless
+}  // namespace Base
