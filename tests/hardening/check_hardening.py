@@ -20,7 +20,7 @@ ON_X86 = ["-fcf-protection"] if platform.machine() in ("x86_64", "AMD64", "i686"
 COMPILED_WITH = {"linux": BOTH + ["-fstack-clash-protection"] + ON_X86, "windows": BOTH}
 # The folders of what users run; tests and benchmarks may be built as they like.
 NOT_SHIPPED = re.compile(r"^(tests|bench)/")
-FEWEST_BINARIES = 8
+FEWEST_BINARIES = 6
 
 
 def output(*command):
