@@ -90,6 +90,9 @@ void ByteStream::Close() {
 }
 
 bool ByteStream::StartTls(const std::string& host) {
+    // One reference more than the library's own: it would take itself down when the process ends,
+    // under threads that still talk.
+    [[maybe_unused]] static const int kept = gnutls_global_init();
     if (gnutls_certificate_allocate_credentials(&credentials) != GNUTLS_E_SUCCESS) {
         return Fail("no memory for TLS");
     }
