@@ -153,15 +153,8 @@ int ConfigureNetwork(const Settings& settings, const std::string& network,
         const Base::WipeAtEnd wiped(record);
         return DiscoverNetConnInterface::GetInstance().PrinterAPNetConfigEvent(record);
     };
-    try {
-        return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);
-    } catch (const Interrupted&) {
-        BreakOffHostWifi();
-        throw;
-    } catch (const TimedOut&) {
-        BreakOffHostWifi();
-        throw;
-    }
+    return AwaitOrBreakOff(settings, "Waiting for the printer to join " + network, work,
+                           kJoinLimit);
 }
 
 int CheckLocalNetwork(const Settings& settings, const DeviceInfo& device) {

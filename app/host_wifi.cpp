@@ -60,15 +60,7 @@ JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
             Widen(network).value_or(L""), std::move(wide));
         return JoinOutcome{joined, LastHostWifiProblem()};
     };
-    try {
-        return Await(settings, "Joining " + network, work, kJoinLimit);
-    } catch (const Interrupted&) {
-        BreakOffHostWifi();
-        throw;
-    } catch (const TimedOut&) {
-        BreakOffHostWifi();
-        throw;
-    }
+    return AwaitOrBreakOff(settings, "Joining " + network, work, kJoinLimit);
 }
 
 void RememberNetwork(const Settings& settings) {

@@ -35,7 +35,7 @@ HostNetworks NetworksInRange(const Settings& settings);
 HostNetworks NetworksToOffer(const Settings& settings);
 AccessPoint CurrentAccessPoint(const Settings& settings);
 
-// `network` must be UTF-8. When it is interrupted, the attempt is undone.
+// `network` must be UTF-8. When it is interrupted, or takes too long, the attempt is undone.
 JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
                         const std::shared_ptr<Base::Secret>& passPhrase);
 

@@ -5,7 +5,6 @@
 #include <functional>
 #include <utility>
 
-#include "app/awaiting.h"
 #include "app/host_function.h"
 #include "app/messages.h"
 

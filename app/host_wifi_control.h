@@ -1,8 +1,12 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
+#include <utility>
 
+#include "app/awaiting.h"
+#include "app/settings.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 
 namespace App {
@@ -31,5 +35,21 @@ bool GoBackWithHostWifi(const std::string& network, std::chrono::milliseconds pa
 // Undoes what the program has begun with the host's Wi-Fi and not brought to its end; waits for
 // that up to 10 s, and warns when it is not done by then.
 void BreakOffHostWifi();
+
+// As Await, for work that takes the host to a network: what it has begun is undone when the user
+// asks the program to end, or when the work takes too long.
+template <class Result>
+Result AwaitOrBreakOff(const Settings& settings, const std::string& what,
+                       std::function<Result()> work, Cancellation::Clock::duration limit) {
+    try {
+        return Await(settings, what, std::move(work), limit);
+    } catch (const Interrupted&) {
+        BreakOffHostWifi();
+        throw;
+    } catch (const TimedOut&) {
+        BreakOffHostWifi();
+        throw;
+    }
+}
 
 }  // namespace App

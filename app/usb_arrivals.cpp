@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <future>
 #include <stdexcept>
 #include <thread>
 
@@ -13,7 +14,6 @@
 #include "app/host_usb_problem.h"
 #include "app/problem.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
-#include "platform/compiler.h"
 
 namespace App {
 
@@ -103,15 +103,17 @@ void UsbArrivals::Ask(const std::wstring& deviceId, std::size_t unlessTold) {
     const std::string usbId = WStringToString(deviceId);
     UsbAnswer answer;
     std::string problem;
+    // A vendor that ends the thread ends it here, and nothing else.
+    std::packaged_task<UsbAnswer()> question([&] { return AskUsbVendor(deviceId); });
+    question();
     try {
-        answer = AskUsbVendor(deviceId);
+        answer = question.get_future().get();
         problem = WhyUsbAnswerIsNone(usbId, answer);
     } catch (const std::out_of_range&) {
         problem = usbId + ": too short to name a printer; write it as VID_vvvv&PID_pppp";
     } catch (const std::exception& error) {
         problem = usbId + ": an exception came out of its vendor: " + error.what();
-    }
-    PLATFORM_CATCH_ALL {
+    } catch (...) {
         problem = usbId + ": an exception came out of its vendor";
     }
     Report(deviceId, answer, problem);

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <future>
 #include <memory>
-#include <optional>
 #include <thread>
 #include <utility>
 
@@ -13,7 +13,6 @@
 #include "app/crash_report.h"
 #include "app/problem.h"
 #include "app/vendor_calls.h"
-#include "platform/compiler.h"
 
 namespace App {
 
@@ -31,7 +30,7 @@ public:
     Work& operator=(const Work&) = delete;
 
     // To be asked inside a wait of Cancellation.
-    bool IsDone() const { return outcome->result || outcome->failure; }
+    bool IsDone() const { return outcome->isThere; }
 
     // The result, once it is done. Throws what the work has thrown.
     Result Take();
@@ -39,25 +38,21 @@ public:
     std::uint64_t Began() const { return began; }
 
 private:
-    // Calls `end` also when the thread is ended, which comes as an exception that goes on.
-    class AtEnd {
-    public:
-        explicit AtEnd(std::function<void()> whatToDo) : end(std::move(whatToDo)) {}
-        ~AtEnd() { end(); }
-        AtEnd(const AtEnd&) = delete;
-        AtEnd& operator=(const AtEnd&) = delete;
-
-    private:
-        const std::function<void()> end;
-    };
-
     struct Outcome {
-        std::optional<Result> result;
-        std::exception_ptr failure;
+        std::future<Result> result;
+        bool isThere = false;
         std::atomic<bool> mayEnd = false;
+
+        // Also when the vendor has ended the thread, which comes as an exception that goes on.
+        struct Announcement {
+            Outcome& outcome;
+            ~Announcement() {
+                Cancellation::GetInstance().Notify([this] { outcome.isThere = true; });
+            }
+        };
     };
 
-    static void Run(const std::function<Result()>& work, Outcome& outcome);
+    static void Run(std::packaged_task<Result()>& work, Outcome& outcome);
 
     const std::uint64_t began = CallClockNow();
     const std::shared_ptr<Outcome> outcome = std::make_shared<Outcome>();
@@ -65,8 +60,11 @@ private:
 };
 
 template <class Result>
-Work<Result>::Work(std::function<Result()> work)
-    : thread([own = outcome, work = std::move(work)] { Run(work, *own); }) {}
+Work<Result>::Work(std::function<Result()> function) {
+    std::packaged_task<Result()> work(std::move(function));
+    outcome->result = work.get_future();
+    thread = std::thread([own = outcome, work = std::move(work)]() mutable { Run(work, *own); });
+}
 
 template <class Result>
 Work<Result>::~Work() {
@@ -80,25 +78,11 @@ Work<Result>::~Work() {
 }
 
 template <class Result>
-void Work<Result>::Run(const std::function<Result()>& work, Outcome& outcome) {
+void Work<Result>::Run(std::packaged_task<Result()>& work, Outcome& outcome) {
     ReportCrashesOfThisThread();
-    std::optional<Result> result;
-    std::exception_ptr failure =
-        std::make_exception_ptr(Problem("a vendor has ended the thread that it was called on"));
     {
-        const AtEnd tell([&] {
-            Cancellation::GetInstance().Notify([&] {
-                outcome.result = std::move(result);
-                outcome.failure = failure;
-            });
-        });
-        try {
-            result = work();
-            failure = nullptr;
-        }
-        PLATFORM_CATCH_ALL {
-            failure = std::current_exception();
-        }
+        const typename Outcome::Announcement announcement{outcome};
+        work();
     }
     while (!outcome.mayEnd) {
         std::this_thread::yield();
@@ -109,10 +93,13 @@ template <class Result>
 Result Work<Result>::Take() {
     outcome->mayEnd = true;
     thread.join();
-    if (outcome->failure) {
-        Rethrow(outcome->failure, began);
+    try {
+        return outcome->result.get();
+    } catch (const std::future_error&) {
+        throw Problem("a vendor has ended the thread that it was called on");
+    } catch (...) {
+        Rethrow(std::current_exception(), began);
     }
-    return std::move(*outcome->result);
 }
 
 }  // namespace App

@@ -1,7 +1,6 @@
 #include "host/PrinterAdapter/printer_list.h"
 
 #include <array>
-#include <cstring>
 #include <exception>
 #include <iterator>
 #include <string_view>
@@ -34,7 +33,7 @@ void LogProblem(std::string_view problem) {
 }
 
 void ReportProblem(std::string_view problem) {
-    problem.copy(lastProblem.data(), lastProblem.size() - 1);
+    Host::CopyUtf8(problem, lastProblem.data(), lastProblem.size());
     LogProblem(problem);
 }
 
@@ -61,9 +60,6 @@ void PrinterList::GetPrinterList(std::vector<PrinterSdk::PrinterProperty>& print
 
 int PrinterListProblem(char* text, std::size_t size) {
     const char* const problem = PrinterAdapter::lastProblem.data();
-    if (text != nullptr && size > 0) {
-        std::memset(text, 0, size);
-        std::strncpy(text, problem, size - 1);
-    }
+    Host::CopyUtf8(problem, text, size);
     return *problem == '\0' ? 0 : 1;
 }

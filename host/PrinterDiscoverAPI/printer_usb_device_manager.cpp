@@ -1,7 +1,6 @@
 #include "platform/PrinterDiscoverAPI/PrinterUsbDeviceManager.h"
 
 #include <array>
-#include <cstring>
 #include <set>
 #include <string>
 
@@ -20,15 +19,11 @@ namespace {
 thread_local std::array<char, 512> lastUsbProblem{};
 
 void Keep(const std::string& problem) {
-    lastUsbProblem = {};
-    std::strncpy(lastUsbProblem.data(), problem.c_str(), lastUsbProblem.size() - 1);
+    Host::CopyUtf8(problem, lastUsbProblem.data(), lastUsbProblem.size());
 }
 
 int Give(const char* problem, char* text, std::size_t size) {
-    if (text != nullptr && size > 0) {
-        std::memset(text, 0, size);
-        std::strncpy(text, problem, size - 1);
-    }
+    Host::CopyUtf8(problem, text, size);
     return *problem == '\0' ? 0 : 1;
 }
 

@@ -1,5 +1,4 @@
 #include <array>
-#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -45,8 +44,8 @@ void ForgetProblem() {
 
 void ReportProblem(LOG_MESSAGE_LEVEL level, const std::wstring& what,
                    const Host::WifiProblem& problem, std::wstring_view where) {
-    lastProblem = {KindOf(problem), {}};
-    std::strncpy(lastProblem.reason.data(), problem.what(), lastProblem.reason.size() - 1);
+    lastProblem.kind = KindOf(problem);
+    Host::CopyUtf8(problem.what(), lastProblem.reason.data(), lastProblem.reason.size());
     Host::Report(level, what + L": " + Host::FromUtf8(problem.what()), where);
 }
 
@@ -110,10 +109,7 @@ bool PrinterWifiAPI::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
 
 int PrinterWifiProblem(char* text, std::size_t size) {
     const auto& [kind, reason] = PrinterDiscoverAPI::lastProblem;
-    if (text != nullptr && size > 0) {
-        std::memset(text, 0, size);
-        std::strncpy(text, reason.data(), size - 1);
-    }
+    Host::CopyUtf8(reason.data(), text, size);
     return kind;
 }
 

@@ -1,5 +1,6 @@
 #include "host/common/utf8.h"
 
+#include <algorithm>
 #include <type_traits>
 
 namespace Host {
@@ -123,6 +124,18 @@ std::wstring FromUtf8(std::string_view utf8) {
         AppendWide(text, NextCodePoint(utf8, at));
     }
     return text;
+}
+
+void CopyUtf8(std::string_view text, char* room, std::size_t size) {
+    if (room == nullptr || size == 0) {
+        return;
+    }
+    constexpr auto continues = [](char byte) { return (byte & 0xC0) == 0x80; };
+    std::size_t length = std::min(text.size(), size - 1);
+    while (length > 0 && length < text.size() && continues(text[length])) {
+        --length;
+    }
+    std::fill(std::copy_n(text.data(), length, room), room + size, '\0');
 }
 
 }  // namespace Host

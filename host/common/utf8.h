@@ -19,4 +19,8 @@ void AppendUtf8(std::string& text, char32_t codePoint);
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view utf8);
 
+// Fills the `size` bytes at `room` with the text, terminated, and zeros behind it. What does not
+// fit is left out, between two characters. Does nothing where there is no room.
+void CopyUtf8(std::string_view text, char* room, std::size_t size);
+
 }  // namespace Host

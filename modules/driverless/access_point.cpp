@@ -1,7 +1,6 @@
 #include "access_point.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <mutex>
 #include <thread>
 
@@ -99,13 +98,7 @@ AccessPointSearch Nothing(int result, const std::string& detail) {
 // How long the first question in a network is asked again, from the environment variable
 // DRIVERLESS_FIRST_SECONDS.
 std::chrono::seconds FirstPatience() {
-    constexpr long normal = 10;
-    constexpr long longest = 60;
-    const std::string text = ReadSetting("DRIVERLESS_FIRST_SECONDS");
-    char* end = nullptr;
-    const long seconds = std::strtol(text.c_str(), &end, 10);
-    const bool valid = *end == '\0' && seconds >= 1 && seconds <= longest;
-    return std::chrono::seconds(valid ? seconds : normal);
+    return ReadSeconds("DRIVERLESS_FIRST_SECONDS", 10, 60);
 }
 
 // FirstQuestions for all threads. Never destroyed: they run until the process is gone.

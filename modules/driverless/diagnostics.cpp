@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
 #include <mutex>
 #include <set>
@@ -79,6 +80,14 @@ std::string ReadSetting(const char* name) {
         ReportProblem(ignored);
     }
     return text;
+}
+
+std::chrono::seconds ReadSeconds(const char* name, long normal, long longest) {
+    const std::string text = ReadSetting(name);
+    char* end = nullptr;
+    const long seconds = std::strtol(text.c_str(), &end, 10);
+    const bool valid = *end == '\0' && seconds >= 1 && seconds <= longest;
+    return std::chrono::seconds(valid ? seconds : normal);
 }
 
 void ReportProblem(const std::string& message) {

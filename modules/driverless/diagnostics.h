@@ -6,6 +6,7 @@
 // once, on standard error. A FIFO's reader is not waited for, and one that is gone does not end the
 // process.
 
+#include <chrono>
 #include <string>
 
 namespace Driverless {
@@ -13,6 +14,9 @@ namespace Driverless {
 // The text of an environment variable that sets the module up; empty when it is unset, or ignored
 // because this process has more rights than its user, which is reported once a variable.
 std::string ReadSetting(const char* name);
+
+// One that is a number of seconds, from 1 to `longest`; `normal` for anything else.
+std::chrono::seconds ReadSeconds(const char* name, long normal, long longest);
 
 // Something that keeps the module from doing what it was asked to.
 void ReportProblem(const std::string& message);

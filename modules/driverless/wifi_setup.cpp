@@ -1,7 +1,6 @@
 #include "wifi_setup.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <thread>
@@ -33,16 +32,9 @@ constexpr std::chrono::milliseconds kStatePatienceWithTls{2000};
 constexpr std::chrono::milliseconds kScanPatience{12000};
 constexpr std::chrono::seconds kVisitPatience{10};
 
-constexpr long kDefaultLimit = 30;
-constexpr long kLongestLimit = 600;
-
 // How long a printer has to join, from the environment variable DRIVERLESS_JOIN_SECONDS.
 std::chrono::seconds JoinLimit() {
-    const std::string text = ReadSetting("DRIVERLESS_JOIN_SECONDS");
-    char* end = nullptr;
-    const long seconds = std::strtol(text.c_str(), &end, 10);
-    const bool valid = *end == '\0' && seconds >= 1 && seconds <= kLongestLimit;
-    return std::chrono::seconds(valid ? seconds : kDefaultLimit);
+    return ReadSeconds("DRIVERLESS_JOIN_SECONDS", 30, 600);
 }
 
 // A printer that takes Wi-Fi settings, and the way to it.

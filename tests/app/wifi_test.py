@@ -151,6 +151,12 @@ class WifiJoin(HostTest):
         terminal.expect("interrupted")
         self.assertEqual(self.host_calls("PrinterWifiBreakOff"), ["PrinterWifiBreakOff"])
 
+    def test_an_attempt_that_takes_too_long_is_undone(self):
+        self.host("join 1", "delay ConnectAP 60000")
+        result = self.run_app("wifi", "join", "Office", "--open", "--vendor-seconds", "1")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assertEqual(self.host_calls("PrinterWifiBreakOff"), ["PrinterWifiBreakOff"])
+
 
 class Ping(HostTest):
     def test_an_address_that_answers(self):

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
+#include <utility>
 
 #include "platform/PrinterUtil/PrinterUtil.h"
 
@@ -94,6 +96,20 @@ TEST(FromUtf8, ReplacesWhatIsIllFormed) {
     EXPECT_EQ(Host::FromUtf8("\xED\xA0\x80")[0], L'\uFFFD');
     EXPECT_EQ(Host::FromUtf8("\xF4\x90\x80\x80")[0], L'\uFFFD');
     EXPECT_EQ(Host::FromUtf8("\xF5")[0], L'\uFFFD');
+}
+
+TEST(CopyUtf8, FillsTheRoomAndCutsBetweenCharacters) {
+    const std::string text = "ab\xE2\x82\xAC";  // two characters, and one of three bytes
+    for (const auto& [size, expected] :
+         {std::pair<std::size_t, std::string>{8, text}, {6, text}, {5, "ab"}, {3, "ab"}, {1, ""}}) {
+        std::string room(size, 'x');
+        Host::CopyUtf8(text, room.data(), room.size());
+        EXPECT_EQ(room, expected + std::string(size - expected.size(), '\0')) << size;
+    }
+    char untouched = 'x';
+    Host::CopyUtf8(text, &untouched, 0);
+    EXPECT_EQ(untouched, 'x');
+    Host::CopyUtf8(text, nullptr, 8);
 }
 
 TEST(Paths, GoToUtf8AndBack) {

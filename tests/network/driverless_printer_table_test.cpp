@@ -72,6 +72,15 @@ protected:
 
     PrinterTable::Work Now() { return After(milliseconds(0)); }
 
+    void ResolveTwoOfWhichTheFirstRefuses() {
+        ResolvePlace(1);
+        ResolvePlace(2);
+        const auto asking = Now();
+        table.Refused(asking.queries.at(0).id);
+        table.Answered(asking.queries.at(1).id, Attributes());
+        EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+    }
+
     static PrinterAttributes Attributes(const std::string& uuid = kUuid) {
         PrinterAttributes attributes;
         attributes.uuid = "urn:uuid:" + uuid;
@@ -584,12 +593,7 @@ TEST_F(PrinterTableTest, AFloodOfPortsOfAPlace_TakesNoChanceFromALateOne) {
 }
 
 TEST_F(PrinterTableTest, APlaceThatRefusesToTell_IsReportedBehindTheOneThatAnswers) {
-    ResolvePlace(1);
-    ResolvePlace(2);
-    const auto asking = Now();
-    table.Refused(asking.queries.at(0).id);
-    table.Answered(asking.queries.at(1).id, Attributes());
-    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+    ResolveTwoOfWhichTheFirstRefuses();
     EXPECT_EQ(AddressesOf(After(kPatienceForIpp)), Texts{"192.0.2.1"});
     EXPECT_TRUE(After(milliseconds(10000)).reports.empty()) << "each once";
 }
@@ -608,12 +612,7 @@ TEST_F(PrinterTableTest, APlaceThatRefusesToTell_WaitsForTheReportOfTheOneThatAn
 }
 
 TEST_F(PrinterTableTest, APlaceThatRefusedToTell_AndMovedToWhereNothingAnswers_IsLeftOut) {
-    ResolvePlace(1);
-    ResolvePlace(2);
-    const auto asking = Now();
-    table.Refused(asking.queries.at(0).id);
-    table.Answered(asking.queries.at(1).id, Attributes());
-    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+    ResolveTwoOfWhichTheFirstRefuses();
     table.Resolved(PlaceId(1), Place(7), now);
     table.Answered(Now().queries.at(0).id, std::nullopt);
     EXPECT_TRUE(After(milliseconds(10000)).reports.empty());

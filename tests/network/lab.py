@@ -15,6 +15,15 @@ def lab(*arguments):
     subprocess.run([LAB, *map(str, arguments)], check=True, timeout=60)
 
 
+def network_manager_property(path, interface, name):
+    """The last word of what the system bus says of it: a number, a path, or a text of one word."""
+    return subprocess.run(
+        ["dbus-send", "--system", "--print-reply=literal",
+         "--dest=org.freedesktop.NetworkManager", path,
+         "org.freedesktop.DBus.Properties.Get", "string:" + interface, "string:" + name],
+        check=True, capture_output=True, text=True, timeout=PATIENCE).stdout.split()[-1]
+
+
 # Who plays the printer is not what is tested: the thread sanitizer would end it for the order in
 # which its framework, which it does not know, takes its locks.
 PLAYER_ENVIRONMENT = {**os.environ, "TSAN_OPTIONS": os.environ.get("TSAN_OPTIONS", "") +

@@ -12,7 +12,7 @@ import subprocess
 import threading
 import time
 
-from lab import LAB, PATIENCE, Lines, lab
+from lab import LAB, PATIENCE, Lines, lab, network_manager_property
 
 PRINTER = os.environ["WIFI_PRINTER"]
 MOCK = os.environ["NETWORK_MANAGER_MOCK"]
@@ -75,9 +75,9 @@ class HostWifi:
 
     def joined(self):
         """The network that the host is joined to; nothing while it is joined to none."""
-        state = self._property(self.adapter, "org.freedesktop.NetworkManager.Device", "State")
-        point = self._property(self.adapter, "org.freedesktop.NetworkManager.Device.Wireless",
-                               "ActiveAccessPoint")
+        device = "org.freedesktop.NetworkManager.Device"
+        state = network_manager_property(self.adapter, device, "State")
+        point = network_manager_property(self.adapter, device + ".Wireless", "ActiveAccessPoint")
         names = [name for name, path in self.paths.items() if path == point]
         return names[0] if names and state == str(ACTIVATED) else None
 
@@ -86,14 +86,6 @@ class HostWifi:
         while self.joined() != name:
             assert time.monotonic() < deadline, f"joined to {self.joined()}, not to {name}"
             time.sleep(0.05)
-
-    @staticmethod
-    def _property(path, interface, name):
-        return subprocess.run(
-            ["dbus-send", "--system", "--print-reply=literal",
-             "--dest=org.freedesktop.NetworkManager", path,
-             "org.freedesktop.DBus.Properties.Get", "string:" + interface, "string:" + name],
-            check=True, capture_output=True, text=True, timeout=PATIENCE).stdout.split()[-1]
 
     def leave(self):
         """What happens when the network that the host is joined to is closed."""

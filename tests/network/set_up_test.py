@@ -14,7 +14,7 @@ import sys
 import time
 import unittest
 
-from lab import LAB, PATIENCE, Lines, lab
+from lab import LAB, PATIENCE, Lines, lab, network_manager_property
 from network_test import IPP, IPPS, NO_AVAHI, NO_BUS, SLACK, Probe, text_below, text_of
 
 PRINTER = os.environ["WIFI_PRINTER"]
@@ -134,20 +134,11 @@ class HostWifi:
         self.leave()
         self._tell("RemoveAccessPoint", "string:" + ADAPTER, "string:" + self.paths[name])
 
-    @staticmethod
-    def _property(path, interface, name):
-        return subprocess.run(
-            ["dbus-send", "--system", "--print-reply=literal",
-             "--dest=org.freedesktop.NetworkManager", path,
-             "org.freedesktop.DBus.Properties.Get", "string:" + interface, "string:" + name],
-            check=True, capture_output=True, text=True, timeout=PATIENCE).stdout.split()[-1]
-
     def joined(self):
         """The network of the profile that the adapter uses."""
-        active = self._property(ADAPTER, "org.freedesktop.NetworkManager.Device",
-                                "ActiveConnection")
-        profile = self._property(active, "org.freedesktop.NetworkManager.Connection.Active",
-                                 "Connection")
+        manager = "org.freedesktop.NetworkManager"
+        active = network_manager_property(ADAPTER, manager + ".Device", "ActiveConnection")
+        profile = network_manager_property(active, manager + ".Connection.Active", "Connection")
         point = os.path.basename(profile)
         return next((name for name, path in self.paths.items() if path.endswith("/" + point)),
                     profile)
