@@ -120,7 +120,7 @@ IppReply ExchangeIpp(ByteStream& stream, const IppTarget& target, std::string_vi
     IppReply reply;
     // A server that refuses may do so before it has read everything.
     Answer answer(limits);
-    std::array<char, 8192> room{};
+    std::array<char, 65536> room{};
     const WipeAtEnd wiped(room);
     while (true) {
         const auto size = stream.Read(room);
