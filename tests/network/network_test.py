@@ -295,6 +295,13 @@ class NetworkTest(unittest.TestCase):
         self.assertEqual(len(lines), 1, lines)
         self.assertRegex(lines[0], "^driverless: .*" + pattern)
 
+    def found_one(self, within=5):
+        probe = self.probe()
+        probe.start()
+        printer = probe.await_event("found", within * SLACK + 1)
+        self.assertEqual(len(probe.found(1.5)), 1, "once")
+        return probe, printer
+
 
 UUID = "7e21a7d4-0000-4000-8000-00000000000"
 
@@ -656,13 +663,6 @@ class Stopping(NetworkTest):
 
 
 class PrintersOfAllKinds(NetworkTest):
-    def found_one(self, within=5):
-        probe = self.probe()
-        probe.start()
-        printer = probe.await_event("found", within * SLACK + 1)
-        self.assertEqual(len(probe.found(1.5)), 1, "once")
-        return probe, printer
-
     def test_the_serial_number_attribute_is_preferred(self):
         self.fake_printer("Office", 9000, txt=[f"UUID={UUID}1", "rp=ipp/office"], attributes=[
             "printer-serial-number=SN-4711", "printer-make-and-model=Acme Office",
@@ -830,6 +830,8 @@ class PrintersOfAllKinds(NetworkTest):
         self.assertLess(probe.seen[-1]["seconds"], 1.5 * SLACK)
         probe.await_printers(13)
 
+
+class HostileHosts(NetworkTest):
     def announcer(self):
         announcer = Announcer()
         self.addCleanup(announcer.end)
