@@ -44,7 +44,7 @@ public:
     DnssdBrowser(Listener listener, const ServiceId& only);
     ~DnssdBrowser();
 
-    // The printer of that service has answered: other services of its name are not looked up, as
+    // The printer of that service has answered: other services of its name are looked up last, as
     // long as this one is announced. Does not wait for Avahi.
     void Answered(const ServiceId& id);
 

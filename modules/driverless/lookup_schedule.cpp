@@ -13,54 +13,55 @@ constexpr std::size_t kMaxDoublings = 4;
 }  // namespace
 
 void LookupSchedule::Announced(const ServiceId& id, Time now) {
-    if (!states.emplace(id, State::Later).second) {
+    if (!services.emplace(id, Known{State::Later, now}).second) {
         return;
     }
-    std::set<ServiceId>& services = names[NameOf(id)];
-    services.insert(id);
+    std::set<ServiceId>& sameName = names[NameOf(id)];
+    sameName.insert(id);
     if (id.kind == ServiceKind::Ipp) {
         Wait(id);
         // The others of that name can wait.
-        for (const ServiceId& other : services) {
-            if (states.at(other) == State::Later && handedBack.count(other) == 0) {
-                PutOff(other, now + kDelayWithIpp);
+        for (const ServiceId& other : sameName) {
+            const Known& known = services.at(other);
+            if (known.state == State::Later && handedBack.count(other) == 0) {
+                PutOff(other, known.since + kDelayWithIpp);
             }
         }
         return;
     }
-    const bool hasIpp = services.begin()->kind == ServiceKind::Ipp;
+    const bool hasIpp = sameName.begin()->kind == ServiceKind::Ipp;
     PutOff(id, now + (hasIpp ? kDelayWithIpp : kDelayWithoutIpp));
 }
 
 void LookupSchedule::Gone(const ServiceId& id, Time now) {
-    const auto known = states.find(id);
-    if (known == states.end()) {
+    const auto known = services.find(id);
+    if (known == services.end()) {
         return;
     }
     Leave(id);
-    states.erase(known);
+    services.erase(known);
     handedBack.erase(id);
-    const auto services = names.find(NameOf(id));
-    services->second.erase(id);
+    const auto sameName = names.find(NameOf(id));
+    sameName->second.erase(id);
     const auto source = answered.find(NameOf(id));
     if (source != answered.end() && source->second == id) {
         answered.erase(source);
-        for (const ServiceId& other : services->second) {
-            if (states.at(other) == State::Later) {
+        for (const ServiceId& other : sameName->second) {
+            if (services.at(other).state == State::Later) {
                 PutOff(other, now + kDelayWithoutIpp);
             }
         }
     }
-    if (services->second.empty()) {
-        names.erase(services);
+    if (sameName->second.empty()) {
+        names.erase(sameName);
     }
 }
 
 void LookupSchedule::Found(const ServiceId& id) {
-    const auto known = states.find(id);
-    if (known != states.end()) {
+    const auto known = services.find(id);
+    if (known != services.end()) {
         Leave(id);
-        known->second = State::Done;
+        known->second.state = State::Done;
         handedBack.erase(id);
         refusedUntil.reset();
     }
@@ -68,23 +69,23 @@ void LookupSchedule::Found(const ServiceId& id) {
 
 void LookupSchedule::Refused(const ServiceId& id, Time now) {
     refusedUntil = now + kDelayAfterRefusal;
-    if (states.count(id) > 0) {
+    if (services.count(id) > 0) {
         Leave(id);
         PutOff(id, *refusedUntil);
     }
 }
 
 void LookupSchedule::Answered(const ServiceId& id) {
-    if (states.count(id) > 0) {
+    if (services.count(id) > 0) {
         answered.insert_or_assign(NameOf(id), id);
     }
 }
 
 void LookupSchedule::Clear() {
-    for (const auto& [id, state] : states) {
+    for (const auto& [id, known] : services) {
         WindowOf(id).Remove(id);
     }
-    states.clear();
+    services.clear();
     dueTimes.clear();
     due.clear();
     names.clear();
@@ -93,9 +94,18 @@ void LookupSchedule::Clear() {
     refusedUntil.reset();
 }
 
+// Plain IPP comes first in any case.
+bool LookupSchedule::ComesLast(const ServiceId& id) const {
+    return id.kind != ServiceKind::Ipp && answered.count(NameOf(id)) > 0;
+}
+
+bool LookupSchedule::MustWait(const ServiceId& id, Time now) const {
+    return ComesLast(id) && now < services.at(id).since + kDelayWhenAnswered;
+}
+
 void LookupSchedule::Wait(const ServiceId& id) {
-    states[id] = State::Waiting;
-    WindowOf(id).Add(id.interface, id, handedBack.count(id) > 0);
+    services.at(id).state = State::Waiting;
+    WindowOf(id).Add(id.interface, id, handedBack.count(id) > 0 || ComesLast(id));
 }
 
 void LookupSchedule::Leave(const ServiceId& id) {
@@ -109,7 +119,7 @@ void LookupSchedule::Leave(const ServiceId& id) {
 
 void LookupSchedule::PutOff(const ServiceId& id, Time until) {
     Leave(id);
-    states[id] = State::Later;
+    services.at(id).state = State::Later;
     dueTimes.emplace(id, until);
     due.emplace(until, id);
 }
@@ -146,12 +156,13 @@ std::optional<LookupSchedule::Time> LookupSchedule::Next(Time now) const {
     return next;
 }
 
-// What is not needed is left, until the service that makes it so is gone.
 void LookupSchedule::TakeDue(Time now) {
     while (!due.empty() && due.begin()->first <= now) {
         const ServiceId id = due.begin()->second;
-        Leave(id);
-        if (id.kind == ServiceKind::Ipp || IsNeeded(id)) {
+        if (MustWait(id, now)) {
+            PutOff(id, services.at(id).since + kDelayWhenAnswered);
+        } else {
+            Leave(id);
             Wait(id);
         }
     }
@@ -178,12 +189,11 @@ void LookupSchedule::Fill(Window& window, Time now, Work& work) {
         if (!id) {
             return;
         }
-        if (id->kind == ServiceKind::Ipp || IsNeeded(*id)) {
-            states[*id] = State::UnderWay;
-            work.begin.push_back(*id);
+        if (MustWait(*id, now)) {
+            PutOff(*id, services.at(*id).since + kDelayWhenAnswered);
         } else {
-            Leave(*id);
-            states[*id] = State::Later;
+            services.at(*id).state = State::UnderWay;
+            work.begin.push_back(*id);
         }
     }
 }

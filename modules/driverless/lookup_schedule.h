@@ -25,6 +25,10 @@ namespace Driverless {
 constexpr std::chrono::milliseconds kDelayWithoutIpp{100};
 constexpr std::chrono::milliseconds kDelayWithIpp{1000};
 
+// Anybody may announce plain IPP under a printer's name, and answer. So a name that has answered
+// only makes its other services wait for longer, and come after those that were not looked up yet.
+constexpr std::chrono::milliseconds kDelayWhenAnswered{2000};
+
 // Avahi refuses to look up many services at once for one client.
 constexpr std::chrono::milliseconds kDelayAfterRefusal{250};
 
@@ -51,8 +55,8 @@ public:
     // Avahi refused to begin it.
     void Refused(const ServiceId& id, Time now);
 
-    // The printer of that service has answered: the rest of that name need not be looked up, as
-    // long as the service is there.
+    // The printer of that service has answered: the rest of that name is looked up last, as long as
+    // the service is there.
     void Answered(const ServiceId& id);
 
     void Clear();
@@ -67,10 +71,15 @@ private:
     using Name = std::tuple<std::string, std::string, int>;
     using Window = FairWindow<int, ServiceId>;  // shared by interfaces
     enum class State { Later, Waiting, UnderWay, Done };
+    struct Known {
+        State state;
+        Time since;  // delays run from here: who announces the name again and again adds none
+    };
 
     static Name NameOf(const ServiceId& id) { return {id.name, id.domain, id.interface}; }
     Window& WindowOf(const ServiceId& id) { return id.kind == ServiceKind::Ipp ? plain : others; }
-    bool IsNeeded(const ServiceId& id) const { return answered.count(NameOf(id)) == 0; }
+    bool ComesLast(const ServiceId& id) const;
+    bool MustWait(const ServiceId& id, Time now) const;
     void Wait(const ServiceId& id);
     void Leave(const ServiceId& id);
     void PutOff(const ServiceId& id, Time until);
@@ -78,7 +87,7 @@ private:
     void Exchange(Window& window, Time now, Work& work);
     void Fill(Window& window, Time now, Work& work);
 
-    std::map<ServiceId, State> states;
+    std::map<ServiceId, Known> services;
     std::map<ServiceId, Time> dueTimes;
     std::set<std::pair<Time, ServiceId>> due;
     std::map<Name, std::set<ServiceId>> names;

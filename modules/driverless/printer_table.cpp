@@ -422,7 +422,8 @@ Printer PrinterTable::DescribeRow(const Row& row) const {
 }
 
 // The row that the service belongs to: that of its UUID at this place, else the one of this name on
-// this host, unless both have a UUID and they differ.
+// this host, unless both have a UUID and they differ. Some printers say another one over IPP than
+// they announce.
 PrinterTable::RowId PrinterTable::RowFor(const ServiceId& id, const Service& service, Time now) {
     const std::string uuid = AnnouncedUuid(service);
     if (const auto known = RowAtPlace(uuid, service, 0)) {
@@ -462,7 +463,8 @@ std::optional<PrinterTable::RowId> PrinterTable::RowOfName(const ServiceId& id,
     for (const RowId candidate : named->second) {
         const Row& row = rows.at(candidate);
         const Service& known = row.last ? row.last->second : row.services.begin()->second;
-        if ((uuid.empty() || row.uuid.empty()) && known.address == service.address) {
+        const bool mayBe = uuid.empty() || row.uuid.empty() || uuid == AnnouncedUuid(known);
+        if (mayBe && known.address == service.address) {
             return candidate;
         }
     }
@@ -505,7 +507,7 @@ void PrinterTable::SetUuid(RowId id, const std::string& uuid) {
 }
 
 // A printer goes with its last service. One that has answered stays while it still announces a
-// service that was not looked up, for want of need.
+// service that was not looked up yet.
 void PrinterTable::Detach(const ServiceId& id) {
     const auto owner = owners.find(id);
     if (owner == owners.end()) {

@@ -63,7 +63,7 @@ public:
         std::vector<Query> queries;       // to be started
         std::vector<QueryId> overdue;     // no longer waited for
         std::vector<Printer> reports;     // to be reported, each once
-        std::vector<ServiceId> answered;  // nothing more need be looked up of their printers
+        std::vector<ServiceId> answered;  // what else is announced of their printers can wait
         std::vector<Printer> leftOut;     // forgotten: too many claim to be the same printer
         std::optional<Time> next;         // when to ask for work again, if nothing happens before
     };

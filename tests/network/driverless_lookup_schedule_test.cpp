@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -84,16 +85,75 @@ TEST_F(LookupScheduleTest, AServiceBesidePlainIpp_IsLookedUpLater) {
     EXPECT_EQ(BegunAfter(milliseconds(1)).size(), 2u);
 }
 
-TEST_F(LookupScheduleTest, OfAPrinterThatAnswered_NothingMoreIsLookedUp) {
+TEST_F(LookupScheduleTest, OfAPrinterThatAnswered_TheRestIsLookedUpLate) {
     Announce(Id(ServiceKind::Ipp));
     Announce(Id(ServiceKind::Ipps));
     Announce(Id(ServiceKind::Ipps, "Other"));
+    Announce(Id(ServiceKind::Ipps, "Laser", 3));
     BegunNow();
     schedule.Found(Id(ServiceKind::Ipp));
     schedule.Answered(Id(ServiceKind::Ipp));
-    EXPECT_EQ(BegunAfter(milliseconds(10000)), Ids{Id(ServiceKind::Ipps, "Other")});
-    Announce(Id(ServiceKind::Ipps, "Laser", 3));
-    EXPECT_EQ(BegunAfter(kDelayWithIpp).size(), 1u) << "one on another interface is another one";
+    const Ids begun = BegunAfter(kDelayWithIpp);
+    EXPECT_EQ((std::set<ServiceId>{begun.begin(), begun.end()}),
+              (std::set{Id(ServiceKind::Ipps, "Laser", 3), Id(ServiceKind::Ipps, "Other")}))
+        << "one on another interface is another one";
+    const auto work = After(kDelayWhenAnswered - kDelayWithIpp - milliseconds(1));
+    EXPECT_TRUE(work.begin.empty());
+    EXPECT_EQ(work.next, now + milliseconds(1));
+    EXPECT_EQ(BegunAfter(milliseconds(1)), Ids{Id(ServiceKind::Ipps)});
+    schedule.Found(Id(ServiceKind::Ipps));
+    EXPECT_TRUE(BegunAfter(milliseconds(10000)).empty()) << "once";
+}
+
+TEST_F(LookupScheduleTest, OfAPrinterThatAnswersWhileTheRestWaits_TheRestIsLookedUpLate) {
+    for (int number = 0; number < 300; ++number) {
+        Announce(Id(ServiceKind::Ipps, "Secure " + std::to_string(number)));
+    }
+    const ServiceId last = Id(ServiceKind::Ipps, "Secure 150");
+    const Ids begun = BegunAfter(kDelayWithoutIpp);
+    ASSERT_EQ(std::find(begun.begin(), begun.end(), last), begun.end());
+    const ServiceId plain = Id(ServiceKind::Ipp, "Secure 150");
+    Announce(plain);
+    schedule.Answered(plain);
+    EXPECT_FALSE(IsBegunWithin(kDelayWhenAnswered - kDelayWithoutIpp, last));
+    EXPECT_TRUE(IsBegunWithin(milliseconds(1000), last));
+}
+
+TEST_F(LookupScheduleTest, OfAPrinterThatAnswered_TheRestComesAfterThoseOfOthers) {
+    Announce(Id(ServiceKind::Ipp));
+    Announce(Id(ServiceKind::Ipps));
+    BegunNow();
+    schedule.Answered(Id(ServiceKind::Ipp));
+    now += kDelayWhenAnswered - kDelayWithoutIpp;
+    for (int number = 0; number < 40; ++number) {
+        Announce(Id(ServiceKind::Ipps, "Other " + std::to_string(number)));
+    }
+    Ids begun = BegunAfter(kDelayWithoutIpp);
+    for (int i = 0; i < 10; ++i) {
+        const Ids more = BegunAfter(milliseconds(40));
+        begun.insert(begun.end(), more.begin(), more.end());
+    }
+    ASSERT_EQ(begun.size(), 41u);
+    EXPECT_EQ(begun.back(), Id(ServiceKind::Ipps));
+}
+
+TEST_F(LookupScheduleTest, PlainIppThatComesAndGoes_DoesNotKeepTheRestWaiting) {
+    Announce(Id(ServiceKind::Ipps));
+    bool begun = false;
+    for (int i = 0; i < 10 && !begun; ++i) {
+        Announce(Id(ServiceKind::Ipp));
+        schedule.Answered(Id(ServiceKind::Ipp));
+        begun = IsBegunWithin(milliseconds(90), Id(ServiceKind::Ipps));
+        schedule.Gone(Id(ServiceKind::Ipp), now);
+        begun = begun || IsBegunWithin(milliseconds(90), Id(ServiceKind::Ipps));
+    }
+    for (int i = 0; i < 10 && !begun; ++i) {
+        Announce(Id(ServiceKind::Ipp));
+        begun = IsBegunWithin(milliseconds(900), Id(ServiceKind::Ipps));
+        schedule.Gone(Id(ServiceKind::Ipp), now);
+    }
+    EXPECT_TRUE(begun);
+    EXPECT_LE(now, LookupSchedule::Time{} + kDelayWhenAnswered + milliseconds(2000));
 }
 
 TEST_F(LookupScheduleTest, WhenTheServiceThatAnsweredGoes_TheOthersAreLookedUp) {
@@ -102,7 +162,7 @@ TEST_F(LookupScheduleTest, WhenTheServiceThatAnsweredGoes_TheOthersAreLookedUp) 
     BegunNow();
     schedule.Found(Id(ServiceKind::Ipp));
     schedule.Answered(Id(ServiceKind::Ipp));
-    BegunAfter(milliseconds(10000));
+    BegunAfter(kDelayWithIpp);
     schedule.Gone(Id(ServiceKind::Ipp), now);
     EXPECT_EQ(BegunAfter(kDelayWithoutIpp), Ids{Id(ServiceKind::Ipps)});
 }

@@ -117,6 +117,28 @@ TEST_F(PrinterTableTest, ThePrintersOtherServices_AreNotReportedAgain) {
     EXPECT_TRUE(work.reports.empty());
 }
 
+TEST_F(PrinterTableTest,
+       ThePrintersOtherServices_AreItsOwnAlsoWhenItAnnouncesAnotherUuidThanItSays) {
+    Resolve(Id(ServiceKind::Ipp));
+    table.Answered(Now().queries.at(0).id, Attributes(kOtherUuid));
+    EXPECT_EQ(Now().reports.size(), 1u);
+    Resolve(Id(ServiceKind::PdlDatastream));
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty());
+}
+
+TEST_F(PrinterTableTest, AnotherHostsServiceOfAPrintersName_IsAPrinterOfItsOwn) {
+    table.Announced(PlaceId(1));
+    table.Announced(Id(ServiceKind::Ipps, "Laser 1"));
+    table.Resolved(PlaceId(1), Place(1, ""), now);
+    table.Answered(Now().queries.at(0).id, PrinterAttributes{});
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.1"});
+    table.Resolved(Id(ServiceKind::Ipps, "Laser 1"), Place(2, ""), now);
+    const auto asking = After(kPatienceForPlainIpp);
+    ASSERT_EQ(asking.queries.size(), 1u);
+    table.Answered(asking.queries[0].id, PrinterAttributes{});
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.2"});
+}
+
 TEST_F(PrinterTableTest, PrintersOfOneName_AreTwoWhenTheirUuidsDiffer) {
     Resolve(Id(ServiceKind::Ipp), kUuid);
     Resolve(Id(ServiceKind::Ipp, "Laser", 3), kOtherUuid);

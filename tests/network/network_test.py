@@ -689,8 +689,10 @@ class PrintersOfAllKinds(NetworkTest):
                           attributes=["printer-serial-number=SN1"])
         self.fake_printer("Office", 9100, "closed", "_pdl-datastream._tcp", ["ty=Raw"])
         self.fake_printer("Office", 515, "closed", "_printer._tcp", [f"UUID={UUID}1"])
-        _, printer = self.found_one()
+        probe, printer = self.found_one()
         self.assertEqual((printer["serial"], printer["kind"]), ("SN1", IPP))
+        # In the end its other services are looked up, too.
+        self.assertEqual(len(probe.found(2.5)), 1, "once")
 
     def test_printers_without_a_uuid_are_told_apart_by_name(self):
         for number in (1, 2):
@@ -902,6 +904,22 @@ class HostileHosts(NetworkTest):
         probe.start()
         self.assertEqual(self.places(probe),
                          [("S8", "10.99.0.66"), (UUID + "8", "10.99.0.81")])
+
+    def test_a_name_that_another_host_announces_as_ipp_hides_no_printer(self):
+        announcer = self.announcer()
+        announcer.announce(name="Secure", host="stranger", address="10.99.0.66", port=9000,
+                           serve="answers", attributes=["printer-serial-number=STRANGE"])
+        announcer.announce(name="Raw", host="stranger", address="10.99.0.66", port=9001,
+                           serve="answers", attributes=["printer-serial-number=STRANGER"])
+        self.start_silent_printer(1)
+        self.fake_printer("Secure", port_of(1), "closed", "_ipps._tcp", ["rp=ipp/print"])
+        self.fake_printer("Raw", 9100, "closed", "_pdl-datastream._tcp", ["ty=Acme Raw"])
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(4)
+        self.assertEqual({(p["serial"], p["kind"]) for p in probe.found(0.5)},
+                         {("STRANGE", IPP), ("STRANGER", IPP), (serial_of(1), IPPS),
+                          ("Raw@lab-p.local", PDL_DATASTREAM)})
 
     def test_only_hosts_of_the_network_are_asked(self):
         announcer = self.announcer()
