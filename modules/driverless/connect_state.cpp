@@ -1,11 +1,17 @@
 #include "connect_state.h"
 
+#include <chrono>
+#include <optional>
+
 #include "ipp_query.h"
 #include "results.h"
 
 namespace Driverless {
 
 namespace {
+
+// How long the first of two places is asked alone.
+constexpr std::chrono::milliseconds kPatienceForFirstPlace{1000};
 
 int StateFrom(const Printer& printer, const IppAnswer& answer) {
     switch (answer.kind) {
@@ -21,6 +27,20 @@ int StateFrom(const Printer& printer, const IppAnswer& answer) {
         return kOtherPrinter;
     }
     return answer.attributes.acceptsJobs && !answer.attributes.stopped ? kReady : kNotReady;
+}
+
+int StateBy(const Printer& printer, Clock::time_point deadline) {
+    if (SpeaksIpp(printer.kind)) {
+        return StateFrom(printer, IppAsking(printer, deadline).Answer());
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    return AcceptsConnection(printer, left) ? kReady : kNoAnswer;
+}
+
+// What refuses to tell is the printer where that was announced, and may be anything elsewhere.
+bool IsFinal(int state, const Printer& printer) {
+    const bool wasAnnounced = !printer.id.domain.empty();
+    return state == kReady || state == kNotReady || (state == kNoPrinter && wasAnnounced);
 }
 
 }  // namespace
@@ -41,13 +61,32 @@ bool HasAddress(const Printer& printer) {
 }
 
 int ConnectState(const Printer& printer) {
-    if (!HasAddress(printer)) {
-        return kUnknownPrinter;
+    return HasAddress(printer) ? StateBy(printer, Clock::now() + kAnswerPatience) : kUnknownPrinter;
+}
+
+int ConnectState(const Printer& first, const Printer& second) {
+    const bool isOnePlace = first.address == second.address && first.port == second.port;
+    if (isOnePlace || !HasAddress(first) || !HasAddress(second)) {
+        return ConnectState(HasAddress(first) ? first : second);
     }
-    if (!SpeaksIpp(printer.kind)) {
-        return AcceptsConnection(printer, kAnswerPatience) ? kReady : kNoAnswer;
+    const auto now = Clock::now();
+    const auto preferred = now + kPatienceForFirstPlace;
+    const auto deadline = now + kAnswerPatience;
+    std::optional<IppAsking> asking;
+    int state = kNoAnswer;
+    if (!SpeaksIpp(first.kind)) {
+        state = StateBy(first, preferred);
+    } else if (asking.emplace(first, deadline).IsOver(preferred)) {
+        state = StateFrom(first, asking->Answer());
     }
-    return StateFrom(printer, AskInTime(printer, kAnswerPatience));
+    if (IsFinal(state, first)) {
+        return state;
+    }
+    const int other = StateBy(second, deadline);
+    if (other == kReady || other == kNotReady) {
+        return other;
+    }
+    return asking ? StateFrom(first, asking->Answer()) : state;
 }
 
 }  // namespace Driverless

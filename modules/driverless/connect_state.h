@@ -14,4 +14,8 @@ bool HasAddress(const Printer& printer);
 // Takes no longer than kAnswerPatience.
 int ConnectState(const Printer& printer);
 
+// The same of a printer that may be at either place. The first one counts, unless it does not
+// answer, or not as that printer.
+int ConnectState(const Printer& first, const Printer& second);
+
 }  // namespace Driverless

@@ -110,7 +110,8 @@ int StopDeviceScan() {
 
 int GetDeviceConnectState(const VendorSdk::DeviceInfo* device) {
     return WithRecord(device, [](const VendorSdk::DeviceInfo& record) {
-        return ConnectState(PrinterOf(record));
+        const auto [own, latest] = KnownPrinters().PlacesToAsk(FromRecord(record));
+        return ConnectState(own, latest);
     });
 }
 

@@ -32,9 +32,31 @@ bool PrinterMemory::IsSame(const Entries& entries, const Entry& entry, const Pri
     return entries.size() == 1 || WasAt(entry, printer);
 }
 
+const PrinterMemory::Stay* PrinterMemory::StayAt(const Entry& entry, const Place& place) {
+    const auto found = std::find_if(entry.stays.begin(), entry.stays.end(),
+                                    [&](const Stay& stay) { return stay.place == place; });
+    return found == entry.stays.end() ? nullptr : &*found;
+}
+
 bool PrinterMemory::WasAt(const Entry& entry, const Printer& printer) {
-    return std::find(entry.places.begin(), entry.places.end(), PlaceOf(printer)) !=
-           entry.places.end();
+    return StayAt(entry, PlaceOf(printer)) != nullptr;
+}
+
+// Nothing when the printer is forgotten.
+const PrinterMemory::Stay* PrinterMemory::Latest(const Entry& entry) {
+    const auto found = std::find_if(entry.stays.rbegin(), entry.stays.rend(),
+                                    [](const Stay& stay) { return stay.printer.has_value(); });
+    return found == entry.stays.rend() ? nullptr : &*found;
+}
+
+// An announcement that is elsewhere now has moved, and so has a printer that was met in its own
+// network. Another announcement may be another host's.
+void PrinterMemory::LeavePlaceOf(Entry& entry, const Printer& printer) {
+    for (Stay& stay : entry.stays) {
+        if (stay.printer && (stay.printer->id == printer.id || !IsAnnounced(*stay.printer))) {
+            stay.printer.reset();
+        }
+    }
 }
 
 void PrinterMemory::Remember(const Printer& printer) {
@@ -46,22 +68,25 @@ void PrinterMemory::Remember(const Printer& printer) {
         known = entries.insert(entries.end(), Entry{});
         ++count;
     }
+    LeavePlaceOf(*known, printer);
     for (Entry& entry : entries) {
-        std::erase(entry.places, PlaceOf(printer));
+        count -= std::erase_if(entry.stays,
+                               [&](const Stay& stay) { return stay.place == PlaceOf(printer); });
     }
-    if (known->places.size() == kMaxKnownPlaces) {
-        known->places.erase(known->places.begin());
+    if (known->stays.size() == kMaxKnownPlaces) {
+        known->stays.erase(known->stays.begin());
+        --count;
     }
-    known->places.push_back(PlaceOf(printer));
+    known->stays.push_back({PlaceOf(printer), printer});
+    ++count;
     known->turn = ++turns;
     known->uuid = printer.uuid.empty() ? known->uuid : printer.uuid;
     known->announcedName = IsAnnounced(printer) ? printer.id.name : known->announcedName;
-    known->printer = printer;
     if (entries.size() > kMaxOfOneSerialNumber) {
         const auto found = printers.find(printer.serialNumber);
         MakeRoom(found, std::next(found));
     }
-    if (count > kMaxKnownPrinters) {
+    if (count > 2 * kMaxKnownPrinters) {
         MakeRoom(printers.begin(), printers.end());
     }
 }
@@ -74,7 +99,7 @@ void PrinterMemory::MakeRoom(Printers::const_iterator first, Printers::const_ite
     for (; first != last; ++first) {
         for (const Entry& entry : first->second) {
             const std::string address =
-                entry.places.empty() ? std::string() : entry.places.back().first;
+                entry.stays.empty() ? std::string() : entry.stays.back().place.first;
             byAddress[address].push_back({entry.turn, first->first});
             ++all;
         }
@@ -97,8 +122,11 @@ void PrinterMemory::MakeRoom(Printers::const_iterator first, Printers::const_ite
 
 void PrinterMemory::Drop(const Ticket& ticket) {
     const auto known = printers.find(ticket.serialNumber);
-    count -=
-        std::erase_if(known->second, [&](const Entry& entry) { return entry.turn == ticket.turn; });
+    std::erase_if(known->second, [&](const Entry& entry) {
+        const bool isDropped = entry.turn == ticket.turn;
+        count -= isDropped ? 1 + entry.stays.size() : 0;
+        return isDropped;
+    });
     if (known->second.empty()) {
         printers.erase(known);
     }
@@ -107,13 +135,37 @@ void PrinterMemory::Drop(const Ticket& ticket) {
 std::optional<Printer> PrinterMemory::Find(const Printer& described) {
     const std::lock_guard lock(mutex);
     const Entry* const entry = EntryOf(described);
-    return entry == nullptr ? std::nullopt : entry->printer;
+    if (entry == nullptr) {
+        return std::nullopt;
+    }
+    const Stay* const own = StayAt(*entry, PlaceOf(described));
+    const Stay* const stay = own != nullptr && own->printer ? own : Latest(*entry);
+    return stay == nullptr ? std::nullopt : stay->printer;
+}
+
+// A place that was never seen, or so long ago that it made room, may be the printer's all the same.
+std::pair<Printer, Printer> PrinterMemory::PlacesToAsk(const Printer& described) {
+    const std::lock_guard lock(mutex);
+    const Entry* const entry = EntryOf(described);
+    const Stay* const latest = entry == nullptr ? nullptr : Latest(*entry);
+    if (latest == nullptr) {
+        return {described, described};
+    }
+    const Stay* const own = StayAt(*entry, PlaceOf(described));
+    if (own != nullptr) {
+        return {own->printer ? *own->printer : *latest->printer, *latest->printer};
+    }
+    Printer unseen = described;
+    unseen.uuid = entry->uuid;
+    return {unseen, *latest->printer};
 }
 
 void PrinterMemory::Forget(const Printer& described) {
     const std::lock_guard lock(mutex);
     if (Entry* const entry = EntryOf(described)) {
-        entry->printer.reset();
+        for (Stay& stay : entry->stays) {
+            stay.printer.reset();
+        }
     }
 }
 

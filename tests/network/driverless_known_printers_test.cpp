@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+
 #include "known_printers.h"
 
 namespace Driverless {
@@ -127,6 +130,38 @@ TEST_F(Memory, NeverGivesAnotherPrinterForOneThatWasForgotten) {
     EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.1:631");
 }
 
+TEST_F(Memory, KeepsEachPlaceThatAnnouncesAUuid) {
+    memory.Remember(Announced("Office", "192.0.2.1", kOne));
+    memory.Remember(Announced("Impostor", "192.0.2.66", kOne));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.1:631");
+    EXPECT_EQ(Remembered(At("192.0.2.66")), "192.0.2.66:631");
+    EXPECT_EQ(Remembered(At("", {}, 0)), "192.0.2.66:631") << "the latest";
+    memory.Remember(Announced("Office", "192.0.2.2", kOne));
+    EXPECT_EQ(Remembered(At("192.0.2.1")), "192.0.2.2:631") << "it has moved";
+    EXPECT_EQ(Remembered(At("192.0.2.66")), "192.0.2.66:631");
+    memory.Forget(At("192.0.2.1"));
+    EXPECT_EQ(Remembered(At("192.0.2.66")), "none") << "one printer";
+}
+
+TEST_F(Memory, HasARecordsOwnPlaceAskedFirst) {
+    const auto toAsk = [&](const Printer& described) {
+        const auto [first, second] = memory.PlacesToAsk(described);
+        return std::pair(first.address, second.address);
+    };
+    using Addresses = std::pair<std::string, std::string>;
+    EXPECT_EQ(toAsk(At("192.0.2.1")), (Addresses{"192.0.2.1", "192.0.2.1"})) << "nothing known";
+    memory.Remember(Announced("Office", "192.0.2.1", kOne));
+    memory.Remember(Announced("Impostor", "192.0.2.66", kOne));
+    EXPECT_EQ(toAsk(At("192.0.2.1")), (Addresses{"192.0.2.1", "192.0.2.66"}));
+    EXPECT_EQ(toAsk(At("192.0.2.66")), (Addresses{"192.0.2.66", "192.0.2.66"}));
+    EXPECT_EQ(toAsk(At("192.0.2.9")), (Addresses{"192.0.2.9", "192.0.2.66"})) << "never seen";
+    EXPECT_EQ(memory.PlacesToAsk(At("192.0.2.9")).first.uuid, kOne) << "who is to answer there";
+    memory.Remember(Announced("Office", "192.0.2.2", kOne));
+    EXPECT_EQ(toAsk(At("192.0.2.1")), (Addresses{"192.0.2.2", "192.0.2.2"})) << "it has moved";
+    memory.Forget(At("192.0.2.2"));
+    EXPECT_EQ(toAsk(At("192.0.2.1")), (Addresses{"192.0.2.1", "192.0.2.1"})) << "forgotten";
+}
+
 Printer Numbered(const std::string& serialNumber, const std::string& address) {
     Printer printer = At(address);
     printer.serialNumber = serialNumber;
@@ -167,6 +202,31 @@ TEST_F(Memory, OfManyWithOneSerialNumber_IsBounded) {
     }
     EXPECT_LE(known, kMaxOfOneSerialNumber);
     EXPECT_GT(known, kMaxOfOneSerialNumber / 2);
+}
+
+TEST_F(Memory, OfManyPlaces_IsBounded) {
+    const auto uuidOf = [](int number) {
+        std::string uuid = kOne;
+        uuid.replace(0, 4, std::to_string(1000 + number));
+        return uuid;
+    };
+    for (int number = 0; number < 1000; ++number) {
+        for (std::uint16_t port = 1; port <= kMaxKnownPlaces; ++port) {
+            Printer printer =
+                Announced("Port " + std::to_string(port), "192.0.2.66", uuidOf(number));
+            printer.serialNumber = uuidOf(number);
+            printer.port = port;
+            memory.Remember(printer);
+        }
+    }
+    std::size_t known = 0;
+    for (int number = 0; number < 1000; ++number) {
+        Printer printer = At("192.0.2.66", {}, 1);
+        printer.serialNumber = uuidOf(number);
+        known += memory.Find(printer) ? kMaxKnownPlaces : 0U;
+    }
+    EXPECT_LE(known, 2 * kMaxKnownPrinters);
+    EXPECT_GT(known, kMaxKnownPrinters);
 }
 
 TEST_F(Memory, OfAPrinterThatMoves_HasItsLatestPlaces) {

@@ -1060,6 +1060,31 @@ class State(NetworkTest):
             probe.tell(f"edit S1 port {port}")
             self.assertEqual(probe.ask("state", "S1"), state, port)
 
+    def test_a_record_is_about_its_own_place(self):
+        announcer = Announcer()
+        self.addCleanup(announcer.end)
+        states = {81: NOT_READY, 66: READY}
+        for name, number in (("Laser", 81), ("Impostor", 66)):
+            announcer.announce(name=name, host=name, address=f"10.99.0.{number}", port=9000,
+                               txt=[f"UUID={UUID}8"], serve="answers", attributes=[
+                                   "printer-serial-number=S8", f"printer-uuid=urn:uuid:{UUID}8",
+                                   f"printer-state={5 if number == 81 else 3}"])
+        probe = self.probe()
+        probe.start()
+        found = probe.await_printers(2)
+        self.assertEqual({p["address"] for p in found}, {"10.99.0.81", "10.99.0.66"})
+        for number, state in [*states.items()] * 2:
+            probe.tell(f"edit S8 address 10.99.0.{number}")
+            self.assertEqual(probe.ask("state", "S8"), state, number)
+        latest = int(found[-1]["address"].rpartition(".")[2])
+        # Where nothing answers, and nobody at all is, the other place is asked in time.
+        for place in ("10.99.0.1", "10.99.0.79"):
+            probe.tell(f"edit S8 address {place}")
+            probe.tell("state S8")
+            event = probe.await_event("state")
+            self.assertEqual(event["result"], states[latest], place)
+            self.assertLess(event["took"], 2.2 * SLACK, place)
+
     def test_the_record_alone_is_enough(self):
         probe = self.known()
         record = next(event for event in probe.seen if event["event"] == "found")
