@@ -179,6 +179,7 @@ public:
 
     IppAnswer Run();
     void Abort() { stream.Cut(); }
+    bool IsConnected() const { return connected; }
     bool IsSent() const { return wholeSent; }
 
 private:
@@ -189,6 +190,7 @@ private:
     const Printer printer;
     const IppQuestion question;
     Base::ByteStream stream;
+    std::atomic<bool> connected{false};
     std::atomic<bool> wholeSent{false};
 };
 
@@ -203,6 +205,7 @@ IppAnswer IppQuery::State::Run() {
     }
     IppAnswer answer =
         reply ? AnswerFrom(*reply) : IppAnswer{IppAnswer::Kind::NoAnswer, {}, stream.Problem()};
+    answer.connected = connected;
     answer.sent = wholeSent;
     answer.refused = !reply && stream.IsRefused();
     return answer;
@@ -211,8 +214,11 @@ IppAnswer IppQuery::State::Run() {
 // One request over a connection of its own, and its answer; nothing when there is no connection.
 std::optional<Base::IppReply> IppQuery::State::Exchange(IppRequest::Version version) {
     const auto address = NumericAddress(printer);
-    if (!address || !ConnectTo(stream, *address) ||
-        (printer.kind == ServiceKind::Ipps && !stream.StartTls(printer.host))) {
+    if (!address || !ConnectTo(stream, *address)) {
+        return std::nullopt;
+    }
+    connected = true;
+    if (printer.kind == ServiceKind::Ipps && !stream.StartTls(printer.host)) {
         return std::nullopt;
     }
     IppRequest request(version, OperationOf(question));
@@ -254,6 +260,10 @@ void IppQuery::Abort() {
     state->Abort();
 }
 
+bool IppQuery::IsConnected() const {
+    return state->IsConnected();
+}
+
 bool IppQuery::IsSent() const {
     return state->IsSent();
 }
@@ -280,6 +290,7 @@ IppAnswer IppAsking::Answer() const {
     }
     query->Abort();
     IppAnswer none;
+    none.connected = query->IsConnected();
     none.sent = query->IsSent();
     return none;
 }

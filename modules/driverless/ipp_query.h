@@ -36,9 +36,10 @@ struct IppAnswer {
     };
     Kind kind = Kind::NoAnswer;
     PrinterAttributes attributes;
-    std::string problem;   // without the pass phrase
-    bool sent = false;     // the whole question went out
-    bool refused = false;  // the host is there, and nobody listens on it
+    std::string problem;     // without the pass phrase
+    bool connected = false;  // something has accepted the connection
+    bool sent = false;       // the whole question went out
+    bool refused = false;    // the host is there, and nobody listens on it
 };
 
 // One question to one printer.
@@ -54,7 +55,9 @@ public:
     // Makes Run come back soon. From any thread.
     void Abort();
 
-    // Whether the whole question has gone out by now. From any thread.
+    // Whether something has accepted the connection, and whether the whole question has gone out,
+    // by now. From any thread.
+    bool IsConnected() const;
     bool IsSent() const;
 
     IppQuery(const IppQuery&) = delete;

@@ -118,6 +118,7 @@ void PrinterTable::AllGone() {
     byUuid.clear();
     spots.clear();
     leftOut.clear();
+    expired.clear();
     byNameAndHost.clear();
     changed.clear();
     alarms.clear();
@@ -159,6 +160,20 @@ void PrinterTable::Refused(QueryId query) {
     if (question != questions.end()) {
         rows.at(question->second.row).refuses = true;
         EndQuestion(query);
+    } else {
+        WasSilent(query);
+    }
+}
+
+void PrinterTable::WasSilent(QueryId overdue) {
+    const auto question = expired.find(overdue);
+    if (question == expired.end()) {
+        return;
+    }
+    const RowId id = question->second.second;
+    if (rows.count(id) > 0) {
+        rows.at(id).refuses = true;
+        changed.insert(id);
     }
 }
 
@@ -215,9 +230,13 @@ PrinterTable::Work PrinterTable::Advance(Time now) {
 }
 
 void PrinterTable::ExpireQuestions(Time now, Work& work) {
+    while (!expired.empty() && expired.begin()->second.first + kRememberOverdue <= now) {
+        expired.erase(expired.begin());
+    }
     while (!deadlines.empty() && deadlines.begin()->first <= now) {
         const QueryId query = deadlines.begin()->second;
         work.overdue.push_back(query);
+        expired.emplace(query, std::pair(now, questions.at(query).row));
         EndQuestion(query);
     }
 }
@@ -377,8 +396,9 @@ void PrinterTable::ReportAnswer(RowId id, Row& row, Time now, Work& work) {
     File(id);
 }
 
-// Of a printer with a place that answers, the places where nothing does are not shown. Those that
-// refuse to tell may be the printer as well, and come behind.
+// Of a printer with a place that answers, the places where nothing is are not shown. Where
+// something is that refuses to tell or keeps silent, that may be the printer as well, and comes
+// behind.
 void PrinterTable::ReportSilent(RowId id, Row& row, Work& work) {
     if (row.reported) {
         return;

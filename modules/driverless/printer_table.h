@@ -77,7 +77,7 @@ public:
     void AllGone();
 
     // What became of a question: attributes, or nothing at all; or something that is there refuses
-    // to give any.
+    // to give any. That something is there may turn out when the question is overdue already.
     void Answered(QueryId query, const std::optional<PrinterAttributes>& attributes);
     void Refused(QueryId query);
 
@@ -141,6 +141,9 @@ private:
     // Of a place: UUID, address, and host name or port.
     using Spot = std::tuple<std::string, std::string, std::string, std::uint16_t>;
 
+    // How long it may turn out of an overdue question that something is there.
+    static constexpr std::chrono::milliseconds kRememberOverdue{1000};
+
     struct Question {
         RowId row;
         ServiceId service;
@@ -166,6 +169,7 @@ private:
     void Remove(RowId id);
     void Merge(RowId into, RowId from);
     void EndQuestion(QueryId query);
+    void WasSilent(QueryId overdue);
     void DropQuestion(QueryId query);
     void DropQuestions(Row& row);
 
@@ -213,6 +217,7 @@ private:
     std::map<Spot, std::map<RowId, std::size_t>> spots;  // how many services of which row
     std::map<std::pair<std::string, std::string>, std::set<RowId>> byNameAndHost;
     std::map<QueryId, Question> questions;
+    std::map<QueryId, std::pair<Time, RowId>> expired;  // a moment ago
     std::vector<QueryId> dropped;
     std::vector<Printer> leftOut;
     std::size_t maxQuestions = kMaxQuestions;

@@ -22,6 +22,23 @@ struct QueryPool::State {
         std::shared_ptr<IppQuery> running;  // null: there was no memory for it
     };
 
+    // A query that is under way until this object ends.
+    class Asked {
+    public:
+        Asked(State& inState, PrinterTable::QueryId queryId) : state(inState), query(queryId) {}
+        ~Asked() {
+            const std::lock_guard lock(state.mutex);
+            state.asked.erase(query);
+        }
+
+        Asked(const Asked&) = delete;
+        Asked& operator=(const Asked&) = delete;
+
+    private:
+        State& state;
+        const PrinterTable::QueryId query;
+    };
+
     void Work();
     std::optional<Task> Take();
     void Ask(const Task& task);
@@ -73,10 +90,8 @@ void QueryPool::State::Ask(const Task& task) {
     } catch (const std::exception& exception) {
         ReportExhausted(exception);
     }
-    {
-        const std::lock_guard lock(mutex);
-        asked.erase(task.query.id);
-    }
+    // The answer is told first: until then Drop has the query.
+    const Asked whileTold(*this, task.query.id);
     listener(task.query.id, answer);
 }
 
@@ -131,13 +146,15 @@ std::size_t QueryPool::Room() const {
     return QuestionBudget::OfProcess().RoomFor(state->threads);
 }
 
-void QueryPool::Drop(PrinterTable::QueryId query) {
+bool QueryPool::Drop(PrinterTable::QueryId query) {
     const std::lock_guard lock(state->mutex);
     std::erase_if(state->waiting, [query](const auto& one) { return one.id == query; });
     const auto running = state->asked.find(query);
-    if (running != state->asked.end()) {
-        running->second->Abort();
+    if (running == state->asked.end()) {
+        return false;
     }
+    running->second->Abort();
+    return running->second->IsConnected();
 }
 
 }  // namespace Driverless

@@ -20,7 +20,9 @@ public:
     ~QueryPool();
 
     void Start(const PrinterTable::Query& query);
-    void Drop(PrinterTable::QueryId query);
+
+    // Whether what was asked has accepted the connection, and only kept silent since.
+    bool Drop(PrinterTable::QueryId query);
 
     // How many questions may be under way at once, with what other pools have under way.
     std::size_t Room() const;

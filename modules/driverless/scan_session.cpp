@@ -128,6 +128,9 @@ public:
     }
 
     // With room for so many questions under way.
+    // Something is there at the place of a question that was overdue just now.
+    void WasSilent(PrinterTable::QueryId query) { table.Refused(query); }
+
     PrinterTable::Work Advance(Clock::time_point now, std::size_t room) {
         table.LimitQuestions(room);
         PrinterTable::Work work = table.Advance(now);
@@ -150,7 +153,11 @@ private:
                 table.Refused(answer.query);
                 break;
             case IppAnswer::Kind::NoAnswer:
-                table.Answered(answer.query, std::nullopt);
+                if (answer.said.connected) {
+                    table.Refused(answer.query);
+                } else {
+                    table.Answered(answer.query, std::nullopt);
+                }
                 break;
         }
     }
@@ -229,8 +236,12 @@ int ScanSession::Run() {
         for (const PrinterTable::Query& query : work.queries) {
             queries.Start(query);
         }
+        next = work.next;
         for (const PrinterTable::QueryId query : work.overdue) {
-            queries.Drop(query);
+            if (queries.Drop(query)) {
+                course.WasSilent(query);
+                next = now;
+            }
         }
         for (const ServiceId& id : work.answered) {
             browser.Answered(id);
@@ -241,7 +252,6 @@ int ScanSession::Run() {
         for (const Printer& printer : work.leftOut) {
             SayLeftOut(printer);
         }
-        next = work.next;
     }
 }
 

@@ -638,6 +638,32 @@ TEST_F(PrinterTableTest, APlaceThatRefusesToTell_WaitsForTheReportOfTheOneThatAn
     EXPECT_EQ(AddressesOf(After(kPatienceForEarlierPlace)), (Texts{"192.0.2.3", "192.0.2.2"}));
 }
 
+TEST_F(PrinterTableTest, APlaceThatKeepsSilent_IsReportedBehindTheOneThatAnswers) {
+    ResolvePlace(1);
+    ResolvePlace(2);
+    const auto asking = Now();
+    table.Answered(asking.queries.at(1).id, Attributes());
+    EXPECT_TRUE(Now().reports.empty());
+    EXPECT_EQ(AddressesOf(After(kPatienceForEarlierPlace)), Texts{"192.0.2.2"});
+    const auto work = After(kPatience);
+    EXPECT_EQ(work.overdue, std::vector{asking.queries[0].id});
+    EXPECT_TRUE(work.reports.empty()) << "it is not known whether anything is there";
+    table.Refused(asking.queries[0].id);
+    EXPECT_EQ(AddressesOf(Now()), Texts{"192.0.2.1"});
+    table.Refused(asking.queries[0].id);
+    EXPECT_TRUE(After(milliseconds(10000)).reports.empty()) << "once";
+}
+
+TEST_F(PrinterTableTest, APlaceThatIsGone_WasNotSilent) {
+    ResolvePlace(1);
+    const auto query = Now().queries.at(0).id;
+    EXPECT_EQ(After(kPatience).overdue, std::vector{query});
+    table.Gone(PlaceId(1));
+    table.Refused(query);
+    table.Refused(77);
+    EXPECT_TRUE(Now().reports.empty());
+}
+
 TEST_F(PrinterTableTest, APlaceThatRefusedToTell_AndMovedToWhereNothingAnswers_IsLeftOut) {
     ResolveTwoOfWhichTheFirstRefuses();
     table.Resolved(PlaceId(1), Place(7), now);

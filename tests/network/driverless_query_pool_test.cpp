@@ -106,5 +106,21 @@ TEST_F(LowLimit, AScanThatEnds_LeavesItsShareToTheOther) {
     EXPECT_TRUE(Becomes([&] { return second->Room() >= 2 * share; }));
 }
 
+TEST(QueryPoolTest, SaysWhetherWhatIsNotWaitedForWasThere) {
+    const Silent silent;
+    Printer nowhere = silent.printer;
+    nowhere.address = "192.0.2.1x";  // no address: nothing is ever connected
+    milliseconds patience(10);
+    EXPECT_TRUE(Becomes([&] {
+        const auto pool = AskMany(silent.printer, 1);
+        std::this_thread::sleep_for(patience *= 2);
+        return pool->Drop(1);
+    }));
+    const auto pool = AskMany(nowhere, 1);
+    std::this_thread::sleep_for(patience);
+    EXPECT_FALSE(pool->Drop(1));
+    EXPECT_FALSE(pool->Drop(2)) << "never asked";
+}
+
 }  // namespace
 }  // namespace Driverless

@@ -921,6 +921,24 @@ class HostileHosts(NetworkTest):
                          {("STRANGE", IPP), ("STRANGER", IPP), (serial_of(1), IPPS),
                           ("Raw@lab-p.local", PDL_DATASTREAM)})
 
+    def test_an_impostor_does_not_hide_a_printer_that_keeps_silent(self):
+        announcer = self.announcer()
+        for name, number, behaviour in (("Laser", 81, "silent"), ("Late TLS", 82, "silent"),
+                                        ("Babbler", 83, "garbage"), ("Impostor", 66, "answers")):
+            announcer.announce(name=name, host=name.replace(" ", ""), address=f"10.99.0.{number}",
+                               type="_ipps._tcp" if "TLS" in name else "_ipp._tcp", port=9000,
+                               txt=[f"UUID={UUID}8"], serve=behaviour,
+                               attributes=["printer-serial-number=S8"])
+        announcer.announce(name="Ghost", host="ghost", address="10.99.0.84", port=9000,
+                           txt=[f"UUID={UUID}8"])
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(4)
+        places = self.places(probe)
+        self.assertEqual(places[0], ("S8", "10.99.0.66"))
+        self.assertEqual(set(places[1:]), {(UUID + "8", f"10.99.0.{n}") for n in (81, 82, 83)},
+                         "where something is, and nothing else")
+
     def test_only_hosts_of_the_network_are_asked(self):
         announcer = self.announcer()
         elsewhere = ["127.0.0.1", "0.0.0.0", "224.0.0.1", "255.255.255.255", "10.99.0.255",
