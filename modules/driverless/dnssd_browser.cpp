@@ -2,14 +2,19 @@
 
 #include <avahi-client/client.h>
 #include <avahi-client/lookup.h>
+#include <avahi-client/publish.h>
 #include <avahi-common/domain.h>
 #include <avahi-common/error.h>
 #include <avahi-common/malloc.h>
-#include <avahi-common/thread-watch.h>
+#include <avahi-common/simple-watch.h>
 #include <avahi-common/timeval.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cerrno>
 #include <condition_variable>
 #include <map>
 #include <mutex>
@@ -43,8 +48,11 @@ constexpr int kMaxLeftOutLines = 100;
 // The keys that say something of a printer. The rest may be long.
 constexpr std::array kKnownKeys{"uuid", "ty", "usb_mfg", "usb_mdl", "product", "rp"};
 
+// How often Avahi is asked whether it still answers.
+constexpr unsigned kMillisecondsBetweenPings = 1000;
+
 struct FreePoll {
-    void operator()(AvahiThreadedPoll* poll) const { avahi_threaded_poll_free(poll); }
+    void operator()(AvahiSimplePoll* poll) const { avahi_simple_poll_free(poll); }
 };
 struct FreeClient {
     void operator()(AvahiClient* client) const { avahi_client_free(client); }
@@ -55,18 +63,29 @@ struct FreeText {
 };
 using AvahiText = std::unique_ptr<char, FreeText>;
 
-class PollLock {
+// Wakes the thread that waits for Avahi. A descriptor of its own: what Avahi has for it is not for
+// other threads.
+class Alarm {
 public:
-    explicit PollLock(AvahiThreadedPoll* lockedPoll) : poll(lockedPoll) {
-        avahi_threaded_poll_lock(poll);
+    ~Alarm() {
+        if (file >= 0) {
+            close(file);
+        }
     }
-    ~PollLock() { avahi_threaded_poll_unlock(poll); }
+    Alarm() = default;
+    Alarm(const Alarm&) = delete;
+    Alarm& operator=(const Alarm&) = delete;
 
-    PollLock(const PollLock&) = delete;
-    PollLock& operator=(const PollLock&) = delete;
+    bool IsUsable() const { return file >= 0; }
+    int File() const { return file; }
+    void Ring() const { [[maybe_unused]] const int result = eventfd_write(file, 1); }
+    void Silence() const {
+        eventfd_t rings = 0;
+        [[maybe_unused]] const int result = eventfd_read(file, &rings);
+    }
 
 private:
-    AvahiThreadedPoll* const poll;
+    const int file = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
 };
 
 ServiceKind KindOf(const char* type) {
@@ -114,12 +133,12 @@ DnssdEvent AvahiFailure(int error) {
 
 // Avahi gives the same error for a bus that is missing and for a bus without Avahi. Only the latter
 // lets a client wait for it.
-DnssdEvent ConnectFailure(AvahiThreadedPoll* poll, int error) {
+DnssdEvent ConnectFailure(const AvahiPoll* events, int error) {
     if (error != AVAHI_ERR_NO_DAEMON && error != AVAHI_ERR_DBUS_ERROR) {
         return AvahiFailure(error);
     }
-    const std::unique_ptr<AvahiClient, FreeClient> waiting(avahi_client_new(
-        avahi_threaded_poll_get(poll), AVAHI_CLIENT_NO_FAIL, nullptr, nullptr, &error));
+    const std::unique_ptr<AvahiClient, FreeClient> waiting(
+        avahi_client_new(events, AVAHI_CLIENT_NO_FAIL, nullptr, nullptr, &error));
     if (waiting == nullptr) {
         return Failure(kNoBus, "the system's D-Bus, by which Avahi is asked, cannot be reached");
     }
@@ -128,8 +147,7 @@ DnssdEvent ConnectFailure(AvahiThreadedPoll* poll, int error) {
 
 }  // namespace
 
-// Everything of one watch. Avahi's objects belong to the thread in Run, and between the start and
-// the stop of the poll are touched under the poll's lock only, which Avahi's callbacks hold.
+// Everything of one watch. Avahi's objects belong to the thread in Run, and so do its callbacks.
 class DnssdBrowser::Watch {
 public:
     explicit Watch(Listener eventListener) : listener(std::move(eventListener)) {}
@@ -144,6 +162,7 @@ public:
     void Close();
 
     void Answered(const ServiceId& id);
+    std::optional<Clock::time_point> WaitsSince() const;
 
 private:
     enum class Signal { None, Interrupted, Close };
@@ -161,10 +180,14 @@ private:
 
     template <typename Function>
     void Guard(Function function) noexcept;
-    void WatchOn(AvahiThreadedPoll* poll);
-    void WatchUntilClosed(AvahiThreadedPoll* poll);
-    bool Reconnect(AvahiThreadedPoll* poll);
-    bool Connect(AvahiThreadedPoll* poll, AvahiClientFlags flags);
+    void WatchOn(AvahiSimplePoll* poll);
+    void WatchUntilClosed(AvahiSimplePoll* poll);
+    bool Iterate(AvahiSimplePoll* poll);
+    bool Reconnect();
+    bool Connect(AvahiClientFlags flags);
+    void HearAlarm();
+    void SetPing();
+    void Ping();
     void StartBrowsing(AvahiClient* ofClient);
     void Disconnect();
     void Announced(const ServiceId& id);
@@ -180,13 +203,14 @@ private:
     void SayRefused(const ServiceId& id, int error);
     void ForgetResolver(const ServiceId& id);
     void Send(Signal sent);
-    Signal AwaitSignal();
+    Signal TakeSignal();
 
     const Listener listener;
     const std::optional<ServiceId> only;
 
     const AvahiPoll* events = nullptr;
     AvahiTimeout* timer = nullptr;
+    AvahiTimeout* ping = nullptr;
     std::unique_ptr<AvahiClient, FreeClient> client;
     bool browsing = false;
     int refusals = 0;  // one after the other
@@ -200,6 +224,8 @@ private:
     int networksOf = -1;
     Clock::time_point networksUntil;
 
+    const Alarm alarm;
+    std::atomic<Clock::duration> waitsSince{};  // zero: does not
     std::mutex mutex;
     std::condition_variable changed;
     Signal signal = Signal::None;
@@ -223,10 +249,9 @@ void DnssdBrowser::Watch::Guard(Function function) noexcept {
 }
 
 void DnssdBrowser::Watch::Run() {
-    const std::unique_ptr<AvahiThreadedPoll, FreePoll> poll(avahi_threaded_poll_new());
+    const std::unique_ptr<AvahiSimplePoll, FreePoll> poll(avahi_simple_poll_new());
     Guard([&] { WatchOn(poll.get()); });
     if (poll != nullptr) {
-        avahi_threaded_poll_stop(poll.get());
         Disconnect();
     }
     const std::lock_guard lock(mutex);
@@ -234,32 +259,92 @@ void DnssdBrowser::Watch::Run() {
     changed.notify_all();
 }
 
-void DnssdBrowser::Watch::WatchOn(AvahiThreadedPoll* poll) {
-    if (poll == nullptr) {
-        listener(AvahiFailure(AVAHI_ERR_NO_MEMORY));
-    } else if (Connect(poll, AvahiClientFlags{})) {
+void DnssdBrowser::Watch::WatchOn(AvahiSimplePoll* poll) {
+    if (poll == nullptr || !alarm.IsUsable()) {
+        listener(Failure(kNoBrowsing, "no memory or descriptor left to ask Avahi with"));
+        return;
+    }
+    events = avahi_simple_poll_get(poll);
+    HearAlarm();
+    if (Connect(AvahiClientFlags{})) {
         listener({DnssdEvent::Kind::Ready, {}, {}, 0, {}});
-        if (avahi_threaded_poll_start(poll) == 0) {
-            WatchUntilClosed(poll);
-        } else {
+        SetPing();
+        WatchUntilClosed(poll);
+    }
+}
+
+void DnssdBrowser::Watch::WatchUntilClosed(AvahiSimplePoll* poll) {
+    while (true) {
+        const Signal taken = TakeSignal();
+        if (taken == Signal::Close || (taken == Signal::Interrupted && !Reconnect())) {
+            return;
+        }
+        if (!Iterate(poll)) {
             listener(AvahiFailure(AVAHI_ERR_FAILURE));
+            return;
         }
     }
 }
 
-void DnssdBrowser::Watch::WatchUntilClosed(AvahiThreadedPoll* poll) {
-    bool waiting = true;
-    while (waiting && AwaitSignal() == Signal::Interrupted) {
-        waiting = Reconnect(poll);
+// One turn: waits for something to happen, and lets Avahi's client deal with it, which waits for
+// Avahi's answers.
+bool DnssdBrowser::Watch::Iterate(AvahiSimplePoll* poll) {
+    if (avahi_simple_poll_prepare(poll, -1) < 0 || avahi_simple_poll_run(poll) < 0) {
+        return errno == EINTR;
+    }
+    waitsSince = Clock::now().time_since_epoch();
+    const int result = avahi_simple_poll_dispatch(poll);
+    waitsSince = Clock::duration::zero();
+    return result >= 0;
+}
+
+std::optional<Clock::time_point> DnssdBrowser::Watch::WaitsSince() const {
+    const Clock::duration since = waitsSince;
+    return since == Clock::duration::zero() ? std::nullopt
+                                            : std::optional(Clock::time_point(since));
+}
+
+// It lasts as long as the poll.
+void DnssdBrowser::Watch::HearAlarm() {
+    events->watch_new(
+        events, alarm.File(), AVAHI_WATCH_IN,
+        [](AvahiWatch*, int, AvahiWatchEvent, void* self) {
+            static_cast<Watch*>(self)->alarm.Silence();
+        },
+        this);
+}
+
+void DnssdBrowser::Watch::SetPing() {
+    timeval when{};
+    avahi_elapse_time(&when, kMillisecondsBetweenPings, 0);
+    if (ping != nullptr) {
+        events->timeout_update(ping, &when);
+        return;
+    }
+    ping = events->timeout_new(
+        events, &when,
+        [](AvahiTimeout*, void* self) {
+            static_cast<Watch*>(self)->Ping();
+            static_cast<Watch*>(self)->SetPing();
+        },
+        this);
+}
+
+// Avahi tells nothing while nothing happens on the network, which is how it looks when it hangs. An
+// entry group is the least that it can be asked for; whatever it answers will do.
+void DnssdBrowser::Watch::Ping() {
+    AvahiEntryGroup* const group = avahi_entry_group_new(
+        client.get(), [](AvahiEntryGroup*, AvahiEntryGroupState, void*) {}, nullptr);
+    if (group != nullptr) {
+        avahi_entry_group_free(group);
     }
 }
 
 // Avahi may come back; D-Bus does not, for who was connected to it.
-bool DnssdBrowser::Watch::Reconnect(AvahiThreadedPoll* poll) {
-    const PollLock lock(poll);
+bool DnssdBrowser::Watch::Reconnect() {
     Disconnect();
     listener({DnssdEvent::Kind::Interrupted, {}, {}, 0, {}});
-    return Connect(poll, AVAHI_CLIENT_NO_FAIL);
+    return Connect(AVAHI_CLIENT_NO_FAIL);
 }
 
 void DnssdBrowser::Watch::Disconnect() {
@@ -270,17 +355,15 @@ void DnssdBrowser::Watch::Disconnect() {
     browsing = false;
 }
 
-bool DnssdBrowser::Watch::Connect(AvahiThreadedPoll* poll, AvahiClientFlags flags) {
-    events = avahi_threaded_poll_get(poll);
+bool DnssdBrowser::Watch::Connect(AvahiClientFlags flags) {
     int error = 0;
-    client.reset(
-        avahi_client_new(avahi_threaded_poll_get(poll), flags, ClientChanged, this, &error));
+    client.reset(avahi_client_new(events, flags, ClientChanged, this, &error));
     if (client != nullptr) {
         return true;
     }
     const bool again = (flags & AVAHI_CLIENT_NO_FAIL) != 0;
     listener(again ? Failure(kBusLost, "the system's D-Bus ended while printers were looked for")
-                   : ConnectFailure(poll, error));
+                   : ConnectFailure(events, error));
     return false;
 }
 
@@ -506,12 +589,11 @@ void DnssdBrowser::Watch::Send(Signal sent) {
     if (signal != Signal::Close) {
         signal = sent;
     }
-    changed.notify_all();
+    alarm.Ring();
 }
 
-DnssdBrowser::Watch::Signal DnssdBrowser::Watch::AwaitSignal() {
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return signal != Signal::None; });
+DnssdBrowser::Watch::Signal DnssdBrowser::Watch::TakeSignal() {
+    const std::lock_guard lock(mutex);
     return signal == Signal::Close ? signal : std::exchange(signal, Signal::None);
 }
 
@@ -542,6 +624,10 @@ DnssdBrowser::~DnssdBrowser() {
 
 void DnssdBrowser::Answered(const ServiceId& id) {
     watch->Answered(id);
+}
+
+std::optional<std::chrono::steady_clock::time_point> DnssdBrowser::WaitsSince() const {
+    return watch->WaitsSince();
 }
 
 namespace {

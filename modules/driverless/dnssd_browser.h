@@ -48,6 +48,10 @@ public:
     // long as this one is announced. Does not wait for Avahi.
     void Answered(const ServiceId& id);
 
+    // Since when an answer of Avahi's is waited for; nothing when none is. Avahi is asked often
+    // enough, also when nothing happens, to tell one that hangs.
+    std::optional<std::chrono::steady_clock::time_point> WaitsSince() const;
+
     DnssdBrowser(const DnssdBrowser&) = delete;
     DnssdBrowser& operator=(const DnssdBrowser&) = delete;
 

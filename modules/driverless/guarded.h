@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <string>
+#include <system_error>
 
 #include "diagnostics.h"
 
@@ -10,7 +11,11 @@ namespace Driverless {
 // Says that there is no memory, or no further thread; as far as that itself takes none.
 inline void ReportExhausted(const std::exception& exception) noexcept {
     try {
-        ReportProblem(std::string("out of resources: ") + exception.what());
+        const auto* const system = dynamic_cast<const std::system_error*>(&exception);
+        const bool isThread =
+            system != nullptr && system->code() == std::errc::resource_unavailable_try_again;
+        ReportProblem(std::string("out of resources: ") +
+                      (isThread ? "no further thread can be started" : exception.what()));
     } catch (const std::exception&) {
         return;
     }

@@ -9,6 +9,7 @@
 #include <utility>
 #include <variant>
 
+#include "avahi_hang.h"
 #include "diagnostics.h"
 #include "dnssd_browser.h"
 #include "host_network.h"
@@ -127,6 +128,23 @@ public:
         return overdue ? std::optional(kNoBrowsing) : std::nullopt;
     }
 
+    // The result for an Avahi that has stopped answering since then, or nothing.
+    std::optional<int> Hanging(std::optional<Clock::time_point> since, Clock::time_point now) {
+        switch (hang.Look(since, now)) {
+            case AvahiHang::Finding::Hangs:
+                ReportProblem("Avahi has stopped answering: printers that come are not found");
+                break;
+            case AvahiHang::Finding::Recovers:
+                ReportProblem("Avahi answers again");
+                break;
+            case AvahiHang::Finding::IsOver:
+                return Fail(kNoBrowsing, "Avahi still does not answer: the scan ends");
+            case AvahiHang::Finding::None:
+                break;
+        }
+        return std::nullopt;
+    }
+
     // With room for so many questions under way.
     // Something is there at the place of a question that was overdue just now.
     void WasSilent(PrinterTable::QueryId query) { table.Refused(query); }
@@ -139,6 +157,7 @@ public:
                 silence.Due() > now ? silence.Due() : silence.Begin() + kPatienceForAvahi;
             work.next = std::min(work.next.value_or(due), due);
         }
+        work.next = std::min(work.next.value_or(now + kLookForHangEvery), now + kLookForHangEvery);
         return work;
     }
 
@@ -197,6 +216,7 @@ private:
     }
 
     AvahiSilence& silence;
+    AvahiHang hang;
     PrinterTable table{kAnswerPatience};
 };
 
@@ -228,7 +248,10 @@ int ScanSession::Run() {
             return kOk;
         }
         const auto now = Clock::now();
-        const auto result = message ? course.Take(*message, now) : course.Overdue(now);
+        auto result = message ? course.Take(*message, now) : course.Overdue(now);
+        if (!result) {
+            result = course.Hanging(browser.WaitsSince(), now);
+        }
         if (result) {
             return *result;
         }

@@ -39,7 +39,7 @@ SLACK = float(os.environ.get("NETWORK_TEST_SLACK", "1"))
 
 IPP, IPPS, PDL_DATASTREAM, LPD = 1, 2, 3, 4
 READY, NOT_READY, NO_ANSWER, UNKNOWN, NO_PRINTER, OTHER_PRINTER = 1, 2, 3, 4, 5, 6
-NO_BUS, NO_AVAHI, NO_NETWORK, BUS_LOST = 2, 3, 4, 6
+NO_BUS, NO_AVAHI, NO_NETWORK, NO_BROWSING, BUS_LOST = 2, 3, 4, 5, 6
 
 
 def serial_of(number):
@@ -69,8 +69,11 @@ class Probe:
     MODULE_ARGUMENTS = ["--module", MODULE]
     EXIT = "exit"
 
-    def __init__(self, through_broker=False, environment=None, descriptors=None):
+    def __init__(self, through_broker=False, environment=None, descriptors=None,
+                 counts_threads=False):
         limit = [] if descriptors is None else ["prlimit", f"--nofile={descriptors}"]
+        if counts_threads:
+            limit = with_threads_of_its_own()
         arguments = limit + self.COMMAND + ([] if through_broker else self.MODULE_ARGUMENTS)
         self.process = subprocess.Popen(
             arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
@@ -198,6 +201,16 @@ def as_ordinary_user():
                           else ["--bounding-set=-net_raw", "--inh-caps=-net_raw"])
 
 
+def with_threads_of_its_own():
+    """What runs a command as a user whose threads are counted, as those of root are not, and who has
+    no others."""
+    if "--reuid=65534" not in as_ordinary_user():
+        return ["unshare", "--map-root-user"]
+    into_folders = "+dac_override"  # the lab's are its root's
+    return ["setpriv", "--reuid=games", "--regid=games", "--clear-groups", "--inh-caps",
+            into_folders, "--ambient-caps", into_folders]
+
+
 class NetworkTest(unittest.TestCase):
     """Each test has a network with the printers it asks for, and no others."""
 
@@ -285,6 +298,12 @@ class NetworkTest(unittest.TestCase):
         fake.terminate()
         fake.wait()
         fake.stdout.close()
+
+    def await_diagnostics(self, probe, text):
+        deadline = time.monotonic() + PATIENCE
+        while text not in probe.diagnostics():
+            self.assertLess(time.monotonic(), deadline, probe.diagnostics())
+            time.sleep(0.05)
 
     def assert_diagnostics(self, probe, pattern):
         """The module wrote exactly one line, and it says this."""
@@ -560,6 +579,7 @@ class WithoutServices(NetworkTest):
             process = int(file.read())
         os.kill(process, signal.SIGSTOP)
         self.addCleanup(os.kill, process, signal.SIGCONT)
+        return process
 
     def test_an_avahi_that_hangs_does_not_make_the_scan_hang(self):
         self.frozen("avahi")
@@ -586,6 +606,34 @@ class WithoutServices(NetworkTest):
             self.assertNotEqual(scan.returncode, 0)
             self.assertIn("does not answer: no printer can be found", scan.stderr)
             self.doCleanups()
+
+    def test_an_avahi_that_begins_to_hang_is_told_and_ends_the_scan(self):
+        self.have_printers(1)
+        probe = self.probe()
+        probe.start()
+        probe.await_printers(1)
+        daemon = self.frozen("avahi")
+        self.await_diagnostics(probe, "Avahi has stopped answering")
+        os.kill(daemon, signal.SIGCONT)
+        self.await_diagnostics(probe, "Avahi answers again")
+        self.start_printer(2)
+        probe.await_printers(2)
+        os.kill(daemon, signal.SIGSTOP)
+        self.assertEqual(probe.await_event("ended")["result"], NO_BROWSING)
+        self.assertRegex(probe.diagnostics(), "(?s)stopped.*again.*stopped.*the scan ends")
+
+    def test_a_scan_without_threads_says_so(self):
+        self.have_printers(1)
+        # The first one is the entry point's, further ones are the scan's own.
+        for further in (1, 2):
+            probe = self.probe(counts_threads=True)
+            process = probe.process.pid
+            threads = len(os.listdir(f"/proc/{process}/task")) + further
+            subprocess.run([*with_threads_of_its_own(), "prlimit", f"--pid={process}",
+                            f"--nproc={threads}"], check=True)
+            probe.start()
+            self.assertEqual(probe.await_event("ended")["result"], NO_BROWSING, further)
+            self.assert_diagnostics(probe, "no further thread can be started")
 
     def test_a_scan_stops_at_once_while_avahi_hangs(self):
         probe = self.probe()
