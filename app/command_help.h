@@ -228,8 +228,9 @@ UTC), serial number, make and model, place on USB, and vendor. One that is
 plugged in again is shown again, and so are the others of its model. Those that
 were there before are not shown, only counted on standard error. A model that no
 vendor reports is named at the end. When the system's device service is silent
-that is said, and what the kernel itself tells is shown. Exit status 1: none was
-plugged in; 3: it cannot be watched.
+that is said, and what the kernel itself tells is shown. A vendor that does not
+answer within --vendor-seconds is named. Exit status 1: none was plugged in; 3:
+it cannot be watched, or none was reported and a vendor has not answered.
 
 )";
 

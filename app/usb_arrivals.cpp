@@ -6,12 +6,14 @@
 #include <chrono>
 #include <future>
 #include <stdexcept>
-#include <thread>
+#include <system_error>
+#include <utility>
 
 #include "app/access_point_printer.h"
 #include "app/arrival_list.h"
 #include "app/crash_report.h"
 #include "app/host_usb_problem.h"
+#include "app/messages.h"
 #include "app/problem.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
 
@@ -22,8 +24,13 @@ namespace {
 using PrinterDiscoverAPI::PrinterUsbDeviceManager;
 using PrinterUtil::WStringToString;
 
+using Clock = std::chrono::steady_clock;
+
 // What a printer takes to answer once it is plugged in.
 constexpr std::chrono::seconds kSettleTime{1};
+
+constexpr ArrivalQueue::Limits kLimits{32, 64, 1024};
+constexpr std::size_t kMaxModels = 4096;
 
 // However many the device manager has told of.
 constexpr std::size_t kAnyCount = static_cast<std::size_t>(-1);
@@ -33,7 +40,39 @@ int CountIn(const UsbPortMap& ports, const std::wstring& deviceId) {
     return port == ports.end() ? 0 : std::max(port->second.first, 1);
 }
 
+std::string VendorOf(const std::string& usbId) {
+    return UsbVendorOf(usbId).value_or("-");
+}
+
+std::string NoAnswer(const std::string& usbId, std::chrono::duration<double> limit) {
+    return fmt::format("{}: no answer from vendor {} (GetDeviceInfoByUsb) within {:g} s", usbId,
+                       VendorOf(usbId), limit.count());
+}
+
 }  // namespace
+
+class UsbArrivals::Asking {
+public:
+    Asking(UsbArrivals& allArrivals, const ArrivalQueue::Question& oneQuestion)
+        : arrivals(allArrivals), question(oneQuestion) {}
+    ~Asking() { arrivals.Report(question, answer, problem); }
+    Asking(const Asking&) = delete;
+    Asking& operator=(const Asking&) = delete;
+
+    void End(const UsbAnswer& itsAnswer, const std::string& itsProblem) {
+        answer = itsAnswer;
+        problem = itsProblem;
+    }
+
+private:
+    UsbArrivals& arrivals;
+    const ArrivalQueue::Question& question;
+    UsbAnswer answer;
+    std::string problem = WStringToString(question.arrival.deviceId) +
+                          ": its vendor has ended the thread that it was called on";
+};
+
+UsbArrivals::UsbArrivals() : queue(kLimits) {}
 
 // Never destroyed: its threads may run while the process ends.
 UsbArrivals& UsbArrivals::GetInstance() {
@@ -41,10 +80,13 @@ UsbArrivals& UsbArrivals::GetInstance() {
     return arrivals;
 }
 
-void UsbArrivals::Start() {
+void UsbArrivals::Start(ArrivalQueue::Duration vendorsPatience) {
     {
         const std::lock_guard lock(mutex);
         isOpen = true;
+        patience = vendorsPatience;
+        queue.SetPatience(patience);
+        asker = std::thread([this] { AskInTurn(); });
     }
     // The device manager may hold on to it.
     static const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo registration{OnChange, 0};
@@ -59,16 +101,19 @@ int UsbArrivals::Stop() {
     {
         const std::lock_guard lock(mutex);
         isOpen = false;
+        changed.notify_all();
     }
     PrinterUsbDeviceManager::GetInstance().StopMonitor();
+    asker.join();
     return 0;
 }
 
 void UsbArrivals::Compare(const UsbPortMap& before, const UsbPortMap& after) {
+    const std::lock_guard lock(mutex);
     for (const auto& port : after) {
         const int surplus = CountIn(after, port.first) - CountIn(before, port.first);
         for (int one = 0; one < surplus; ++one) {
-            AskSoon(port.first, static_cast<std::size_t>(one) + 1);
+            Add(port.first, static_cast<std::size_t>(one) + 1);
         }
     }
 }
@@ -79,67 +124,126 @@ std::int32_t UsbArrivals::OnChange(const GUID&, PrinterUsbApiStruct::EmDeviceSta
         return 0;
     }
     UsbArrivals& arrivals = GetInstance();
-    {
-        const std::lock_guard lock(arrivals.mutex);
-        ++arrivals.models[deviceId].told;
+    const std::lock_guard lock(arrivals.mutex);
+    if (Model* const model = arrivals.ModelOf(deviceId)) {
+        ++model->told;
+        arrivals.Add(deviceId, kAnyCount);
+    } else {
+        arrivals.queue.Miss();
     }
-    arrivals.AskSoon(deviceId, kAnyCount);
     return 0;
 }
 
-// Asks about it when it has settled, unless the device manager has told of that many by then.
-void UsbArrivals::AskSoon(const std::wstring& deviceId, std::size_t unlessTold) {
-    std::thread([this, deviceId, unlessTold] {
-        ReportCrashesOfThisThread();
-        std::this_thread::sleep_for(kSettleTime);
-        Ask(deviceId, unlessTold);
-    }).detach();
+// Null for a new model when too many are known.
+UsbArrivals::Model* UsbArrivals::ModelOf(const std::wstring& deviceId) {
+    const auto known = models.find(deviceId);
+    if (known == models.end() && models.size() >= kMaxModels) {
+        return nullptr;
+    }
+    return known == models.end() ? &models[deviceId] : &known->second;
 }
 
-void UsbArrivals::Ask(const std::wstring& deviceId, std::size_t unlessTold) {
-    if (!BeginQuestion(deviceId, unlessTold)) {
-        return;
-    }
-    const std::string usbId = WStringToString(deviceId);
-    UsbAnswer answer;
-    std::string problem;
-    // A vendor that ends the thread ends it here, and nothing else.
-    std::packaged_task<UsbAnswer()> question([&] { return AskUsbVendor(deviceId); });
-    question();
-    try {
-        answer = question.get_future().get();
-        problem = WhyUsbAnswerIsNone(usbId, answer);
-    } catch (const std::out_of_range&) {
-        problem = usbId + ": too short to name a printer; write it as VID_vvvv&PID_pppp";
-    } catch (const std::exception& error) {
-        problem = usbId + ": an exception came out of its vendor: " + error.what();
-    } catch (...) {
-        problem = usbId + ": an exception came out of its vendor";
-    }
-    Report(deviceId, answer, problem);
+// It is asked about when it has settled, unless the device manager has told of that many by then.
+void UsbArrivals::Add(const std::wstring& deviceId, std::size_t unlessTold) {
+    queue.Add({deviceId, unlessTold}, Clock::now() + kSettleTime);
+    changed.notify_all();
 }
 
-bool UsbArrivals::BeginQuestion(const std::wstring& deviceId, std::size_t unlessTold) {
-    const std::lock_guard lock(mutex);
+void UsbArrivals::AskInTurn() {
+    std::unique_lock lock(mutex);
+    while (isOpen) {
+        BeginQuestions();
+        if (const auto next = queue.Next()) {
+            changed.wait_until(lock, *next);
+        } else {
+            changed.wait(lock);
+        }
+    }
+}
+
+void UsbArrivals::BeginQuestions() {
+    const auto now = Clock::now();
+    for (const std::wstring& deviceId : queue.TakeLate(now)) {
+        RemarkLate(deviceId);
+    }
+    while (const auto question = queue.Begin(now)) {
+        Model* const model = ModelOf(question->arrival.deviceId);
+        if (model == nullptr || model->told >= question->arrival.unlessTold) {
+            queue.End(question->number);
+            continue;
+        }
+        try {
+            // Under the lock: it does not end before it is detached.
+            std::thread([this, one = *question] { Ask(one); }).detach();
+            ++model->asked;
+        } catch (const std::system_error&) {
+            queue.End(question->number);
+            queue.Miss();
+        }
+    }
+}
+
+// Each model once, until its vendor answers.
+void UsbArrivals::RemarkLate(const std::wstring& deviceId) {
     Model& model = models[deviceId];
-    if (!isOpen || model.told >= unlessTold) {
-        return false;
+    if (!model.isLate) {
+        model.isLate = true;
+        late.push_back(deviceId);
     }
-    ++model.asked;
-    return true;
 }
 
-void UsbArrivals::Report(const std::wstring& deviceId, const UsbAnswer& answer,
+void UsbArrivals::Ask(const ArrivalQueue::Question& question) {
+    ReportCrashesOfThisThread();
+    Asking asking(*this, question);
+    const std::wstring& deviceId = question.arrival.deviceId;
+    const std::string usbId = WStringToString(deviceId);
+    // A vendor that ends the thread ends it here, and nothing else.
+    std::packaged_task<UsbAnswer()> task([&] { return AskUsbVendor(deviceId); });
+    task();
+    try {
+        const UsbAnswer answer = task.get_future().get();
+        asking.End(answer, WhyUsbAnswerIsNone(usbId, answer));
+    } catch (const std::out_of_range&) {
+        asking.End({}, usbId + ": too short to name a printer; write it as VID_vvvv&PID_pppp");
+    } catch (const std::exception& error) {
+        asking.End({}, usbId + ": an exception came out of its vendor: " + error.what());
+    } catch (...) {
+        asking.End({}, usbId + ": an exception came out of its vendor");
+    }
+}
+
+void UsbArrivals::Report(const ArrivalQueue::Question& question, const UsbAnswer& answer,
                          const std::string& problem) {
     const std::lock_guard lock(mutex);
-    Model& model = models[deviceId];
+    Model& model = models[question.arrival.deviceId];
     ++model.answered;
+    model.isLate = false;
     model.problem = problem;
     for (const UsbPrinter& printer : answer.printers) {
         if (isOpen) {
             ArrivalList::GetInstance().Add({printer, std::chrono::system_clock::now()});
         }
     }
+    queue.End(question.number);
+    changed.notify_all();
+}
+
+std::vector<std::string> UsbArrivals::TakeRemarks() {
+    std::vector<std::wstring> deviceIds;
+    std::vector<std::string> remarks;
+    {
+        const std::lock_guard lock(mutex);
+        deviceIds = std::exchange(late, {});
+        if (queue.HasMissed() && !std::exchange(isMissingRemarked, true)) {
+            remarks.emplace_back(
+                "more printers are plugged in than the vendors answer about; some of them are "
+                "not asked about");
+        }
+    }
+    for (const std::wstring& deviceId : deviceIds) {
+        remarks.push_back(NoAnswer(WStringToString(deviceId), patience));
+    }
+    return remarks;
 }
 
 std::vector<std::string> UsbArrivals::Unreported(const UsbPortMap& before,
@@ -147,20 +251,34 @@ std::vector<std::string> UsbArrivals::Unreported(const UsbPortMap& before,
     std::vector<std::string> lines;
     const std::lock_guard lock(mutex);
     for (const auto& port : now) {
-        const std::string usbId = WStringToString(port.first);
         const auto model = models.find(port.first);
         if (model == models.end() || model->second.asked == 0) {
             if (CountIn(before, port.first) == 0) {
-                lines.push_back(usbId +
+                lines.push_back(WStringToString(port.first) +
                                 ": plugged in, but it has only just come, or the watch was "
                                 "not told of it; the log says why");
             }
         } else if (!model->second.problem.empty()) {
             lines.push_back(model->second.problem);
-        } else if (model->second.answered < model->second.asked) {
-            lines.push_back(usbId + ": its vendor " + UsbVendorOf(usbId).value_or("-") +
-                            " has not answered yet");
         }
+    }
+    return lines;
+}
+
+std::vector<std::string> UsbArrivals::Unanswered(bool alsoRemarked) const {
+    std::vector<std::string> lines;
+    const std::lock_guard lock(mutex);
+    for (const auto& [deviceId, model] : models) {
+        const std::string usbId = WStringToString(deviceId);
+        if (model.isLate && alsoRemarked) {
+            lines.push_back(NoAnswer(usbId, patience));
+        } else if (!model.isLate && model.answered < model.asked) {
+            lines.push_back(usbId + ": its vendor " + VendorOf(usbId) + " has not answered yet");
+        }
+    }
+    if (const std::size_t unasked = queue.Unasked(Clock::now()); unasked != 0) {
+        lines.push_back(fmt::format("{} {} not asked about: too many vendors' answers are awaited",
+                                    CountOf<Arrival>(unasked), unasked == 1 ? "was" : "were"));
     }
     return lines;
 }

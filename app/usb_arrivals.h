@@ -1,12 +1,16 @@
 #pragma once
 
+#include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "DeviceDiscover/DeviceDiscover.h"
+#include "app/arrival_queue.h"
 #include "app/usb_question.h"
 #include "app/usb_vendors.h"
 
@@ -19,8 +23,9 @@ class UsbArrivals {
 public:
     static UsbArrivals& GetInstance();
 
-    // Throws Problem when the device manager cannot watch.
-    void Start();
+    // `patience` is how long a vendor may take for an answer before that is remarked. Throws
+    // Problem when the device manager cannot watch.
+    void Start(ArrivalQueue::Duration patience);
     // Returns when no report is under way; what is being asked then is not reported any more.
     int Stop();
 
@@ -28,8 +33,17 @@ public:
     // that the device manager took for one that was there, counts as an arrival.
     void Compare(const UsbPortMap& before, const UsbPortMap& after);
 
-    // A line for each model that is plugged in now, in `ports`, and was not reported.
+    // Lines that a user should read at once, new since the last call: vendors that take too long,
+    // and that more is plugged in than can be asked about.
+    std::vector<std::string> TakeRemarks();
+
+    // A line for each model that is plugged in now, in `ports`, and was not reported, but for those
+    // whose vendor has not answered.
     std::vector<std::string> Unreported(const UsbPortMap& before, const UsbPortMap& now) const;
+
+    // A line for each model whose vendor has not answered, and one for arrivals that no vendor was
+    // asked about; those that were remarked only on request.
+    std::vector<std::string> Unanswered(bool alsoRemarked) const;
 
     UsbArrivals(const UsbArrivals&) = delete;
     UsbArrivals& operator=(const UsbArrivals&) = delete;
@@ -40,22 +54,37 @@ private:
         std::size_t told = 0;   // by the device manager
         std::size_t asked = 0;  // and so many have been answered
         std::size_t answered = 0;
+        bool isLate = false;  // an answer is
         std::string problem;  // with the last answer; empty: it was reported
     };
 
-    UsbArrivals() = default;
+    // Ends the question, also when the vendor ends its thread.
+    class Asking;
+
+    UsbArrivals();
     ~UsbArrivals() = default;
 
     static std::int32_t OnChange(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state,
                                  const std::wstring& deviceId);
-    void AskSoon(const std::wstring& deviceId, std::size_t unlessTold);
-    void Ask(const std::wstring& deviceId, std::size_t unlessTold);
-    bool BeginQuestion(const std::wstring& deviceId, std::size_t unlessTold);
-    void Report(const std::wstring& deviceId, const UsbAnswer& answer, const std::string& problem);
+    void Add(const std::wstring& deviceId, std::size_t unlessTold);
+    Model* ModelOf(const std::wstring& deviceId);
+    void AskInTurn();
+    void BeginQuestions();
+    void Ask(const ArrivalQueue::Question& question);
+    void Report(const ArrivalQueue::Question& question, const UsbAnswer& answer,
+                const std::string& problem);
+    void RemarkLate(const std::wstring& deviceId);
 
-    mutable std::mutex mutex;
+    mutable std::mutex mutex;  // guards what follows
     bool isOpen = false;
+    ArrivalQueue::Duration patience{};
+    ArrivalQueue queue;
     std::map<std::wstring, Model> models;
+    std::vector<std::wstring> late;  // models to remark
+    bool isMissingRemarked = false;
+
+    std::condition_variable changed;
+    std::thread asker;  // starts the questions
 };
 
 }  // namespace App

@@ -69,6 +69,24 @@ void TellWhatIsThere(std::size_t count) {
     }
 }
 
+void WarnOf(const std::vector<std::string>& problems) {
+    for (const std::string& problem : problems) {
+        Warn(problem);
+    }
+}
+
+// Throws Problem when the watch has reported nothing, and a vendor's answer is still awaited: the
+// user who ends it knows that.
+void RequireAnswers(const UsbWatchSession& session) {
+    const std::vector<std::string> unanswered = session.Unanswered(true);
+    if (!unanswered.empty() && !ArrivalList::GetInstance().IsCancelled()) {
+        throw Problem("it is not known which printers were plugged in" + Lines(unanswered) +
+                      "\nTry again, watch longer, or wait longer with --vendor-seconds N; a vendor "
+                      "that never answers needs another module.");
+    }
+    WarnOf(session.Unanswered(false));
+}
+
 }  // namespace
 
 ExitStatus UsbList(const Settings& settings) {
@@ -89,9 +107,7 @@ ExitStatus UsbPorts(const Settings& settings) {
         return kNoneFound;
     }
     WriteItems(settings, plugged.printers, UsbPrinterJson);
-    for (const std::string& problem : plugged.problems) {
-        Warn(problem);
-    }
+    WarnOf(plugged.problems);
     return kFound;
 }
 
@@ -100,12 +116,12 @@ ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options) {
     TellWhatIsThere(CountPluggedIn(session.ThereBefore()));
     const auto view = ViewFor<Arrival>(settings, ArrivalJson);
     const bool isAnyReported = RunScan(session, *view, options);
-    for (const std::string& problem : session.Unreported()) {
-        Warn(problem);
-    }
+    WarnOf(session.Unreported());
     if (isAnyReported) {
+        WarnOf(session.Unanswered(false));
         return kFound;
     }
+    RequireAnswers(session);
     return Failed(
         "no printer was plugged in that a vendor reports.\n`devicediscover usb ports` shows those "
         "that were there already.");

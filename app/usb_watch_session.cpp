@@ -14,8 +14,8 @@ UsbWatchSession::UsbWatchSession(const Settings& settings) : before(PortsPlugged
     for (const std::string& problem : RequireUsbVendors("GetDeviceInfoByUsb", {})) {
         Warn(problem);
     }
-    const std::function<int()> work = [] {
-        UsbArrivals::GetInstance().Start();
+    const std::function<int()> work = [patience = settings.LimitOr(kAnswerLimit)] {
+        UsbArrivals::GetInstance().Start(patience);
         return 0;
     };
     Await(settings, "Asking for what is plugged in", work);
@@ -28,11 +28,19 @@ std::vector<std::string> UsbWatchSession::TakeRemarks() {
     std::string now = UsbMonitorProblem();
     const bool isNews = !now.empty() && now != trouble;
     trouble = std::move(now);
-    return isNews ? std::vector<std::string>{trouble} : std::vector<std::string>{};
+    std::vector<std::string> remarks = UsbArrivals::GetInstance().TakeRemarks();
+    if (isNews) {
+        remarks.push_back(trouble);
+    }
+    return remarks;
 }
 
 std::vector<std::string> UsbWatchSession::Unreported() const {
     return UsbArrivals::GetInstance().Unreported(before, PortsPluggedInAtLast());
+}
+
+std::vector<std::string> UsbWatchSession::Unanswered(bool alsoRemarked) const {
+    return UsbArrivals::GetInstance().Unanswered(alsoRemarked);
 }
 
 }  // namespace App

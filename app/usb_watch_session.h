@@ -23,14 +23,16 @@ public:
     // What was plugged in already, and is not reported.
     const UsbPortMap& ThereBefore() const { return before; }
 
-    // What is wrong with the watch itself, when it begins.
+    // What is wrong with the watch itself, when it begins, and with what is asked.
     std::vector<std::string> TakeRemarks();
 
     // As that of RunningWork: returns when no printer is being reported any more.
     void Stop(const std::function<void()>& onWait = [] {}) { watch->Stop(onWait); }
 
-    // Once it has stopped: a line for each model that came, is there now and was not reported.
+    // Once it has stopped: a line for each model that came, is there now and was not reported, and
+    // for what no vendor has answered; the latter with what was remarked only on request.
     std::vector<std::string> Unreported() const;
+    std::vector<std::string> Unanswered(bool alsoRemarked) const;
 
 private:
     UsbPortMap before;

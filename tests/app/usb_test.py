@@ -1,10 +1,12 @@
 """`devicediscover usb`."""
 
 import datetime
+import os
 import re
 import signal
 import struct
 import time
+import unittest
 
 import app_test
 from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, USAGE, json_lines, system_path
@@ -396,9 +398,47 @@ class UsbWatch(UsbTest):
         self.script(usb_device("SN1"), "delay GetDeviceInfoByUsb 60000")
         self.host(appear(after=10), change(after=0))
         result = self.run_app("usb", "watch", "--seconds", "2.5")
-        self.assert_status(result, NONE_FOUND)
-        self.assert_mentions(result.errors,
-                             f"warning: {USB_ID}: its vendor scripted has not answered yet\n")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "it is not known which printers were plugged in\n"
+                             f"  {USB_ID}: its vendor scripted has not answered yet\n")
+
+    def test_a_vendor_that_never_answers_costs_vendor_seconds_and_is_no_no(self):
+        self.script("misbehave GetDeviceInfoByUsb hang")
+        self.host(change(after=0), change(after=0))
+        result = self.run_app("usb", "watch", "--seconds", "3", "--vendor-seconds", "0.5", "--json")
+        self.assert_status(result, COULD_NOT_RUN)
+        said = f"{USB_ID}: no answer from vendor scripted (GetDeviceInfoByUsb) within 0.5 s"
+        self.assertEqual(result.errors.count(f"warning: {said}\n"), 1)
+        problem, = json_lines(result.output)
+        self.assert_mentions(problem["problem"], said, "--vendor-seconds")
+
+    def test_another_vendor_s_printer_is_shown_while_one_never_answers(self):
+        self.list_file = self.vendor_list([vendor(), vendor("scripted_all_b", "b", OTHER_USB_ID)])
+        self.script("[scripted_all]", "misbehave GetDeviceInfoByUsb hang",
+                    "[scripted_all_b]", usb_device("SN1", vendor="b"))
+        self.host(*(40 * [change(after=0)]), change(OTHER_USB_ID, after=0))
+        result = self.run_app("usb", "watch", "--seconds", "3", "--vendor-seconds", "0.5", "--json")
+        self.assert_status(result, FOUND)
+        self.assertEqual([one["serialNumber"] for one in json_lines(result.output)], ["SN1"])
+
+    @unittest.skipIf(ON_WINDOWS, "its threads are counted by the Linux kernel")
+    def test_arrivals_that_nobody_answers_about_are_bounded(self):
+        self.script("misbehave GetDeviceInfoByUsb hang")
+        self.host(*(1500 * [change(after=0)]))
+        process = self.start_app("usb", "watch", "--seconds", "4", "--vendor-seconds", "0.5")
+        most = 0
+        while process.poll() is None:
+            try:
+                most = max(most, len(os.listdir(f"/proc/{process.pid}/task")))
+            except FileNotFoundError:
+                break
+            time.sleep(0.05)
+        _, errors = process.communicate(timeout=app_test.PATIENCE)
+        self.assertEqual(process.returncode, COULD_NOT_RUN, errors)
+        self.assertGreater(most, 30)
+        self.assertLess(most, 100)
+        self.assert_mentions(errors.decode(), "warning: more printers are plugged in than the vendors",
+                             f"{1500 - 64} arrivals were not asked about")
 
     def test_each_request_to_end_stops_it_properly(self):
         for request in REQUESTS:
