@@ -57,6 +57,9 @@ void ScanSession::Stop(const std::function<void()>& onWait) {
     scans->Update();
     scans->Freeze();
     scan->Stop(onWait);
+    if (Printers().GetItems().empty()) {
+        scans->AwaitReturns();
+    }
 }
 
 bool ScanSession::HasEnded() {

@@ -1,11 +1,11 @@
 #include "app/vendor_scans.h"
 
 #include <algorithm>
-#include <optional>
+#include <chrono>
+#include <thread>
 #include <utility>
 
 #include "app/access_point_printer.h"
-#include "app/vendor_calls.h"
 
 namespace App {
 
@@ -42,15 +42,20 @@ void VendorScans::AddThoseThatBegan() {
     }
 }
 
-// Why the vendor does not look, by its latest scan; empty when it may. A scan that succeeds may
-// return early and go on on threads of its own.
-std::string VendorScans::FailureOf(const std::string& vendor) const {
+std::optional<VendorCall> VendorScans::LatestOf(const std::string& vendor) const {
     std::optional<VendorCall> latest;
     for (const VendorCall& call : CallsOf(kind.entryPoint, start)) {
         if (vendor == call.productId && (!latest || call.began > latest->began)) {
             latest = call;
         }
     }
+    return latest;
+}
+
+// Why the vendor does not look, by its latest scan; empty when it may. A scan that succeeds may
+// return early and go on on threads of its own.
+std::string VendorScans::FailureOf(const std::string& vendor) const {
+    const std::optional<VendorCall> latest = LatestOf(vendor);
     const std::string text = "vendor " + vendor + " does not look for " + kind.wanted + ": ";
     if (latest && latest->state == VendorCallState::kLeftByException) {
         return text + "its scan has thrown an exception";
@@ -67,10 +72,34 @@ void VendorScans::Update() {
         AddThoseThatBegan();
     }
     for (const std::string& vendor : vendors) {
-        const std::string failure = Holds(failed, vendor) ? "" : FailureOf(vendor);
-        if (!failure.empty()) {
-            failed.push_back(vendor);
-            failures.push_back(failure);
+        AddFailure(vendor, FailureOf(vendor));
+    }
+}
+
+void VendorScans::AddFailure(const std::string& vendor, const std::string& failure) {
+    if (!failure.empty() && !Holds(failed, vendor)) {
+        failed.push_back(vendor);
+        failures.push_back(failure);
+    }
+}
+
+void VendorScans::AwaitReturns() {
+    constexpr auto kMoment = std::chrono::seconds(1);
+    constexpr auto kTick = std::chrono::milliseconds(20);
+    const auto isUnderWay = [this](const std::string& vendor) {
+        const std::optional<VendorCall> latest = LatestOf(vendor);
+        return latest && latest->state == VendorCallState::kUnderWay;
+    };
+    const auto end = std::chrono::steady_clock::now() + kMoment;
+    while (std::any_of(vendors.begin(), vendors.end(), isUnderWay) &&
+           std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(kTick);
+    }
+    for (const std::string& vendor : vendors) {
+        const std::optional<VendorCall> latest = LatestOf(vendor);
+        if (latest && latest->state == VendorCallState::kReturned &&
+            !IsAnswer(latest->result, vendor)) {
+            AddFailure(vendor, FailureOf(vendor));
         }
     }
 }

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "app/vendor_calls.h"
 
 namespace App {
 
@@ -24,6 +27,10 @@ public:
     void Update();
     void Freeze() { frozen = true; }
 
+    // Once they were told to stop: waits until all have returned, but for a moment only, and looks
+    // for results that are known to mean that the vendor could not look.
+    void AwaitReturns();
+
     // Whether each vendor's scan has failed, so that nobody looks any more.
     bool HasEnded() const { return !vendors.empty() && failures.size() == vendors.size(); }
 
@@ -33,7 +40,9 @@ public:
 
 private:
     void AddThoseThatBegan();
+    std::optional<VendorCall> LatestOf(const std::string& vendor) const;
     std::string FailureOf(const std::string& vendor) const;
+    void AddFailure(const std::string& vendor, const std::string& failure);
 
     const Kind kind;
     const bool isGiven;  // who the vendors are

@@ -21,6 +21,9 @@ public:
     void TellDuringScan(Time now);
     void TellAtStop(Time now);
 
+    // Whether the user was told, and that still holds.
+    bool IsTold() const { return told && !answered; }
+
     // When TellDuringScan has something to tell, if Avahi does not answer before; or had.
     Time Due() const;
 

@@ -245,7 +245,7 @@ int ScanSession::Run() {
     while (true) {
         const std::optional<Message> message = inbox->Take(next);
         if (inbox->IsClosed()) {
-            return kOk;
+            return silence.IsTold() ? kNoBrowsing : kOk;
         }
         const auto now = Clock::now();
         auto result = message ? course.Take(*message, now) : course.Overdue(now);
