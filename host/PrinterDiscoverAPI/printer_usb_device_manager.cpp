@@ -22,6 +22,20 @@ void Keep(const std::string& problem) {
     Host::CopyUtf8(problem, lastUsbProblem.data(), lastUsbProblem.size());
 }
 
+void LogNoPorts(const std::string& problem) {
+    Host::Report(LOG_LEVEL_ERROR, L"USB printers: " + Host::FromUtf8(problem),
+                 L"PrinterUsbDeviceManager::GetCurrentPrinterPorts");
+}
+
+// Once: it stays so, and those who ask are many.
+void LogHidden(const std::string& reason) {
+    static const bool logged = [&] {
+        LogNoPorts(reason);
+        return true;
+    }();
+    static_cast<void>(logged);
+}
+
 int Give(const char* problem, char* text, std::size_t size) {
     Host::CopyUtf8(problem, text, size);
     return *problem == '\0' ? 0 : 1;
@@ -39,11 +53,15 @@ void PrinterUsbDeviceManager::GetCurrentPrinterPorts(
     ports.clear();
     std::vector<UsbPrinter> printers;
     std::string problem;
-    const bool isListed = ListUsbPrinters(printers, problem);
-    Keep(isListed ? std::string() : problem);
-    if (!isListed) {
-        Host::Report(LOG_LEVEL_ERROR, L"USB printers: " + Host::FromUtf8(problem),
-                     L"PrinterUsbDeviceManager::GetCurrentPrinterPorts");
+    if (!ListUsbPrinters(printers, problem)) {
+        Keep(problem);
+        LogNoPorts(problem);
+        return;
+    }
+    const std::string hidden = printers.empty() ? WhyUsbIsHidden() : std::string();
+    Keep(hidden);
+    if (!hidden.empty()) {
+        LogHidden(hidden);
         return;
     }
     std::set<std::string> counted;

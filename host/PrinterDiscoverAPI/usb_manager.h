@@ -30,6 +30,9 @@ std::wstring UsbHardwareId(unsigned vendorId, unsigned productId);
 // while it is read is left out. False, with the reason in `problem`, when the system cannot say.
 bool ListUsbPrinters(std::vector<UsbPrinter>& printers, std::string& problem);
 
+// Why a list of none says nothing: the system shows no USB device at all. Empty: it would.
+std::string WhyUsbIsHidden();
+
 struct UsbEvent {
     enum class Kind {
         added,       // `printer` is there; it may have been there before

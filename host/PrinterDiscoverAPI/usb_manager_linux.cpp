@@ -388,6 +388,14 @@ bool ListUsbPrinters(std::vector<UsbPrinter>& printers, std::string& problem) {
     return true;
 }
 
+std::string WhyUsbIsHidden() {
+    constexpr const char* folder = "/sys/bus/usb";
+    return access(folder, F_OK) == 0 || errno != ENOENT
+               ? std::string()
+               : std::string("the devices cannot be listed: there is no ") + folder +
+                     ", as in a container, or where the kernel has no USB";
+}
+
 std::unique_ptr<UsbEvents> UsbEvents::Open(std::string& problem) {
     Context context(udev_new());
     if (!context) {

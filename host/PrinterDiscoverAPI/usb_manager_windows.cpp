@@ -77,6 +77,10 @@ bool ListUsbPrinters(std::vector<UsbPrinter>& printers, std::string& problem) {
     return true;
 }
 
+std::string WhyUsbIsHidden() {
+    return {};
+}
+
 std::unique_ptr<UsbEvents> UsbEvents::Open(std::string& problem) {
     auto events = std::make_unique<WindowsUsbEvents>(problem);
     return problem.empty() ? std::move(events) : nullptr;

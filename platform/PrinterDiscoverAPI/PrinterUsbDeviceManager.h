@@ -44,7 +44,8 @@ public:
     // identifier in the form that vendor lists use, VID_vvvv&PID_pppp with upper-case hexadecimal
     // digits; the value is how many devices of that identifier there are, and the bus number of the
     // first (0 where the system does not number its buses). A device that goes away meanwhile is
-    // left out. When the system cannot say, the reason is logged and `ports` is empty.
+    // left out. When the system cannot say, the reason is logged and `ports` is empty; that it
+    // shows no USB devices at all, as in a container, is logged once.
     void GetCurrentPrinterPorts(std::map<std::wstring, std::pair<int, int>>& ports);
 
     // Reports printers that are plugged in or out from now on; devices that are there already are

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <filesystem>
 #include <mutex>
 #include <optional>
 #include <span>
@@ -369,7 +370,10 @@ public:
         g_free(folder);
         // Others than its owner listen for events here.
         chmod(root.c_str(), 0777);
+        std::filesystem::create_directories(root + "/sys/bus/usb/devices");
     }
+
+    void Hide() { std::filesystem::remove_all(root + "/sys/bus/usb"); }
 
     ~Bed() {
         g_object_unref(testbed);
@@ -450,6 +454,10 @@ private:
 SimulatedUsb::SimulatedUsb() : bed(std::make_unique<Bed>()) {}
 
 SimulatedUsb::~SimulatedUsb() = default;
+
+void SimulatedUsb::Hide() {
+    bed->Hide();
+}
 
 void SimulatedUsb::Plug(const SimulatedDevice& device) {
     bed->Plug(device);

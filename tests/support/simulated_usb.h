@@ -48,6 +48,8 @@ public:
     void Unplug(const SimulatedDevice& device);
     // Tells of a device that is there once more, as a restarted device service does.
     void TellAgain(const SimulatedDevice& device);
+    // The system shows no USB at all, as in a container.
+    void Hide();
     // Nobody but root may open the device.
     void Forbid(const SimulatedDevice& device);
 

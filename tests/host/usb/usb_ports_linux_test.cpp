@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <iomanip>
@@ -8,6 +9,7 @@
 #include <sstream>
 #include <thread>
 
+#include "platform/PrinterDiscoverAPI/PrinterUsbControl.h"
 #include "tests/host/usb/usb_reports.h"
 #include "tests/support/recording_log.h"
 #include "tests/support/simulated_usb.h"
@@ -66,6 +68,19 @@ Ports PortsAsLsusbSeesThem() {
 
 TEST_F(UsbPorts, AreNoneWithoutAPrinter) {
     EXPECT_EQ(Current(), Ports());
+}
+
+TEST_F(UsbPorts, AreNotKnownWhereTheSystemShowsNoUsb) {
+    usb.Hide();
+    std::array<char, 200> problem{};
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(Current(), Ports());
+        EXPECT_NE(PrinterUsbProblem(problem.data(), problem.size()), 0);
+    }
+    EXPECT_STREQ(problem.data(),
+                 "the devices cannot be listed: there is no /sys/bus/usb, as in a container, or "
+                 "where the kernel has no USB");
+    EXPECT_EQ(RecordingLog::Lines().size(), 1U) << "told once";
 }
 
 TEST_F(UsbPorts, HaveThePrintersIdentifierInCapitalsAndItsBus) {
