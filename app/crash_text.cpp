@@ -1,6 +1,6 @@
 #include "app/crash_text.h"
 
-#include <algorithm>
+#include "host/PrinterUtil/vendor_list.h"
 
 namespace App {
 
@@ -17,7 +17,8 @@ CrashText::CrashText(std::string_view end) {
     Append(end);
     const bool inOne = AppendCalls(true, " in ");
     const bool inOthers = AppendCalls(false, inOne ? "; also under way: " : "; under way: ");
-    if (!inOne && !inOthers) {
+    const bool inLoad = AppendModules();
+    if (!inOne && !inOthers && !inLoad) {
         Append("; no vendor was being called");
     }
 }
@@ -27,6 +28,16 @@ void CrashText::Append(std::string_view more) {
         // A vendor's name may hold anything.
         text[length++] = character >= ' ' && character <= '~' ? character : '?';
     }
+}
+
+bool CrashText::AppendModules() {
+    char modules[512];
+    const std::size_t size = PrinterUtil::ReadModulesBeingLoaded(modules, sizeof modules);
+    if (size > 0) {
+        Append("; being loaded: ");
+        Append({modules, size});
+    }
+    return size > 0;
 }
 
 bool CrashText::AppendCalls(bool onThisThread, std::string_view lead) {

@@ -24,6 +24,9 @@ private:
     // any.
     bool AppendCalls(bool onThisThread, std::string_view lead);
 
+    // Names the modules that are being loaded. Whether there were any.
+    bool AppendModules();
+
     std::array<char, 1024> text;
     std::size_t length = 0;
 };

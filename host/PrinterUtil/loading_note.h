@@ -1,11 +1,12 @@
 #pragma once
 
-#include <list>
+#include <cstddef>
 #include <string>
 
 namespace PrinterUtil {
 
-// Notes, as long as it lives, that a module is being loaded.
+// Notes, as long as it lives, that a module is being loaded. Notes are fixed memory, so that they
+// can be read when the process dies; one that finds no room there is not kept.
 class LoadingNote {
 public:
     explicit LoadingNote(const std::string& path);
@@ -16,8 +17,15 @@ public:
     // The path of the one that began last; empty when there is none.
     static std::string Latest();
 
+    // The paths of all, separated by ", ": terminated, cut where they do not fit. Returns the
+    // length. Neither allocates nor waits.
+    static std::size_t ReadAll(char* text, std::size_t size);
+
 private:
-    std::list<std::string>::iterator own;
+    struct Row;
+    static Row rows[];
+
+    Row* own = nullptr;
 };
 
 }  // namespace PrinterUtil

@@ -27,4 +27,8 @@ std::string ModuleBeingLoaded() {
     return LoadingNote::Latest();
 }
 
+std::size_t ReadModulesBeingLoaded(char* text, std::size_t size) {
+    return LoadingNote::ReadAll(text, size);
+}
+
 }  // namespace PrinterUtil

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,14 @@ PRINTERUTIL_API ModuleReport DescribeModule(const std::string& moduleName);
 
 // The path of a module that VendorDllMgr or DescribeModule is loading right now, on whichever
 // thread; empty when there is none. For a program that waits, since a module may hang while it
-// starts.
+// starts. Such a module costs all vendors whose modules are not loaded yet: the system loads one
+// library at a time, and no program can end that from within.
 PRINTERUTIL_API std::string ModuleBeingLoaded();
+
+// The paths of all modules that are being loaded, separated by ", ", for a signal handler and for
+// the end of the process: nothing is allocated, locked or logged. Writes at most `size` bytes,
+// terminated, and returns the text's length; a path is cut at 1023 bytes, and of more than 16
+// modules at a time some are left out.
+PRINTERUTIL_API std::size_t ReadModulesBeingLoaded(char* text, std::size_t size);
 
 }  // namespace PrinterUtil

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "quick_exit.h"
+#include "ways_to_end.h"
 
 namespace ScriptedVendor {
 
@@ -27,6 +27,7 @@ constexpr Name kNames[] = {
     {"throw-other", Misbehaviour::ThrowOther},
     {"exit", Misbehaviour::Exit},
     {"quick-exit", Misbehaviour::QuickExit},
+    {"end-thread", Misbehaviour::EndThread},
     {"hang", Misbehaviour::Hang},
 };
 
@@ -72,6 +73,8 @@ void Misbehave(Misbehaviour misbehaviour) {
             std::exit(0);
         case Misbehaviour::QuickExit:
             QuickExit();
+        case Misbehaviour::EndThread:
+            EndThread();
         case Misbehaviour::Hang:
             for (;;) {
                 std::this_thread::sleep_for(std::chrono::hours(1));

@@ -15,6 +15,7 @@ enum class Misbehaviour {
     ThrowOther,
     Exit,
     QuickExit,
+    EndThread,
     Hang,
 };
 

@@ -6,7 +6,7 @@ import time
 import unittest
 
 import app_test
-from app_test import (COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device, json_lines,
+from app_test import (COULD_NOT_RUN, FOUND, MODULES, NONE_FOUND, ON_WINDOWS, AppTest, device, json_lines,
                       system_path)
 from setup_test import PRINTER, SetupTest
 from usb_host_test import UsbTest, port, usb_device
@@ -109,6 +109,14 @@ class Misbehaviour(AppTest):
                         result.errors,
                         f"an exception came out of vendor scripted ({entry_point}){what}\n")
 
+    def test_a_call_that_ends_its_thread_ends_the_command_only(self):
+        for entry_point in ("GetDeviceConnectState", "GetDeviceInfoByNet", "IsLocalAreaNetworkOK"):
+            with self.subTest(entry_point):
+                result = self.run_into(entry_point, "end-thread")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors,
+                                     "a vendor has ended the thread that it was called on\n")
+
     def test_an_exception_of_a_stop_costs_only_the_stop(self):
         for entry_point in ("StopDeviceScan", "StopAPWifiScan"):
             with self.subTest(entry_point):
@@ -203,6 +211,21 @@ class Hanging(AppTest):
             self.assertEqual(status, COULD_NOT_RUN, errors)
             self.assert_mentions(errors, "no answer from module ", "scripted_hangs_at_load",
                                  ", which is being loaded, within 1 s")
+
+    @on_linux
+    def test_a_module_that_ends_the_program_while_it_is_loaded_is_named(self):
+        for module, status, how in (
+                ("scripted_crashes_at_load", CRASHED, "the program crashed (SIGSEGV)"),
+                ("scripted_exits_at_load", COULD_NOT_RUN, "the program was ended by a call of exit()")):
+            for command in ("scan", "vendors"):
+                with self.subTest(module, command=command):
+                    self.list_file = self.vendor_list([("one", module)])
+                    log = self.path(f"log-{module}-{command}")
+                    result = self.run_app(command, "--log-file", log)
+                    self.assert_status(result, status)
+                    told = f"{how}; being loaded: {os.path.realpath(MODULES)}/{module}.so\n"
+                    self.assertEqual(result.errors, f"devicediscover: {told}")
+                    self.assertIn(told, self.read(log))
 
     @on_linux
     def test_a_module_that_hangs_when_the_program_ends_does_not_keep_it(self):

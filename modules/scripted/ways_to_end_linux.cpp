@@ -1,4 +1,6 @@
-#include "quick_exit.h"
+#include "ways_to_end.h"
+
+#include <pthread.h>
 
 #include <cstdlib>
 
@@ -6,6 +8,10 @@ namespace ScriptedVendor {
 
 void QuickExit() {
     std::quick_exit(0);
+}
+
+void EndThread() {
+    pthread_exit(nullptr);
 }
 
 }  // namespace ScriptedVendor
