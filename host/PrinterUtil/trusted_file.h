@@ -19,7 +19,7 @@ public:
     // change it. Empty when nothing is wrong.
     const std::string& Problem() const { return problem; }
 
-    // Where the file is, without links on Linux; for a file without a problem.
+    // Where the file is, without links; for a file without a problem.
     const std::filesystem::path& Path() const { return path; }
 
     // Puts at most `most` bytes from the file's start into `bytes`; the reason when that fails.

@@ -1,14 +1,17 @@
 #include "host/PrinterUtil/system_message_windows.h"
 #include "host/PrinterUtil/trusted_file.h"
-#include "host/common/paths.h"
+#include "host/PrinterUtil/vouched_folders_windows.h"
+#include "host/PrinterUtil/write_access_windows.h"
+#include "host/common/utf8.h"
 #include "platform/os.h"
 
-// After the system's own header, which they need.
+// After the system's own header, which it needs.
 #include <aclapi.h>
-#include <sddl.h>
 
-#include <array>
+#include <algorithm>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace PrinterUtil {
 
@@ -33,55 +36,9 @@ File Open(const fs::path& path, DWORD access, DWORD share) {
     return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
-File OpenFolder(const fs::path& folder) {
-    return Open(folder, READ_CONTROL, FILE_SHARE_READ | FILE_SHARE_WRITE);
-}
-
-// The groups to which everybody belongs, or everybody who can log on.
-bool IsEverybody(PSID user) {
-    constexpr std::array everybody{WinWorldSid, WinAuthenticatedUserSid, WinBuiltinUsersSid,
-                                   WinInteractiveSid, WinAnonymousSid};
-    for (const WELL_KNOWN_SID_TYPE group : everybody) {
-        if (IsWellKnownSid(user, group) != 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
-bool LetsEverybodyWrite(const ACE_HEADER* header, DWORD writing) {
-    if (header->AceType != ACCESS_ALLOWED_ACE_TYPE || (header->AceFlags & INHERIT_ONLY_ACE) != 0) {
-        return false;
-    }
-    const auto* entry = reinterpret_cast<const ACCESS_ALLOWED_ACE*>(header);
-    return (entry->Mask & writing) != 0 && IsEverybody(const_cast<DWORD*>(&entry->SidStart));
-}
-
-bool LetsEverybodyWrite(PACL list, DWORD writing) {
-    if (list == nullptr) {
-        return true;
-    }
-    for (DWORD index = 0; index < list->AceCount; ++index) {
-        void* entry = nullptr;
-        if (GetAce(list, index, &entry) == 0 ||
-            LetsEverybodyWrite(static_cast<const ACE_HEADER*>(entry), writing)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-// The rights that change a file, or what a folder's names stand for.
-DWORD WritingRights(HANDLE file) {
-    constexpr DWORD either =
-        GENERIC_WRITE | GENERIC_ALL | WRITE_DAC | WRITE_OWNER | FILE_WRITE_DATA;
-    BY_HANDLE_FILE_INFORMATION information{};
-    GetFileInformationByHandle(file, &information);
-    const bool folder = (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    return either | (folder ? FILE_DELETE_CHILD : FILE_APPEND_DATA);
-}
-
-std::filesystem::path FinalPath(HANDLE file) {
+// Where a file is, behind all links: a path that starts with "\\?\"; empty where the system does
+// not know.
+std::wstring FinalPath(HANDLE file) {
     std::wstring path(MAX_PATH, L'\0');
     DWORD length = GetFinalPathNameByHandleW(file, path.data(), static_cast<DWORD>(path.size()), 0);
     if (length > path.size()) {
@@ -92,32 +49,39 @@ std::filesystem::path FinalPath(HANDLE file) {
     return path;
 }
 
-// Why a file or folder cannot be trusted; empty when only its user and the administrator can change
-// it.
-std::string WhyOthersMayChange(HANDLE file) {
-    PACL list = nullptr;
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    const DWORD error = GetSecurityInfo(file, SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
-                                        nullptr, &list, nullptr, &descriptor);
-    const std::unique_ptr<void, FreeLocal> owned(descriptor);
-    if (error != ERROR_SUCCESS) {
-        return SystemMessage(error);
+constexpr std::wstring_view kPrefix = L"\\\\?\\";
+constexpr std::wstring_view kPrefixOfShares = L"\\\\?\\UNC\\";
+
+// How people write a final path.
+std::wstring Plain(const std::wstring& path) {
+    return path.starts_with(kPrefixOfShares)
+               ? L"\\\\" + path.substr(kPrefixOfShares.size())
+               : path.substr(path.starts_with(kPrefix) ? kPrefix.size() : 0);
+}
+
+// How much of a final path is the root of its volume or share, which ends with a separator.
+std::size_t RootLength(const std::wstring& path) {
+    const bool isShared = path.starts_with(kPrefixOfShares);
+    std::size_t at = isShared ? kPrefixOfShares.size() : kPrefix.size();
+    for (int names = isShared ? 2 : 1; names > 0 && at != std::wstring::npos; --names) {
+        at = path.find(L'\\', at);
+        at += at == std::wstring::npos ? 0 : 1;
     }
-    return LetsEverybodyWrite(list, WritingRights(file)) ? "anyone may write to it" : "";
+    return at == std::wstring::npos ? path.size() : at;
 }
 
-std::string FolderProblem(const fs::path& folder, File& opened) {
-    opened = OpenFolder(folder);
-    const std::string reason =
-        opened ? WhyOthersMayChange(opened.get()) : SystemMessage(GetLastError());
-    return reason.empty() ? reason
-                          : "refused: its folder " + Host::PathToUtf8(folder) + ": " + reason;
+// The folder of a file or folder that is not the root.
+std::wstring Parent(const std::wstring& path, std::size_t rootLength) {
+    return path.substr(0, std::max(path.rfind(L'\\'), rootLength));
 }
 
-bool IsLink(const fs::path& path) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES &&
-           (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+std::string WhyNotTrusted(HANDLE file, PathPart part) {
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    const DWORD error = GetSecurityInfo(file, SE_FILE_OBJECT,
+                                        OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION,
+                                        nullptr, nullptr, nullptr, nullptr, &descriptor);
+    const std::unique_ptr<void, FreeLocal> owned(descriptor);
+    return error == ERROR_SUCCESS ? WhyOthersMayChange(descriptor, part) : SystemMessage(error);
 }
 
 std::string TypeProblem(const fs::path& path) {
@@ -136,28 +100,54 @@ std::string TypeProblem(const fs::path& path) {
 
 struct TrustedFile::Handle {
     File file;
-    File folder;
-    File linkedFolder;  // where the file is when the path is a link
+    std::vector<File> folders;  // from the file's own to the root
+    std::wstring path;          // behind all links
 
     // Opens all for as long as this lives; why they are not to be trusted.
-    std::string OpenAll(const fs::path& path);
+    std::string OpenAll(const fs::path& named);
+    std::string OpenFolders();
+    std::string OpenFolder(const std::wstring& folder);
 };
 
 // The file stays open for reading while it is judged and loaded: nobody can write to it, remove it,
 // or rename one of its folders meanwhile.
-std::string TrustedFile::Handle::OpenAll(const fs::path& path) {
-    file = PrinterUtil::Open(path, GENERIC_READ, FILE_SHARE_READ);
+std::string TrustedFile::Handle::OpenAll(const fs::path& named) {
+    file = PrinterUtil::Open(named, GENERIC_READ, FILE_SHARE_READ);
     if (!file) {
         return "cannot be read: " + SystemMessage(GetLastError());
     }
-    if (const std::string reason = WhyOthersMayChange(file.get()); !reason.empty()) {
+    if (const std::string reason = WhyNotTrusted(file.get(), PathPart::kFile); !reason.empty()) {
         return "refused: " + reason;
     }
-    if (std::string reason = FolderProblem(path.parent_path(), folder); !reason.empty()) {
-        return reason;
+    path = FinalPath(file.get());
+    if (!path.starts_with(kPrefix)) {
+        return "refused: the system does not know its folders: " + SystemMessage(GetLastError());
     }
-    return IsLink(path) ? FolderProblem(FinalPath(file.get()).parent_path(), linkedFolder)
-                        : std::string();
+    return OpenFolders();
+}
+
+// Up to the root, or to a folder that the administrator answers for.
+std::string TrustedFile::Handle::OpenFolders() {
+    const std::size_t root = RootLength(path);
+    std::wstring folder = path;
+    std::string reason;
+    while (reason.empty() && folder.size() > root) {
+        folder = Parent(folder, root);
+        if (IsVouchedFor(Plain(folder))) {
+            break;
+        }
+        reason = OpenFolder(folder);
+    }
+    return reason;
+}
+
+std::string TrustedFile::Handle::OpenFolder(const std::wstring& folder) {
+    const PathPart part = folders.empty() ? PathPart::kFileFolder : PathPart::kFolderAbove;
+    folders.push_back(PrinterUtil::Open(folder, READ_CONTROL, FILE_SHARE_READ | FILE_SHARE_WRITE));
+    const std::string reason =
+        folders.back() ? WhyNotTrusted(folders.back().get(), part) : SystemMessage(GetLastError());
+    return reason.empty() ? reason
+                          : "refused: its folder " + Host::ToUtf8(Plain(folder)) + ": " + reason;
 }
 
 TrustedFile::TrustedFile(fs::path place, std::string reason, std::shared_ptr<Handle> opened)
@@ -172,7 +162,8 @@ TrustedFile TrustedFile::Open(const fs::path& file) {
     if (!reason.empty()) {
         return {{}, reason, nullptr};
     }
-    return {file, {}, handle};
+    // A path without links stands for the same file from then on.
+    return {Plain(handle->path), {}, handle};
 }
 
 std::string TrustedFile::Read(std::string& bytes, std::size_t most) const {
