@@ -117,7 +117,7 @@ inline constexpr const char* kWifiJoin = R"(Examples:
   devicediscover wifi join Guests --open
 
 Exit status 1: not joined. Then, and after Ctrl-C, this computer goes back to the
-network it was on, if that is open or saved, and in range (on Linux).
+network it was on, if that is open or saved, and in range.
 
 )";
 
@@ -277,9 +277,9 @@ The steps are: which printer; which network, picked from a list on a terminal;
 its pass phrase; putting the printer on it; joining this computer to it; finding
 the printer there. Should one fail, it says what to do. Ctrl-C ends it between
 and within steps. When one of the last two does not succeed, this computer goes
-back to the network it was on, if that is open or saved, and in range (on
-Linux). With --json each step is an object when it starts and when it ends, and
-what is asked goes to standard error.
+back to the network it was on, if that is open or saved, and in range. With
+--json each step is an object when it starts and when it ends, and what is asked
+goes to standard error.
 
 Printers may share a serial number. The vendor tells whether the very one is
 there; where more than one of that number was found, all their places are named,

@@ -196,8 +196,6 @@ public:
         Translated([&] { Activate(accessPoint, passPhrase, Clock::now() + limit); });
     }
 
-    bool CanResume() const override { return true; }
-
     std::optional<HostConnection> Connection() override {
         return Translated([this] { return FindConnection(); });
     }

@@ -59,13 +59,10 @@ public:
     virtual void Join(const AccessPoint& accessPoint, std::string_view passPhrase,
                       std::chrono::seconds limit) = 0;
 
-    // Whether it can go back to a connection that it has left.
-    virtual bool CanResume() const { return false; }
-    // The connection that the host has, for Resume; nothing where there is none, or none to return
-    // to.
-    virtual std::optional<HostConnection> Connection() { return std::nullopt; }
+    // The connection that the host has, for Resume; nothing where there is none.
+    virtual std::optional<HostConnection> Connection() = 0;
     // Begins to connect as before, unless the host does so already.
-    virtual void Resume(const HostConnection& /*connection*/) {}
+    virtual void Resume(const HostConnection& connection) = 0;
 };
 
 // Throws WifiProblem when there is no service or no adapter.

@@ -10,8 +10,10 @@
 #include <cstdio>
 
 #include "base/secret.h"
+#include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/information_elements.h"
 #include "host/PrinterDiscoverAPI/network_name.h"
+#include "host/PrinterDiscoverAPI/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi_service.h"
 #include "host/PrinterDiscoverAPI/wlan_attempt_windows.h"
 #include "host/PrinterDiscoverAPI/wlan_profile.h"
@@ -31,6 +33,8 @@ constexpr unsigned kPrivacy = 0x10;
 
 // Of a network in the service's list: the system has saved how to join it.
 constexpr DWORD kHasProfile = 2;
+// Asks for the networks that hide their names and are saved, too, in range or not.
+constexpr DWORD kHiddenOnesToo = 2;
 
 std::string BytesOf(const GUID& guid) {
     return {reinterpret_cast<const char*>(&guid), sizeof guid};
@@ -152,12 +156,41 @@ public:
 
     void Join(const AccessPoint& accessPoint, std::string_view passPhrase,
               std::chrono::seconds limit) override {
-        RequireRadio();
         const auto deadline = Clock::now() + limit;
+        RequireRadio();
+        const auto before = ConnectionOf(GuidOf(accessPoint.adapter));
+        try {
+            Attempt(accessPoint, passPhrase, deadline);
+        } catch (const WifiProblem&) {
+            if (before) {
+                GoBackTo(*before, accessPoint.name);
+            }
+            throw;
+        }
+    }
+
+    std::optional<HostConnection> Connection() override {
+        for (const WLAN_INTERFACE_INFO& adapter : adapters) {
+            if (auto connection = ConnectionOf(adapter.InterfaceGuid)) {
+                return connection;
+            }
+        }
+        return std::nullopt;
+    }
+
+    void Resume(const HostConnection& connection) override {
+        const auto now = ConnectionOf(GuidOf(connection.adapter));
+        if (!now || now->profile != connection.profile) {
+            ConnectAsBefore(connection);
+        }
+    }
+
+private:
+    void Attempt(const AccessPoint& accessPoint, std::string_view passPhrase,
+                 Clock::time_point deadline) const {
         const GUID adapter = GuidOf(accessPoint.adapter);
         WlanAttempt attempt(client, adapter, accessPoint);
-        const bool isOpen = (accessPoint.protection & ~kOpportunistic) == 0;
-        if (!passPhrase.empty() || isOpen) {
+        if (!passPhrase.empty() || IsOpen(accessPoint)) {
             std::wstring profile = WlanProfile(accessPoint, passPhrase);
             const Base::WipeAtEnd wiped(profile);
             attempt.StartNew(profile);
@@ -167,7 +200,86 @@ public:
         attempt.Await(deadline);
     }
 
-private:
+    static bool IsOpen(const AccessPoint& accessPoint) {
+        return (accessPoint.protection & ~kOpportunistic) == 0;
+    }
+
+    // The connection that an adapter has or is making.
+    std::optional<HostConnection> ConnectionOf(const GUID& adapter) const {
+        const auto connection =
+            client.Query<WLAN_CONNECTION_ATTRIBUTES>(adapter, wlan_intf_opcode_current_connection);
+        if (!connection || connection->isState == wlan_interface_state_disconnected ||
+            connection->isState == wlan_interface_state_disconnecting ||
+            connection->wlanAssociationAttributes.dot11BssType != dot11_BSS_type_infrastructure) {
+            return std::nullopt;
+        }
+        std::wstring profile(std::begin(connection->strProfileName),
+                             std::end(connection->strProfileName));
+        profile.resize(std::min(profile.find(L'\0'), profile.size()));
+        return HostConnection{BytesOf(adapter), ToUtf8(profile),
+                              NameOf(connection->wlanAssociationAttributes.dot11Ssid)};
+    }
+
+    // After an attempt to join the network `failed`, which took the adapter. What keeps it from
+    // this is less than what made the attempt fail.
+    void GoBackTo(const HostConnection& connection, const std::string& failed) const {
+        try {
+            const auto now = ConnectionOf(GuidOf(connection.adapter));
+            if (!now || now->network == failed) {
+                ConnectAsBefore(connection);
+            }
+        } catch (const WifiProblem& problem) {
+            Report(LOG_LEVEL_WARNING,
+                   L"not back on the network that was left: " + FromUtf8(problem.what()),
+                   L"PrinterWifiAPI");
+        }
+    }
+
+    // The service would leave the present network for one that is not there.
+    void ConnectAsBefore(const HostConnection& connection) const {
+        const auto point = InRange(connection);
+        if (!point) {
+            throw WifiProblem("the network " + connection.network + " is not in range");
+        }
+        const GUID adapter = GuidOf(connection.adapter);
+        WlanAttempt attempt(client, adapter, *point);
+        if (IsSaved(adapter, connection.profile)) {
+            attempt.StartSaved(FromUtf8(connection.profile));
+        } else if (IsOpen(*point)) {
+            attempt.StartNew(WlanProfile(*point, {}));
+        } else {
+            throw WifiProblem("the network " + connection.network + " is not saved");
+        }
+    }
+
+    // The access point of a connection; one that hides its name may be any of those without, and
+    // shows nothing else of its network.
+    std::optional<AccessPoint> InRange(const HostConnection& connection) const {
+        std::vector<AccessPoint> points;
+        AddAccessPoints(GuidOf(connection.adapter), points);
+        std::optional<AccessPoint> hidden;
+        for (AccessPoint& point : points) {
+            if (point.name == connection.network) {
+                return point;
+            }
+            if (point.name.empty()) {
+                point.name = connection.network;
+                hidden = point;
+            }
+        }
+        return hidden;
+    }
+
+    bool IsSaved(const GUID& adapter, const std::string& profile) const {
+        const auto list = AvailableNetworks(adapter, kHiddenOnesToo);
+        const std::wstring name = FromUtf8(profile);
+        return std::any_of(list->Network, list->Network + list->dwNumberOfItems,
+                           [&name](const WLAN_AVAILABLE_NETWORK& network) {
+                               return (network.dwFlags & kHasProfile) != 0 &&
+                                      network.strProfileName == name;
+                           });
+    }
+
     static bool IsReady(const WLAN_INTERFACE_INFO& adapter) {
         return adapter.isState != wlan_interface_state_not_ready;
     }
@@ -224,6 +336,7 @@ private:
     void AwaitScans(WlanNotifications& notifications, std::vector<GUID> scanning) const {
         const auto deadline = Clock::now() + kScanLimit;
         while (!scanning.empty() && Clock::now() < deadline) {
+            Undertaking::GoOn();
             const auto notification =
                 notifications.Next(std::min(deadline, Clock::now() + kLookAgain));
             if (notification && EndsScan(*notification)) {
@@ -251,12 +364,17 @@ private:
         }
     }
 
-    std::wstring SavedProfile(const GUID& adapter, const std::string& name) const {
+    WlanMemory<WLAN_AVAILABLE_NETWORK_LIST> AvailableNetworks(const GUID& adapter,
+                                                              DWORD flags) const {
         WLAN_AVAILABLE_NETWORK_LIST* list = nullptr;
-        RequireWlan(
-            "WlanGetAvailableNetworkList",
-            TheWlanLibrary().getAvailableNetworkList(client.Handle(), &adapter, 0, nullptr, &list));
-        const WlanMemory<WLAN_AVAILABLE_NETWORK_LIST> owner(list);
+        RequireWlan("WlanGetAvailableNetworkList",
+                    TheWlanLibrary().getAvailableNetworkList(client.Handle(), &adapter, flags,
+                                                             nullptr, &list));
+        return WlanMemory<WLAN_AVAILABLE_NETWORK_LIST>(list);
+    }
+
+    std::wstring SavedProfile(const GUID& adapter, const std::string& name) const {
+        const auto list = AvailableNetworks(adapter, 0);
         for (DWORD index = 0; index < list->dwNumberOfItems; ++index) {
             const WLAN_AVAILABLE_NETWORK& network = list->Network[index];
             if ((network.dwFlags & kHasProfile) != 0 && NameOf(network.dot11Ssid) == name) {

@@ -31,14 +31,14 @@ PRINTERDISCOVERAPI_API void PrinterWifiKnownNetworks(
 // Joins the network of that name, terminated UTF-8, for a visit, as PrinterWifiAPI::ConnectAP does
 // without a pass phrase; waits for the outcome up to `seconds`, and remembers the connection that
 // the host leaves for it. Not 0: joined. A process makes one visit at a time: another one before
-// its end goes on from it. On Windows there are no visits, and this is always 0.
+// its end goes on from it.
 PRINTERDISCOVERAPI_API int PrinterWifiVisit(const char* network, int seconds);
 
 // Ends the visit: sends the host back to the connection that it left, without waiting until it is
 // there. A host that had none, or has gone to another network since, stays where it is.
 PRINTERDISCOVERAPI_API void PrinterWifiEndVisit();
 
-// Remembers the connection that the host has now, for PrinterWifiGoBack. On Windows, none.
+// Remembers the connection that the host has now, for PrinterWifiGoBack.
 PRINTERDISCOVERAPI_API void PrinterWifiRemember();
 
 // Sends the host back to the connection that was remembered, without waiting until it is there,

@@ -226,9 +226,14 @@ WLAN_CONNECTION_ATTRIBUTES* ConnectionOf(const Adapter& adapter) {
     connection->isState = adapter.state;
     if (adapter.joined < 0) {
         connection->wlanAssociationAttributes.dot11Ssid = SsidOf(adapter.joining);
+        connection->wlanAssociationAttributes.dot11BssType = dot11_BSS_type_infrastructure;
         return connection;
     }
     const Point& point = adapter.points[static_cast<std::size_t>(adapter.joined)];
+    // A profile that is not saved bears its network's name.
+    const std::wstring profile =
+        point.savedAs.empty() ? std::wstring(point.name.begin(), point.name.end()) : point.savedAs;
+    std::wcsncpy(connection->strProfileName, profile.c_str(), 255);
     connection->wlanAssociationAttributes.dot11Ssid = SsidOf(point.name);
     connection->wlanAssociationAttributes.dot11BssType = point.type;
     FillAddress(connection->wlanAssociationAttributes.dot11Bssid, point);
@@ -454,9 +459,18 @@ DWORD WINAPI ScriptedConnect(HANDLE, const GUID* guid, const PWLAN_CONNECTION_PA
     return ERROR_SUCCESS;
 }
 
-DWORD WINAPI ScriptedDisconnect(HANDLE, const GUID*, PVOID) {
+DWORD WINAPI ScriptedDisconnect(HANDLE, const GUID* guid, PVOID) {
     ++service.disconnections;
-    return NextError();
+    if (const DWORD error = NextError()) {
+        return error;
+    }
+    const Lock lock(service.mutex);
+    if (Adapter* adapter = Find(*guid)) {
+        adapter->joined = -1;
+        adapter->joining.clear();
+        adapter->state = wlan_interface_state_disconnected;
+    }
+    return ERROR_SUCCESS;
 }
 
 DWORD WINAPI ScriptedReasonCodeToString(DWORD reason, DWORD size, PWCHAR text, PVOID) {

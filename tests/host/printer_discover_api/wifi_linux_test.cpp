@@ -58,15 +58,6 @@ protected:
                                                     L"cannot join \"" + ssid + L"\": " + reason)));
     }
 
-    // Whether the host is joined to that network soon.
-    static bool Arrives(const std::wstring& ssid) {
-        const auto start = Clock::now();
-        while (QueryConnected().ssid != ssid && SecondsSince(start) < 20) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        return QueryConnected().ssid == ssid;
-    }
-
     // Nothing is left of an attempt.
     void ExpectTidy() {
         EXPECT_EQ(service.Profiles(), 0U);

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <functional>
 #include <string>
+#include <thread>
 
 #include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 #include "tests/host/printer_discover_api/logged.h"
@@ -56,6 +58,23 @@ inline Problem LastProblem() {
 
 inline double SecondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Waits until it is so; false when it does not become so.
+inline bool Becomes(const std::function<bool()>& so) {
+    const auto start = std::chrono::steady_clock::now();
+    while (!so()) {
+        if (SecondsSince(start) > 20) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return true;
+}
+
+// Whether the host is joined to that network soon.
+inline bool Arrives(const std::wstring& ssid) {
+    return Becomes([&ssid] { return QueryConnected().ssid == ssid; });
 }
 
 // None of the lines so far holds the text.

@@ -10,6 +10,7 @@ namespace HostTest {
 
 namespace {
 
+using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -54,6 +55,23 @@ protected:
     Point& Add(Point point) {
         Adapter().points.push_back(std::move(point));
         return Adapter().points.back();
+    }
+
+    // Protected by the pass phrase, or by another one.
+    Point& AddProtected(const std::string& name, const std::wstring& savedAs = {}) {
+        return Add({.name = name,
+                    .elements = Rsn({2}),
+                    .isPrivate = true,
+                    .passPhrase = kSecretText,
+                    .savedAs = savedAs});
+    }
+
+    // Waits until the adapter is at joining that network.
+    bool Begins(const std::string& name) {
+        return Becomes([this, &name] {
+            const std::lock_guard lock(service.mutex);
+            return Adapter().joining == name;
+        });
     }
 
     void ExpectNotJoined(const std::wstring& ssid, const std::wstring& passPhrase,
@@ -352,12 +370,102 @@ TEST_F(Wifi, WhatSomeoneElseJoinsMeanwhileIsNotEnded) {
     }
 }
 
-TEST_F(Wifi, AnAttemptThatDoesNotEnd_IsNotAwaitedForEver) {
+TEST_F(Wifi, AnAttemptThatDoesNotEnd_IsNotAwaitedForEverAndTakesTheHostBack) {
+    Add({.name = "Printer-Setup"});
     Add({.name = "Home", .elements = Rsn({2}), .isPrivate = true, .join = Join::hangs});
+    ASSERT_TRUE(Connect(L"Printer-Setup", L""));
     const auto start = Clock::now();
     ExpectNotJoined(L"Home", kSecret, L"not joined within 30 s");
     EXPECT_NEAR(SecondsSince(start), 30, 1);
     EXPECT_EQ(service.disconnections, 1);
+    EXPECT_TRUE(Arrives(L"Printer-Setup"));
+}
+
+TEST_F(Wifi, AnAttemptThatFails_TakesTheHostBackToASavedNetwork) {
+    AddProtected("Home", L"My Home");
+    AddProtected("Other").passPhrase = "another one";
+    ASSERT_TRUE(Connect(L"Home", L""));
+    ExpectNotJoined(L"Other", kSecret, L"the pass phrase is wrong");
+    EXPECT_TRUE(Arrives(L"Home"));
+    EXPECT_EQ(service.connections.back().mode, wlan_connection_mode_profile);
+    EXPECT_EQ(service.connections.back().profile, L"My Home");
+}
+
+TEST_F(Wifi, AnAttemptThatFails_TakesTheHostBackToASavedNetworkThatHidesItsName) {
+    AddProtected("Home", L"My Home").seen = Seen::whenAsked;
+    AddProtected("Other").passPhrase = "another one";
+    Adapter().joined = 0;
+    Adapter().state = wlan_interface_state_connected;
+    ExpectNotJoined(L"Other", kSecret, L"the pass phrase is wrong");
+    EXPECT_TRUE(Arrives(L"Home"));
+}
+
+TEST_F(Wifi, AnAttemptThatFails_SaysItWhenThereIsNoWayBack) {
+    AddProtected("Home");
+    AddProtected("Other").passPhrase = "another one";
+    for (const wchar_t* why : {L"the network Home is not saved", L"the network Home is not in"}) {
+        Adapter().points[0].seen = Seen::atOnce;
+        ASSERT_TRUE(Connect(L"Home", kSecret));
+        Adapter().points[0].seen =
+            std::wstring_view(why).ends_with(L"saved") ? Seen::atOnce : Seen::afterScan;
+        EXPECT_FALSE(Connect(L"Other", kSecret));
+        EXPECT_THAT(
+            TakeLines(),
+            ElementsAre(
+                IsLine(LOG_LEVEL_WARNING, L"not back on the network that was left: "s + why),
+                IsLine(LOG_LEVEL_ERROR, L"cannot join \"Other\": the pass phrase is")));
+    }
+}
+
+TEST_F(Wifi, WhatIsBrokenOffIsUndone) {
+    AddProtected("Home", L"My Home");
+    AddProtected("Other").join = Join::hangs;
+    ASSERT_TRUE(Connect(L"Home", L""));
+    std::thread joining([this] { ExpectNotJoined(L"Other", kSecret, L"it was broken off"); });
+    EXPECT_TRUE(Begins("Other"));
+    const auto start = Clock::now();
+    PrinterWifiBreakOff();
+    EXPECT_LT(SecondsSince(start), 3);
+    EXPECT_EQ(service.connections.size(), 3U) << "it is undone when the call is back";
+    joining.join();
+    EXPECT_EQ(service.disconnections, 1);
+    EXPECT_TRUE(Arrives(L"Home"));
+}
+
+TEST_F(Wifi, WhatIsBrokenOffLooksNoLongerForItsNetwork) {
+    Adapter().scans = Scans::endless;
+    std::thread joining([this] { ExpectNotJoined(L"Other", kSecret, L"it was broken off"); });
+    EXPECT_TRUE(Becomes([this] { return service.scans > 0; }));
+    const auto start = Clock::now();
+    PrinterWifiBreakOff();
+    EXPECT_LT(SecondsSince(start), 3);
+    joining.join();
+}
+
+TEST_F(Wifi, AHostThatWasTakenElsewhereGoesBackToWhereItWas) {
+    Add({.name = "Printer-Setup"});
+    Add({.name = "Office"});
+    Add({.name = "Home"});
+    EXPECT_EQ(PrinterWifiGoBack("Office"), 0) << "nothing was remembered";
+    ASSERT_TRUE(Connect(L"Printer-Setup", L""));
+    PrinterWifiRemember();
+    EXPECT_EQ(PrinterWifiGoBack("Office"), 1) << "it is there";
+    ASSERT_TRUE(Connect(L"Office", L""));
+    EXPECT_EQ(PrinterWifiGoBack("Home"), 0) << "somebody else has taken it there";
+    EXPECT_EQ(QueryConnected().ssid, L"Office");
+    EXPECT_EQ(PrinterWifiGoBack("Office"), 1);
+    EXPECT_TRUE(Arrives(L"Printer-Setup"));
+}
+
+TEST_F(Wifi, AVisitEndsWhereTheHostWas) {
+    AddProtected("Home", L"My Home");
+    Add({.name = "Printer-Setup"});
+    ASSERT_TRUE(Connect(L"Home", L""));
+    ASSERT_EQ(PrinterWifiVisit("Printer-Setup", 5), 1);
+    EXPECT_EQ(QueryConnected().ssid, L"Printer-Setup");
+    PrinterWifiEndVisit();
+    EXPECT_TRUE(Arrives(L"Home"));
+    EXPECT_THAT(TakeLines(), IsEmpty());
 }
 
 TEST_F(Wifi, AnAdapterThatGoesDuringAJoin_EndsIt) {
