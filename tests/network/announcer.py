@@ -8,7 +8,8 @@ Keys left out of the record are not announced: without "port" there is no SRV re
 _ipp._tcp unless it is given; "bare": true says no more than what is asked for; "count": N announces
 N of it, with a number after name, host (when "hosts" is true), and port. "serve": BEHAVIOUR of
 fake_printer.py serves each port at its address, with "attributes", in which {} stands for the number.
-"pace": N announces N a second, for ever. An address that the host does not have yet is added to its
+"pace": N announces N a second, for ever. "repeat": N announces it again every N seconds, as printers
+do at first, for a busy receiver loses packets. An address that the host does not have yet is added to its
 interface. Answers "ready" to each line.
 """
 
@@ -206,8 +207,17 @@ def obey(responder, spec):
     for instance in instances:
         responder.add(instance)
     responder.announce(instances)
+    if "repeat" in spec:
+        threading.Thread(target=repeat, args=(responder, instances, spec["repeat"]),
+                         daemon=True).start()
     if "pace" in spec:
         threading.Thread(target=flood, args=(responder, spec), daemon=True).start()
+
+
+def repeat(responder, instances, seconds):
+    while True:
+        time.sleep(seconds)
+        responder.announce(instances)
 
 
 def flood(responder, spec):

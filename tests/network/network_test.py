@@ -628,12 +628,16 @@ class WithoutServices(NetworkTest):
         for further in (1, 2):
             probe = self.probe(counts_threads=True)
             process = probe.process.pid
-            threads = len(os.listdir(f"/proc/{process}/task")) + further
+            # The thread sanitizer has one of its own, which comes with the first one.
+            threads = 1 + ("libtsan" in text_of(f"/proc/{process}/maps")) + further
             subprocess.run([*with_threads_of_its_own(), "prlimit", f"--pid={process}",
                             f"--nproc={threads}"], check=True)
             probe.start()
             self.assertEqual(probe.await_event("ended")["result"], NO_BROWSING, further)
             self.assert_diagnostics(probe, "no further thread can be started")
+            # Its threads are counted, too.
+            self.probes.remove(probe)
+            self.assertEqual(probe.end(), 0)
 
     def test_a_scan_stops_at_once_while_avahi_hangs(self):
         probe = self.probe()
@@ -1009,6 +1013,17 @@ class HostileHosts(NetworkTest):
         for address in elsewhere:
             self.assertIn(f"at {address} is left out: ", text_of(path))
 
+    @staticmethod
+    def honest_serials(probe, count):
+        """Those of so many honest printers that are found, or fewer."""
+        serials = set()
+        deadline = time.monotonic() + PATIENCE
+        while len(serials) < count and time.monotonic() < deadline:
+            event = probe.next(deadline - time.monotonic())
+            if event and event["event"] == "found" and event["serial"].lower().startswith("honest"):
+                serials.add(event["serial"])
+        return serials
+
     def assert_attack_does_not_matter(self, later=False, descriptors=None, **attack):
         """Printers are found with their attributes although somebody announces a lot; also those
         that come `later` than all of that."""
@@ -1021,15 +1036,19 @@ class HostileHosts(NetworkTest):
         if later:
             probe.found(1)
         honest.announce(name="Honest", host="honest", hosts=True, address="10.99.0.84", port=9000,
-                        count=20, bare=True, serve="answers",
+                        count=20, bare=True, serve="answers", repeat=1,
                         attributes=["printer-serial-number=HONEST{}"])
         wanted = {f"HONEST{number}" for number in range(1, 21)}
-        deadline = time.monotonic() + 10 * SLACK
-        while wanted and time.monotonic() < deadline:
-            event = probe.next(deadline - time.monotonic())
-            if event and event["event"] == "found" and event["address"] == "10.99.0.84":
-                wanted.remove(event["serial"])
-        self.assertEqual(wanted, set())
+        # A busy machine's printers may take longer for an answer than the module waits. None is
+        # hidden, and who is starved of questions is so in every scan.
+        for _ in range(3):
+            serials = self.honest_serials(probe, len(wanted))
+            self.assertEqual(len(serials), len(wanted), serials)
+            answered = serials & wanted
+            if answered == wanted:
+                break
+            probe.start()
+        self.assertEqual(answered, wanted)
         announcer.end()
         honest.end()
 
