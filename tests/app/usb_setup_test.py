@@ -1,10 +1,13 @@
 """`devicediscover setup --usb`: a printer's whole way onto the network, over its cable."""
 
+import os
 import struct
+import subprocess
 import time
+import unittest
 
 import app_test
-from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, USAGE, device, json_lines
+from app_test import COULD_NOT_RUN, FOUND, NONE_FOUND, ON_WINDOWS, USAGE, device, json_lines
 from host_test import PASS_PHRASE, Terminal, network, reported
 from usb_host_test import UsbTest, port, usb_device, vendor
 
@@ -273,6 +276,52 @@ class UsbSetupThatFails(UsbSetupTest):
     def test_help_tells_of_it(self):
         self.assert_mentions(self.run_app("setup", "--help", listed=False).output,
                              "--usb [SERIAL]", "devicediscover setup --usb")
+
+
+@unittest.skipIf(ON_WINDOWS or "DEVICEDISCOVER_SANITIZED" in os.environ,
+                 "the memory of a process as Linux shows it; sanitizers keep copies")
+class Memory(UsbSetupTest):
+    @staticmethod
+    def memory_of(process):
+        """What may be written to, piece by piece."""
+        with open(f"/proc/{process}/maps", encoding="utf-8") as maps, \
+                open(f"/proc/{process}/mem", "rb", buffering=0) as memory:
+            for line in maps:
+                begin, end = (int(text, 16) for text in line.split()[0].split("-"))
+                if "w" in line.split()[1]:
+                    try:
+                        yield os.pread(memory.fileno(), end - begin, begin)
+                    except OSError:
+                        pass  # it has gone meanwhile
+
+    def holds(self, process, text):
+        pieces = (text.encode(), text.encode("utf-32-le"))
+        return any(piece in memory for memory in self.memory_of(process) for piece in pieces)
+
+    def test_a_pass_phrase_is_gone_once_the_printer_has_it(self):
+        self.script("forgetful", "[scripted_all]", usb_device("SN1"),
+                    "delay PrinterUSBNetConfigEvent 2000", "[scripted_all_b]",
+                    "until-stopped")
+        # A run-time linker that looks functions up at their first call leaves registers on stacks.
+        self.environment["LD_BIND_NOW"] = "1"
+        process = subprocess.Popen(
+            self.command("setup", "--usb", "SN1", "--network", "Office",
+                         "--pass-phrase-file", "-"),
+            env=self.environment, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        process.stdin.write(PASS_PHRASE.encode() + b"\n")
+        process.stdin.close()
+        self.wait_until(lambda: self.calls_of("PrinterUSBNetConfigEvent"), "the printer is told")
+        self.assertTrue(self.holds(process.pid, PASS_PHRASE[4:]), "what is there is seen")
+        self.wait_until(lambda: self.calls_of("StartDeviceScan"), "it looks for the printer")
+        # The allocator overwrites the beginning of what it takes back.
+        end = time.monotonic() + 5
+        while self.holds(process.pid, PASS_PHRASE[4:]) and time.monotonic() < end:
+            time.sleep(0.1)
+        self.assertFalse(self.holds(process.pid, PASS_PHRASE[4:]))
+        self.assertIsNone(process.poll())
 
 
 if __name__ == "__main__":
