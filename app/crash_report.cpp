@@ -27,7 +27,7 @@ void OnExit() {
 void ReportCrashes() {
     CatchCrashes();
     std::atexit(OnExit);
-    CatchQuickExit(OnExit);
+    CatchOtherExits(OnExit);
     ReportCrashesOfThisThread();
     PrinterDeviceDiscoverSdk::PrepareVendorThreads(ReportCrashesOfThisThread);
 }

@@ -5,11 +5,12 @@ namespace App {
 // From now on an end of the program that is none of its own is told on standard error and in the
 // log, with the vendors that are being called: a crash, an abort, an exception that nobody catches,
 // and exit() by somebody else, after which the status is kCouldNotRun. Then the program ends as it
-// would have. What cannot be seen is _exit() and its like, and the signal SIGKILL.
+// would have. What cannot be seen is _exit() and its like, TerminateProcess, and the signal
+// SIGKILL.
 void ReportCrashes();
 
-// The same when the calling thread runs out of stack; for the other threads of the program.
-// Vendors' threads that the library starts are seen to.
+// The same when the calling thread runs out of stack or, on Windows, calls ExitProcess; for the
+// other threads of the program. Vendors' threads that the library starts are seen to.
 void ReportCrashesOfThisThread();
 
 // What comes is the program's own end.

@@ -9,8 +9,10 @@ namespace App {
 // Calls TellEnd when the program crashes.
 void CatchCrashes();
 
-// Calls `handler` at std::quick_exit, where the system has that.
-void CatchQuickExit(void (*handler)());
+// Calls `handler` where the process is being ended by what std::atexit does not see: by
+// std::quick_exit on Linux; on Windows by ExitProcess, with which the exit() of every C run-time
+// library ends. Not after TellEnd.
+void CatchOtherExits(void (*handler)());
 
 // Writes the line to standard error and to the log, without memory and without waiting long. Only
 // the first call of the process does.

@@ -113,7 +113,7 @@ void CatchCrashes() {
     }
 }
 
-void CatchQuickExit(void (*handler)()) {
+void CatchOtherExits(void (*handler)()) {
     static_cast<void>(std::at_quick_exit(handler));
 }
 

@@ -6,12 +6,14 @@
 #include "app/crash_text.h"
 #include "host/LogHelper/log_settings.h"
 #include "platform/os.h"
+#include "platform/process_end.h"
 
 namespace App {
 
 namespace {
 
 std::atomic<bool> told = false;
+std::atomic<void (*)()> exitHandler = nullptr;
 
 const char* TextOf(DWORD code) {
     switch (code) {
@@ -39,6 +41,20 @@ void OnAbort(int) {
     TellEnd(CrashText("the program was aborted").View());
 }
 
+// The system calls this at the end of each thread that has a value in this place, and first of all
+// when the process ends by ExitProcess, on the thread that called it: the others are gone by then.
+void NTAPI OnEndOfThread(void*) {
+    const auto handler = exitHandler.load();
+    if (handler != nullptr && Platform::OtherThreadsAreGone() && !told) {
+        handler();
+    }
+}
+
+DWORD EndOfThreads() {
+    static const DWORD place = FlsAlloc(OnEndOfThread);
+    return place;
+}
+
 }  // namespace
 
 void CatchCrashes() {
@@ -46,7 +62,9 @@ void CatchCrashes() {
     std::signal(SIGABRT, OnAbort);
 }
 
-void CatchQuickExit(void (*)()) {}
+void CatchOtherExits(void (*handler)()) {
+    exitHandler = handler;
+}
 
 void TellEnd(std::string_view text) {
     if (told.exchange(true)) {
@@ -68,6 +86,7 @@ bool IsOwnProcess() {
 void ReportCrashesOfThisThread() {
     ULONG room = 64 * 1024;  // left for the handler when the stack is used up
     SetThreadStackGuarantee(&room);
+    FlsSetValue(EndOfThreads(), &told);
 }
 
 }  // namespace App

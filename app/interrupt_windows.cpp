@@ -6,6 +6,7 @@
 
 #include "host/LogHelper/log_settings.h"
 #include "platform/os.h"
+#include "platform/process_end.h"
 
 namespace App {
 
@@ -50,9 +51,12 @@ bool IsInterrupted() {
 void EndProcessSoon(int) {}
 
 void EndProcess(int status) {
-    std::fflush(stdout);
-    std::fflush(stderr);
-    LogHelper::Flush();
+    // One of those that are gone may have held a lock.
+    if (!Platform::OtherThreadsAreGone()) {
+        std::fflush(stdout);
+        std::fflush(stderr);
+        LogHelper::Flush();
+    }
     // An exit ends the other threads wherever they are, and then lets every library take itself
     // down, which waits for ever when one of them held a lock.
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(status));

@@ -2,7 +2,8 @@
 
 namespace ScriptedVendor {
 
-// std::quick_exit(0), or std::exit(0) where the system has no such thing.
+// Ends the process with status 0, unseen by std::atexit: std::quick_exit, or ExitProcess on
+// Windows, with which the exit() of a C run-time library of the vendor's own would end.
 [[noreturn]] void QuickExit();
 
 // Ends the calling thread.

@@ -1,13 +1,11 @@
 #include <windows.h>
 
-#include <cstdlib>
-
 #include "ways_to_end.h"
 
 namespace ScriptedVendor {
 
 void QuickExit() {
-    std::exit(0);
+    ExitProcess(0);
 }
 
 void EndThread() {

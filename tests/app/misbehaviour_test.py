@@ -70,12 +70,13 @@ class Misbehaviour(AppTest):
                 self.assert_status(result, ABORTED)
                 self.assert_told(result, "was aborted", entry_point)
 
-    @on_linux
     def test_a_stack_that_is_used_up_is_named(self):
         for entry_point in ("StartDeviceScan", "GetDeviceConnectState"):
             with self.subTest(entry_point):
                 result = self.run_into(entry_point, "overflow")
                 self.assert_told(result, "crashed", entry_point)
+                if ON_WINDOWS:
+                    self.assert_mentions(result.errors, "(stack overflow)")
                 self.assertNotIn(result.returncode, (FOUND, NONE_FOUND))
 
     def test_an_exit_is_named_and_is_no_success(self):
@@ -85,11 +86,12 @@ class Misbehaviour(AppTest):
                 self.assert_status(result, COULD_NOT_RUN)
                 self.assert_told(result, "was ended by a call of exit()", entry_point)
 
-    @on_linux
     def test_a_quick_exit_is_named_and_is_no_success(self):
-        result = self.run_into("GetDeviceConnectState", "quick-exit")
-        self.assert_status(result, COULD_NOT_RUN)
-        self.assert_told(result, "was ended by a call of exit()", "GetDeviceConnectState")
+        for entry_point in ("StartDeviceScan", "GetDeviceConnectState"):
+            with self.subTest(entry_point):
+                result = self.run_into(entry_point, "quick-exit")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_told(result, "was ended by a call of exit()", entry_point)
 
     def test_an_exception_of_a_scan_is_named(self):
         for entry_point in ON_A_THREAD_OF_ITS_OWN:

@@ -35,7 +35,7 @@ MAY_INCLUDE = {
     "modules/driverless": ["include/VendorSdk/", "base/", "platform/PrinterDiscoverAPI/"],
     "modules": ["include/VendorSdk/", "base/"],
     # The application configures its own libraries, and names no entry point by hand.
-    "app": ["include/", "base/", "platform/os.h", "platform/os_calls.h",
+    "app": ["include/", "base/", "platform/os.h", "platform/os_calls.h", "platform/process_end.h",
             "platform/LogHelper/", "platform/PrinterUtil/",
             "platform/PrinterAdapter/PrinterListProblem.h",
             "platform/PrinterDiscoverAPI/PrinterUsbControl.h",
