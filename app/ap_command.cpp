@@ -60,9 +60,7 @@ void TellFailures(const std::vector<std::string>& failures, bool counts) {
         throw Problem("nobody looks for networks; whether there are more is not known" +
                       Lines(failures));
     }
-    for (const std::string& failure : failures) {
-        Warn(failure);
-    }
+    WarnOfAll(failures);
 }
 
 void WriteCheck(const Settings& settings, const Printer& printer, int result) {

@@ -10,6 +10,7 @@
 #include "app/cancellation.h"
 #include "app/command_help.h"
 #include "app/console.h"
+#include "app/crash_report.h"
 #include "app/json_output.h"
 #include "app/messages.h"
 #include "app/network.h"
@@ -434,6 +435,9 @@ ExitStatus CouldNotRun(const Settings& settings, const std::string& problem) {
 ExitStatus Run(const CLI::App& app, const Commands& commands, const Settings& settings) {
     try {
         Apply(settings);
+        if (settings.json) {
+            ReportCrashesInJson();
+        }
         return commands.Run();
     } catch (const Interrupted&) {
         Complain("interrupted.");

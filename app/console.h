@@ -29,6 +29,11 @@ void PrepareConsole();
 // counts as gone.
 void WriteOutput(std::string_view text);
 
+// For the end of the process, also in a signal handler and while other threads write: writes the
+// line, which is not long, at the end of what was written so far, without memory and without
+// waiting long. Not while another write is under way, or where one was broken off.
+void WriteLastLine(std::string_view line);
+
 // Whether the reader of standard output is known to have gone.
 bool OutputReaderIsGone();
 

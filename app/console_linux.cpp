@@ -28,6 +28,9 @@ using Clock = std::chrono::steady_clock;
 // The program's own way to standard output, once vendors' is another; -1: it was closed.
 int output = STDOUT_FILENO;
 
+std::atomic<bool> isWriteBrokenOff = false;  // or under way
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler uses it");
+
 constexpr int kStalled = ETIMEDOUT;
 constexpr auto kPatience = std::chrono::seconds(1);
 constexpr int kPollMilliseconds = 100;
@@ -123,13 +126,24 @@ void PrepareConsole() {
 
 void WriteOutput(std::string_view text) {
     static const int stream = output < 0 ? output : WithoutWaiting(output);
+    isWriteBrokenOff = true;
     const int error = stream < 0 ? EBADF : WriteTo(stream, text);
+    isWriteBrokenOff = error != 0;
     if (error == EPIPE || error == kStalled) {
         throw OutputClosed();
     }
     if (error != 0) {
         throw Problem(std::string("cannot write to standard output: ") + std::strerror(error) +
                       "\nWrite to another place, or make room there.");
+    }
+}
+
+void WriteLastLine(std::string_view line) {
+    constexpr int milliseconds = 1000;
+    pollfd place{output, POLLOUT, 0};
+    if (output >= 0 && !isWriteBrokenOff.exchange(true) && line.size() <= PIPE_BUF &&
+        poll(&place, 1, milliseconds) > 0) {
+        [[maybe_unused]] const ssize_t written = write(output, line.data(), line.size());
     }
 }
 

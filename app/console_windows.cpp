@@ -5,6 +5,7 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -23,6 +24,8 @@ using Clock = std::chrono::steady_clock;
 
 // The program's own way to standard output, once vendors' is another.
 HANDLE output = nullptr;
+
+std::atomic<bool> isWriteBrokenOff = false;  // or under way
 
 constexpr DWORD kStalled = WAIT_TIMEOUT;
 constexpr auto kPatience = std::chrono::seconds(1);
@@ -151,7 +154,9 @@ void PrepareConsole() {
 
 void WriteOutput(std::string_view text) {
     static Writer& writer = *new Writer(output);
+    isWriteBrokenOff = true;
     const DWORD error = writer.Write(text);
+    isWriteBrokenOff = error != 0;
     if (error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE || error == ERROR_PIPE_NOT_CONNECTED ||
         error == kStalled) {
         throw OutputClosed();
@@ -159,6 +164,13 @@ void WriteOutput(std::string_view text) {
     if (error != 0) {
         throw Problem("cannot write to standard output: system error " + std::to_string(error) +
                       "\nWrite to another place, or make room there.");
+    }
+}
+
+void WriteLastLine(std::string_view line) {
+    DWORD written = 0;
+    if (output != nullptr && !isWriteBrokenOff.exchange(true)) {
+        WriteFile(output, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
     }
 }
 

@@ -13,6 +13,10 @@ void ReportCrashes();
 // other threads of the program. Vendors' threads that the library starts are seen to.
 void ReportCrashesOfThisThread();
 
+// From now on such an end is told on standard output too, as the object that --json has for a
+// problem, unless something else is being written there.
+void ReportCrashesInJson();
+
 // What comes is the program's own end.
 void EndIsOwn();
 

@@ -14,9 +14,12 @@ void CatchCrashes();
 // library ends. Not after TellEnd.
 void CatchOtherExits(void (*handler)());
 
-// Writes the line to standard error and to the log, without memory and without waiting long. Only
-// the first call of the process does.
+// Writes the line to standard error and to the log, without memory and without waiting long, and
+// then calls TellEndToReader. Only the first call of the process does.
 void TellEnd(std::string_view text);
+
+// Tells it whoever reads standard output, where that is wanted.
+void TellEndToReader(std::string_view text);
 
 // Whether this is the process that CatchCrashes was called in, not a copy of it.
 bool IsOwnProcess();

@@ -129,6 +129,7 @@ void TellEnd(std::string_view text) {
     line[name.size() + length] = '\n';
     WriteToStandardError(line, name.size() + length + 1);
     LogHelper::WriteInSignalHandler(text);
+    TellEndToReader(text);
 }
 
 bool IsOwnProcess() {

@@ -77,6 +77,7 @@ void TellEnd(std::string_view text) {
         WriteFile(errors, part.data(), static_cast<DWORD>(part.size()), &written, nullptr);
     }
     LogHelper::WriteInSignalHandler(text);
+    TellEndToReader(text);
 }
 
 bool IsOwnProcess() {

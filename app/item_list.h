@@ -4,16 +4,21 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <mutex>
+#include <numeric>
+#include <optional>
 #include <set>
+#include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace App {
 
 // The items of a scan. Vendors' threads add to it, several at once; the program's own thread waits
-// for what is new. An item tells by IsSame whether another is the same one, maybe with news about
-// it, and by == whether there is no news.
+// for what is new. Items of one Key are the same one, maybe with news about it, unless they are ==;
+// an item without a key is like no other.
 template <class Item>
 class ItemList {
 public:
@@ -48,25 +53,28 @@ private:
     mutable std::mutex mutex;
     std::condition_variable changed;
     std::vector<Item> items;
-    std::vector<std::size_t> reported;  // indices into `items`, the one reported last at the end
-    std::set<std::size_t> news;         // indices into `items`
+    std::unordered_map<std::string, std::size_t> known;  // indices into `items`, by key
+    std::vector<std::uint64_t> reported;  // of each item: the number of its latest report
+    std::uint64_t reports = 0;
+    std::set<std::size_t> news;  // indices into `items`
     bool cancelled = false;
 };
 
 template <class Item>
 void ItemList<Item>::Add(const Item& item) {
     const std::lock_guard lock(mutex);
-    const auto known = std::find_if(items.begin(), items.end(),
-                                    [&](const Item& other) { return other.IsSame(item); });
-    const auto index = static_cast<std::size_t>(known - items.begin());
-    reported.erase(std::remove(reported.begin(), reported.end(), index), reported.end());
-    reported.push_back(index);
-    if (known == items.end()) {
+    const std::optional<std::string> key = item.Key();
+    const std::size_t index =
+        key ? known.try_emplace(*key, items.size()).first->second : items.size();
+    if (index == items.size()) {
         items.push_back(item);
-    } else if (*known == item) {
-        return;
+        reported.push_back(++reports);
     } else {
-        *known = item;
+        reported[index] = ++reports;
+        if (items[index] == item) {
+            return;
+        }
+        items[index] = item;
     }
     news.insert(index);
     changed.notify_all();
@@ -105,9 +113,14 @@ std::vector<Item> ItemList<Item>::GetItems() const {
 template <class Item>
 std::vector<Item> ItemList<Item>::GetLatestFirst() const {
     const std::lock_guard lock(mutex);
+    std::vector<std::size_t> order(items.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(), [this](std::size_t one, std::size_t other) {
+        return reported[one] > reported[other];
+    });
     std::vector<Item> latest;
-    for (auto index = reported.rbegin(); index != reported.rend(); ++index) {
-        latest.push_back(items[*index]);
+    for (const std::size_t index : order) {
+        latest.push_back(items[index]);
     }
     return latest;
 }

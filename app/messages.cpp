@@ -4,9 +4,20 @@
 
 #include "app/console.h"
 #include "app/text.h"
+#include "base/first_lines.h"
 #include "host/LogHelper/log_settings.h"
 
 namespace App {
+
+namespace {
+
+// Empty without one, or when it could not be written.
+std::string LogFile() {
+    LogHelper::Flush();
+    return LogHelper::LogFilePath();
+}
+
+}  // namespace
 
 void Complain(const std::string& text) {
     std::istringstream stream("devicediscover: " + text);
@@ -21,23 +32,31 @@ void Warn(const std::string& text) {
     Complain("warning: " + text);
 }
 
+void WarnOfAll(const std::vector<std::string>& problems) {
+    for (const std::string& problem : Base::FirstLines(problems)) {
+        Warn(problem);
+    }
+}
+
 std::string Lines(const std::vector<std::string>& problems) {
     std::string text;
-    for (const std::string& problem : problems) {
+    for (const std::string& problem : Base::FirstLines(problems)) {
         text += "\n  " + problem;
     }
     return text;
 }
 
 std::string AdviceToReadLog() {
-    const std::string log = LogHelper::LogFilePath();
-    return "The reason is in the log" + (log.empty() ? "" : " (" + log + ")") +
-           "; --log-level warning shows it as it happens.";
+    const std::string log = LogFile();
+    return log.empty() ? "There is no log; --log-level warning shows the reason as it happens."
+                       : "The reason is in the log (" + log +
+                             "); --log-level warning shows it as it happens.";
 }
 
 std::string AdviceAfterScan() {
-    const std::string log = LogHelper::LogFilePath();
-    return "What each vendor did is in the log" + (log.empty() ? "" : " (" + log + ")") +
+    const std::string log = LogFile();
+    return (log.empty() ? "There is no log of what each vendor did"
+                        : "What each vendor did is in the log (" + log + ")") +
            ".\nTry a longer --seconds, `devicediscover vendors` to see what each vendor's modules "
            "can do,\nor --log-level error to see failures as they happen.";
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,7 +21,7 @@ struct Network {
     std::string name;
     float signal;  // as the vendor measures it
 
-    bool IsSame(const Network& other) const { return name == other.name; }
+    std::optional<std::string> Key() const { return name; }
     bool operator==(const Network& other) const;
 };
 

@@ -26,11 +26,12 @@ Printer::Printer(const PrinterDeviceDiscoverSdk::DeviceInfo& device)
       service(device.code2) {}
 
 // Devices may share a serial number, or have none: the address has to tell them apart.
-bool Printer::IsSame(const Printer& other) const {
-    const auto identity = [](const Printer& p) {
-        return std::tie(p.vendor, p.serialNumber, p.address, p.port);
-    };
-    return identity(*this) == identity(other);
+std::optional<std::string> Printer::Key() const {
+    std::string key = std::to_string(port);
+    for (const std::string* const part : {&vendor, &serialNumber, &address}) {
+        key += '\0' + *part;  // no text of a record holds one
+    }
+    return key;
 }
 
 bool Printer::operator==(const Printer& other) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "DeviceDiscover/DeviceDiscover.h"
@@ -25,7 +26,7 @@ struct Printer {
     std::uint16_t service;
 
     // Whether both are the same device, maybe with news about it.
-    bool IsSame(const Printer& other) const;
+    std::optional<std::string> Key() const;
     bool operator==(const Printer& other) const;
 };
 

@@ -15,9 +15,7 @@ ExitStatus Scan(const Settings& settings, const ScanOptions& options) {
         if (!isAnyFound || options.watch) {
             ThrowNobodyLooks(session);
         }
-        for (const std::string& failure : session.TakeFailures()) {
-            Warn(failure);
-        }
+        WarnOfAll(session.TakeFailures());
     }
     if (isAnyFound) {
         return kFound;

@@ -48,15 +48,14 @@ ScanSession::ScanSession(const Settings& settings) {
     if (!started) {
         ThrowCouldNotStart(survey.problems);
     }
-    for (const std::string& problem : survey.problems) {
-        Warn(problem);
-    }
+    WarnOfAll(survey.problems);
 }
 
 void ScanSession::Stop(const std::function<void()>& onWait) {
     scans->Update();
     scans->Freeze();
     scan->Stop(onWait);
+    isStopped = true;
     if (Printers().GetItems().empty()) {
         scans->AwaitReturns();
     }
@@ -71,8 +70,14 @@ std::vector<std::string> ScanSession::TakeRemarks() {
     std::vector<std::string> remarks;
     RemarkStrangers(remarks);
     if (!HasEnded()) {
-        const std::vector<std::string> failures = TakeFailures();
-        remarks.insert(remarks.end(), failures.begin(), failures.end());
+        for (const std::string& failure : TakeFailures()) {
+            if (failureLines.Admits()) {
+                remarks.push_back(failure);
+            }
+        }
+    }
+    if (isStopped) {
+        RemarkRest(remarks);
     }
     return remarks;
 }
@@ -84,9 +89,20 @@ std::vector<std::string> ScanSession::TakeFailures() {
     return {first, failures.end()};
 }
 
+void ScanSession::RemarkRest(std::vector<std::string>& remarks) {
+    if (const std::size_t rest = strangerLines.TakeRest(); rest > 0) {
+        remarks.push_back("and " + std::to_string(rest) +
+                          " more modelIDs that are no productId of the vendor list");
+    }
+    if (const std::size_t rest = failureLines.TakeRest(); rest > 0) {
+        remarks.push_back("and " + std::to_string(rest) + " more vendors that do not look");
+    }
+}
+
 void ScanSession::RemarkStrangers(std::vector<std::string>& remarks) {
     for (const Printer& printer : Printers().GetItems()) {
-        if (!knownVendors.contains(printer.vendor) && strangers.insert(printer.vendor).second) {
+        if (!knownVendors.contains(printer.vendor) && strangers.insert(printer.vendor).second &&
+            strangerLines.Admits()) {
             remarks.push_back("a vendor reports printers with the modelID '" + printer.vendor +
                               "', which is no productId of the vendor list: no vendor can be "
                               "asked about them");

@@ -11,6 +11,7 @@
 #include "app/running_work.h"
 #include "app/settings.h"
 #include "app/vendor_scans.h"
+#include "base/first_lines.h"
 
 namespace App {
 
@@ -42,12 +43,16 @@ public:
 
 private:
     void RemarkStrangers(std::vector<std::string>& remarks);
+    void RemarkRest(std::vector<std::string>& remarks);
 
     std::optional<VendorScans> scans;
     std::optional<RunningWork> scan;
     std::size_t remarked = 0;            // failures that were told
     std::set<std::string> strangers;     // vendors of printers that are not in the list
     std::set<std::string> knownVendors;  // the list's
+    Base::LineLimit strangerLines;
+    Base::LineLimit failureLines;
+    bool isStopped = false;
 };
 
 // Throws Problem with the reasons of a session that has ended.

@@ -130,9 +130,7 @@ ExitStatus State(const Settings& settings, const StateOptions& options) {
     if (printers.empty() && session.HasEnded()) {
         ThrowNobodyLooks(session);
     }
-    for (const std::string& failure : session.TakeFailures()) {
-        Warn(failure);
-    }
+    WarnOfAll(session.TakeFailures());
     if (printers.empty()) {
         return NotFound(options, list.GetItems().size(), list.IsCancelled());
     }

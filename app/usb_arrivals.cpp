@@ -55,21 +55,24 @@ class UsbArrivals::Asking {
 public:
     Asking(UsbArrivals& allArrivals, const ArrivalQueue::Question& oneQuestion)
         : arrivals(allArrivals), question(oneQuestion) {}
-    ~Asking() { arrivals.Report(question, answer, problem); }
+    ~Asking() { arrivals.Report(question, outcome); }
     Asking(const Asking&) = delete;
     Asking& operator=(const Asking&) = delete;
 
-    void End(const UsbAnswer& itsAnswer, const std::string& itsProblem) {
-        answer = itsAnswer;
-        problem = itsProblem;
+    void Answered(UsbAnswer answer, std::string problem) {
+        outcome = {std::move(answer), std::move(problem), true};
+    }
+    void Failed(const std::string& problem) {
+        outcome.problem = WStringToString(question.arrival.deviceId) + ": " + problem;
     }
 
 private:
     UsbArrivals& arrivals;
     const ArrivalQueue::Question& question;
-    UsbAnswer answer;
-    std::string problem = WStringToString(question.arrival.deviceId) +
-                          ": its vendor has ended the thread that it was called on";
+    Outcome outcome{{},
+                    WStringToString(question.arrival.deviceId) +
+                        ": its vendor has ended the thread that it was called on",
+                    false};
 };
 
 UsbArrivals::UsbArrivals() : queue(kLimits) {}
@@ -196,30 +199,29 @@ void UsbArrivals::Ask(const ArrivalQueue::Question& question) {
     ReportCrashesOfThisThread();
     Asking asking(*this, question);
     const std::wstring& deviceId = question.arrival.deviceId;
-    const std::string usbId = WStringToString(deviceId);
     // A vendor that ends the thread ends it here, and nothing else.
     std::packaged_task<UsbAnswer()> task([&] { return AskUsbVendor(deviceId); });
     task();
     try {
         const UsbAnswer answer = task.get_future().get();
-        asking.End(answer, WhyUsbAnswerIsNone(usbId, answer));
+        asking.Answered(answer, WhyUsbAnswerIsNone(WStringToString(deviceId), answer));
     } catch (const std::out_of_range&) {
-        asking.End({}, usbId + ": too short to name a printer; write it as VID_vvvv&PID_pppp");
+        asking.Failed("too short to name a printer; write it as VID_vvvv&PID_pppp");
     } catch (const std::exception& error) {
-        asking.End({}, usbId + ": an exception came out of its vendor: " + error.what());
+        asking.Failed(std::string("an exception came out of its vendor: ") + error.what());
     } catch (...) {
-        asking.End({}, usbId + ": an exception came out of its vendor");
+        asking.Failed("an exception came out of its vendor");
     }
 }
 
-void UsbArrivals::Report(const ArrivalQueue::Question& question, const UsbAnswer& answer,
-                         const std::string& problem) {
+void UsbArrivals::Report(const ArrivalQueue::Question& question, const Outcome& outcome) {
     const std::lock_guard lock(mutex);
     Model& model = models[question.arrival.deviceId];
     ++model.answered;
     model.isLate = false;
-    model.problem = problem;
-    for (const UsbPrinter& printer : answer.printers) {
+    model.problem = outcome.problem;
+    model.isAnswered = outcome.isAnswer;
+    for (const UsbPrinter& printer : outcome.answer.printers) {
         if (isOpen) {
             ArrivalList::GetInstance().Add({printer, std::chrono::system_clock::now()});
         }
@@ -258,7 +260,7 @@ std::vector<std::string> UsbArrivals::Unreported(const UsbPortMap& before,
                                 ": plugged in, but it has only just come, or the watch was "
                                 "not told of it; the log says why");
             }
-        } else if (!model->second.problem.empty()) {
+        } else if (model->second.isAnswered && !model->second.problem.empty()) {
             lines.push_back(model->second.problem);
         }
     }
@@ -270,7 +272,9 @@ std::vector<std::string> UsbArrivals::Unanswered(bool alsoRemarked) const {
     const std::lock_guard lock(mutex);
     for (const auto& [deviceId, model] : models) {
         const std::string usbId = WStringToString(deviceId);
-        if (model.isLate && alsoRemarked) {
+        if (!model.isAnswered && !model.problem.empty()) {
+            lines.push_back(model.problem);
+        } else if (model.isLate && alsoRemarked) {
             lines.push_back(NoAnswer(usbId, patience));
         } else if (!model.isLate && model.answered < model.asked) {
             lines.push_back(usbId + ": its vendor " + VendorOf(usbId) + " has not answered yet");

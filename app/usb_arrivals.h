@@ -54,8 +54,16 @@ private:
         std::size_t told = 0;   // by the device manager
         std::size_t asked = 0;  // and so many have been answered
         std::size_t answered = 0;
-        bool isLate = false;  // an answer is
-        std::string problem;  // with the last answer; empty: it was reported
+        bool isLate = false;      // an answer is
+        std::string problem;      // with the last question; empty: it was reported
+        bool isAnswered = false;  // the last question was
+    };
+
+    // What became of a question.
+    struct Outcome {
+        UsbAnswer answer;
+        std::string problem;
+        bool isAnswer;
     };
 
     // Ends the question, also when the vendor ends its thread.
@@ -71,8 +79,7 @@ private:
     void AskInTurn();
     void BeginQuestions();
     void Ask(const ArrivalQueue::Question& question);
-    void Report(const ArrivalQueue::Question& question, const UsbAnswer& answer,
-                const std::string& problem);
+    void Report(const ArrivalQueue::Question& question, const Outcome& outcome);
     void RemarkLate(const std::wstring& deviceId);
 
     mutable std::mutex mutex;  // guards what follows

@@ -69,12 +69,6 @@ void TellWhatIsThere(std::size_t count) {
     }
 }
 
-void WarnOf(const std::vector<std::string>& problems) {
-    for (const std::string& problem : problems) {
-        Warn(problem);
-    }
-}
-
 // Throws Problem when the watch has reported nothing, and a vendor's answer is still awaited: the
 // user who ends it knows that.
 void RequireAnswers(const UsbWatchSession& session) {
@@ -84,7 +78,7 @@ void RequireAnswers(const UsbWatchSession& session) {
                       "\nTry again, watch longer, or wait longer with --vendor-seconds N; a vendor "
                       "that never answers needs another module.");
     }
-    WarnOf(session.Unanswered(false));
+    WarnOfAll(session.Unanswered(false));
 }
 
 }  // namespace
@@ -107,7 +101,7 @@ ExitStatus UsbPorts(const Settings& settings) {
         return kNoneFound;
     }
     WriteItems(settings, plugged.printers, UsbPrinterJson);
-    WarnOf(plugged.problems);
+    WarnOfAll(plugged.problems);
     return kFound;
 }
 
@@ -116,9 +110,9 @@ ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options) {
     TellWhatIsThere(CountPluggedIn(session.ThereBefore()));
     const auto view = ViewFor<Arrival>(settings, ArrivalJson);
     const bool isAnyReported = RunScan(session, *view, options);
-    WarnOf(session.Unreported());
+    WarnOfAll(session.Unreported());
     if (isAnyReported) {
-        WarnOf(session.Unanswered(false));
+        WarnOfAll(session.Unanswered(false));
         return kFound;
     }
     RequireAnswers(session);

@@ -34,7 +34,7 @@ struct Arrival {
     UsbPrinter printer;
     std::chrono::system_clock::time_point time;
 
-    bool IsSame(const Arrival&) const { return false; }
+    static std::optional<std::string> Key() { return std::nullopt; }
     bool operator==(const Arrival&) const { return false; }
 };
 

@@ -83,19 +83,20 @@ std::string NotReported(const ServedPort& port) {
 
 void RequireUsbIdentifiers(const UsbPortMap& ports) {
     const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
-    std::string without;
+    std::vector<std::string> without;
     for (const VendorInfo& vendor : list.vendors) {
         if (!UsbIdsOf(vendor).empty()) {
             return;
         }
-        without += "\n  vendor " + vendor.productId;
+        without.push_back("vendor " + vendor.productId);
     }
     if (!without.empty()) {
         throw Problem(
             "no printer on USB can be reached: the vendor list has only vendors without USB "
             "identifiers:" +
-            without + "\nName those of a vendor's printers, or * for all, in its usbIdList, in " +
-            list.path + PluggedIn(ports));
+            Lines(without) +
+            "\nName those of a vendor's printers, or * for all, in its usbIdList, in " + list.path +
+            PluggedIn(ports));
     }
 }
 

@@ -11,9 +11,7 @@
 namespace App {
 
 UsbWatchSession::UsbWatchSession(const Settings& settings) : before(PortsPluggedIn(settings)) {
-    for (const std::string& problem : RequireUsbVendors("GetDeviceInfoByUsb", {})) {
-        Warn(problem);
-    }
+    WarnOfAll(RequireUsbVendors("GetDeviceInfoByUsb", {}));
     const std::function<int()> work = [patience = settings.LimitOr(kAnswerLimit)] {
         UsbArrivals::GetInstance().Start(patience);
         return 0;

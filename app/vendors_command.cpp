@@ -69,12 +69,8 @@ ExitStatus Vendors(const Settings& settings) {
     if (list.vendors.empty()) {
         ThrowNoVendor(list);
     }
-    for (const std::string& problem : list.problems) {
-        Warn(problem);
-    }
-    for (const std::string& note : list.notes) {
-        Warn(note);
-    }
+    WarnOfAll(list.problems);
+    WarnOfAll(list.notes);
     if (!settings.json) {
         WriteOutput("Vendor list  " + DisplayText(list.path) + "\nModules      " +
                     DisplayText(list.moduleFolder) + "\n");

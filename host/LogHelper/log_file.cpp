@@ -35,6 +35,7 @@ void LogFile::UseNone() {
     path.clear();
     restsUntil = {};
     hasComplained = false;
+    isFailing = false;
 }
 
 void LogFile::Write(std::string_view lines) {
@@ -59,6 +60,7 @@ bool LogFile::TryToWrite(const spdlog::details::log_msg& message) {
             Open();
         }
         sink->log(message);
+        isFailing = false;
         return true;
     } catch (const std::exception& error) {
         // The library's file is of no use after a failure: it may be closed.
@@ -103,6 +105,7 @@ void LogFile::Close() {
 }
 
 void LogFile::Complain(const std::string& reason) {
+    isFailing = true;
     if (!hasComplained) {
         hasComplained = true;
         WriteToStandardError("LogHelper: the log file cannot be written: " + reason + "\n");

@@ -29,6 +29,9 @@ public:
 
     const std::filesystem::path& Path() const { return path; }
 
+    // Whether the latest lines could not be written.
+    bool IsFailing() const { return isFailing; }
+
     // The open file, for a signal handler; kNoFile when there is none.
     RawFile Raw() const { return raw; }
 
@@ -50,6 +53,7 @@ private:
     Clock::time_point restsUntil{};
     Clock::time_point nextLook{};
     bool hasComplained = false;
+    bool isFailing = false;
 };
 
 }  // namespace LogHelper

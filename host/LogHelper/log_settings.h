@@ -19,7 +19,8 @@ struct Settings {
 // thread.
 LOGHELPER_API void Configure(const Settings& settings);
 
-// The file that lines go to, as UTF-8; empty when they go to none.
+// The file that lines go to, as UTF-8; empty when they go to none, also because the latest could
+// not be written.
 LOGHELPER_API std::string LogFilePath();
 
 // Returns once all lines so far have been handed to the system. Lines of the error level, the end

@@ -116,7 +116,7 @@ void LogWriter::UseFile(const Settings& settings) {
 
 std::string LogWriter::FilePath() {
     const Lock lock = LockUnlessAlone(fileMutex);
-    return Host::PathToUtf8(file.Path());
+    return file.IsFailing() ? std::string() : Host::PathToUtf8(file.Path());
 }
 
 void LogWriter::WriteLine(LOG_MESSAGE_LEVEL level, std::wstring_view line) {

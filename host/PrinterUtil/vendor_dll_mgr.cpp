@@ -3,6 +3,7 @@
 #include <exception>
 #include <iterator>
 
+#include "base/first_lines.h"
 #include "host/PrinterUtil/vendor_list.h"
 #include "host/common/utf8.h"
 #include "platform/LogHelper/KzLogger.h"
@@ -36,10 +37,10 @@ int VendorDllMgr::GetCurrentSupportList(std::vector<VendorInfo>& vendors) {
     constexpr const wchar_t* where = L"VendorDllMgr::GetCurrentSupportList";
     try {
         PrinterUtil::VendorListReport report = PrinterUtil::DescribeVendorList();
-        for (const std::string& problem : report.problems) {
+        for (const std::string& problem : Base::FirstLines(report.problems)) {
             LogLine(LOG_LEVEL_ERROR, problem, where);
         }
-        for (const std::string& note : report.notes) {
+        for (const std::string& note : Base::FirstLines(report.notes)) {
             LogLine(LOG_LEVEL_WARNING, note, where);
         }
         vendors.insert(vendors.end(), std::make_move_iterator(report.vendors.begin()),

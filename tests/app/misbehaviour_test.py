@@ -86,6 +86,27 @@ class Misbehaviour(AppTest):
                 self.assert_status(result, COULD_NOT_RUN)
                 self.assert_told(result, "was ended by a call of exit()", entry_point)
 
+    def test_an_end_that_is_none_of_its_own_is_an_object_for_json(self):
+        for how, status in (("exit", COULD_NOT_RUN), ("crash", CRASHED)):
+            with self.subTest(how):
+                self.misbehave("GetDeviceConnectState", how)
+                result = self.run_app(*STATE, "--json")
+                self.assert_status(result, status)
+                problem, = json_lines(result.output)
+                self.assertIn(f"devicediscover: {problem['problem']}\n", result.errors)
+                self.assert_mentions(problem["problem"], "vendor scripted (GetDeviceConnectState)")
+
+    def test_an_end_after_what_was_found_is_a_line_of_its_own_for_json(self):
+        self.script(device("SN1"), "until-stopped", "misbehave StopDeviceScan exit")
+        result = self.run_app("scan", "--seconds", "1", "--json")
+        found, problem = json_lines(result.output)
+        self.assertEqual(found["serialNumber"], "SN1")
+        self.assert_mentions(problem["problem"], "StopDeviceScan")
+
+    def test_without_json_an_end_is_told_on_standard_error_only(self):
+        result = self.run_into("GetDeviceConnectState", "exit")
+        self.assertEqual(result.output, "")
+
     def test_a_quick_exit_is_named_and_is_no_success(self):
         for entry_point in ("StartDeviceScan", "GetDeviceConnectState"):
             with self.subTest(entry_point):
@@ -111,6 +132,7 @@ class Misbehaviour(AppTest):
                         result.errors,
                         f"an exception came out of vendor scripted ({entry_point}){what}\n")
 
+    @on_linux
     def test_a_call_that_ends_its_thread_ends_the_command_only(self):
         for entry_point in ("GetDeviceConnectState", "GetDeviceInfoByNet", "IsLocalAreaNetworkOK"):
             with self.subTest(entry_point):

@@ -311,6 +311,47 @@ class ScanThatFails(AppTest):
         self.assertNotIn("'scripted'", result.errors)
 
 
+class Floods(AppTest):
+    """Of many lines about one thing the first ones are told, and how many more there are."""
+
+    def test_of_models_that_are_no_product_of_the_list(self):
+        self.script(*(device(f"SN{number}", vendor=f"acme{number}") for number in range(1000)))
+        result = self.run_app("scan", "--seconds", "2")
+        self.assert_status(result, FOUND)
+        self.assertEqual(len(result.output.splitlines()), 1000)
+        self.assertEqual(result.errors.count("with the modelID"), 20)
+        self.assert_mentions(result.errors, "warning: and 980 more modelIDs that are no productId")
+
+    def test_of_a_broken_vendor_list(self):
+        self.list_file = self.vendor_list([("scripted", "scripted_all"), *(1000 * [("", "x")])])
+        self.script(device("SN1"))
+        for command in (["scan", "--seconds", "0.5"], ["vendors"]):
+            with self.subTest(command):
+                result = self.run_app(*command)
+                self.assert_status(result, FOUND)
+                self.assertEqual(len(result.errors.splitlines()), 21)
+                self.assert_mentions(result.errors, "vendors[20]", "warning: and 980 more\n")
+        self.assertLess(self.read(self.path("DeviceDiscover/DeviceDiscover.log")).count("vendors["), 200)
+
+    def test_of_vendors_whose_scan_fails(self):
+        self.list_file = self.vendor_list([("sound", "scripted_all_b"),
+                                           *((f"v{number}", "no_such_module") for number in range(100))])
+        self.script(device("SN1", vendor="sound"))
+        result = self.run_app("scan", "--seconds", "0.5")
+        self.assert_status(result, FOUND)
+        self.assertEqual(len(result.errors.splitlines()), 21)
+
+
+class WithoutALog(AppTest):
+    def test_one_that_cannot_be_written_is_not_where_the_reason_is(self):
+        for value in ("XDG_STATE_HOME", "LOCALAPPDATA"):
+            self.environment[value] = app_test.system_path(self.write("no-folder", ""))
+        result = self.run_app("scan", "--seconds", "0.5")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "There is no log")
+        self.assertNotIn("is in the log", result.errors)
+
+
 class Prints(AppTest):
     def test_of_a_vendor_do_not_reach_what_the_program_writes(self):
         self.script(r'print "noise\n"', device("SN1"))

@@ -412,6 +412,17 @@ class UsbWatch(UsbTest):
         problem, = json_lines(result.output)
         self.assert_mentions(problem["problem"], said, "--vendor-seconds")
 
+    @unittest.skipIf(ON_WINDOWS, "nobody learns there that a thread has ended itself")
+    def test_a_vendor_that_gives_no_answer_is_no_no(self):
+        for how, saying in (("end-thread", "its vendor has ended the thread that it was called on"),
+                            ("throw", "an exception came out of its vendor: the vendor's own mistake")):
+            with self.subTest(how):
+                self.script(f"misbehave GetDeviceInfoByUsb {how}")
+                self.host(change(after=0))
+                result = self.run_app("usb", "watch", "--seconds", "2")
+                self.assert_status(result, COULD_NOT_RUN)
+                self.assert_mentions(result.errors, f"\n  {USB_ID}: {saying}\n")
+
     def test_another_vendor_s_printer_is_shown_while_one_never_answers(self):
         self.list_file = self.vendor_list([vendor(), vendor("scripted_all_b", "b", OTHER_USB_ID)])
         self.script("[scripted_all]", "misbehave GetDeviceInfoByUsb hang",
