@@ -6,22 +6,22 @@
 #include <sstream>
 #include <string_view>
 
-#include "app/ap_command.h"
-#include "app/cancellation.h"
 #include "app/command_help.h"
-#include "app/console.h"
-#include "app/crash_report.h"
-#include "app/json_output.h"
-#include "app/messages.h"
-#include "app/network.h"
-#include "app/ping_command.h"
-#include "app/problem.h"
-#include "app/scan_command.h"
-#include "app/setup_command.h"
-#include "app/state_command.h"
-#include "app/usb_command.h"
-#include "app/vendors_command.h"
-#include "app/wifi_command.h"
+#include "app/commands/ap_command.h"
+#include "app/commands/ping_command.h"
+#include "app/commands/scan_command.h"
+#include "app/commands/setup_command.h"
+#include "app/commands/state_command.h"
+#include "app/commands/usb_command.h"
+#include "app/commands/vendors_command.h"
+#include "app/commands/wifi_command.h"
+#include "app/items/network.h"
+#include "app/outcome/problem.h"
+#include "app/output/json_output.h"
+#include "app/program/messages.h"
+#include "app/running/cancellation.h"
+#include "app/terminal/console.h"
+#include "app/terminal/crash_report.h"
 
 namespace App {
 

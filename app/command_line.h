@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "app/exit_status.h"
+#include "app/outcome/exit_status.h"
 
 namespace App {
 

@@ -1,12 +1,12 @@
 #include <exception>
 
-#include "app/cancellation.h"
 #include "app/command_line.h"
-#include "app/console.h"
-#include "app/crash_report.h"
-#include "app/interrupt.h"
-#include "app/messages.h"
-#include "app/vendor_calls.h"
+#include "app/program/messages.h"
+#include "app/running/cancellation.h"
+#include "app/running/vendor_calls.h"
+#include "app/terminal/console.h"
+#include "app/terminal/crash_report.h"
+#include "app/terminal/interrupt.h"
 
 namespace {
 

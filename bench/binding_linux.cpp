@@ -10,7 +10,7 @@
 #include "DeviceDiscover/scan.h"
 #include "bench/host/given_vendors.h"
 #include "bench/support.h"
-#include "vendor/vendor_table.h"
+#include "broker/binding/vendor_table.h"
 
 namespace PrinterDeviceDiscoverSdk {
 

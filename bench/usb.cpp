@@ -23,7 +23,7 @@
 #include "bench/host/given_vendors.h"
 #include "bench/support.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
-#include "tests/host/usb/device_service_linux.h"
+#include "tests/host/PrinterDiscoverAPI/usb/device_service_linux.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "host/PrinterUtil/vendor_list.h"
 
-#include "host/PrinterUtil/loading_note.h"
-#include "host/PrinterUtil/module_finder.h"
-#include "host/PrinterUtil/vendor_list_state.h"
+#include "host/PrinterUtil/list/vendor_list_state.h"
+#include "host/PrinterUtil/modules/loading_note.h"
+#include "host/PrinterUtil/modules/module_finder.h"
 
 namespace PrinterUtil {
 

@@ -1,4 +1,4 @@
-#include "app/arrival_queue.h"
+#include "app/library/usb/arrival_queue.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "app/crash_report.h"
+#include "app/terminal/crash_report.h"
 #include "platform/os.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "app/item_list.h"
+#include "app/items/item_list.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
-#include "app/table.h"
+#include "app/terminal/table.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "app/text.h"
+#include "app/terminal/text.h"
 
 namespace App {
 

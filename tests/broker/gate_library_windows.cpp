@@ -5,8 +5,8 @@
 #include <fstream>
 #include <string>
 
+#include "broker/binding/table_gate.h"
 #include "platform/compiler.h"
-#include "vendor/table_gate.h"
 
 namespace {
 

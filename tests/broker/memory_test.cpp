@@ -6,12 +6,12 @@
 #include <new>
 #include <thread>
 
+#include "broker/binding/vendor_table.h"
 #include "tests/support/application.h"
 #include "tests/support/broker_test.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/scripted_adapter.h"
 #include "tests/support/scripted_host.h"
-#include "vendor/vendor_table.h"
 
 namespace {
 

@@ -11,20 +11,21 @@ import re
 import sys
 
 # Folder: the project's folders that its files may include, besides itself.
-BROKER = ["include/", "platform/", "records/"]
+BROKER = ["include/", "platform/", "broker/records/", "broker/log/"]
 MAY_INCLUDE = {
     "include/VendorSdk": [],
     "include/DeviceDiscover": ["include/VendorSdk/", "platform/"],
     "platform": [],
     # What the application, its libraries and the modules share.
     "base": [],
-    "records": ["include/", "platform/"],
-    "vendor": BROKER,
-    "scan": BROKER + ["vendor/"],
-    "netconn": BROKER + ["vendor/"],
-    "usb": BROKER + ["vendor/", "sdk/"],
-    "hostnet": BROKER + ["vendor/"],
-    "sdk": BROKER + ["vendor/"],
+    "broker/log": ["include/", "platform/"],
+    "broker/records": ["include/", "platform/", "broker/log/"],
+    "broker/binding": BROKER,
+    "broker/scan": BROKER + ["broker/binding/"],
+    "broker/netconn": BROKER + ["broker/binding/"],
+    "broker/usb": BROKER + ["broker/binding/", "broker/sdk/"],
+    "broker/hostnet": BROKER + ["broker/binding/"],
+    "broker/sdk": BROKER + ["broker/binding/"],
     "host/common": ["platform/", "base/"],
     "host/LogHelper": ["platform/", "base/", "host/common/"],
     "host/PrinterUtil": ["platform/", "base/", "host/common/"],
@@ -42,7 +43,7 @@ MAY_INCLUDE = {
             "platform/PrinterDiscoverAPI/PrinterWifiControl.h",
             "host/LogHelper/log_settings.h", "host/PrinterDiscoverAPI/ping_report.h",
             "host/PrinterUtil/vendor_list.h"],
-    "kit": ["include/VendorSdk/", "vendor/", "platform/os.h", "platform/os_calls.h"],
+    "kit": ["include/VendorSdk/", "broker/binding/", "platform/os.h", "platform/os_calls.h"],
 }
 INCLUDE_FOLDERS = ["", "include/"]
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)

@@ -33,13 +33,14 @@ class Layering(unittest.TestCase):
         return complaints
 
     def test_what_knows_nothing_passes(self):
-        self.assertEqual(self.check("scan/x.cpp", '#include "include/VendorSdk/records.h"\n'
+        self.assertEqual(self.check("broker/scan/x.cpp", '#include "include/VendorSdk/records.h"\n'
                                     "#include <csignal>\n#include <semaphore>\n#include <string.h>\n"
                                     "#pragma once\n// __declspec, windows.h\n/* _MSC_VER\n */\n"), [])
 
     def test_a_header_of_another_layer_is_named(self):
-        self.assertEqual(self.check("scan/x.cpp", '#include "host/PrinterUtil/vendor_list.h"\n'),
-                         ["scan/x.cpp: scan/ must not include host/PrinterUtil/vendor_list.h"])
+        self.assertEqual(self.check("broker/scan/x.cpp",
+                                    '#include "host/PrinterUtil/vendor_list.h"\n'),
+                         ["broker/scan/x.cpp: broker/scan/ must not include host/PrinterUtil/vendor_list.h"])
 
     def test_the_bottom_room_stands_on_nothing_and_is_there_for_all_but_the_broker(self):
         self.write("base/environment.h", "#pragma once\n")
@@ -50,8 +51,8 @@ class Layering(unittest.TestCase):
         for layer in ("app", "host/common", "host/LogHelper", "host/PrinterDiscoverAPI",
                       "modules/driverless"):
             self.assertEqual(self.check(f"{layer}/x.cpp", '#include "base/environment.h"\n'), [])
-        self.assertEqual(self.check("scan/x.cpp", '#include "base/environment.h"\n'),
-                         ["scan/x.cpp: scan/ must not include base/environment.h"])
+        self.assertEqual(self.check("broker/scan/x.cpp", '#include "base/environment.h"\n'),
+                         ["broker/scan/x.cpp: broker/scan/ must not include base/environment.h"])
 
     def test_the_adapter_may_include_the_interface_it_implements_and_no_other(self):
         for name in ("printer_sdk.h", "usb.h"):
@@ -81,7 +82,7 @@ class Layering(unittest.TestCase):
     def test_words_of_a_compiler_are_named_everywhere(self):
         for word in ("__attribute__", "__declspec", "_MSC_VER", "__GNUC__", "__clang__",
                      "__builtin_expect", "__PRETTY_FUNCTION__", "#pragma warning"):
-            for name in ("records/x.h", "app/x_linux.cpp", "host/LogHelper/x_windows.cpp"):
+            for name in ("broker/records/x.h", "app/x_linux.cpp", "host/LogHelper/x_windows.cpp"):
                 self.assertEqual(self.check(name, f"{word} (x)\n"),
                                  [f"{name}: knows a compiler: {word}"])
 

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "app/outcome/exit_status.h"
+#include "app/output/scan_run.h"
+#include "app/program/settings.h"
+
+namespace App {
+
+// Looks for printers in every vendor's module and shows them as they are found. kFound when there
+// was one.
+ExitStatus Scan(const Settings& settings, const ScanOptions& options);
+
+}  // namespace App

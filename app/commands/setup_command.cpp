@@ -1,0 +1,301 @@
+#include "app/commands/setup_command.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+#include <vector>
+
+#include "app/dialogue/prompt.h"
+#include "app/library/access_point_printer.h"
+#include "app/library/host_wifi.h"
+#include "app/outcome/problem.h"
+#include "app/program/messages.h"
+#include "app/running/cancellation.h"
+#include "app/setup/printer_search.h"
+#include "app/setup/setup_progress.h"
+#include "app/setup/setup_route.h"
+
+namespace App {
+
+namespace {
+
+constexpr int kJoinAttempts = 3;
+constexpr auto kJoinPause = std::chrono::seconds(2);
+
+std::string NameOf(const Printer& printer) {
+    return fmt::format("{}, serial number {}",
+                       printer.makeAndModel.empty() ? "A printer" : printer.makeAndModel,
+                       printer.serialNumber.empty() ? "not known" : printer.serialNumber);
+}
+
+// "192.0.2.7 port 631 and 192.0.2.8 port 631"
+std::string PlacesOf(const std::vector<Printer>& printers) {
+    std::vector<std::string> places;
+    places.reserve(printers.size());
+    for (const Printer& printer : printers) {
+        places.push_back(fmt::format("{} port {}", printer.address, printer.port));
+    }
+    return fmt::format("{}", fmt::join(places, " and "));
+}
+
+// `found` are those of the printer's serial number.
+std::string IsOn(const std::string& network, const Printer& printer,
+                 const std::vector<Printer>& found) {
+    if (found.empty()) {
+        return fmt::format(
+            "{}, is on {}, its vendor says; `devicediscover scan` shows where, "
+            "maybe under another serial number",
+            NameOf(printer), network);
+    }
+    const std::string places = PlacesOf(found);
+    return found.size() == 1
+               ? fmt::format("{}, is on {} at {}", NameOf(found.front()), network, places)
+               : fmt::format("{}, is on {}; that serial number was found at {}", NameOf(printer),
+                             network, places);
+}
+
+// One journey, a step after the other.
+class Journey {
+public:
+    Journey(const Settings& appSettings, const SetupOptions& setupOptions)
+        : settings(appSettings),
+          options(setupOptions),
+          progress(appSettings),
+          route(setupOptions.usb ? UsbRoute(appSettings, setupOptions.usbSerialNumber)
+                                 : AccessPointRoute(appSettings, setupOptions.listTime)) {}
+
+    ExitStatus Run();
+
+private:
+    void Steps();
+    Printer WhichPrinter();
+    std::string WhichNetwork();
+    std::shared_ptr<Base::Secret> WhichPassPhrase(const std::string& network);
+    void Configure(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
+                   const std::string& vendor);
+    void Rejoin(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
+                const Printer& printer);
+    JoinOutcome Join(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase);
+    void Find(const std::string& network, const Printer& printer);
+    std::string StateOfThings() const;
+    std::string WayBack() const;
+    const char* WasPutOn() const { return unconfirmed ? "was given" : "was put on"; }
+
+    const Settings& settings;
+    const SetupOptions& options;
+    SetupProgress progress;
+    const std::unique_ptr<SetupRoute> route;
+    bool unconfirmed = false;  // whether the printer joined shows only on the network
+    std::string leftFor;       // the network for which this computer leaves the one it was on
+};
+
+ExitStatus Journey::Run() {
+    try {
+        Steps();
+        return kFound;
+    } catch (const StepFailed& failure) {
+        StepEvent event;
+        event.result = failure.result;
+        progress.Failed("failed", failure.problem + WayBack(), event);
+        return kNoneFound;
+    } catch (const Interrupted&) {
+        progress.Failed("interrupted", "interrupted. " + StateOfThings() + WayBack());
+        return kNoneFound;
+    } catch (const WrongInput& problem) {
+        progress.Failed("failed", problem.what() + WayBack());
+        return kUsage;
+    } catch (const Problem& problem) {
+        progress.Failed("failed", problem.what() + WayBack());
+        return kCouldNotRun;
+    }
+}
+
+// Sends this computer back to the network that it left for this one, and says so.
+std::string Journey::WayBack() const {
+    if (leftFor.empty() || !GoBackFrom(leftFor)) {
+        return {};
+    }
+    return fmt::format(
+        "\nThis computer goes back to the network it was on; `devicediscover wifi join {}` joins "
+        "{} again.",
+        leftFor, leftFor);
+}
+
+void Journey::Steps() {
+    const Printer printer = WhichPrinter();
+    if (route->LeavesNetwork() && !options.noRejoin) {
+        RememberNetwork(settings);
+    }
+    const std::string network = WhichNetwork();
+    std::shared_ptr<Base::Secret> passPhrase = WhichPassPhrase(network);
+    Configure(network, passPhrase, printer.vendor);
+    Rejoin(network, passPhrase, printer);
+    passPhrase.reset();  // nothing needs it any more
+    Find(network, printer);
+}
+
+Printer Journey::WhichPrinter() {
+    progress.Begin(SetupStep::Printer);
+    Printer printer = route->FindPrinter();
+    StepEvent event;
+    event.printers = {printer};
+    progress.Done(fmt::format("{}, vendor {}", NameOf(printer), printer.vendor), event);
+    return printer;
+}
+
+std::string Journey::WhichNetwork() {
+    progress.Begin(SetupStep::Network);
+    std::string network = options.network;
+    if (network.empty()) {
+        network = route->PickNetwork();
+    }
+    if (network.empty()) {
+        throw StepFailed{"no network was picked.\nName it with --network NAME.", std::nullopt};
+    }
+    StepEvent event;
+    event.network = network;
+    progress.Done(network, event);
+    return network;
+}
+
+std::shared_ptr<Base::Secret> Journey::WhichPassPhrase(const std::string& network) {
+    progress.Begin(SetupStep::PassPhrase);
+    std::shared_ptr<Base::Secret> passPhrase = GetPassPhrase(settings, options.passPhrase, network);
+    RequirePrinterPassPhrase(*passPhrase);
+    progress.Done(passPhrase->View().empty() ? "None: the network is open" : "Given");
+    return passPhrase;
+}
+
+void Journey::Configure(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
+                        const std::string& vendor) {
+    progress.Begin(SetupStep::Configure);
+    const int result = route->Configure(network, passPhrase);
+    unconfirmed = IsUnconfirmed(result, vendor);
+    if (result != 0 && !unconfirmed) {
+        const SetupRoute::Failure failure = route->ExplainConfigure(result);
+        throw StepFailed{fmt::format("the printer was not put on {}: {}\n{} {}", network,
+                                     failure.why, failure.advice, AdviceToReadLog()),
+                         result};
+    }
+    StepEvent event;
+    event.network = network;
+    event.result = result;
+    progress.Done(unconfirmed ? "The printer was given " + network +
+                                    " and closed its own network; whether it joined shows below"
+                              : "The printer was put on " + network,
+                  event);
+}
+
+void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase,
+                     const Printer& printer) {
+    progress.Begin(SetupStep::Rejoin);
+    if (options.noRejoin) {
+        progress.Skipped("Left out, as asked for");
+        return;
+    }
+    if (!route->LeavesNetwork()) {
+        progress.Skipped("This computer stays on the network it is on");
+        return;
+    }
+    if (const JoinOutcome outcome = Join(network, passPhrase); !outcome.joined) {
+        const std::string& reason = outcome.problem.reason;
+        throw StepFailed{
+            fmt::format("this computer could not join {}{}; the printer {} it.\nJoin it by "
+                        "hand, then `devicediscover ap check {} --vendor {}` tells whether the "
+                        "printer\nis there, and `devicediscover scan` where. {}",
+                        network, reason.empty() ? "" : " (" + reason + ")", WasPutOn(),
+                        printer.serialNumber, printer.vendor, AdviceToReadLog()),
+            std::nullopt};
+    }
+    StepEvent event;
+    event.network = network;
+    progress.Done("This computer is on " + network, event);
+}
+
+JoinOutcome Journey::Join(const std::string& network,
+                          const std::shared_ptr<Base::Secret>& passPhrase) {
+    for (int attempt = 1;; ++attempt) {
+        if (CurrentAccessPoint(settings).network == network) {
+            return {true, {}};
+        }
+        leftFor = network;
+        JoinOutcome outcome = JoinNetwork(settings, network, passPhrase);
+        if (outcome.joined || attempt == kJoinAttempts) {
+            return outcome;
+        }
+        // The network may not be back in the list yet.
+        Cancellation::GetInstance().WaitUntil(Cancellation::Clock::now() + kJoinPause,
+                                              [] { return false; });
+    }
+}
+
+void Journey::Find(const std::string& network, const Printer& printer) {
+    progress.Begin(SetupStep::Find);
+    const SearchOutcome outcome = SearchPrinter(settings, printer, options.timeout);
+    const std::string places = PlacesOf(outcome.printers);
+    if (!outcome.isOnNetwork && !outcome.failures.empty()) {
+        throw Problem(
+            fmt::format("{} {} {}; whether it is there is not known: nobody looks for "
+                        "printers any more{}",
+                        NameOf(printer), WasPutOn(), network, Lines(outcome.failures)));
+    }
+    if (!outcome.isOnNetwork && outcome.printers.empty()) {
+        throw StepFailed{
+            fmt::format("{} {} {}, but was not found there within {:g} s{}.\nSome printers "
+                        "take longer: `devicediscover scan --watch` shows it when it is there. Is "
+                        "this computer\non the same network (`devicediscover wifi current`)?",
+                        NameOf(printer), WasPutOn(), network, options.timeout.count(),
+                        outcome.vendorsResult == 0
+                            ? ""
+                            : ": " + VendorsResult(outcome.vendorsResult, printer.vendor)),
+            std::nullopt};
+    }
+    if (!outcome.isOnNetwork) {
+        throw StepFailed{
+            fmt::format("{}: one with that serial number was found at {}, but the vendor of the "
+                        "one that was put on {} does not find that on the local network: {}\nTry "
+                        "`devicediscover ap check {} --vendor {}` in a moment.",
+                        NameOf(printer), places, network,
+                        VendorsResult(outcome.vendorsResult, printer.vendor), printer.serialNumber,
+                        printer.vendor),
+            outcome.vendorsResult};
+    }
+    StepEvent event;
+    event.network = network;
+    event.printers = outcome.printers;
+    progress.Done(IsOn(network, printer, outcome.printers), event);
+}
+
+std::string Journey::StateOfThings() const {
+    if (progress.Current() < SetupStep::Configure) {
+        return "Nothing was changed; start the set-up again when you like.";
+    }
+    if (progress.Current() == SetupStep::Configure) {
+        return "The printer may have been put on the network, or not: `devicediscover scan` on "
+               "that network\nshows it if so; else start the set-up again.";
+    }
+    return fmt::format(
+        "The printer {} the network: `devicediscover scan` on that network shows it.", WasPutOn());
+}
+
+void RequirePick(const Settings& settings) {
+    const std::string obstacle = ObstacleToAsking(settings);
+    if (!obstacle.empty()) {
+        throw WrongInput("there is no terminal to pick the network on: " + obstacle +
+                         "\nName it with --network NAME; `devicediscover ap scan` and "
+                         "`devicediscover usb networks` show\nwhich there are.");
+    }
+}
+
+}  // namespace
+
+ExitStatus Setup(const Settings& settings, const SetupOptions& options) {
+    options.passPhrase.Require(settings);
+    if (options.network.empty()) {
+        RequirePick(settings);
+    }
+    CancelOnInterrupt();
+    return Journey(settings, options).Run();
+}
+
+}  // namespace App

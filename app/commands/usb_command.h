@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include "app/dialogue/pass_phrase.h"
+#include "app/outcome/exit_status.h"
+#include "app/output/scan_run.h"
+#include "app/program/settings.h"
+
+namespace App {
+
+// The USB printers that are installed on the host, and whether each is on the network; kNoneFound
+// when there are none.
+ExitStatus UsbList(const Settings& settings);
+
+// The printers that are plugged in; kNoneFound when there are none.
+ExitStatus UsbPorts(const Settings& settings);
+
+// The printers that are plugged in from now on, as they are; kNoneFound when there were none.
+ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options);
+
+struct UsbNetworksOptions {
+    std::string serialNumber;  // empty: the only one that is plugged in
+    int option = 0;            // for the printer's vendor
+};
+
+// The networks that the printer sees; kNoneFound when there are none, or no such printer.
+ExitStatus UsbNetworks(const Settings& settings, const UsbNetworksOptions& options);
+
+struct UsbConfigureOptions {
+    std::string serialNumber;  // empty: the only one that is plugged in
+    std::string network;
+    PassPhraseOptions passPhrase;
+};
+
+// Puts the printer on a network; kNoneFound when that fails.
+ExitStatus UsbConfigure(const Settings& settings, const UsbConfigureOptions& options);
+
+}  // namespace App

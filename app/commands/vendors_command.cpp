@@ -1,0 +1,106 @@
+#include "app/commands/vendors_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "app/outcome/problem.h"
+#include "app/output/json_output.h"
+#include "app/program/messages.h"
+#include "app/running/awaiting.h"
+#include "app/terminal/console.h"
+#include "app/terminal/text.h"
+#include "host/PrinterUtil/vendor_list.h"
+
+namespace App {
+
+namespace {
+
+std::string ModuleText(const ModuleSurvey& module) {
+    std::string text = fmt::format("  {}: {}\n", module.use, DisplayText(module.name));
+    text +=
+        fmt::format("    {}\n", module.IsLoaded() ? DisplayText(module.path)
+                                                  : "not loaded: " + DisplayText(module.problem));
+    for (const EntryPointSurvey& entryPoint : module.entryPoints) {
+        text +=
+            fmt::format("    {:27}{}\n", entryPoint.name, entryPoint.bound ? "bound" : "missing");
+    }
+    for (const std::string& hint : module.hints) {
+        text += fmt::format("    hint: {}\n", DisplayText(hint));
+    }
+    return text;
+}
+
+std::string VendorText(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modules) {
+    std::string text = fmt::format("\n{}\n", DisplayText(vendor.productId));
+    for (const ModuleSurvey& module : modules) {
+        text += ModuleText(module);
+    }
+    return text;
+}
+
+[[noreturn]] void ThrowNoVendor(const PrinterUtil::VendorListReport& list) {
+    throw Problem("no vendor is supported" + Lines(list.problems) + Lines(list.notes) +
+                  "\nName a vendor list with --vendors FILE, or in the environment variable "
+                  "DEVICEDISCOVER_VENDORS.");
+}
+
+// A line for each module that exports nothing of what it is asked for, with what may be the reason.
+// A module that the list names for both uses may serve one of them only.
+void AddUseless(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modules,
+                std::vector<std::string>& lines) {
+    for (const ModuleSurvey& module : modules) {
+        const bool serves = std::any_of(modules.begin(), modules.end(), [&](const auto& other) {
+            return other.name == module.name && other.HasAny();
+        });
+        if (!module.IsLoaded() || serves) {
+            continue;
+        }
+        lines.push_back("vendor " + vendor.productId + ": module " + module.path +
+                        " exports none of the entry points for " + module.use);
+        lines.insert(lines.end(), module.hints.begin(), module.hints.end());
+    }
+}
+
+}  // namespace
+
+ExitStatus Vendors(const Settings& settings) {
+    const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
+    if (list.vendors.empty()) {
+        ThrowNoVendor(list);
+    }
+    WarnOfAll(list.problems);
+    WarnOfAll(list.notes);
+    if (!settings.json) {
+        WriteOutput("Vendor list  " + DisplayText(list.path) + "\nModules      " +
+                    DisplayText(list.moduleFolder) + "\n");
+    }
+    bool anyLoaded = false;
+    std::vector<std::string> useless;
+    for (const VendorInfo& vendor : list.vendors) {
+        auto modules = Await<std::vector<ModuleSurvey>>(
+            settings, "Loading the modules of vendor " + vendor.productId, [vendor] {
+                return std::vector{SurveyScanModule(vendor), SurveyConfigurationModule(vendor)};
+            });
+        std::for_each(modules.begin(), modules.end(), AddHints);
+        WriteOutput(settings.json ? VendorJson(list, vendor, modules) + "\n"
+                                  : VendorText(vendor, modules));
+        AddUseless(vendor, modules, useless);
+        anyLoaded =
+            anyLoaded || std::any_of(modules.begin(), modules.end(),
+                                     [](const ModuleSurvey& module) { return module.IsLoaded(); });
+    }
+    if (!anyLoaded) {
+        throw Problem("no vendor's module can be loaded\nPut the modules into " +
+                      list.moduleFolder + ", or name another vendor list with --vendors FILE.");
+    }
+    if (!useless.empty()) {
+        Complain("a module serves nothing" + Lines(useless) +
+                 "\nEntry points are exported by their exact names, with C linkage. Has the list "
+                 "the right module in each place?");
+        return kNoneFound;
+    }
+    return kFound;
+}
+
+}  // namespace App

@@ -1,0 +1,84 @@
+#include "app/dialogue/prompt.h"
+
+#include "app/running/awaiting.h"
+#include "app/running/cancellation.h"
+#include "app/terminal/console.h"
+#include "app/terminal/interrupt.h"
+#include "app/terminal/terminal_input.h"
+#include "app/terminal/text.h"
+
+namespace App {
+
+namespace {
+
+using Clock = Cancellation::Clock;
+
+bool AsksOnOutput(const Settings& settings) {
+    return !settings.json && OutputScreen();
+}
+
+// Null when there is no more input.
+std::shared_ptr<Base::Secret> ReadLineInterruptibly() {
+    using Line = std::shared_ptr<Base::Secret>;
+    const std::function<Line()> read = [] {
+        LeaveInterruptsToOthers();
+        auto line = std::make_shared<Base::Secret>();
+        return ReadInputLine(*line) ? line : nullptr;
+    };
+    Line line = AwaitInterruptibly(read, [] {});
+    if (line == nullptr) {
+        // Some systems end the input at Ctrl-C a moment before they tell of it.
+        constexpr auto moment = std::chrono::milliseconds(300);
+        Cancellation::GetInstance().WaitUntil(Clock::now() + moment, [] { return false; });
+    }
+    return line;
+}
+
+}  // namespace
+
+std::string ObstacleToAsking(const Settings& settings) {
+    if (!InputIsTerminal()) {
+        return "standard input is none";
+    }
+    if (!AsksOnOutput(settings) && !ErrorIsTerminal()) {
+        return "standard error is none, where the question would be";
+    }
+    return {};
+}
+
+void WritePrompt(const Settings& settings, const std::string& text) {
+    if (AsksOnOutput(settings)) {
+        WriteOutput(text);
+    } else {
+        WriteError(text);
+    }
+}
+
+std::optional<std::string> AskLine(const Settings& settings, const std::string& question) {
+    CancelOnInterrupt();
+    WritePrompt(settings, question);
+    const std::shared_ptr<Base::Secret> line = ReadLineInterruptibly();
+    if (line == nullptr) {
+        WritePrompt(settings, "\n");
+        return std::nullopt;
+    }
+    return std::string(line->View());
+}
+
+std::shared_ptr<Base::Secret> AskSecret(const Settings& settings, const std::string& question) {
+    // First of all: nobody else would show typing again.
+    CancelOnInterrupt();
+    const HiddenTyping hidden;
+    WritePrompt(settings, question);
+    // The end of the line does not show either.
+    try {
+        std::shared_ptr<Base::Secret> line = ReadLineInterruptibly();
+        WritePrompt(settings, "\n");
+        return line;
+    } catch (const Interrupted&) {
+        WritePrompt(settings, "\n");
+        throw;
+    }
+}
+
+}  // namespace App

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "app/items/item_list.h"
+#include "app/items/usb_printer.h"
+
+namespace App {
+
+using ArrivalList = ItemList<Arrival>;
+
+}  // namespace App

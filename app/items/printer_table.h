@@ -1,0 +1,19 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "app/items/printer.h"
+#include "app/terminal/table.h"
+
+namespace App {
+
+// Serial number, make and model, address, port and vendor, fit for a terminal; "-" for what is not
+// known.
+using PrinterRow = std::array<std::string, 5>;
+PrinterRow RowOf(const Printer& printer);
+
+Table TableOf(const std::vector<Printer>& printers);
+
+}  // namespace App

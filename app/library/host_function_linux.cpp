@@ -1,0 +1,12 @@
+#include "app/library/host_function.h"
+
+#include <dlfcn.h>
+
+namespace App {
+
+// The libraries are loaded with the program, and their names for it are all different.
+void* HostFunction(const char*, const char* name) {
+    return dlsym(RTLD_DEFAULT, name);
+}
+
+}  // namespace App

@@ -1,0 +1,82 @@
+#include "app/library/host_wifi.h"
+
+#include <utility>
+
+#include "DeviceDiscover/DeviceDiscover.h"
+#include "app/running/awaiting.h"
+#include "app/terminal/text.h"
+#include "platform/PrinterUtil/PrinterUtil.h"
+
+namespace App {
+
+namespace {
+
+using DeviceDiscover::PrinterWifiInterface;
+using Networks = std::vector<PrinterWifiApiStruct::WlanInfoData>;
+
+HostNetworks Scan(const Settings& settings, void (PrinterWifiInterface::*scan)(Networks&)) {
+    const std::function<HostNetworks()> work = [scan] {
+        Networks networks;
+        (PrinterWifiInterface::GetInstance().*scan)(networks);
+        return HostNetworks{{networks.begin(), networks.end()}, LastHostWifiProblem()};
+    };
+    return Await(settings, "Looking for networks", work);
+}
+
+// How long the host's Wi-Fi service has for what the program itself could do without.
+constexpr std::chrono::seconds kPatienceWithUndoing{3};
+
+}  // namespace
+
+HostNetworks NetworksInRange(const Settings& settings) {
+    return Scan(settings, &PrinterWifiInterface::GetSsidList);
+}
+
+HostNetworks NetworksToOffer(const Settings& settings) {
+    return Scan(settings, &PrinterWifiInterface::GetSupList);
+}
+
+AccessPoint CurrentAccessPoint(const Settings& settings) {
+    const std::function<AccessPoint()> work = [] {
+        std::wstring network;
+        std::wstring hardwareAddress;
+        std::wstring interfaceName;
+        PrinterWifiInterface::GetInstance().QueryConnectedAP(network, hardwareAddress,
+                                                             interfaceName);
+        using PrinterUtil::WStringToString;
+        return AccessPoint{WStringToString(network), WStringToString(hardwareAddress),
+                           WStringToString(interfaceName), LastHostWifiProblem()};
+    };
+    return Await(settings, "Asking for this computer's network", work);
+}
+
+JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
+                        const std::shared_ptr<Base::Secret>& passPhrase) {
+    const std::function<JoinOutcome()> work = [network, passPhrase] {
+        std::wstring wide = Widen(passPhrase->View()).value_or(L"");
+        const Base::WipeAtEnd wiped(wide);
+        // Handed over, not copied: what takes it wipes it.
+        const bool joined = PrinterWifiInterface::GetInstance().ConnectAP(
+            Widen(network).value_or(L""), std::move(wide));
+        return JoinOutcome{joined, LastHostWifiProblem()};
+    };
+    return AwaitOrBreakOff(settings, "Joining " + network, work, kJoinLimit);
+}
+
+void RememberNetwork(const Settings& settings) {
+    const std::function<bool()> work = [] {
+        RememberHostWifi();
+        return true;
+    };
+    try {
+        Await(settings, "Asking for this computer's network", work, kPatienceWithUndoing);
+    } catch (const TimedOut&) {
+        return;  // then there is no way back
+    }
+}
+
+bool GoBackFrom(const std::string& network) {
+    return GoBackWithHostWifi(network, kPatienceWithUndoing);
+}
+
+}  // namespace App

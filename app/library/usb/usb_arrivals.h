@@ -1,0 +1,97 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "DeviceDiscover/DeviceDiscover.h"
+#include "app/library/usb/arrival_queue.h"
+#include "app/library/usb/usb_question.h"
+#include "app/library/usb/usb_vendors.h"
+
+namespace App {
+
+// Watches printers being plugged in: asks each one's vendor a moment later, and adds what it hears
+// to the ArrivalList. It goes past the broker's own monitor, which asks on threads that nobody can
+// wait for: the broker could not be told of models that it does not know.
+class UsbArrivals {
+public:
+    static UsbArrivals& GetInstance();
+
+    // `patience` is how long a vendor may take for an answer before that is remarked. Throws
+    // Problem when the device manager cannot watch.
+    void Start(ArrivalQueue::Duration patience);
+    // Returns when no report is under way; what is being asked then is not reported any more.
+    int Stop();
+
+    // What is plugged in around the start, before and after it. One that came between the two, and
+    // that the device manager took for one that was there, counts as an arrival.
+    void Compare(const UsbPortMap& before, const UsbPortMap& after);
+
+    // Lines that a user should read at once, new since the last call: vendors that take too long,
+    // and that more is plugged in than can be asked about.
+    std::vector<std::string> TakeRemarks();
+
+    // A line for each model that is plugged in now, in `ports`, and was not reported, but for those
+    // whose vendor has not answered.
+    std::vector<std::string> Unreported(const UsbPortMap& before, const UsbPortMap& now) const;
+
+    // A line for each model whose vendor has not answered, and one for arrivals that no vendor was
+    // asked about; those that were remarked only on request.
+    std::vector<std::string> Unanswered(bool alsoRemarked) const;
+
+    UsbArrivals(const UsbArrivals&) = delete;
+    UsbArrivals& operator=(const UsbArrivals&) = delete;
+
+private:
+    // Of the arrivals of one hardware identifier.
+    struct Model {
+        std::size_t told = 0;   // by the device manager
+        std::size_t asked = 0;  // and so many have been answered
+        std::size_t answered = 0;
+        bool isLate = false;      // an answer is
+        std::string problem;      // with the last question; empty: it was reported
+        bool isAnswered = false;  // the last question was
+    };
+
+    // What became of a question.
+    struct Outcome {
+        UsbAnswer answer;
+        std::string problem;
+        bool isAnswer;
+    };
+
+    // Ends the question, also when the vendor ends its thread.
+    class Asking;
+
+    UsbArrivals();
+    ~UsbArrivals() = default;
+
+    static std::int32_t OnChange(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state,
+                                 const std::wstring& deviceId);
+    void Add(const std::wstring& deviceId, std::size_t unlessTold);
+    Model* ModelOf(const std::wstring& deviceId);
+    void AskInTurn();
+    void BeginQuestions();
+    void Ask(const ArrivalQueue::Question& question);
+    void Report(const ArrivalQueue::Question& question, const Outcome& outcome);
+    void RemarkLate(const std::wstring& deviceId);
+
+    mutable std::mutex mutex;  // guards what follows
+    bool isOpen = false;
+    ArrivalQueue::Duration patience{};
+    ArrivalQueue queue;
+    std::map<std::wstring, Model> models;
+    std::vector<std::wstring> late;  // models to remark
+    bool isMissingRemarked = false;
+
+    std::condition_variable changed;
+    std::thread asker;  // starts the questions
+};
+
+}  // namespace App

@@ -1,0 +1,168 @@
+#include "app/library/usb/usb_vendors.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <sstream>
+
+#include "DeviceDiscover/DeviceDiscover.h"
+#include "app/library/access_point_printer.h"
+#include "app/library/broker_result.h"
+#include "app/library/vendor_survey.h"
+#include "app/outcome/problem.h"
+#include "app/program/messages.h"
+#include "host/PrinterUtil/vendor_list.h"
+#include "platform/PrinterUtil/PrinterUtil.h"
+
+namespace App {
+
+namespace {
+
+using PrinterUtil::WStringToString;
+
+// What a vendor lists that has no printer on USB.
+constexpr const char* kNoUsbIdentifier = "-";
+
+// As the broker reads them: only blanks separate.
+std::vector<std::string> UsbIdsOf(const VendorInfo& vendor) {
+    std::vector<std::string> usbIds;
+    std::istringstream text(vendor.usbIdList);
+    for (std::string usbId; std::getline(text, usbId, ' ');) {
+        if (!usbId.empty() && usbId != kNoUsbIdentifier) {
+            usbIds.push_back(usbId);
+        }
+    }
+    return usbIds;
+}
+
+std::string NotListed(const std::string& usbId) {
+    return fmt::format("{}: no vendor has it or * in its usbIdList, in {}", usbId,
+                       PrinterUtil::DescribeVendorList().path);
+}
+
+std::string PluggedIn(const UsbPortMap& ports) {
+    std::string text;
+    for (const auto& port : ports) {
+        text += fmt::format(" {}", WStringToString(port.first));
+    }
+    return text.empty() ? "" : "\nPlugged in now:" + text;
+}
+
+// A printer's port whose vendor is known, and what the vendor said.
+struct ServedPort {
+    std::string usbId;
+    std::string vendor;
+    std::size_t plugged;
+    const UsbAnswer* answer;
+};
+
+// Why there is no answer of use from that vendor; empty when there is one.
+std::string Failure(const std::string& usbId, const std::string& vendor, int result) {
+    if (result == 0) {
+        return {};
+    }
+    return result == kNothingToCall || result == kNotInitialised
+               ? fmt::format("{}: vendor {} cannot be asked about printers on USB", usbId, vendor)
+               : fmt::format("{}: vendor {} does not report it: {}", usbId, vendor,
+                             VendorsResult(result, vendor));
+}
+
+// Empty when the vendor reports all that is plugged in.
+std::string NotReported(const ServedPort& port) {
+    const auto& [usbId, vendor, plugged, answer] = port;
+    const std::string failure = Failure(usbId, vendor, answer->result);
+    const std::size_t reported = answer->printers.size();
+    return !failure.empty() || reported >= plugged
+               ? failure
+               : fmt::format("{}: {} plugged in, vendor {} reports {}", usbId, plugged, vendor,
+                             reported);
+}
+
+}  // namespace
+
+void RequireUsbIdentifiers(const UsbPortMap& ports) {
+    const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
+    std::vector<std::string> without;
+    for (const VendorInfo& vendor : list.vendors) {
+        if (!UsbIdsOf(vendor).empty()) {
+            return;
+        }
+        without.push_back("vendor " + vendor.productId);
+    }
+    if (!without.empty()) {
+        throw Problem(
+            "no printer on USB can be reached: the vendor list has only vendors without USB "
+            "identifiers:" +
+            Lines(without) +
+            "\nName those of a vendor's printers, or * for all, in its usbIdList, in " + list.path +
+            PluggedIn(ports));
+    }
+}
+
+std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const UsbPortMap& ports) {
+    const ServiceSurvey survey = SurveyConfiguration({entryPoint});
+    if (survey.anyVendorServes) {
+        RequireUsbIdentifiers(ports);
+        return survey.problems;
+    }
+    throw Problem("no vendor can do this" + Lines(survey.problems) +
+                  "\nName a vendor list with --vendors FILE, or put the modules in order; "
+                  "`devicediscover vendors` shows what is there.");
+}
+
+// The list's first for the identifier counts.
+std::optional<std::string> UsbVendorOf(const std::string& usbId) {
+    for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
+        const std::vector<std::string> usbIds = UsbIdsOf(vendor);
+        if (std::find(usbIds.begin(), usbIds.end(), usbId) != usbIds.end()) {
+            return vendor.productId;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string WhyUsbAnswerIsNone(const std::string& usbId, const UsbAnswer& answer) {
+    const auto vendor = UsbVendorOf(usbId);
+    if (!vendor) {
+        return answer.result == 0 ? "" : NotListed(usbId);
+    }
+    return answer.printers.empty() && answer.result == 0
+               ? fmt::format("{}: vendor {} reports none", usbId, *vendor)
+               : Failure(usbId, *vendor, answer.result);
+}
+
+std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
+                                         const std::vector<UsbAnswer>& answers) {
+    std::vector<std::string> lines;
+    std::vector<ServedPort> served;
+    std::map<std::string, std::size_t> missing;  // by vendor
+    auto answer = answers.begin();
+    for (const auto& [deviceId, port] : ports) {
+        const std::string usbId = WStringToString(deviceId);
+        const auto vendor = UsbVendorOf(usbId);
+        if (vendor) {
+            const auto plugged = static_cast<std::size_t>(std::max(port.first, 1));
+            served.push_back({usbId, *vendor, plugged, &*answer});
+            missing[*vendor] += plugged;
+        } else {
+            lines.push_back(NotListed(usbId));
+        }
+        ++answer;
+    }
+    for (const UsbAnswer& one : answers) {
+        for (const UsbPrinter& printer : one.printers) {
+            std::size_t& ofVendor = missing[printer.vendor];
+            ofVendor -= ofVendor > 0 ? 1 : 0;
+        }
+    }
+    for (const ServedPort& port : served) {
+        const std::string line = missing[port.vendor] == 0 ? "" : NotReported(port);
+        if (!line.empty()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
+}
+
+}  // namespace App

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/items/arrival_list.h"
+#include "app/library/usb/usb_vendors.h"
+#include "app/program/settings.h"
+#include "app/running/running_work.h"
+
+namespace App {
+
+// Watches printers being plugged in, from construction to Stop. Those that are go to the process's
+// ArrivalList.
+class UsbWatchSession {
+public:
+    // Names on standard error each vendor that cannot take part. Throws Problem when none can, or
+    // what is plugged in cannot be watched; Interrupted.
+    explicit UsbWatchSession(const Settings& settings);
+
+    // What was plugged in already, and is not reported.
+    const UsbPortMap& ThereBefore() const { return before; }
+
+    // What is wrong with the watch itself, when it begins, and with what is asked.
+    std::vector<std::string> TakeRemarks();
+
+    // As that of RunningWork: returns when no printer is being reported any more.
+    void Stop(const std::function<void()>& onWait = [] {}) { watch->Stop(onWait); }
+
+    // Once it has stopped: a line for each model that came, is there now and was not reported, and
+    // for what no vendor has answered; the latter with what was remarked only on request.
+    std::vector<std::string> Unreported() const;
+    std::vector<std::string> Unanswered(bool alsoRemarked) const;
+
+private:
+    UsbPortMap before;
+    std::optional<RunningWork> watch;
+    std::string trouble;  // as it was last told
+};
+
+}  // namespace App

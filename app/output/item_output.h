@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/output/line_view.h"
+#include "app/program/settings.h"
+#include "app/terminal/console.h"
+#include "app/terminal/table.h"
+
+namespace App {
+
+// Writes what was found: a table on a terminal, lines elsewhere, `json` lines on request.
+template <class Item>
+void WriteItems(const Settings& settings, const std::vector<Item>& items,
+                typename LineView<Item>::Format& json) {
+    std::string text;
+    if (const auto screen = OutputScreen(); screen && !settings.json) {
+        for (const std::string& line :
+             TableLines(TableOf(items), screen->columns, Overflow::Wrap)) {
+            text += line + "\n";
+        }
+    } else {
+        for (const Item& item : items) {
+            text += (settings.json ? json(item) : TabbedLine(item)) + "\n";
+        }
+    }
+    WriteOutput(text);
+}
+
+}  // namespace App

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/program/messages.h"
+
+namespace App {
+
+// How a running scan is shown on standard output.
+template <class Item>
+class ScanView {
+public:
+    virtual ~ScanView() = default;
+
+    // Called a few times a second. `news` are what is new or has changed, `status` is
+    // how the scan stands.
+    virtual void Show(const std::vector<Item>& news, const std::string& status) = 0;
+
+    // Something to know about the scan itself, for standard error.
+    virtual void Remark(const std::string& text) { Warn(text); }
+
+    // The scan has ended.
+    virtual void Finish() = 0;
+};
+
+}  // namespace App

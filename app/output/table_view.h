@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/items/item_list.h"
+#include "app/output/scan_view.h"
+#include "app/program/messages.h"
+#include "app/terminal/table_drawing.h"
+
+namespace App {
+
+// A table on the terminal of all that the scan has found so far.
+template <class Item>
+class TableView : public ScanView<Item> {
+public:
+    void Show(const std::vector<Item>& news, const std::string& status) override {
+        drawing.Show(Contents(), !news.empty(), remarks, status);
+    }
+
+    // Below the table until it is finished, so that nothing tears it.
+    void Remark(const std::string& text) override { remarks.push_back(text); }
+
+    void Finish() override {
+        const Table table = Contents();
+        drawing.Finish(table, CountOf<Item>(table.rows.size()) + " found.");
+        for (const std::string& remark : remarks) {
+            Warn(remark);
+        }
+    }
+
+private:
+    static Table Contents() { return TableOf(ItemList<Item>::GetInstance().GetItems()); }
+
+    TableDrawing drawing;
+    std::vector<std::string> remarks;
+};
+
+}  // namespace App

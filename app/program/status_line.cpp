@@ -1,0 +1,44 @@
+#include "app/program/status_line.h"
+
+#include <utility>
+
+#include "app/terminal/console.h"
+#include "app/terminal/text.h"
+
+namespace App {
+
+StatusLine::StatusLine(const Settings& settings, std::string awaited)
+    : enabled(!settings.json && settings.DrawsOnTerminal()),
+      what(std::move(awaited)),
+      start(std::chrono::steady_clock::now()) {}
+
+StatusLine::~StatusLine() {
+    if (drawn.empty()) {
+        return;
+    }
+    try {
+        Redraw(1, {""});
+    } catch (const std::exception&) {
+        drawn.clear();  // whoever writes next finds out
+    } catch (const OutputClosed&) {
+        drawn.clear();
+    }
+}
+
+void StatusLine::Draw() {
+    const auto waited =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
+    Draw(what + ", " + std::to_string(waited.count()) + " s (Ctrl-C stops)");
+}
+
+void StatusLine::Draw(const std::string& text) {
+    if (!enabled || text == drawn) {
+        return;
+    }
+    const std::size_t columns = OutputScreen().value_or(ScreenSize{80, 24}).columns;
+    // A line that fills the terminal would wrap on some.
+    Redraw(1, {std::string(CutToWidth(DisplayText(text), columns - 1))});
+    drawn = text;
+}
+
+}  // namespace App

@@ -1,0 +1,62 @@
+#include "app/running/vendor_calls.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string_view>
+
+namespace App {
+
+namespace {
+
+bool IsScan(const VendorCall& call) {
+    const std::string_view name = call.entryPoint;
+    return name == "StartDeviceScan" || name == "StartAPWifiScan";
+}
+
+}  // namespace
+
+std::uint64_t CallClockNow() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
+}
+
+std::vector<VendorCall> VendorCalls() {
+    std::vector<VendorCall> calls;
+    VendorCall call;
+    for (std::size_t row = 0; row < PrinterDeviceDiscoverSdk::VendorCallRows(); ++row) {
+        if (PrinterDeviceDiscoverSdk::ReadVendorCall(row, call)) {
+            calls.push_back(call);
+        }
+    }
+    return calls;
+}
+
+std::vector<VendorCall> AwaitedCalls(std::uint64_t since) {
+    std::vector<VendorCall> calls = VendorCalls();
+    std::erase_if(calls, [since](const VendorCall& call) {
+        return call.state != VendorCallState::kUnderWay || call.began < since || IsScan(call);
+    });
+    return calls;
+}
+
+bool AnyVendorIsCalled() {
+    const std::vector<VendorCall> calls = VendorCalls();
+    return std::any_of(calls.begin(), calls.end(), [](const VendorCall& call) {
+        return call.state == VendorCallState::kUnderWay;
+    });
+}
+
+std::string NamesOf(const std::vector<VendorCall>& calls) {
+    std::string names;
+    for (std::size_t at = 0; at < calls.size(); ++at) {
+        const char* const separator = at == 0 ? "" : at + 1 == calls.size() ? " and " : ", ";
+        names +=
+            fmt::format("{}vendor {} ({})", separator, calls[at].productId, calls[at].entryPoint);
+    }
+    return names;
+}
+
+}  // namespace App

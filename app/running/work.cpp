@@ -1,0 +1,35 @@
+#include "app/running/work.h"
+
+#include <algorithm>
+
+#include "app/outcome/problem.h"
+
+namespace App {
+
+namespace {
+
+std::string TextOf(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::exception& error) {
+        return std::string(": ") + error.what();
+    } catch (...) {
+        return {};
+    }
+}
+
+}  // namespace
+
+void Rethrow(const std::exception_ptr& failure, std::uint64_t began) {
+    std::vector<VendorCall> calls = VendorCalls();
+    std::erase_if(calls, [began](const VendorCall& call) {
+        return call.state != VendorCallState::kLeftByException || call.began < began;
+    });
+    if (calls.empty()) {
+        std::rethrow_exception(failure);
+    }
+    throw Problem("an exception came out of " + NamesOf(calls) + TextOf(failure) +
+                  "\nNothing may be thrown there: ask the vendor for a module that does not.");
+}
+
+}  // namespace App

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <future>
+#include <memory>
+#include <thread>
+#include <utility>
+
+#include "app/outcome/problem.h"
+#include "app/running/cancellation.h"
+#include "app/running/vendor_calls.h"
+#include "app/terminal/crash_report.h"
+
+namespace App {
+
+// Rethrows what work that began at `began` has thrown: named, when a vendor threw it.
+[[noreturn]] void Rethrow(const std::exception_ptr& failure, std::uint64_t began);
+
+// Work on a thread of its own, which cannot be cut short. If nobody takes its result it is left
+// behind: it goes on as long as the process does, and must own all it uses.
+template <class Result>
+class Work {
+public:
+    explicit Work(std::function<Result()> work);
+    ~Work();
+    Work(const Work&) = delete;
+    Work& operator=(const Work&) = delete;
+
+    // To be asked inside a wait of Cancellation.
+    bool IsDone() const { return outcome->isThere; }
+
+    // The result, once it is done. Throws what the work has thrown.
+    Result Take();
+
+    std::uint64_t Began() const { return began; }
+
+private:
+    struct Outcome {
+        std::future<Result> result;
+        bool isThere = false;
+        std::atomic<bool> mayEnd = false;
+
+        // Also when the vendor has ended the thread, which comes as an exception that goes on.
+        struct Announcement {
+            Outcome& outcome;
+            ~Announcement() {
+                Cancellation::GetInstance().Notify([this] { outcome.isThere = true; });
+            }
+        };
+    };
+
+    static void Run(std::packaged_task<Result()>& work, Outcome& outcome);
+
+    const std::uint64_t began = CallClockNow();
+    const std::shared_ptr<Outcome> outcome = std::make_shared<Outcome>();
+    std::thread thread;
+};
+
+template <class Result>
+Work<Result>::Work(std::function<Result()> function) {
+    std::packaged_task<Result()> work(std::move(function));
+    outcome->result = work.get_future();
+    thread = std::thread([own = outcome, work = std::move(work)]() mutable { Run(work, *own); });
+}
+
+template <class Result>
+Work<Result>::~Work() {
+    if (thread.joinable()) {
+        // It does not end before it is detached: the run-time library of MinGW-w64 mixes up its
+        // threads when one ends meanwhile, and one that is started next never runs.
+        thread.detach();
+        Cancellation::GetInstance().LeaveWorkBehind();
+        outcome->mayEnd = true;
+    }
+}
+
+template <class Result>
+void Work<Result>::Run(std::packaged_task<Result()>& work, Outcome& outcome) {
+    ReportCrashesOfThisThread();
+    {
+        const typename Outcome::Announcement announcement{outcome};
+        work();
+    }
+    while (!outcome.mayEnd) {
+        std::this_thread::yield();
+    }
+}
+
+template <class Result>
+Result Work<Result>::Take() {
+    outcome->mayEnd = true;
+    thread.join();
+    try {
+        return outcome->result.get();
+    } catch (const std::future_error&) {
+        throw Problem("a vendor has ended the thread that it was called on");
+    } catch (...) {
+        Rethrow(std::current_exception(), began);
+    }
+}
+
+}  // namespace App

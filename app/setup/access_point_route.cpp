@@ -1,0 +1,63 @@
+#include "app/library/access_point_printer.h"
+#include "app/library/host_wifi.h"
+#include "app/setup/network_choice.h"
+#include "app/setup/setup_route.h"
+
+namespace App {
+
+namespace {
+
+class Route : public SetupRoute {
+public:
+    Route(const Settings& appSettings, std::chrono::duration<double> time)
+        : settings(appSettings), listTime(time) {}
+
+    Printer FindPrinter() override {
+        const DeviceAnswer answer = AskForDevice(settings);
+        if (answer.result != 0) {
+            throw StepFailed{Explanation(settings, answer.result, "GetDeviceInfoByNet") +
+                                 "\nThen start the set-up again; nothing was changed.",
+                             answer.result};
+        }
+        Printer printer(answer.device);
+        if (printer.serialNumber.empty()) {
+            throw StepFailed{
+                "the printer tells no serial number, and could not be found again afterwards.\n"
+                "`devicediscover ap configure` puts it on a network all the same.",
+                std::nullopt};
+        }
+        return printer;
+    }
+
+    std::string PickNetwork() override {
+        return ChooseNetwork(
+            settings, [this] { return SeenFromAccessPoint(settings, listTime); },
+            CurrentAccessPoint(settings).network);
+    }
+
+    int Configure(const std::string& network,
+                  const std::shared_ptr<Base::Secret>& passPhrase) override {
+        return ConfigureNetwork(settings, network, passPhrase);
+    }
+
+    Failure ExplainConfigure(int result) override {
+        return {Explanation(settings, result, "PrinterAPNetConfigEvent"),
+                "Check the network's name and pass phrase, join the printer's own network again "
+                "should this computer\nhave left it, and start the set-up again."};
+    }
+
+    bool LeavesNetwork() const override { return true; }
+
+private:
+    const Settings& settings;
+    const std::chrono::duration<double> listTime;
+};
+
+}  // namespace
+
+std::unique_ptr<SetupRoute> AccessPointRoute(const Settings& settings,
+                                             std::chrono::duration<double> listTime) {
+    return std::make_unique<Route>(settings, listTime);
+}
+
+}  // namespace App

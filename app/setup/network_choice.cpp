@@ -1,0 +1,147 @@
+#include "app/setup/network_choice.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include "app/dialogue/prompt.h"
+#include "app/items/network_list.h"
+#include "app/library/access_point_printer.h"
+#include "app/library/host_wifi.h"
+#include "app/outcome/problem.h"
+#include "app/output/scan_run.h"
+#include "app/program/messages.h"
+#include "app/program/status_line.h"
+#include "app/running/cancellation.h"
+#include "app/terminal/console.h"
+#include "app/terminal/table.h"
+#include "app/terminal/text.h"
+
+namespace App {
+
+namespace {
+
+using Clock = NetworkList::Clock;
+using NetworkSource = std::function<std::vector<Network>()>;
+
+// Whether the printer's vendor looks for networks; otherwise this computer's own list will do.
+bool Start(const Settings& settings, std::optional<NetworkScanSession>& session) {
+    try {
+        session.emplace(settings);
+        return true;
+    } catch (const NoScan&) {
+        return false;
+    } catch (const NoVendor&) {
+        return false;
+    }
+}
+
+// The names, in the order of the networks, each once.
+std::vector<std::string> NamesToOffer(const Settings& settings, const NetworkSource& seenByPrinter,
+                                      const std::string& leftOut) {
+    std::vector<std::string> names;
+    const auto add = [&](const std::string& name) {
+        if (name != leftOut && CheckNetworkName(name).empty() &&
+            std::find(names.begin(), names.end(), name) == names.end()) {
+            names.push_back(name);
+        }
+    };
+    for (const Network& network : seenByPrinter()) {
+        add(network.name);
+    }
+    if (names.empty()) {
+        const HostNetworks host = NetworksToOffer(settings);
+        for (const HostNetwork& network : host.networks) {
+            add(network.name);
+        }
+        if (host.networks.empty() && host.problem.kind != PRINTER_WIFI_DONE) {
+            Warn("could not look for networks: " + host.problem.reason + ".");
+        }
+    }
+    return names;
+}
+
+void WriteList(const Settings& settings, const std::vector<std::string>& names) {
+    Table table{{{"", Column::Number}, {"NETWORK", Column::Yielding}}, {}};
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        table.rows.push_back({std::to_string(index + 1), DisplayText(names[index])});
+    }
+    std::string text;
+    const std::size_t columns = OutputScreen().value_or(ScreenSize{80, 24}).columns;
+    for (const std::string& line : TableLines(table, columns, Overflow::Wrap)) {
+        text += line + "\n";
+    }
+    WritePrompt(settings, text);
+}
+
+// The name with that number, from 1; null when it is no such number.
+const std::string* Numbered(const std::vector<std::string>& names, const std::string& answer) {
+    std::size_t number = 0;
+    const char* const end = answer.data() + answer.size();
+    const auto read = std::from_chars(answer.data(), end, number);
+    const bool isNumber = read.ec == std::errc() && read.ptr == end;
+    return isNumber && number >= 1 && number <= names.size() ? &names[number - 1] : nullptr;
+}
+
+// Nothing: look again.
+std::optional<std::string> Pick(const Settings& settings, const std::vector<std::string>& names) {
+    const std::string question = names.empty()
+                                     ? "No network was found. Its name, or Enter to look again: "
+                                     : "Its number or name, or Enter to look again: ";
+    for (;;) {
+        const std::optional<std::string> answer = AskLine(settings, question);
+        if (!answer) {
+            return "";
+        }
+        if (answer->empty()) {
+            return std::nullopt;
+        }
+        if (const std::string* const name = Numbered(names, *answer)) {
+            return *name;
+        }
+        const bool isListed = std::find(names.begin(), names.end(), *answer) != names.end();
+        const bool isNumber = answer->find_first_not_of("0123456789") == std::string::npos;
+        const std::string problem =
+            isNumber && !isListed ? "there is no number " + *answer : CheckNetworkName(*answer);
+        if (problem.empty()) {
+            return *answer;
+        }
+        Complain(problem + ".");
+    }
+}
+
+}  // namespace
+
+std::string ChooseNetwork(const Settings& settings, const NetworkSource& seenByPrinter,
+                          const std::string& leftOut) {
+    for (;;) {
+        const std::vector<std::string> names = NamesToOffer(settings, seenByPrinter, leftOut);
+        if (!names.empty()) {
+            WriteList(settings, names);
+        }
+        if (const std::optional<std::string> picked = Pick(settings, names)) {
+            return *picked;
+        }
+    }
+}
+
+std::vector<Network> SeenFromAccessPoint(const Settings& settings,
+                                         std::chrono::duration<double> time) {
+    NetworkList& list = NetworkList::GetInstance();
+    std::optional<NetworkScanSession> session;
+    if (!Start(settings, session)) {
+        return {};
+    }
+    StatusLine status(settings, {});
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
+    constexpr auto tick = std::chrono::milliseconds(200);
+    while (Clock::now() < end && !session->HasEnded()) {
+        list.WaitForNews(std::min(end, Clock::now() + tick));
+        Cancellation::GetInstance().Check();
+        status.Draw(ScanStatus<Network>(list.GetItems().size(), false, end));
+    }
+    session->Stop();
+    return list.GetItems();
+}
+
+}  // namespace App

@@ -1,0 +1,62 @@
+#include <utility>
+
+#include "app/library/usb/usb_device.h"
+#include "app/setup/network_choice.h"
+#include "app/setup/setup_route.h"
+
+namespace App {
+
+namespace {
+
+class Route : public SetupRoute {
+public:
+    Route(const Settings& appSettings, std::string name)
+        : settings(appSettings), serialNumber(std::move(name)) {}
+
+    Printer FindPrinter() override {
+        try {
+            printer = FindPluggedIn(settings, serialNumber);
+        } catch (const NoUsbPrinter& none) {
+            throw StepFailed{none.reason + "\nThen start the set-up again; nothing was changed.",
+                             std::nullopt};
+        }
+        if (printer->serialNumber.empty()) {
+            throw StepFailed{
+                "the printer tells no serial number, and could not be found again afterwards.\n"
+                "`devicediscover usb configure` puts it on a network all the same.",
+                std::nullopt};
+        }
+        return *printer;
+    }
+
+    std::string PickNetwork() override {
+        return ChooseNetwork(settings,
+                             [this] { return NetworksSeenBy(settings, *printer, 0).networks; }, {});
+    }
+
+    int Configure(const std::string& network,
+                  const std::shared_ptr<Base::Secret>& passPhrase) override {
+        return ConfigureNetwork(settings, *printer, network, passPhrase);
+    }
+
+    Failure ExplainConfigure(int result) override {
+        return {UsbExplanation(*printer, result, "PrinterUSBNetConfigEvent"),
+                "Check the network's name and pass phrase, and that the printer is still plugged "
+                "in, and start the\nset-up again."};
+    }
+
+    bool LeavesNetwork() const override { return false; }
+
+private:
+    const Settings& settings;
+    const std::string serialNumber;
+    std::optional<UsbPrinter> printer;
+};
+
+}  // namespace
+
+std::unique_ptr<SetupRoute> UsbRoute(const Settings& settings, const std::string& serialNumber) {
+    return std::make_unique<Route>(settings, serialNumber);
+}
+
+}  // namespace App

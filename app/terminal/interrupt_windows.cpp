@@ -1,0 +1,66 @@
+#include "app/terminal/interrupt.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+
+#include "host/LogHelper/log_settings.h"
+#include "platform/os.h"
+#include "platform/process_end.h"
+
+namespace App {
+
+namespace {
+
+constexpr UINT kEndedByControlC = 0xC000013A;  // as the system reports it
+
+std::atomic<void (*)()> notifier = nullptr;
+std::atomic<bool> interrupted = false;
+
+// The system calls this on a thread of its own.
+BOOL WINAPI OnConsoleEvent(DWORD event) {
+    const auto notify = notifier.exchange(nullptr);
+    if (notify == nullptr) {
+        // Not the default's orderly exit, which waits for what may hang.
+        TerminateProcess(GetCurrentProcess(), kEndedByControlC);
+        return TRUE;
+    }
+    interrupted = true;
+    notify();
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+        // The process ends when this returns: leave it the time to stop.
+        Sleep(INFINITE);
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+void NotifyOnInterrupt(void (*notify)()) {
+    notifier = notify;
+    SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+}
+
+// The system tells of them on a thread of its own.
+void LeaveInterruptsToOthers() {}
+
+bool IsInterrupted() {
+    return interrupted;
+}
+
+void EndProcessSoon(int) {}
+
+void EndProcess(int status) {
+    // One of those that are gone may have held a lock.
+    if (!Platform::OtherThreadsAreGone()) {
+        std::fflush(stdout);
+        std::fflush(stderr);
+        LogHelper::Flush();
+    }
+    // An exit ends the other threads wherever they are, and then lets every library take itself
+    // down, which waits for ever when one of them held a lock.
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(status));
+    std::abort();
+}
+
+}  // namespace App

@@ -1,0 +1,99 @@
+#include "app/terminal/table_drawing.h"
+
+#include <algorithm>
+
+#include "app/terminal/text.h"
+
+namespace App {
+
+namespace {
+
+constexpr std::size_t kMaxRemarks = 2;
+constexpr auto kShortestInterval = std::chrono::milliseconds(50);
+
+ScreenSize Screen() {
+    return OutputScreen().value_or(ScreenSize{80, 24});
+}
+
+// How many rows of the terminal the lines take: a line drawn before the terminal became narrower is
+// wrapped.
+std::size_t RowsOf(const std::vector<std::string>& lines, std::size_t columns) {
+    std::size_t rows = 0;
+    for (const std::string& line : lines) {
+        const std::size_t width = std::max<std::size_t>(DisplayWidth(line), 1);
+        rows += (width + columns - 1) / columns;
+    }
+    return rows;
+}
+
+std::vector<std::string> Picture(Table table, const std::vector<std::string>& below,
+                                 const ScreenSize& screen) {
+    // What has scrolled off the terminal cannot be drawn over: the latest rows that fit are shown
+    // until the scan ends.
+    const std::size_t otherLines = 2 + below.size();
+    const std::size_t room = screen.rows > otherLines ? screen.rows - otherLines : 1;
+    // A line that fills the terminal would wrap on some.
+    const std::size_t columns = screen.columns - 1;
+    std::vector<std::string> lines;
+    std::size_t hidden = table.rows.size() - std::min(table.rows.size(), room);
+    table.rows.erase(table.rows.begin(), table.rows.begin() + static_cast<std::ptrdiff_t>(hidden));
+    while (!table.rows.empty()) {
+        lines = TableLines(table, columns, Overflow::Cut);
+        if (lines.size() <= room + 1 || table.rows.size() == 1) {
+            break;
+        }
+        // On a very narrow terminal a row takes several lines.
+        table.rows.erase(table.rows.begin());
+        ++hidden;
+    }
+    if (hidden > 0) {
+        lines.push_back("(and " + std::to_string(hidden) + " found before these)");
+    }
+    lines.insert(lines.end(), below.begin(), below.end());
+    for (std::string& line : lines) {
+        line = CutToWidth(line, columns);
+    }
+    return lines;
+}
+
+}  // namespace
+
+std::atomic<bool> TableDrawing::isOnTerminal = false;
+
+void TableDrawing::Show(const Table& table, bool hasNews, const std::vector<std::string>& remarks,
+                        const std::string& status) {
+    const auto now = std::chrono::steady_clock::now();
+    // A flood of news is drawn with the next call.
+    if (hasNews && now - lastDrawn < kShortestInterval) {
+        return;
+    }
+    lastDrawn = now;
+    isOnTerminal = true;
+    std::vector<std::string> below;
+    const std::size_t hidden = remarks.size() - std::min(remarks.size(), kMaxRemarks);
+    for (std::size_t index = hidden; index < remarks.size(); ++index) {
+        below.push_back(DisplayText(remarks[index]));
+    }
+    below.push_back(status);
+    Draw(Picture(table, below, Screen()));
+}
+
+void TableDrawing::Finish(const Table& table, const std::string& summary) {
+    std::vector<std::string> lines;
+    if (!table.rows.empty()) {
+        lines = TableLines(table, Screen().columns, Overflow::Wrap);
+        lines.push_back(summary);
+        lines.emplace_back();
+    }
+    Draw(lines);
+    isOnTerminal = false;
+}
+
+void TableDrawing::Draw(const std::vector<std::string>& lines) {
+    if (lines != drawn) {
+        Redraw(RowsOf(drawn, Screen().columns), lines);
+        drawn = lines;
+    }
+}
+
+}  // namespace App

@@ -1,0 +1,54 @@
+#include "broker/binding/call_table.h"
+
+#include <functional>
+
+namespace Broker {
+
+namespace {
+
+constinit CallTable calls;
+
+// Where the search for a row begins, so that it mostly ends there. An entry point's name is always
+// the same text at the same place.
+std::size_t FirstRow(std::string_view productId, const char* entryPoint) {
+    constexpr unsigned alike = 3;  // names stand this many bits apart at least
+    return (std::hash<std::string_view>()(productId) +
+            (reinterpret_cast<std::uintptr_t>(entryPoint) >> alike)) %
+           CallTable::kRows;
+}
+
+}  // namespace
+
+CallRow* CallTable::Begin(std::string_view productId, const char* entryPoint) {
+    const std::size_t first = FirstRow(productId, entryPoint);
+    for (std::size_t step = 0; step < kRows; ++step) {
+        CallRow& row = rows[(first + step) % kRows];
+        if (row.Take(productId, entryPoint)) {
+            return &row;
+        }
+    }
+    ++unrecorded;
+    return nullptr;
+}
+
+CallTable& Calls() {
+    return calls;
+}
+
+}  // namespace Broker
+
+namespace PrinterDeviceDiscoverSdk {
+
+std::size_t VendorCallRows() {
+    return Broker::CallTable::kRows;
+}
+
+bool ReadVendorCall(std::size_t row, VendorCall& call) {
+    return row < Broker::CallTable::kRows && Broker::Calls().RowAt(row).Read(call);
+}
+
+std::uint64_t UnrecordedVendorCalls() {
+    return Broker::Calls().Unrecorded();
+}
+
+}  // namespace PrinterDeviceDiscoverSdk

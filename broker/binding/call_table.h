@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "broker/binding/call_row.h"
+
+namespace Broker {
+
+// The calls of vendors' entry points, in rows that never move. Nothing locks it, and nothing
+// destroys it: vendors are called until the process is gone.
+class CallTable {
+public:
+    static constexpr std::size_t kRows = 512;
+
+    // A row for a call that begins on this thread. Null, and counted, when there is none.
+    CallRow* Begin(std::string_view productId, const char* entryPoint);
+
+    const CallRow& RowAt(std::size_t index) const { return rows[index]; }
+    std::uint64_t Unrecorded() const { return unrecorded; }
+
+private:
+    std::array<CallRow, kRows> rows;
+    std::atomic<std::uint64_t> unrecorded = 0;
+};
+
+// The one of the process.
+CallTable& Calls();
+
+}  // namespace Broker

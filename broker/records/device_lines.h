@@ -1,0 +1,15 @@
+#pragma once
+
+#include "DeviceDiscover/records.h"
+#include "broker/log/log_line.h"
+#include "broker/records/field_text.h"
+
+namespace Broker {
+
+// The two lines with which a facade says what device it was called for.
+inline void LogDevice(const PrinterDeviceDiscoverSdk::DeviceInfo& device, const Location& where) {
+    Log(LOG_LEVEL_DEBUG, where, "deviceSN", FieldText(device, device.deviceSN));
+    Log(LOG_LEVEL_DEBUG, where, "modelID", FieldText(device, device.modelID));
+}
+
+}  // namespace Broker

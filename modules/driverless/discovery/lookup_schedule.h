@@ -1,0 +1,104 @@
+#pragma once
+
+// When to look up which of the announced services. Knows neither network nor clock.
+//
+// Who announces decides how many there are, and whether they can be looked up at all. So look-ups
+// have windows that interfaces share, plain IPP one of its own; look-ups that last are handed back
+// when others wait, and come back behind all that were not looked up yet.
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "modules/driverless/discovery/fair_window.h"
+#include "modules/driverless/printer/service.h"
+
+namespace Driverless {
+
+// Plain IPP is looked up first, and tells the most. The other services of a printer that has it are
+// looked up when the first rush is over, those of others in a moment.
+constexpr std::chrono::milliseconds kDelayWithoutIpp{100};
+constexpr std::chrono::milliseconds kDelayWithIpp{1000};
+
+// Anybody may announce plain IPP under a printer's name, and answer. So a name that has answered
+// only makes its other services wait for longer, and come after those that were not looked up yet.
+constexpr std::chrono::milliseconds kDelayWhenAnswered{2000};
+
+// Avahi refuses to look up many services at once for one client.
+constexpr std::chrono::milliseconds kDelayAfterRefusal{250};
+
+// How long a look-up may last at least, and how long one that was handed back is left out.
+constexpr std::chrono::milliseconds kSliceOfLookup{300};
+constexpr std::chrono::milliseconds kDelayAfterSlice{1000};
+
+class LookupSchedule {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+
+    struct Work {
+        std::vector<ServiceId> end;    // to be ended
+        std::vector<ServiceId> begin;  // to be begun, after those
+        std::optional<Time> next;      // when to ask for work again, if nothing happens before
+    };
+
+    void Announced(const ServiceId& id, Time now);
+    void Gone(const ServiceId& id, Time now);
+
+    // The look-up has ended.
+    void Found(const ServiceId& id);
+
+    // Avahi refused to begin it.
+    void Refused(const ServiceId& id, Time now);
+
+    // The printer of that service has answered: the rest of that name is looked up last, as long as
+    // the service is there.
+    void Answered(const ServiceId& id);
+
+    void Clear();
+
+    Work Advance(Time now);
+
+    // When to ask for work again, if nothing happens before. Differs from the work's own `next`
+    // when a look-up of that work was refused.
+    std::optional<Time> Next(Time now) const;
+
+private:
+    using Name = std::tuple<std::string, std::string, int>;
+    using Window = FairWindow<int, ServiceId>;  // shared by interfaces
+    enum class State { Later, Waiting, UnderWay, Done };
+    struct Known {
+        State state;
+        Time since;  // delays run from here: who announces the name again and again adds none
+    };
+
+    static Name NameOf(const ServiceId& id) { return {id.name, id.domain, id.interface}; }
+    Window& WindowOf(const ServiceId& id) { return id.kind == ServiceKind::Ipp ? plain : others; }
+    bool ComesLast(const ServiceId& id) const;
+    bool MustWait(const ServiceId& id, Time now) const;
+    void Wait(const ServiceId& id);
+    void Leave(const ServiceId& id);
+    void PutOff(const ServiceId& id, Time until);
+    void TakeDue(Time now);
+    void Exchange(Window& window, Time now, Work& work);
+    void Fill(Window& window, Time now, Work& work);
+
+    std::map<ServiceId, Known> services;
+    std::map<ServiceId, Time> dueTimes;
+    std::set<std::pair<Time, ServiceId>> due;
+    std::map<Name, std::set<ServiceId>> names;
+    std::map<Name, ServiceId> answered;  // with the service that did
+    std::map<ServiceId, std::size_t> handedBack;
+    std::optional<Time> refusedUntil;
+
+    // Most look-ups are answered from what Avahi knows already, within milliseconds. Avahi keeps
+    // 1,024 objects for a client; the limits leave it room. One interface gets half of them.
+    Window plain{{64, 512, std::chrono::milliseconds(40)}};
+    Window others{{32, 256, std::chrono::milliseconds(40)}};
+};
+
+}  // namespace Driverless

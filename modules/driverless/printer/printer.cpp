@@ -1,0 +1,161 @@
+#include "modules/driverless/printer/printer.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "modules/driverless/common/text.h"
+
+namespace Driverless {
+
+namespace {
+
+constexpr char kModelId[] = "driverless";
+constexpr char kDefaultResource[] = "/ipp/print";
+
+std::string TxtValue(const Service& service, const std::string& key) {
+    const auto entry = service.txt.find(key);
+    return entry == service.txt.end() ? std::string() : CleanText(entry->second);
+}
+
+std::string FirstOf(std::initializer_list<std::string> candidates) {
+    const auto found = std::find_if(candidates.begin(), candidates.end(),
+                                    [](const std::string& text) { return !text.empty(); });
+    return found == candidates.end() ? std::string() : *found;
+}
+
+std::string Joined(const std::string& maker, const std::string& model) {
+    return maker.empty() || model.empty() ? maker + model : maker + " " + model;
+}
+
+// "(Acme Laser)", as the "product" key has it.
+std::string WithoutParentheses(const std::string& text) {
+    const bool enclosed = text.size() >= 2 && text.front() == '(' && text.back() == ')';
+    return enclosed ? text.substr(1, text.size() - 2) : text;
+}
+
+std::string MakeAndModel(const ServiceId& id, const Service& service,
+                         const PrinterAttributes& attributes) {
+    return FirstOf({CleanText(attributes.makeAndModel), TxtValue(service, "ty"),
+                    Joined(TxtValue(service, "usb_mfg"), TxtValue(service, "usb_mdl")),
+                    WithoutParentheses(TxtValue(service, "product")),
+                    Joined(DeviceIdValue(attributes.deviceId, "MFG", "MANUFACTURER"),
+                           DeviceIdValue(attributes.deviceId, "MDL", "MODEL")),
+                    CleanText(id.name)});
+}
+
+std::string Resource(const Service& service) {
+    const auto entry = service.txt.find("rp");
+    if (entry == service.txt.end() || entry->second.empty()) {
+        return kDefaultResource;
+    }
+    return entry->second.front() == '/' ? entry->second : "/" + entry->second;
+}
+
+bool IsPath(const std::string& text) {
+    return text.starts_with('/') && std::all_of(text.begin(), text.end(), [](char c) {
+               return static_cast<unsigned char>(c) > ' ' && static_cast<unsigned char>(c) < 0x7F;
+           });
+}
+
+// A field's worth of `text`: what will come back in a record.
+template <std::size_t size>
+std::string AsInField(const char (&)[size], const std::string& text) {
+    return std::string(CutText(text, size - 1));
+}
+
+constexpr VendorSdk::DeviceInfo kFields{};
+
+}  // namespace
+
+std::string PlainUuid(const std::string& text) {
+    constexpr std::string_view prefix = "urn:uuid:";
+    std::string uuid = LowerCase(text);
+    if (uuid.starts_with(prefix)) {
+        uuid.erase(0, prefix.size());
+    }
+    const bool plain = uuid.size() == 36 && std::all_of(uuid.begin(), uuid.end(), [](char c) {
+                           return c == '-' || (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+                       });
+    return plain ? uuid : std::string();
+}
+
+std::string AnnouncedUuid(const Service& service) {
+    return PlainUuid(TxtValue(service, "uuid"));
+}
+
+std::string DeviceIdValue(const std::string& deviceId, const std::string& key,
+                          const std::string& alternative) {
+    std::size_t begin = 0;
+    while (begin < deviceId.size()) {
+        const std::size_t end = std::min(deviceId.find(';', begin), deviceId.size());
+        const std::string pair = deviceId.substr(begin, end - begin);
+        const std::size_t colon = pair.find(':');
+        const std::string name = CleanText(pair.substr(0, colon));
+        if (colon != std::string::npos && (name == key || name == alternative)) {
+            return CleanText(pair.substr(colon + 1));
+        }
+        begin = end + 1;
+    }
+    return {};
+}
+
+std::string SerialNumber(const PrinterAttributes& attributes) {
+    return AsInField(kFields.deviceSN,
+                     FirstOf({CleanText(attributes.serialNumber),
+                              DeviceIdValue(attributes.deviceId, "SN", "SERIALNUMBER"),
+                              DeviceIdValue(attributes.deviceId, "SERN", "SERN")}));
+}
+
+Printer Describe(const ServiceId& id, const Service& service,
+                 const std::optional<PrinterAttributes>& attributes) {
+    const PrinterAttributes known = attributes.value_or(PrinterAttributes{});
+    Printer printer;
+    printer.id = id;
+    printer.kind = id.kind;
+    printer.uuid = FirstOf({PlainUuid(known.uuid), AnnouncedUuid(service)});
+    printer.serialNumber =
+        AsInField(kFields.deviceSN, FirstOf({SerialNumber(known), printer.uuid,
+                                             CleanText(id.name) + "@" + CleanText(service.host)}));
+    printer.makeAndModel = MakeAndModel(id, service, known);
+    printer.host = service.host;
+    printer.address = service.address;
+    printer.port = service.port;
+    if (SpeaksIpp(id.kind)) {
+        printer.resource = Resource(service);
+    }
+    return printer;
+}
+
+VendorSdk::DeviceInfo ToRecord(const Printer& printer) {
+    VendorSdk::DeviceInfo record{};
+    record.code1 = printer.port;
+    record.code2 = static_cast<std::uint16_t>(printer.kind);
+    PutText(record.deviceSN, printer.serialNumber);
+    PutText(record.modelID, kModelId);
+    PutText(record.extra1, printer.makeAndModel);
+    PutText(record.extra2, printer.address);
+    // A path that was cut would name another printer, or none.
+    if (printer.resource.size() < sizeof record.extra3 && IsPath(printer.resource)) {
+        PutText(record.extra3, printer.resource);
+    }
+    return record;
+}
+
+Printer FromRecord(const VendorSdk::DeviceInfo& record) {
+    Printer printer;
+    const bool knownKind = record.code2 >= 1 && record.code2 <= kServiceTypes.size();
+    printer.kind = knownKind ? static_cast<ServiceKind>(record.code2) : ServiceKind::None;
+    printer.port = record.code1;
+    printer.serialNumber = FieldText(record.deviceSN);
+    printer.uuid = PlainUuid(printer.serialNumber);
+    printer.makeAndModel = FieldText(record.extra1);
+    printer.address = FieldText(record.extra2);
+    printer.host = printer.address;
+    printer.resource = FieldText(record.extra3);
+    if (SpeaksIpp(printer.kind) && !IsPath(printer.resource)) {
+        printer.resource = kDefaultResource;
+    }
+    return printer;
+}
+
+}  // namespace Driverless

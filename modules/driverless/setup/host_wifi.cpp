@@ -1,0 +1,212 @@
+#include "modules/driverless/setup/host_wifi.h"
+
+#include <dlfcn.h>
+
+#include <array>
+#include <condition_variable>
+#include <cstdlib>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "modules/driverless/common/text.h"
+#include "modules/driverless/discovery/host_network.h"
+#include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
+#include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
+
+namespace Driverless {
+
+namespace {
+
+using PrinterDiscoverAPI::PrinterWifiAPI;
+
+constexpr std::chrono::milliseconds kPatienceAtExit{300};
+
+// Who uses the library at this moment. Never destroyed: threads run until the process is gone.
+class WifiUse {
+public:
+    // Calls `function`, unless the process is about to end, which takes down what the library
+    // stands on.
+    template <typename Function>
+    void With(Function function) {
+        if (Enter()) {
+            const Leaving leaving{*this};
+            // The end of the process takes things down in the reverse order of their making: what
+            // was made when the library was loaded, and what its first use makes.
+            static const int afterLoading = std::atexit(EndUse);
+            function();
+            static const int afterFirstUse = std::atexit(EndUse);
+            static_cast<void>(afterLoading + afterFirstUse);
+        }
+    }
+
+    static WifiUse& Instance() {
+        static WifiUse& use = *new WifiUse;
+        return use;
+    }
+
+private:
+    struct Leaving {
+        ~Leaving() { use.Leave(); }
+        WifiUse& use;
+    };
+
+    static void EndUse() { Instance().End(); }
+
+    bool Enter() {
+        const std::lock_guard lock(mutex);
+        users += over ? 0 : 1;
+        return !over;
+    }
+
+    void Leave() {
+        const std::lock_guard lock(mutex);
+        --users;
+        changed.notify_all();
+    }
+
+    // From here on nobody begins to use it, and those that do have a moment to come to their end.
+    void End() {
+        std::unique_lock lock(mutex);
+        over = true;
+        changed.wait_for(lock, kPatienceAtExit, [this] { return users == 0; });
+    }
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    int users = 0;
+    bool over = false;
+};
+
+// A function that another library in the place of the application's need not have.
+template <class Function>
+Function* Optional(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_DEFAULT, name));
+}
+
+// What stood in the way of this thread's last question, and the reason in words.
+int LastProblem(std::string* reason = nullptr) {
+    const auto problem = Optional<decltype(PrinterWifiProblem)>("PrinterWifiProblem");
+    if (problem == nullptr) {
+        return PRINTER_WIFI_DONE;
+    }
+    std::array<char, 512> text{};
+    const int kind = problem(text.data(), text.size());
+    if (reason != nullptr) {
+        *reason = text.data();
+    }
+    return kind;
+}
+
+// What the system takes longer for is left behind.
+constexpr std::chrono::seconds kMoreForVisits{3};
+constexpr std::chrono::seconds kPatienceWithReturn{3};
+
+template <class Result>
+std::optional<Result> InTime(std::function<Result()> work, std::chrono::milliseconds patience) {
+    std::packaged_task<Result()> task([work = std::move(work)] {
+        Result result{};
+        WifiUse::Instance().With([&] { result = work(); });
+        return result;
+    });
+    auto answer = task.get_future();
+    std::thread(std::move(task)).detach();
+    return answer.wait_for(patience) == std::future_status::ready ? std::optional(answer.get())
+                                                                  : std::nullopt;
+}
+
+// Whether a host about which there was that problem is known to be joined to nothing.
+bool IsJoinedToNone(int problem) {
+    return problem == PRINTER_WIFI_NO_ADAPTER ||
+           (problem == PRINTER_WIFI_NOT_RUNNING && !IsOnWifi());
+}
+
+std::optional<HostNetwork> AskForCurrent() {
+    std::wstring name;
+    std::wstring hardwareAddress;
+    std::wstring interface;
+    PrinterWifiAPI::GetInstance().QueryConnectedAP(name, hardwareAddress, interface);
+    const int problem = LastProblem();
+    if (problem != PRINTER_WIFI_DONE && !IsJoinedToNone(problem)) {
+        return std::nullopt;
+    }
+    return HostNetwork{ToUtf8(name), ToUtf8(interface)};
+}
+
+using WlanNetworks = std::vector<PrinterWifiApiStruct::WlanInfoData>;
+
+void ListNetworks(Look look, WlanNetworks& networks) {
+    if (look == Look::Fresh) {
+        PrinterWifiAPI::GetInstance().ScanWifiAPBySsid(networks);
+    } else if (const auto known =
+                   Optional<decltype(PrinterWifiKnownNetworks)>("PrinterWifiKnownNetworks")) {
+        known(&networks);
+    }
+}
+
+NetworksFound AskForNetworks(Look look) {
+    WlanNetworks inRange;
+    NetworksFound found;
+    WifiUse::Instance().With([&] {
+        ListNetworks(look, inRange);
+        std::string reason;
+        if (LastProblem(&reason) != PRINTER_WIFI_DONE) {
+            found.problem = reason;
+        }
+    });
+    for (const auto& network : inRange) {
+        if (!network.excludeFlag && !network.ssid.empty()) {
+            found.networks.push_back({ToUtf8(network.ssid), network.attributes.signalQuality});
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+std::optional<HostNetwork> CurrentNetwork(std::chrono::milliseconds patience) {
+    return InTime<std::optional<HostNetwork>>(AskForCurrent, patience).value_or(std::nullopt);
+}
+
+bool Visit(const std::string& network, std::chrono::seconds patience) {
+    const auto visit = Optional<decltype(PrinterWifiVisit)>("PrinterWifiVisit");
+    const auto seconds = static_cast<int>(patience.count());
+    return visit != nullptr && InTime<bool>([=] { return visit(network.c_str(), seconds) != 0; },
+                                            patience + kMoreForVisits)
+                                   .value_or(false);
+}
+
+void EndVisit() {
+    if (const auto end = Optional<decltype(PrinterWifiEndVisit)>("PrinterWifiEndVisit")) {
+        InTime<bool>(
+            [end] {
+                end();
+                return true;
+            },
+            kPatienceWithReturn);
+    }
+}
+
+void FindNetworks(Look look, std::function<void(std::future<NetworksFound>)> take) {
+    std::packaged_task<NetworksFound()> question([look] { return AskForNetworks(look); });
+    std::thread([take = std::move(take), question = std::move(question)]() mutable {
+        auto answer = question.get_future();
+        question();
+        take(std::move(answer));
+    }).detach();
+}
+
+std::optional<std::vector<NetworkInRange>> NetworksInRange(std::chrono::milliseconds patience) {
+    const auto answer = std::make_shared<std::promise<std::future<NetworksFound>>>();
+    auto seen = answer->get_future();
+    FindNetworks(Look::Fresh, [answer](std::future<NetworksFound> found) {
+        answer->set_value(std::move(found));
+    });
+    return seen.wait_for(patience) == std::future_status::ready
+               ? std::optional(seen.get().get().networks)
+               : std::nullopt;
+}
+
+}  // namespace Driverless

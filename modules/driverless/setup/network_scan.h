@@ -1,0 +1,40 @@
+#pragma once
+
+// One look at the Wi-Fi networks in range.
+
+#include <memory>
+#include <optional>
+
+#include "VendorSdk/records.h"
+#include "modules/driverless/common/report_gate.h"
+#include "modules/driverless/common/scan.h"
+#include "modules/driverless/setup/host_wifi.h"
+
+namespace Driverless {
+
+class NetworkScan : public Scan {
+public:
+    explicit NetworkScan(VendorSdk::WifiCallbackInfo* listener);
+    ~NetworkScan() override;
+
+    // Reports what the host knows already, then looks again and again until it is stopped. Ends by
+    // itself when the first look fails. StartAPWifiScan's result.
+    int Run() override;
+
+    bool Stop(std::chrono::milliseconds patience) override;
+
+    NetworkScan(const NetworkScan&) = delete;
+    NetworkScan& operator=(const NetworkScan&) = delete;
+
+private:
+    class Inbox;
+
+    std::optional<NetworksFound> TakeLook(Look look);
+    void Report(const NetworkInRange& network);
+
+    VendorSdk::WifiCallbackInfo* const info;
+    const std::shared_ptr<Inbox> inbox;
+    ReportGate gate;
+};
+
+}  // namespace Driverless
