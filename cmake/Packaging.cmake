@@ -31,6 +31,8 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/DeviceDiscoverConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/DeviceDiscoverConfigVersion.cmake
     DESTINATION ${PACKAGE_FOLDER})
+# Our licence, and those of the software of others that is a part of what is installed.
+install(FILES LICENSE NOTICE docs/third-party.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # A Windows program finds the libraries of the compiler's run-time beside itself or nowhere. They
 # are installed without their symbols, which are most of their size.
