@@ -1,6 +1,6 @@
 #pragma once
 
-// The only header of the broker and its application libraries that knows a compiler.
+// The only header of the broker and its application libraries with code for particular compilers.
 
 #if defined(_WIN32)
 #define PLATFORM_EXPORT __declspec(dllexport)
@@ -10,16 +10,16 @@
 #define PLATFORM_IMPORT __attribute__((visibility("default")))
 #endif
 
-// The text from which a log line's location is derived. MSVC's macro is the qualified name already;
-// the others give the whole signature.
+// The text from which a log line's location is derived. MSVC's macro gives the qualified name;
+// other compilers give the whole signature.
 #if defined(_MSC_VER) && !defined(__clang__)
 #define PLATFORM_FUNCTION_SIGNATURE __FUNCTION__
 #else
 #define PLATFORM_FUNCTION_SIGNATURE __PRETTY_FUNCTION__
 #endif
 
-// Catches whatever is thrown, but for the end of a thread that is cancelled: on Linux that comes as
-// an exception which everybody has to let pass.
+// Catches every exception except the cancellation of a thread, which on Linux is an exception that
+// must be rethrown.
 #if defined(__GNUC__) && !defined(_WIN32)
 #include <cxxabi.h>
 #define PLATFORM_CATCH_ALL                \
@@ -31,8 +31,8 @@
 #define PLATFORM_CATCH_ALL catch (...)
 #endif
 
-// Exported classes have standard-library members: both sides are built with the same run-time
-// library.
+// Exported classes have standard-library members: library and application must use the same
+// run-time library.
 #if defined(_MSC_VER) && !defined(__clang__)
 #pragma warning(disable : 4251)
 #endif

@@ -1,7 +1,7 @@
 #pragma once
 
-// The two operating-system types of the interface. On Windows they are the system's own; elsewhere
-// the same names stand over POSIX.
+// The two operating-system types of the interface. Windows has them; on other systems they are
+// declared here under the same names.
 
 #if defined(_WIN32)
 
@@ -17,7 +17,7 @@
 
 #include <cstdint>
 
-// A loaded module: what dlopen returned. dlsym looks a symbol up in it, dlclose gives it back.
+// A loaded module: the handle from dlopen, for dlsym and dlclose.
 struct HINSTANCE__;
 using HINSTANCE = HINSTANCE__*;
 

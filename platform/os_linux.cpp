@@ -8,8 +8,8 @@
 
 namespace {
 
-// dlsym also searches the module's dependencies; the module that really holds the symbol is asked
-// for, in a way that takes no longer when many modules are loaded.
+// dlsym also searches the module's dependencies, so check which module contains the symbol. The
+// time of this check does not grow with the number of loaded modules.
 bool LivesIn(HINSTANCE module, void* symbol) {
     link_map* own = nullptr;
     dl_find_object holder{};
@@ -40,7 +40,7 @@ bool KeepLoaded(const void* address) {
     if (dladdr1(address, &info, &found, RTLD_DL_LINKMAP) == 0) {
         return false;
     }
-    // The program itself has an empty name, and always stays.
+    // The program itself has an empty name and always stays loaded.
     const char* const name = static_cast<const link_map*>(found)->l_name;
     void* const library = dlopen(name[0] == '\0' ? nullptr : name,
                                  RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD | RTLD_NODELETE);

@@ -2,8 +2,9 @@
 
 namespace Platform {
 
-// Whether the system has ended all other threads of the process already, wherever they were: nobody
-// may wait for them, nor for a lock that one of them may hold.
+// Returns whether the system has already terminated all other threads of the process, at any point
+// of their work. The caller must then wait neither for them nor for a lock that one of them may
+// hold.
 bool OtherThreadsAreGone() noexcept;
 
 }  // namespace Platform

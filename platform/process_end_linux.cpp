@@ -2,7 +2,7 @@
 
 namespace Platform {
 
-// They go on until the process is gone.
+// On Linux other threads run until the process is gone.
 bool OtherThreadsAreGone() noexcept {
     return false;
 }

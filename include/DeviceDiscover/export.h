@@ -1,6 +1,6 @@
 #pragma once
 
-// DEVICEDISCOVER_API marks what the library exports; nothing else leaves it.
+// DEVICEDISCOVER_API marks what the library exports; nothing else is exported.
 
 #include "platform/compiler.h"
 

@@ -1,8 +1,7 @@
 #pragma once
 
-// The host's own side of a network: whether a printer answers, and the host's Wi-Fi. What is done
-// is done by the application's library PrinterDiscoverAPI. Every operation may be called from any
-// thread.
+// The host's side of the network: pinging a printer, and the host's own Wi-Fi. The application's
+// library PrinterDiscoverAPI does the work. Every operation may be called from any thread.
 
 #include <string>
 #include <vector>
@@ -16,8 +15,9 @@ class DEVICEDISCOVER_API PrinterNetInterface {
 public:
     static PrinterNetInterface& GetInstance();
 
-    // Whether a printer answers at `address`, IPv4 in dotted text: up to three pings, 100 ms each,
-    // the first answer counts. An address that makes no sense is one that does not answer.
+    // Returns whether a printer answers at `address`, an IPv4 address in dotted text. Sends up to
+    // three pings, waits up to 100 ms for each, and stops at the first answer. False for an invalid
+    // address.
     bool CheckPing(const std::string& address);
 
     PrinterNetInterface(const PrinterNetInterface&) = delete;
@@ -34,19 +34,20 @@ public:
     PrinterWifiInterface(const PrinterWifiInterface& other);
     PrinterWifiInterface& operator=(const PrinterWifiInterface& other);
 
-    // Appends the networks in range, those without a name and those not to be offered included.
+    // Appends the networks in range, including networks without a name and excluded ones
+    // (WlanInfoData::excludeFlag).
     void GetSsidList(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks);
 
-    // The access point the host is joined to: its network name, its hardware address, and the
-    // host's interface. All three empty when it is joined to none.
+    // Returns the access point that the host is joined to: its network name, its hardware address,
+    // and the name of the host's interface. All three are empty when the host is not joined.
     void QueryConnectedAP(std::wstring& ssid, std::wstring& hardwareAddress,
                           std::wstring& interfaceName);
 
-    // Joins a network and waits for the outcome: true when the host is joined.
+    // Joins the network `ssid` and waits for the outcome. True when the host has joined.
     bool ConnectAP(std::wstring ssid, std::wstring passPhrase);
 
-    // Replaces `networks` with those in range that can be offered to the user when a printer is put
-    // on a network: they have a name and are not excluded. Their order is the scan's.
+    // Replaces `networks` with the networks in range that a printer can be put on: those with a
+    // name that are not excluded. Keeps the order of the scan.
     void GetSupList(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks);
 
 private:

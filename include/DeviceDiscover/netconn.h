@@ -3,12 +3,12 @@
 // Putting a printer on a network through the printer's own access point, while the host is joined
 // to it.
 //
-// DiscoverNetConnInterface is the way in: it logs each call with its key inputs, the pass phrase
-// among them, then hands it to NetConnInterface. Which vendor serves a call is found out anew each
-// time: every vendor is asked, in the order of the product ids, whether the host is joined to the
-// access point of one of its printers, and the first that says yes is taken. Only
-// IsLocalAreaNetworkOK goes by the device's model id. Nothing happens before the first call, which
-// loads the vendors' modules; everything lives until the process ends.
+// Applications call DiscoverNetConnInterface. It logs each call with its key inputs, including the
+// pass phrase, and forwards it to NetConnInterface, which chooses the vendor again for each call:
+// it asks the vendors, in the order of their product ids, whether the host is joined to the access
+// point of one of their printers, and takes the first that says yes. Only IsLocalAreaNetworkOK
+// chooses by the device's model id. The first call loads the vendors' modules; all objects live
+// until the process ends.
 //
 // Results, unless said otherwise:
 //    0  the vendor's entry point returned 0
@@ -16,8 +16,8 @@
 //   -2  not initialised: the application named no vendor (see NetConnInterface::Init)
 //   -3  a scan was started without a callback
 //   any other value is the vendor's own
-// Failures are logged and returned. What can be thrown is the standard library's own: out of
-// memory, and std::system_error when a thread or a lock is not to be had.
+// Failures are logged and returned. Operations throw only the standard library's exceptions: out of
+// memory, and std::system_error when a thread cannot be started or a lock cannot be taken.
 //
 // Every operation may be called from any thread.
 
@@ -32,14 +32,14 @@
 
 namespace PrinterDeviceDiscoverSdk {
 
-// The way in: logs each call with its key inputs and forwards it unchanged.
+// The application's entry: logs each call with its key inputs and forwards it unchanged.
 class DEVICEDISCOVER_API DiscoverNetConnInterface {
 public:
     static DiscoverNetConnInterface& GetInstance();
     ~DiscoverNetConnInterface();
 
-    // As the operations of NetConnInterface. PrinterAPNetConfigEvent writes the pass phrase to the
-    // log: whoever keeps the log keeps it secret.
+    // See the operations of NetConnInterface. PrinterAPNetConfigEvent writes the pass phrase to the
+    // log, so the log must be kept secret.
     int StartAPWifiScan(const WifiCallbackInfo& info);
     int StopAPWifiScan();
     int PrinterAPNetConfigEvent(const WifiConfigInfo& network);
@@ -53,7 +53,8 @@ private:
     DiscoverNetConnInterface();
 };
 
-// One vendor: its module and the module's entry points, null where it has none.
+// One vendor: its module and the module's entry points. An entry point that the module lacks is
+// null.
 struct NetConnInterfaceItem {
     HINSTANCE module = nullptr;
     VENDORSDK_NETCONN_ENTRY_POINTS(VENDORSDK_SLOT)
@@ -65,28 +66,28 @@ public:
     // The one instance. Its construction, on the first call, loads the vendors' modules.
     static NetConnInterface& GetInstance();
 
-    // Reads the application's vendor list again and adds the vendors that are not yet known; false
-    // when the list is empty. Not to be called while another operation of this class runs.
+    // Reads the application's vendor list again and adds the vendors that are not yet known. False
+    // when the list is empty. Must not run at the same time as another operation of this class.
     bool Init();
 
     // Registers `info`, replacing an earlier registration, and starts the chosen vendor's Wi-Fi
-    // scan on a thread of its own; does not wait for it. 0 once it is started: what the scan itself
-    // returns shows in the log only. On every failure but -2 the registration stays in place.
+    // scan on a new thread, without waiting for it. 0: the scan was started; the scan's own result
+    // is only logged. After any failure except -2 the registration stays in place.
     int StartAPWifiScan(const WifiCallbackInfo& info);
 
-    // Drops the registration, so that later reports are lost, then calls the chosen vendor's stop:
-    // that of the access point the host is joined to now. Does not wait for the scan's thread.
+    // Removes the registration, so that later reports are dropped, then calls the stop of the
+    // vendor whose access point the host is joined to now. Does not wait for the scan's thread.
     int StopAPWifiScan();
 
-    // Hands the printer the network's name and pass phrase. A name of 128 bytes or a pass phrase of
-    // 32 loses its last byte.
+    // Sends the network's name and pass phrase to the printer. A name of 128 bytes or a pass phrase
+    // of 32 bytes loses its last byte.
     int PrinterAPNetConfigEvent(const WifiConfigInfo& network);
 
     // Fills `device` with the printer's record; leaves it untouched unless the result is 0.
     int GetDeviceInfoByNet(DeviceInfo& device);
 
-    // Whether the printer is on the local network: 0 is yes. The vendor is the one whose product id
-    // equals the device's model id; the host need not be joined to an access point.
+    // Asks whether the printer is on the local network; 0 means yes. Asks the vendor whose product
+    // id equals the device's model id; the host need not be joined to an access point.
     int IsLocalAreaNetworkOK(const DeviceInfo& device);
 
     NetConnInterface(const NetConnInterface&) = delete;
@@ -105,24 +106,25 @@ private:
     std::map<std::string, NetConnInterfaceItem> vendors;
 };
 
-// Holds the application's registration, gives the vendor one of its own, and passes on what it
-// reports. Takes no lock: reports may come while the registration is set or cleared.
+// Keeps the application's registration, gives the vendor a registration of this class, and forwards
+// the vendor's reports. Takes no lock: a report may arrive while the registration is set or
+// cleared.
 class DEVICEDISCOVER_API NetConnInterfaceListener {
 public:
     static NetConnInterfaceListener& GetInstance();
 
-    // Registers the application's callback; a null one counts as none. Returns the registration for
-    // the vendors: the same address on every call, valid as long as the process.
+    // Registers the application's callback; null means no callback. Returns the registration to
+    // give to vendors: the same address on every call, valid until the process ends.
     VendorSdk::WifiCallbackInfo* SetDeviceCallbackInfo(const WifiCallbackInfo& info);
 
-    // Forgets the application's callback: what a vendor reports from now on is dropped.
+    // Removes the application's callback: later reports of a vendor are dropped.
     void ClearDeviceCallbackInfo();
 
-    // Whether a callback is registered.
+    // Returns whether a callback is registered.
     bool GetDeviceCallbackIsEnable();
 
-    // Hands a copy of `network`, its texts terminated, to the application's callback and returns
-    // its result; 0 without a callback.
+    // Calls the application's callback with a copy of `network`, whose texts are terminated, and
+    // returns its result. 0 without a callback.
     int CallBackFunc(const VendorSdk::WifiConfigInfo* network);
 
     NetConnInterfaceListener(const NetConnInterfaceListener&) = delete;

@@ -1,9 +1,10 @@
 #pragma once
 
 // The interfaces of the application's printer SDK, with their default bodies. The order of each
-// virtual table is fixed. The library itself calls one operation: the last of IPrinterAdapter. Of
-// the other pure operations only the number and the places count: their names and arguments are
-// this header's own, and what they do and return is between the printer SDK and who uses it.
+// virtual table is fixed. The library itself calls only GetPrinterListProvider, the last operation
+// of IPrinterAdapter. The other pure operations only keep their number and their positions in the
+// virtual table: this header chose their names and arguments, and the printer SDK and its users
+// agree on what they do and return.
 
 #include <cstdint>
 #include <string>
@@ -12,8 +13,9 @@
 #include "DeviceDiscover/export.h"
 #include "platform/PrinterAdapter/PrinterListProvider.h"
 
-// The library PrinterAdapter provides IPrinterAdapter::GetInstance, which this library calls. It
-// builds the class with bodies of its own, so that neither library needs the other to be linked.
+// The library PrinterAdapter provides IPrinterAdapter::GetInstance, which this library calls.
+// PrinterAdapter builds the class with its own bodies, so that neither library has to link to the
+// other.
 #if defined(PRINTERADAPTER_BUILDING)
 #define PRINTERADAPTER_API PLATFORM_EXPORT
 #define PRINTERADAPTER_DEFAULT = default
@@ -24,7 +26,7 @@
 
 namespace PrinterSdk {
 
-// The printer SDK's own; only named here.
+// Defined by the printer SDK; only declared here.
 struct PrintTaskInfo;
 struct DeviceState;
 enum SettingItem : std::int32_t;
@@ -74,10 +76,10 @@ public:
     virtual int GetState() = 0;
 };
 
-// The application's printers. The library calls GetPrinterListProvider and nothing else.
+// Access to the application's printers. The library calls only GetPrinterListProvider.
 class PRINTERADAPTER_API IPrinterAdapter {
 public:
-    // The application's adapter, of the library PrinterAdapter. It lives as long as the process.
+    // The application's adapter, from the library PrinterAdapter. It lives until the process ends.
     static IPrinterAdapter& GetInstance();
 
     IPrinterAdapter() PRINTERADAPTER_DEFAULT;
@@ -91,13 +93,13 @@ public:
     virtual IScanCap* GetScanCap(const wchar_t* printer) = 0;
     virtual ICopyCap* GetCopyCap(const wchar_t* printer) = 0;
 
-    // The list of printers, which belongs to the adapter; null when there is none, which counts as
-    // no printers. May be called from any thread, by several at once.
+    // Returns the list of printers, which the adapter owns. Null counts as an empty list. May be
+    // called from any thread, from several at once.
     virtual PrinterListProvider* GetPrinterListProvider() = 0;
 };
 
-// Hears of what happens to printers and their tasks. Every operation has a body that does nothing
-// and returns 0: a listener overrides what it wants to hear.
+// Receives events of printers and their tasks. Each operation does nothing and returns 0 by
+// default; a listener overrides those that it needs.
 class DEVICEDISCOVER_API IPrinterUiListener {
 public:
     IPrinterUiListener();
@@ -121,7 +123,7 @@ public:
 
 }  // namespace PrinterSdk
 
-// Hears of devices that come and go. It is never deleted through this class.
+// Receives arrivals and removals of devices. Never deleted through this class.
 class DEVICEDISCOVER_API IDeviceChangeListener {
 public:
     IDeviceChangeListener();

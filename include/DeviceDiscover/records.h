@@ -1,9 +1,9 @@
 #pragma once
 
 // The records that the application exchanges with the library, and their conversion to and from the
-// vendors' records of identical layout. Their layout is an ABI: field order, widths and sizes stay,
-// on a 64-bit little-endian target with natural alignment. Records are plain values, copied at
-// every border; the library keeps no pointer to a caller's record beyond the call.
+// vendors' records, which have the same layout. The layout is an ABI: field order, widths and sizes
+// never change, on a 64-bit little-endian target with natural alignment. Records are copied in each
+// direction; the library keeps no pointer to a caller's record after the call.
 
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +18,7 @@ struct DeviceInfo {
     std::uint16_t code1;  // between application and vendor; the library only carries it
     std::uint16_t code2;  // between application and vendor; the library only carries it
     char deviceSN[64];    // serial number
-    char modelID[32];     // chooses the vendor: equal, byte for byte, to that vendor's productId
+    char modelID[32];     // chooses the vendor: byte for byte that vendor's productId
     char extra1[64];      // between application and vendor; the library only carries it
     char extra2[32];      // between application and vendor; the library only carries it
     char extra3[32];      // between application and vendor; the library only carries it
@@ -39,11 +39,11 @@ static_assert(sizeof(WifiConfigInfo) == 164 && alignof(WifiConfigInfo) == 4);
 static_assert(offsetof(WifiConfigInfo, rssi) == 0 && offsetof(WifiConfigInfo, ssid) == 4);
 static_assert(offsetof(WifiConfigInfo, pwd) == 132);
 
-// The application's registration for printers; it is copied. `callback` is called once per reported
-// printer, on the vendors' threads and possibly on several at once; the record it is given lives
-// only during the call, and its result goes back to the vendor unchanged. The same printer may be
-// reported more than once. The callback must not throw: vendors' code is around it. A null
-// `callback` means that nobody listens.
+// The application's registration for printers. The library copies it. `callback` is called once for
+// each report, on the vendors' threads, possibly on several at once. Its record lives only during
+// the call; its result goes back to the vendor unchanged. The same printer may be reported more
+// than once. The callback must not throw: the exception would pass through vendor code. A null
+// `callback` means that there is no listener.
 struct DeviceCallbackInfo {
     int (*callback)(const DeviceInfo* device);
     std::int32_t param;  // passed to the vendors with their registration; the library only logs it
@@ -52,7 +52,7 @@ static_assert(sizeof(DeviceCallbackInfo) == 16 && alignof(DeviceCallbackInfo) ==
 static_assert(offsetof(DeviceCallbackInfo, callback) == 0);
 static_assert(offsetof(DeviceCallbackInfo, param) == 8);
 
-// The application's registration for Wi-Fi networks; as DeviceCallbackInfo.
+// The application's registration for Wi-Fi networks. The rules of DeviceCallbackInfo apply.
 struct WifiCallbackInfo {
     int (*callback)(const WifiConfigInfo* network);
     std::int32_t param;  // passed to the vendor with its registration; the library only logs it
@@ -61,17 +61,18 @@ static_assert(sizeof(WifiCallbackInfo) == 16 && alignof(WifiCallbackInfo) == 8);
 static_assert(offsetof(WifiCallbackInfo, callback) == 0);
 static_assert(offsetof(WifiCallbackInfo, param) == 8);
 
-// Conversion between the two families of records. Safe from any thread; nothing is reported back.
+// Converts between the application's and the vendors' records. Safe from any thread. Returns no
+// result.
 class DEVICEDISCOVER_API DiscoverBasic {
 public:
-    // Device records are copied field for field, text fields at their full width with whatever
-    // follows their terminator. No terminator is forced: an unterminated field stays unterminated.
+    // Copies a device record field by field. Text fields are copied at their full width, including
+    // the bytes after the terminator. A field without a terminator stays without one.
     static void GetDiscoverDeviceInfo(const VendorSdk::DeviceInfo& from, DeviceInfo& to);
     static void GetVendorSdkDeviceInfo(const DeviceInfo& from, VendorSdk::DeviceInfo& to);
 
-    // Wi-Fi records are copied field for field, `rssi` bit for bit, and their text fields always
-    // come out terminated: text that fills its field loses its last character. Towards the
-    // application the conversion writes three log lines; towards the vendor it is silent.
+    // Copies a Wi-Fi record field by field, `rssi` bit by bit. The copy's text fields are always
+    // terminated: text that fills its field loses its last character. The conversion to the
+    // application's record writes three log lines; the other one writes none.
     static void GetDiscoverWifoConfigInfo(const VendorSdk::WifiConfigInfo& from,
                                           WifiConfigInfo& to);
     static void GetVendorSdkWifoConfigInfo(const WifiConfigInfo& from,

@@ -1,11 +1,10 @@
 #pragma once
 
-// Finding printers on the network: in every vendor's module at once.
+// Finding printers on the network, through all vendors' modules at once.
 //
-// DiscoverScanInterface is the way in: it logs each call and its device, then hands it to
-// ScanInterface, which asks the vendors. The free functions reach ScanInterface without logging the
-// call. Nothing happens before the first call, which loads the vendors' modules; everything lives
-// until the process ends.
+// Applications call DiscoverScanInterface. It logs each call and its device, and forwards it to
+// ScanInterface, which calls the vendors. The free functions call ScanInterface without logging the
+// call. The first call loads the vendors' modules; all objects live until the process ends.
 //
 // Results, unless said otherwise:
 //    0  success
@@ -15,15 +14,16 @@
 //       else was done
 //   -3  a scan was started without a callback
 //   any other value is the vendor's own
-// Failures are logged and returned. What can be thrown is the standard library's own: out of
-// memory, and std::system_error when a thread or a lock is not to be had.
+// Failures are logged and returned. Operations throw only the standard library's exceptions: out of
+// memory, and std::system_error when a thread cannot be started or a lock cannot be taken.
 //
-// Every operation but ScanInterface::Init may be called from any thread. Start and stop hold a
-// lock, a stop also while it calls the vendors: neither may be called from inside a vendor's stop,
-// and a stop from inside a report waits for itself where a vendor's stop waits for its reports.
-// Reports may still be on their way when a stop returns, and vendors may go on until the process is
-// gone, also while static objects are destroyed: an application that calls back into the library
-// from its callback stops its scans, and lets its callbacks end, before it lets the process end.
+// Every operation except ScanInterface::Init may be called from any thread. Start and stop take the
+// same lock, and stop holds it while it calls the vendors. So a vendor's stop must not call either
+// of them. A stop from inside a report deadlocks if the vendor's stop waits for its reports to end.
+//
+// Reports may still arrive after a stop has returned, and vendors may run until the end of the
+// process, also while static objects are destroyed. An application whose callback calls the library
+// must stop its scans and wait for its callbacks to return before the process ends.
 
 #include <map>
 #include <mutex>
@@ -36,13 +36,13 @@
 
 namespace PrinterDeviceDiscoverSdk {
 
-// The way in: logs each call with its key inputs and forwards it unchanged.
+// The application's entry: logs each call with its key inputs and forwards it unchanged.
 class DEVICEDISCOVER_API DiscoverScanInterface {
 public:
     static DiscoverScanInterface& GetInstance();
     ~DiscoverScanInterface();
 
-    // As the operations of ScanInterface.
+    // See the operations of ScanInterface.
     int StartDeviceScan(const DeviceCallbackInfo& info);
     int StopDeviceScan();
     int GetDeviceConnectState(const DeviceInfo& device);
@@ -68,7 +68,8 @@ DEVICEDISCOVER_API int ConnectFailNotifyEvent(const DeviceInfo* device);
 // Chooses the vendor, converts the record and calls the vendor's entry point.
 class DEVICEDISCOVER_API ScanInterface {
 public:
-    // One vendor: its module and the module's entry points, null where it has none.
+    // One vendor: its module and the module's entry points. An entry point that the module lacks is
+    // null.
     struct VendorEntry {
         HINSTANCE module = nullptr;
         VENDORSDK_SCAN_ENTRY_POINTS(VENDORSDK_SLOT)
@@ -77,29 +78,29 @@ public:
     // The one instance. Its construction, on the first call, loads the vendors' modules.
     static ScanInterface& GetInstance();
 
-    // Reads the application's vendor list again and adds the vendors that are not yet known; false
-    // when the list is empty. This is how an application goes on after -2, once it has vendors. Not
-    // to be called while another operation of this class runs.
+    // Reads the application's vendor list again and adds the vendors that are not yet known. False
+    // when the list is empty. After a result of -2, an application calls this once it has vendors.
+    // Must not run at the same time as another operation of this class.
     bool Init();
 
-    // Registers `info`, replacing an earlier registration, and starts one scan in each vendor's
-    // module, each on a thread of its own; does not wait for any of them. 0 when at least one was
-    // started. -3 also when another thread stops meanwhile: vendors that were started by then run
-    // on. A second start without a stop starts every vendor again. With -1 the registration stays
-    // in place.
+    // Registers `info`, replacing an earlier registration, and starts a scan in each vendor's
+    // module, each on a new thread, without waiting for them. 0: at least one scan was started. -3
+    // also when another thread stops the scan during the start; scans already started continue. A
+    // second start without a stop starts every vendor again. After -1 the registration stays in
+    // place.
     int StartDeviceScan(const DeviceCallbackInfo& info);
 
-    // Drops the registration, so that later reports are lost, then calls every vendor's stop. The
-    // result is that of the last vendor, in the order of their product ids, that has a stop; -1
+    // Removes the registration, so that later reports are dropped, then calls every vendor's stop.
+    // Returns the result of the last vendor, in the order of their product ids, that has a stop; -1
     // when none has.
     int StopDeviceScan();
 
     // Asks the device's vendor whether the device can be reached and would accept a job. 1, not 0,
-    // means yes; any other value of the vendor's is its failure.
+    // means yes; any other result of the vendor means failure.
     int GetDeviceConnectState(const DeviceInfo& device);
 
-    // Tell the device's vendor that the application is about to connect, has connected, or has
-    // failed to. 0 is the vendor's success.
+    // Tell the device's vendor that the application is about to connect, has connected, or failed
+    // to connect. 0: the vendor succeeded.
     int BeforeConnectEventNotify(const DeviceInfo& device);
     int ConnectSuccessNotifyEvent(const DeviceInfo& device);
     int ConnectFailNotifyEvent(const DeviceInfo& device);
@@ -119,24 +120,25 @@ private:
     std::map<std::string, VendorEntry> vendors;
 };
 
-// Holds the application's registration, gives the vendors one of its own, and passes on what they
-// report. Takes no lock: reports may come while the registration is set or cleared.
+// Keeps the application's registration, gives the vendors a registration of this class, and
+// forwards the vendors' reports. Takes no lock: a report may arrive while the registration is set
+// or cleared.
 class DEVICEDISCOVER_API ScanInterfaceListener {
 public:
     static ScanInterfaceListener& GetInstance();
 
-    // Registers the application's callback; a null one counts as none. Returns the registration for
-    // the vendors: the same address on every call, valid as long as the process.
+    // Registers the application's callback; null means no callback. Returns the registration to
+    // give to vendors: the same address on every call, valid until the process ends.
     VendorSdk::DeviceCallbackInfo* SetDeviceCallbackInfo(const DeviceCallbackInfo& info);
 
-    // Forgets the application's callback: what vendors report from now on is dropped.
+    // Removes the application's callback: later reports of vendors are dropped.
     void ClearDeviceCallbackInfo();
 
-    // Whether a callback is registered.
+    // Returns whether a callback is registered.
     bool GetDeviceCallbackIsEnable();
 
-    // Hands a copy of `device` to the application's callback and returns its result; 0 without a
-    // callback, and for a null device, which is logged.
+    // Calls the application's callback with a copy of `device` and returns its result. 0 without a
+    // callback, and for a null `device`, which is logged.
     int CallBackFunc(const VendorSdk::DeviceInfo* device);
 
     ScanInterfaceListener(const ScanInterfaceListener&) = delete;

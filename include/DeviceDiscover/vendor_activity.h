@@ -1,15 +1,15 @@
 #pragma once
 
-// What the vendors are doing: each call of a vendor's entry point, under way or done. An
-// application that waits too long, or that dies, can name the vendor with it.
+// The calls of the vendors' entry points, running or finished. With them an application that waits
+// too long, or crashes, can name the vendor.
 //
-// The library keeps the calls in a table of a fixed number of rows. A row belongs to one entry
-// point of one vendor; its latest call replaces the one before, and calls of one entry point that
-// run side by side have a row each. So what an entry point returned last can still be read when it
-// has long returned. Calls that find no row are made all the same, and only counted.
+// The library records the calls in a table with a fixed number of rows. A row belongs to one entry
+// point of one vendor and keeps its latest call, so the last result of an entry point stays
+// readable. Concurrent calls of the same entry point have a row each. When no row is free the call
+// is still made, but only counted.
 //
-// Everything here may be called from any thread at any time, also from a signal handler, while the
-// process ends, and while vendors are called: nothing is locked, allocated or logged.
+// These functions may be called from any thread at any time, also from a signal handler, during
+// process exit and during calls of vendors: they lock, allocate and log nothing.
 
 #include <cstddef>
 #include <cstdint>
@@ -21,35 +21,35 @@ namespace PrinterDeviceDiscoverSdk {
 enum class VendorCallState : std::int32_t {
     kUnderWay = 0,
     kReturned = 1,
-    kLeftByException = 2,  // or by the end of its thread
+    kLeftByException = 2,  // or because its thread ended
 };
 
-// One call of a vendor's entry point. It crosses the library's border: its layout is fixed.
+// One call of a vendor's entry point. It is passed between libraries: its layout is fixed.
 struct VendorCall {
-    char productId[64];     // the vendor; a longer one is cut off
-    char entryPoint[32];    // the name that the vendor's module exports
+    char productId[64];     // the vendor; truncated if longer
+    char entryPoint[32];    // the exported name
     std::uint64_t began;    // nanoseconds on the clock of std::chrono::steady_clock
-    VendorCallState state;  // what `result` and `isOnThisThread` mean depends on it
-    std::int32_t result;    // the vendor's own; 0 unless it has returned
-    bool isOnThisThread;    // under way on the thread that reads this
+    VendorCallState state;  // decides what the next two fields mean
+    std::int32_t result;    // the vendor's result; 0 unless the call has returned
+    bool isOnThisThread;    // running on the thread that reads this
 };
 static_assert(sizeof(VendorCall) == 120 && alignof(VendorCall) == 8);
 static_assert(offsetof(VendorCall, productId) == 0 && offsetof(VendorCall, entryPoint) == 64);
 static_assert(offsetof(VendorCall, began) == 96 && offsetof(VendorCall, state) == 104);
 static_assert(offsetof(VendorCall, result) == 108 && offsetof(VendorCall, isOnThisThread) == 112);
 
-// How many rows the table has: always the same.
+// The number of rows of the table. It never changes.
 DEVICEDISCOVER_API std::size_t VendorCallRows();
 
-// Reads the call in that row into `call`; false, with `call` untouched, when the row holds none, or
-// its vendor calls so fast that none could be read.
+// Reads the call in row `row` into `call`. False, with `call` untouched, when the row is empty, or
+// when its calls change too fast to be read.
 DEVICEDISCOVER_API bool ReadVendorCall(std::size_t row, VendorCall& call);
 
-// How many calls found no row, since the process began.
+// The number of calls since the start of the process for which no row was free.
 DEVICEDISCOVER_API std::uint64_t UnrecordedVendorCalls();
 
-// From now on each thread that the library starts to call a vendor calls `prepare` first, which
-// must not throw: it can give the thread a stack for signal handlers, or a name. Null: nothing.
+// Sets a function that each thread started from now on to call a vendor runs first, for example to
+// install a signal stack or to set the thread's name. `prepare` must not throw; null removes it.
 DEVICEDISCOVER_API void PrepareVendorThreads(void (*prepare)());
 
 }  // namespace PrinterDeviceDiscoverSdk

@@ -1,7 +1,7 @@
 #pragma once
 
-// Shells around XML nodes, of which only their names are needed: the nodes belong to whoever made
-// them.
+// Thin wrappers around pointers to XML nodes. They do not own the nodes and only declare their
+// types.
 
 #include "DeviceDiscover/export.h"
 
@@ -10,7 +10,7 @@ class XMLAttribute;
 class XMLElement;
 }  // namespace tinyxml2
 
-// Points at an element; does not own it.
+// Points to an element; does not own it.
 class DEVICEDISCOVER_API KzXmlElement {
 public:
     KzXmlElement();
@@ -24,7 +24,7 @@ private:
 };
 static_assert(sizeof(KzXmlElement) == sizeof(void*));
 
-// Points at an attribute; does not own it.
+// Points to an attribute; does not own it.
 class DEVICEDISCOVER_API KzXmlAttribute {
 public:
     explicit KzXmlAttribute(tinyxml2::XMLAttribute* node);
@@ -37,7 +37,7 @@ private:
 };
 static_assert(sizeof(KzXmlAttribute) == sizeof(void*));
 
-// Stands for a document; points at nothing.
+// A placeholder for a document; points to nothing.
 class DEVICEDISCOVER_API KzXMLDocument {
 public:
     KzXMLDocument();

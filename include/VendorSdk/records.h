@@ -1,8 +1,8 @@
 #pragma once
 
-// The records that cross the border between the broker and a vendor's module. Their layout is an
-// ABI: field order, widths and sizes stay, on a 64-bit little-endian target with natural alignment.
-// Every text field is NUL-terminated narrow text.
+// The records that the broker and a vendor's module exchange. Their layout is an ABI: field order,
+// widths and sizes never change, on a 64-bit little-endian target with natural alignment. Every
+// text field is NUL-terminated narrow text.
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@ struct DeviceInfo {
     std::uint16_t code1;  // between application and vendor; the broker only carries it
     std::uint16_t code2;  // between application and vendor; the broker only carries it
     char deviceSN[64];    // serial number
-    // The vendor's productId: requests for the device go to the vendor that is named here.
+    // The vendor's productId. Requests for the device go to this vendor.
     char modelID[32];
     char extra1[64];  // between application and vendor; the broker only carries it
     char extra2[32];  // between application and vendor; the broker only carries it
@@ -36,11 +36,11 @@ static_assert(sizeof(WifiConfigInfo) == 164 && alignof(WifiConfigInfo) == 4);
 static_assert(offsetof(WifiConfigInfo, rssi) == 0 && offsetof(WifiConfigInfo, ssid) == 4);
 static_assert(offsetof(WifiConfigInfo, pwd) == 132);
 
-// Where a scan reports printers. `callback` may be called from any thread, also from several at
-// once, and stays callable for good: after the stop it drops what it is given and returns 0. The
-// record must live until it returns; a null one is dropped too, and logged. Its result is the
-// application's answer, with the meaning that application and vendor gave it. `param` may change
-// when the application starts again: read it once, at the start.
+// Where a scan reports printers. `callback` may be called from any thread, from several at once,
+// and stays callable until the process ends: after the stop it drops the record and returns 0. The
+// record must stay valid until `callback` returns. A null record is dropped and logged. The result
+// of `callback` is the application's; application and vendor agree on its meaning. `param` may
+// change when the application starts another scan: read it once, at the start.
 struct DeviceCallbackInfo {
     int (*callback)(const DeviceInfo* device);
     std::int32_t param;  // the application's own value
@@ -49,7 +49,7 @@ static_assert(sizeof(DeviceCallbackInfo) == 16 && alignof(DeviceCallbackInfo) ==
 static_assert(offsetof(DeviceCallbackInfo, callback) == 0);
 static_assert(offsetof(DeviceCallbackInfo, param) == 8);
 
-// Where a Wi-Fi scan reports networks; as DeviceCallbackInfo.
+// Where a Wi-Fi scan reports networks. The rules of DeviceCallbackInfo apply.
 struct WifiCallbackInfo {
     int (*callback)(const WifiConfigInfo* network);
     std::int32_t param;  // the application's own value

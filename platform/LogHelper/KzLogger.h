@@ -10,11 +10,11 @@
 #define LOGHELPER_API PLATFORM_IMPORT
 #endif
 
-// How much a line matters, from least to most. The broker writes the levels 1, 3 and 4 only.
+// The importance of a line, from least to most. The broker writes only levels 1, 3 and 4.
 enum LOG_MESSAGE_LEVEL {
     LOG_LEVEL_TRACE = 0,
-    // Entry into an operation and its arguments, relays, registrations, vendor calls that
-    // succeeded.
+    // Entry into an operation and its arguments, relayed reports, registrations, successful vendor
+    // calls.
     LOG_LEVEL_DEBUG = 1,
     LOG_LEVEL_INFO = 2,
     // Details that are not failures.
@@ -22,16 +22,18 @@ enum LOG_MESSAGE_LEVEL {
     LOG_LEVEL_ERROR = 4
 };
 
-// The application's logging library, LogHelper. Whoever replaces it provides this class.
+// The logger of the application's logging library, LogHelper. A replacement of the library provides
+// this class.
 class LOGHELPER_API KzLogger {
 public:
-    // The process-wide logger. The broker asks anew for every line. It must stay usable until the
-    // last thread of the process has ended: vendor threads log while static destructors run.
+    // Returns the process-wide logger. The broker calls this for every line. The logger must stay
+    // usable until the last thread of the process has ended: vendor threads log while static
+    // destructors run.
     static KzLogger& GetInstance();
 
-    // Takes one composed line; `line` belongs to the caller and lives only during the call. Called
-    // from any thread, several at once. Must not throw; what it throws all the same the broker
-    // drops. Must not call the broker: lines also come while the broker holds a lock or binds.
+    // Logs one composed line. `line` belongs to the caller and lives only during the call. Called
+    // from any thread, from several at once. Must not throw; the broker discards exceptions. Must
+    // not call the broker: the broker also logs while it holds a lock or loads modules.
     void Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line);
 
     KzLogger(const KzLogger&) = delete;

@@ -10,13 +10,13 @@
 #define PRINTERLISTPROBLEM_API PLATFORM_IMPORT
 #endif
 
-// What the library PrinterAdapter offers besides its interfaces. A library that takes its place
-// need not have this: look it up by name, and do without.
+// An optional function of the library PrinterAdapter. A replacement of the library need not have
+// it: look it up by name, and work without it if it is missing.
 extern "C" {
 
-// Why the calling thread's last GetPrinterList could not tell which printers there are: terminated
-// UTF-8 in the `size` bytes at `text`, cut where it does not fit. 0, and an empty text, when it
-// could.
+// Writes the reason why the calling thread's last GetPrinterList failed to list the printers, as
+// terminated UTF-8, to the `size` bytes at `text`, truncated if too long. Returns 0 and an empty
+// text when it succeeded, and non-zero otherwise.
 PRINTERLISTPROBLEM_API int PrinterListProblem(char* text, std::size_t size);
 
 }  // extern "C"

@@ -8,12 +8,13 @@
 
 namespace PrinterSdk {
 
-// How a printer is attached: values of PrinterProperty::connectType. Others mean something else.
+// How a printer is attached: values of PrinterProperty::connectType. Any other value: in another
+// way.
 inline constexpr std::int32_t kConnectTypeUsb = 1;
 inline constexpr std::int32_t kConnectTypeWlan = 2;
 
-// One printer that the adapter knows. It crosses a library border inside a vector: the order of its
-// members is fixed. The library reads the serial number, the model identifier and the connect type.
+// One printer that the adapter knows. Passed between libraries inside a vector: the order of the
+// members is fixed. DeviceDiscover reads serialNumber, modelID and connectType.
 struct PrinterProperty {
     std::wstring name;
     std::wstring description;
@@ -41,14 +42,14 @@ static_assert(offsetof(PrinterProperty, connectType) == 9 * sizeof(std::wstring)
 static_assert(offsetof(PrinterProperty, state) == 9 * sizeof(std::wstring) + alignof(std::wstring));
 static_assert(sizeof(PrinterProperty) == 10 * sizeof(std::wstring) + alignof(std::wstring));
 
-// Lists the printers that the adapter knows, of the library PrinterAdapter. The order of the
-// virtual table is fixed: the destructor, then the list.
+// Lists the printers that the adapter of the library PrinterAdapter knows. The order of the virtual
+// table is fixed: the destructor, then GetPrinterList.
 class PrinterListProvider {
 public:
     virtual ~PrinterListProvider() = default;
 
-    // Appends every printer that the adapter knows to `printers`. May be called from any thread, by
-    // several at once.
+    // Appends every printer that the adapter knows to `printers`. May be called from any thread,
+    // from several at once.
     virtual void GetPrinterList(std::vector<PrinterProperty>& printers) = 0;
 };
 

@@ -4,19 +4,19 @@
 
 #include "platform/PrinterDiscoverAPI/export.h"
 
-// What the USB service of the library PrinterDiscoverAPI offers besides the class
-// PrinterUsbDeviceManager. A library that takes its place need not have these: look them up by
-// name, and do without.
+// Optional functions of the library PrinterDiscoverAPI about its class PrinterUsbDeviceManager. A
+// replacement of the library need not have them: look them up by name, and work without them if
+// they are missing.
 extern "C" {
 
-// Why the calling thread's last GetCurrentPrinterPorts or StartMonitor of PrinterUsbDeviceManager
-// was without a result: terminated UTF-8 in the `size` bytes at `text`, cut where it does not fit.
-// 0, and an empty text, when it had one.
+// Writes the reason why the calling thread's last GetCurrentPrinterPorts or StartMonitor of
+// PrinterUsbDeviceManager failed, as terminated UTF-8, to the `size` bytes at `text`, truncated if
+// too long. Returns 0 and an empty text when it succeeded, and non-zero otherwise.
 PRINTERDISCOVERAPI_API int PrinterUsbProblem(char* text, std::size_t size);
 
-// What is wrong now with the device events that a started monitor reports, in the same way: the
-// system's device service is silent, or there are no events for the time being. 0, and an empty
-// text, when nothing is.
+// Writes, in the same way, the current problem of a started monitor: the system's device service
+// does not answer, or device events are not available at present. Returns 0 and an empty text when
+// there is no problem.
 PRINTERDISCOVERAPI_API int PrinterUsbMonitorProblem(char* text, std::size_t size);
 
 }  // extern "C"

@@ -9,28 +9,27 @@
 
 namespace PrinterWifiApiStruct {
 
-// What else is known of an access point.
+// Further properties of an access point.
 struct WlanAttributes {
     std::int32_t signalQuality;  // 0 to 100
-    std::uint32_t security;      // a sum of WlanSecurity; 0: joined without a secret
+    std::uint32_t security;      // a sum of WlanSecurity; 0: an open network
 };
 
 enum WlanSecurity : std::uint32_t {
     WLAN_SECURITY_WEP = 1,
-    WLAN_SECURITY_WPA_PERSONAL = 2,   // a pass phrase
-    WLAN_SECURITY_WPA_ENTERPRISE = 4  // an account
+    WLAN_SECURITY_WPA_PERSONAL = 2,   // needs a pass phrase
+    WLAN_SECURITY_WPA_ENTERPRISE = 4  // needs an account
 };
 
-// One access point. It crosses a library border inside a vector: its layout is fixed.
+// One access point. Passed between libraries inside a vector: its layout is fixed.
 struct WlanInfoData {
-    // The network's name; empty for one that does not broadcast it. Of a name that is not UTF-8
-    // each byte is one character.
+    // The network's name; empty if the access point does not broadcast it. If the name is not
+    // UTF-8, each of its bytes becomes one character.
     std::wstring ssid;
     WlanAttributes attributes;
-    // Not to be offered to the user when a printer is put on a network, which takes a name that is
-    // text, a pass phrase or none, and an access point: set without a name, for a name that is not
-    // UTF-8 or has control characters, for a network of hosts among themselves or that this host
-    // offers, and where only WEP, an account, or encryption without a pass phrase lets in.
+    // True when a printer cannot be put on this network: the name is empty, is not UTF-8 or has
+    // control characters; the network is ad hoc or offered by this host itself; or joining takes
+    // WEP, an account, or encryption without a pass phrase.
     bool excludeFlag;
 };
 static_assert(sizeof(WlanAttributes) == 8);
@@ -40,36 +39,39 @@ static_assert(sizeof(WlanInfoData) == 48 && alignof(WlanInfoData) == 8);
 
 namespace PrinterDiscoverAPI {
 
-// The application's Wi-Fi service, of the library PrinterDiscoverAPI: the host's own Wi-Fi. Whoever
-// replaces that library provides this class. Safe from any thread. What stands in the way - no
-// adapter, no service, a service that ends or does not answer, a radio that is off - is logged, and
-// the operation comes back without a result; none throws because of it.
+// The host's own Wi-Fi, from the application's library PrinterDiscoverAPI. A replacement of the
+// library provides this class. Safe from any thread. If there is no adapter or no Wi-Fi service, if
+// the service ends or does not answer, or if the radio is off, the operation logs the reason and
+// returns without a result; it does not throw.
 class PRINTERDISCOVERAPI_API PrinterWifiAPI {
 public:
     static PrinterWifiAPI& GetInstance();
 
-    // Asks for a fresh scan, waits for it up to 10 seconds, and appends the networks in range to
-    // `networks`, the strongest first: one entry a name, with the strongest access point's
-    // attributes; one entry for each access point without a name. Where the system refuses to scan
-    // again so soon, what it found last counts; so too where a policy forbids the scan only, which
-    // is logged once until it is allowed: then nothing is waited for.
+    // Requests a new scan, waits up to 10 seconds for it, and appends the networks in range to
+    // `networks`, the strongest first: one entry for each name, with the attributes of the
+    // strongest access point, and one entry for each access point without a name. If the system
+    // refuses a new scan so soon after the last, or a policy forbids only the scan, the results of
+    // the last scan are used without waiting. A forbidden scan is logged once until it is allowed
+    // again.
     void ScanWifiAPBySsid(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks);
 
-    // The access point the host is joined to: its network's name, as in a scan; its own hardware
-    // address ("00:11:22:AA:BB:CC", digits in upper case); and the host's interface as the system
-    // names it ("wlan0", "Wi-Fi"). All three are empty when it is joined to none.
+    // Returns the access point that the host is joined to: the network's name, as in a scan; the
+    // access point's hardware address ("00:11:22:AA:BB:CC", digits in upper case); and the host's
+    // interface as the system names it ("wlan0", "Wi-Fi"). All three are empty when the host is not
+    // joined.
     void QueryConnectedAP(std::wstring& ssid, std::wstring& hardwareAddress,
                           std::wstring& interfaceName);
 
-    // Joins the network `ssid`, as a scan gives its name or hidden, with `passPhrase`, 8 to 63
-    // characters or a key of 64 hexadecimal digits; without one an open network, or a protected one
-    // with what the system has saved of it. Waits for the outcome up to 30 seconds, and before
-    // that for a network that is not in sight: on Linux up to 15, in which it is scanned for again
-    // and again, on Windows up to 10 for one scan. True
-    // when the host is joined; false, with the reason logged, otherwise: the attempt is then ended,
-    // and on Linux the host begins to connect as before it, where that was an open or a saved
-    // network. The system is not to remember the network because of it. The pass phrase is never
-    // logged.
+    // Joins the network `ssid`: a name as a scan returns it, or the name of a hidden network.
+    // `passPhrase` has 8 to 63 characters, or is a key of 64 hexadecimal digits; it is empty for an
+    // open network, and for a protected network whose secret the system has saved.
+    //
+    // If the network is not in range yet, waits for it first: on Linux up to 15 seconds with
+    // repeated scans, on Windows up to 10 seconds for one scan. Then waits up to 30 seconds for the
+    // outcome. Returns true when the host has joined. Otherwise logs the reason, ends the attempt
+    // and returns false; on Linux the host then starts to return to its former network, if that is
+    // open or saved. The system does not save the network because of this call. The pass phrase is
+    // never logged.
     bool ConnectAP(std::wstring ssid, std::wstring passPhrase);
 
     PrinterWifiAPI(const PrinterWifiAPI&) = delete;

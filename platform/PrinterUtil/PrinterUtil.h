@@ -6,7 +6,7 @@
 
 namespace PrinterUtil {
 
-// `text` as UTF-8. Ill-formed input becomes U+FFFD; nothing makes it throw but lack of memory.
+// Converts `text` to UTF-8. Ill-formed input becomes U+FFFD. Throws only when memory runs out.
 PRINTERUTIL_API std::string WStringToString(const std::wstring& text);
 
 }  // namespace PrinterUtil

@@ -6,7 +6,7 @@
 #include "platform/PrinterUtil/export.h"
 #include "platform/os.h"
 
-// One supported vendor. It crosses a library border inside a vector: the order of its members is
+// One supported vendor. Passed between libraries inside a vector: the order of the members is
 // fixed.
 struct VendorInfo {
     std::string productId;   // the model identifier that this vendor's devices carry
@@ -17,21 +17,21 @@ struct VendorInfo {
     std::string scanModuleName;  // the module with the scan entry points
 };
 
-// The application's vendor-module manager, of the library PrinterUtil. Whoever replaces that
-// library provides this class. Called from any thread, also from several at once.
+// The application's vendor-module manager, from the library PrinterUtil. A replacement of the
+// library provides this class. Called from any thread, from several at once.
 class PRINTERUTIL_API VendorDllMgr {
 public:
     static VendorDllMgr& GetInstance();
 
-    // Appends the supported vendors to `vendors`. The broker ignores the result; an empty list is
-    // how it learns that nothing is supported.
+    // Appends the supported vendors to `vendors`. The broker ignores the result; to the broker, an
+    // empty list means that no vendor is supported.
     int GetCurrentSupportList(std::vector<VendorInfo>& vendors);
 
-    // Loads the module of that name and puts its handle into `module`. True when symbols can be
-    // looked up in it (GetProcAddress on Windows, else dlsym), and so not null; each true result
-    // adds one reference, which the caller gives back (FreeLibrary, else dlclose). False, with
-    // `module` untouched, when there is no such module. The module stays in memory until the
-    // process ends, also without a reference: threads of its own may run.
+    // Loads the module `moduleName` and stores its handle in `module`. Returns true with a handle,
+    // never null, in which symbols can be looked up (GetProcAddress on Windows, else dlsym). Each
+    // true result adds one reference, which the caller releases (FreeLibrary, else dlclose).
+    // Returns false, with `module` untouched, when there is no such module. The module stays in
+    // memory until the process ends, even without references: its own threads may still run.
     bool GetDeviceHandle(HINSTANCE& module, const std::string& moduleName);
 
     VendorDllMgr(const VendorDllMgr&) = delete;
