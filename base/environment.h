@@ -5,17 +5,17 @@
 
 namespace Base {
 
-// Text as the system keeps it: bytes on Linux, UTF-16 on Windows.
+// Text in the system's own encoding: bytes on Linux, UTF-16 on Windows.
 using NativeText = std::filesystem::path::string_type;
 
-// What the environment says to a program that asks for files, folders or networks.
+// The value of an environment variable that names files, folders or networks.
 struct EnvironmentText {
     NativeText text;      // empty when the variable is unset, empty or ignored
-    std::string ignored;  // one line for the reader's log; empty when nothing was ignored
+    std::string ignored;  // one line for the caller's log; empty when nothing was ignored
 };
 
-// Reads an environment variable. Who starts a program that has more rights than its user must not
-// choose what it reads, writes or trusts: such a program ignores a variable that is set, and
+// Reads an environment variable. The user who starts a program with more rights than his own must
+// not choose what it reads, writes or trusts: in such a program a set variable is ignored, and
 // `ignored` names it.
 EnvironmentText ReadEnvironment(const char* name);
 

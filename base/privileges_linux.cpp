@@ -8,7 +8,8 @@
 namespace Base {
 
 bool HasMoreRightsThanItsUser() {
-    // The kernel notes what the program's file gave it; a program may change its users later.
+    // The kernel records the rights from the program's file; the program may change its users
+    // later.
     return getauxval(AT_SECURE) != 0 || geteuid() != getuid() || getegid() != getgid();
 }
 

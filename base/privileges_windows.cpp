@@ -14,7 +14,7 @@ namespace Base {
 
 namespace {
 
-// Only administrators can write there, so a user's program cannot allow it to itself.
+// Only administrators can write this key, so a user's program cannot grant itself permission.
 bool AdministratorAllowsTheEnvironment() {
     DWORD allowed = 0;
     DWORD size = sizeof allowed;

@@ -14,7 +14,7 @@ void Secret::RemoveLast() {
     characters.pop_back();
 }
 
-// No copy of the words is made on the way: it would hold the secret.
+// Makes no intermediate copy of the words: the copy would hold the secret.
 std::string Secret::MaskedIn(std::string_view words) const {
     constexpr std::string_view kMask = "***";
     std::string masked;

@@ -8,10 +8,10 @@
 
 namespace Base {
 
-// Overwrites memory in a way that no optimisation leaves out.
+// Overwrites memory in a way that the compiler cannot optimise away.
 void Wipe(void* memory, std::size_t size);
 
-// Wipes all the memory that the text has, behind its end too; it is empty afterwards.
+// Wipes the text's whole capacity and leaves it empty.
 template <class Character>
 void Wipe(std::basic_string<Character>& text) {
     text.resize(text.capacity());
@@ -38,7 +38,7 @@ private:
     Thing& thing;
 };
 
-// For containers: wipes all memory that it takes back, also when the container grows.
+// An allocator for containers. It wipes all memory that it frees, also when the container grows.
 template <class T>
 struct WipingAllocator {
     using value_type = T;
@@ -56,11 +56,11 @@ struct WipingAllocator {
     bool operator==(const WipingAllocator& /*other*/) const { return true; }
 };
 
-// Bytes that may hold a secret among others. Short ones lie in the object itself, which does not
-// wipe them: for what is longer than that.
+// Bytes that may contain a secret. Not for short texts: they are stored inside the object, which
+// does not wipe them.
 using WipedBytes = std::basic_string<char, std::char_traits<char>, WipingAllocator<char>>;
 
-// A text that leaves no copy of itself in memory once it is gone.
+// A text that leaves no copy in memory after its destruction.
 class Secret {
 public:
     Secret() = default;
@@ -71,7 +71,7 @@ public:
 
     std::string_view View() const { return {characters.data(), characters.size()}; }
 
-    // `words` of somebody else's, who may quote the secret, without it.
+    // Returns `words`, a text from elsewhere that may quote the secret, with the secret masked.
     std::string MaskedIn(std::string_view words) const;
 
 private:

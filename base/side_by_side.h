@@ -1,6 +1,6 @@
 #pragma once
 
-// Asks many at once, so that one that does not answer keeps no other waiting.
+// Asks many peers at once, so that a peer that does not answer delays no other.
 
 #include <algorithm>
 #include <atomic>
@@ -15,12 +15,12 @@ namespace Base {
 
 struct SideBySideLimits {
     std::size_t threads;
-    std::chrono::milliseconds patience;  // after this time no further one is asked
+    std::chrono::milliseconds patience;  // after this time no further peer is asked
 };
 
-// Calls ask(number) for the numbers below `count`, the lower ones first, on several threads, and
-// waits for all that was begun. Returns why there were fewer threads than wanted: then those that
-// there are ask the more. Throws what `ask` throws.
+// Calls ask(number) for the numbers below `count`, in ascending order, on several threads, and
+// waits for all started calls. If not all threads can be started the others do their work, and the
+// reason is returned; empty otherwise. Throws what `ask` throws.
 template <class Ask>
 std::string AskSideBySide(std::size_t count, const SideBySideLimits& limits, Ask ask) {
     const auto now = [] { return std::chrono::steady_clock::now(); };

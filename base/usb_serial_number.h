@@ -4,10 +4,9 @@
 
 namespace Base {
 
-// The serial number of a device on USB, from that of its USB descriptor and that of its IEEE 1284
-// device id, where it has them. The descriptor's goes first: it is the device's own, by which the
-// system tells devices apart. Makers write device ids once for a model, and some of the serial
-// numbers there are wrong.
+// Chooses the serial number of a USB device from its USB descriptor or else its IEEE 1284 device
+// id; either may be empty. The descriptor is preferred: the system distinguishes devices by it.
+// Makers write one device id for a whole model, so some of its serial numbers are wrong.
 std::string UsbSerialNumber(const std::string& ofDescriptor, const std::string& ofDeviceId);
 
 }  // namespace Base

@@ -62,7 +62,7 @@ bool ByteStream::Open(int family) {
     if (opened < 0) {
         return FailWith(errno);
     }
-    // A request and its head go out at once, each when it is written.
+    // Send the request and its header immediately, each when it is written.
     const int on = 1;
     if (family != AF_UNIX) {
         setsockopt(opened, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
@@ -90,8 +90,8 @@ void ByteStream::Close() {
 }
 
 bool ByteStream::StartTls(const std::string& host) {
-    // One reference more than the library's own: it would take itself down when the process ends,
-    // under threads that still talk.
+    // Hold one more reference than the library itself: otherwise it shuts down at process exit
+    // under threads that still use it.
     [[maybe_unused]] static const int kept = gnutls_global_init();
     if (gnutls_certificate_allocate_credentials(&credentials) != GNUTLS_E_SUCCESS) {
         return Fail("no memory for TLS");
@@ -101,7 +101,7 @@ bool ByteStream::StartTls(const std::string& host) {
         tls = nullptr;
         return Fail("no memory for TLS");
     }
-    // Old printers speak old versions.
+    // Old printers support only old versions.
     gnutls_set_default_priority_append(tls, "+VERS-TLS1.1:+VERS-TLS1.0:%COMPAT", nullptr, 0);
     gnutls_credentials_set(tls, GNUTLS_CRD_CERTIFICATE, credentials);
     if (!host.empty() && !IsAddress(host)) {
@@ -156,7 +156,7 @@ std::optional<std::size_t> ByteStream::Read(std::span<char> room) {
         }
         const auto size = tls == nullptr ? recv(connection, room.data(), room.size(), 0)
                                          : gnutls_record_recv(tls, room.data(), room.size());
-        // Some peers end TLS without a word.
+        // Some peers end TLS without a close notification.
         if (size >= 0 || (tls != nullptr && size == GNUTLS_E_PREMATURE_TERMINATION)) {
             return static_cast<std::size_t>(std::max<ssize_t>(size, 0));
         }

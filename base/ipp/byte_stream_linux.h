@@ -15,8 +15,8 @@ struct gnutls_certificate_credentials_st;
 
 namespace Base {
 
-// A connection with one deadline for everything: being made, TLS, every byte. No peer can keep a
-// caller longer, however slowly or endlessly it speaks.
+// A connection with one deadline for connecting, TLS and every byte. A peer that sends slowly or
+// endlessly cannot hold the caller longer.
 class ByteStream {
 public:
     using Clock = std::chrono::steady_clock;
@@ -24,24 +24,24 @@ public:
     explicit ByteStream(Clock::time_point end) : deadline(end) {}
     ~ByteStream();
 
-    // Closes an earlier connection. False: see Problem().
+    // Connects, after closing an earlier connection. On false see Problem().
     bool Connect(const sockaddr* address, socklen_t size);
 
-    // Encrypts from here on. Any certificate will do: printers have made theirs themselves. `host`
-    // is the name that the peer is told, unless it is an address.
+    // Starts TLS. Accepts any certificate, because printers sign their own. Sends `host` as the
+    // server name unless it is an address.
     bool StartTls(const std::string& host);
 
     bool Write(std::string_view bytes);
 
-    // The number of bytes that came; 0 at the peer's end; nothing on failure.
+    // The number of bytes read; 0 when the peer has closed; nothing on failure.
     std::optional<std::size_t> Read(std::span<char> room);
 
-    // Ends what another thread is doing here, and everything that comes.
+    // Aborts the current operation of another thread, and all later ones.
     void Cut();
 
     bool IsOver() const { return isCut || Clock::now() >= deadline; }
     const std::string& Problem() const { return problem; }
-    // Whether the last Connect found a host on which nobody listens.
+    // Whether the host refused the last Connect because no program listens on the port.
     bool IsRefused() const { return isRefused; }
 
     ByteStream(const ByteStream&) = delete;
@@ -57,8 +57,7 @@ private:
 
     const Clock::time_point deadline;
     std::atomic<bool> isCut{false};
-    std::mutex
-        mutex;  // of the socket: another thread may shut it down, not one that took its place
+    std::mutex mutex;  // guards the socket, so that a shutdown never hits a reused descriptor
     int connection = -1;
     gnutls_session_int* tls = nullptr;
     bool isEncrypted = false;

@@ -5,7 +5,7 @@
 
 namespace Base {
 
-// Numbers in bytes that may come from anywhere; the caller has seen that they are there.
+// Reads numbers from untrusted bytes. The caller has checked that the bytes exist.
 inline std::uint8_t ByteAt(std::string_view bytes, std::size_t at) {
     return static_cast<std::uint8_t>(bytes[at]);
 }

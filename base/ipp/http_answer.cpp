@@ -25,7 +25,7 @@ std::string LowerCase(std::string_view text) {
     return lower;
 }
 
-// A number without sign that is all of the text.
+// Parses an unsigned number that fills the whole text.
 template <class Number>
 bool ReadNumber(std::string_view text, Number& number, int base) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
@@ -57,7 +57,7 @@ HttpAnswer::State HttpAnswer::Refuse(const std::string& reason) {
     return State::Refused;
 }
 
-// Takes bytes up to the line's end. Every byte counts, also those that are skipped.
+// Takes bytes up to the end of the line. Skipped bytes count towards the limit, too.
 HttpAnswer::State HttpAnswer::TakeLine(std::string_view& bytes) {
     const bool isInChunks = part == Part::ChunkHead || part == Part::ChunkEnd;
     std::size_t& room = isInChunks ? roomForChunkHeads : roomForHead;

@@ -8,29 +8,30 @@
 
 namespace Base {
 
-// Reads the answer to one HTTP request while its bytes come. Knows no network; holds no more than
-// the body, and never more of that than it was allowed.
+// Parses the response to one HTTP request as its bytes arrive. Knows no network. Keeps only the
+// body, up to its limit.
 class HttpAnswer {
 public:
     enum class State { Unfinished, Whole, Refused };
 
-    // For the head, with those of interim answers (100 Continue) before it, and the trailer. Real
-    // ones have less than 1 KiB.
+    // The limit for the headers, including those of interim responses (100 Continue), and the
+    // trailer. Real headers have less than 1 KiB.
     static constexpr std::size_t kMaxHeadSize = std::size_t{32} * 1024;
 
     explicit HttpAnswer(std::size_t bodySize)
         : maxBodySize(bodySize), roomForChunkHeads(bodySize + kMaxHeadSize) {}
 
     State Take(std::string_view bytes);
-    // The connection has ended.
+    // Reports the end of the connection.
     State End();
 
-    // The status; 0 as long as the head is not whole. An answer other than 200 has no body here.
+    // The HTTP status; 0 until the headers are complete. The body of a response other than 200 is
+    // ignored.
     int Status() const { return isHeadWhole ? status : 0; }
-    // As far as it has come.
+    // The body received so far.
     std::string_view Body() const { return body; }
     WipedBytes TakeBody() { return std::move(body); }
-    // Why the answer was refused.
+    // Why the response was refused.
     const std::string& Problem() const { return problem; }
 
 private:
@@ -56,7 +57,7 @@ private:
     bool isHeadWhole = false;
     bool isChunked = false;
     bool hasLength = false;
-    std::size_t left = 0;  // of the body, or of its chunk
+    std::size_t left = 0;  // bytes of the body or chunk still to come
     WipedBytes body;       // a server may quote a secret of the request
     std::string problem;
 };

@@ -11,7 +11,8 @@ namespace {
 
 constexpr int kHttpOk = 200;
 
-// Everything but what has a meaning of its own, in `text` that a stranger may have written.
+// Percent-encodes blanks, control characters, non-ASCII bytes and `forbidden` characters. `text`
+// may come from a stranger.
 std::string Encoded(std::string_view text, std::string_view forbidden) {
     constexpr std::string_view kDigits = "0123456789ABCDEF";
     std::string encoded;
@@ -37,7 +38,7 @@ std::string Authority(const IppTarget& target) {
     return authority.append(":").append(std::to_string(target.port));
 }
 
-// A path that has been encoded already stays as it is.
+// An already encoded path stays unchanged.
 std::string Path(const IppTarget& target) {
     return Encoded(target.resource, "?#\"<>\\");
 }
@@ -52,7 +53,7 @@ std::string Head(const IppTarget& target, std::size_t size) {
     return head + "\r\n";
 }
 
-// An answer that grows with what comes.
+// An answer in progress: parses the bytes as they arrive.
 class Answer {
 public:
     explicit Answer(const IppLimits& limits) : http(limits.bytes), ipp(limits) {}
@@ -84,8 +85,8 @@ private:
         return !ReadMessage(state) && state == HttpAnswer::State::Unfinished;
     }
 
-    // Whether it is clear what the message is. One that is whole is taken whatever HTTP says: some
-    // printers tell a wrong length, or none and stay connected.
+    // Whether the message is decided. A complete message is accepted whatever HTTP says: some
+    // printers send a wrong length, or none and keep the connection open.
     bool ReadMessage(HttpAnswer::State state) {
         switch (ipp.Read(http.Body())) {
             case IppReader::State::Whole:
@@ -112,13 +113,13 @@ private:
 
 IppReply ExchangeIpp(ByteStream& stream, const IppTarget& target, std::string_view request,
                      const IppLimits& limits, std::atomic<bool>* sent) {
-    // The request is written apart from its head: it may hold a secret, and is not copied.
+    // Write the request separately from its header: it may hold a secret and must not be copied.
     const bool isSent = stream.Write(Head(target, request.size())) && stream.Write(request);
     if (isSent && sent != nullptr) {
         *sent = true;
     }
     IppReply reply;
-    // A server that refuses may do so before it has read everything.
+    // A server may refuse before it has read the whole request.
     Answer answer(limits);
     std::array<char, 65536> room{};
     const WipeAtEnd wiped(room);

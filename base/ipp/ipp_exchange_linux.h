@@ -11,28 +11,28 @@
 
 namespace Base {
 
-// Where a request goes.
+// The destination of a request.
 struct IppTarget {
     std::string host;
     std::uint16_t port = 0;
     std::string resource;
-    std::string authorization;  // HTTP's field of that name; empty for none
+    std::string authorization;  // the HTTP header of that name; empty for none
 };
 
 struct IppReply {
-    int httpStatus = 0;  // 0: no HTTP answer
+    int httpStatus = 0;  // 0: no HTTP response
     std::optional<IppMessage> message;
-    std::string problem;  // why there is no message
+    std::string problem;  // the reason if there is no message
 };
 
-// Sends a request over a connection that has just been made, and reads its answer. One request, one
-// answer: nothing is repeated for a server that redirects, or wants to know who asks. An answer
-// that breaks a limit is refused as soon as it does. Sets `sent`, unless it is null, when the whole
-// request has gone out: for threads that do not wait for the answer.
+// Sends a request over a new connection and reads its answer. Sends one request only: does not
+// follow redirections or authenticate. Refuses an answer as soon as it exceeds a limit. Sets
+// `sent`, unless null, when the whole request has been sent, for threads that do not wait for the
+// answer.
 IppReply ExchangeIpp(ByteStream& stream, const IppTarget& target, std::string_view request,
                      const IppLimits& limits, std::atomic<bool>* sent = nullptr);
 
-// "ipp://host:631/path", with what must not stand in a URI encoded.
+// Returns "ipp://host:631/path", with characters that a URI must not contain percent-encoded.
 std::string IppUri(std::string_view scheme, const IppTarget& target);
 
 }  // namespace Base

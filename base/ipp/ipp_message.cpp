@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kStatusAt = 2;
 
-// The text in a value that holds two of them: its language, then the text, each with its length.
+// The text of a value that holds a language and a text, each preceded by its length.
 std::string_view WithoutLanguage(std::string_view value) {
     for (int part = 0; part < 2; ++part) {
         if (value.size() < 2 || ShortAt(value, 0) > value.size() - 2) {

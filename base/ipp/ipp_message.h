@@ -10,26 +10,26 @@
 
 namespace Base {
 
-// The tag that begins the attributes of a printer.
+// The tag that begins a printer's attributes.
 inline constexpr std::uint8_t kIppPrinterGroup = 0x04;
 inline constexpr std::uint8_t kIppOperationGroup = 0x01;
 
 class IppMessage;
 
-// One group of attributes of a message, which must outlive it. Of an attribute that stands twice in
-// a group the first counts.
+// One group of attributes. The message must outlive the group. If an attribute occurs twice in a
+// group, the first counts.
 class IppGroup {
 public:
     IppGroup(const IppMessage& owner, std::size_t position) : message(&owner), index(position) {}
 
     std::uint8_t Tag() const;
-    // The first value; empty when there is no such attribute, or when it is no text.
+    // The first value; empty when there is no such attribute, or when it is not text.
     std::string Text(std::string_view name) const;
-    // The same, as it stands in the message.
+    // The same value, as a view into the message.
     std::string_view TextView(std::string_view name) const;
-    // All values that are text.
+    // All values of the attribute that are text.
     std::vector<std::string> Texts(std::string_view name) const;
-    // An integer or enum.
+    // The first value, if it is an integer or enum.
     std::optional<std::int32_t> Integer(std::string_view name) const;
     std::optional<bool> Boolean(std::string_view name) const;
 
@@ -38,13 +38,13 @@ private:
     std::size_t index;
 };
 
-// A message as IppReader has checked it: its bytes, and where in them everything stands. What is
-// inside collections was checked, too, and is not kept.
+// A message that IppReader has checked: its bytes and the positions of its groups and values. The
+// contents of collections were checked, too, but are not kept.
 class IppMessage {
 public:
     std::uint16_t Status() const;
     std::vector<IppGroup> Groups() const;
-    // The first group of that tag.
+    // The first group with that tag.
     std::optional<IppGroup> Group(std::uint8_t tag) const;
 
 private:

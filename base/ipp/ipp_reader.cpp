@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kHeadSize = 8;
 constexpr std::size_t kLengthSize = 2;
 
-// Values of these kinds have one length only; 0 for all others.
+// The fixed length of values with this tag; 0 for a variable length.
 std::size_t FixedSizeOf(std::uint8_t tag) {
     if (tag == IppTag::kInteger || tag == IppTag::kEnum) {
         return 4;
@@ -23,7 +23,7 @@ std::size_t FixedSizeOf(std::uint8_t tag) {
 
 }  // namespace
 
-// A value with its tag and, where it is the first of its attribute, the attribute's name.
+// A value with its tag and, if it is the first value of its attribute, the attribute's name.
 struct IppReader::Item {
     std::uint8_t tag = 0;
     IppMessage::Place name;

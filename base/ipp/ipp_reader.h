@@ -7,37 +7,38 @@
 
 namespace Base {
 
-// What an IPP answer may have at most.
+// The limits of an IPP answer.
 struct IppLimits {
     std::size_t bytes;
-    // Attributes and groups, and their values. What is inside collections counts by its bytes.
+    // Limits for attributes and groups, and for values. The contents of collections count only
+    // towards the bytes.
     std::size_t attributes;
     std::size_t values;
 };
 
-// Checks an IPP answer while it comes, and finds what is in it, without recursion and with memory
-// within its limits. Knows no network.
+// Checks and parses an IPP answer as it arrives, without recursion and with bounded memory. Knows
+// no network.
 class IppReader {
 public:
     enum class State { Unfinished, Whole, Refused };
 
-    // Collections may be nested no deeper. Those of real printers have two or three levels.
+    // The deepest allowed nesting of collections. Real printers use two or three levels.
     static constexpr std::size_t kMaxDepth = 16;
-    // Names have 255 bytes at most by the standard.
+    // The standard allows names of up to 255 bytes.
     static constexpr std::size_t kMaxNameSize = 1023;
-    // The standard's limit for a value.
+    // The standard's limit for the length of a value.
     static constexpr std::size_t kMaxValueSize = 32767;
 
     explicit IppReader(const IppLimits& mostOfAll) : limits(mostOfAll) {}
 
-    // `soFar` holds the answer from its beginning, as far as it has come; goes on where the last
-    // call ended. What follows a whole message is not looked at.
+    // `soFar` holds the answer from its beginning, as far as it has arrived. Continues where the
+    // last call ended. Ignores bytes after a complete message.
     State Read(std::string_view soFar);
 
-    // Why the answer was refused, or where it stands when it is not finished, with the place.
+    // Why the answer was refused, or what is still missing, with the position.
     std::string Problem() const;
 
-    // A whole answer; `bytes` holds it.
+    // Returns the complete answer, which `bytes` holds.
     IppMessage Take(WipedBytes bytes);
 
 private:

@@ -9,7 +9,7 @@ namespace Base {
 
 namespace {
 
-// The longest name or value; operations have smaller numbers, too.
+// The longest name or value. The numbers of operations are smaller, too.
 constexpr std::size_t kMaxShort = 0x7fff;
 constexpr std::string_view kRequestNumber{"\0\0\0\1", 4};
 

@@ -15,21 +15,21 @@ enum class IppOperation : std::uint16_t {
     CupsGetPrinters = 0x4002,
 };
 
-// An IPP request as bytes. It may hold a secret: all its memory is wiped when it goes.
+// An IPP request as bytes. It may hold a secret: all its memory is wiped when it is destroyed.
 class IppRequest {
 public:
-    // IPP 2.0 or 1.1. Begins the group of the operation, with the text's charset and language.
+    // `version` is IPP 2.0 or 1.1. Begins the operation group, with the charset and the language.
     enum class Version : std::uint16_t { Old = 0x0101, Usual = 0x0200 };
     IppRequest(Version version, IppOperation operation);
 
-    // What is added from here on is the printer's.
+    // Begins the printer group.
     void BeginPrinter();
     void AddUri(std::string_view name, std::string_view uri);
     void AddKeywords(std::string_view name, const std::vector<std::string_view>& keywords);
     void AddName(std::string_view name, std::string_view value);
     void AddOctets(std::string_view name, std::string_view value);
 
-    // The whole message, which ends here: nothing is added afterwards.
+    // Ends the message and returns it. Nothing may be added afterwards.
     std::string_view Finish();
 
     IppRequest(const IppRequest&) = delete;

@@ -1,6 +1,6 @@
 #pragma once
 
-// The bytes by which an IPP message says what follows (RFC 8010, RFC 8011).
+// The tags of an IPP message (RFC 8010, RFC 8011).
 
 #include <cstdint>
 
@@ -8,7 +8,7 @@ namespace Base::IppTag {
 
 inline constexpr std::uint8_t kReserved = 0x00;
 inline constexpr std::uint8_t kEnd = 0x03;
-// Greater tags are those of values, up to this one those of groups.
+// Tags up to this one are delimiters of groups; greater tags are tags of values.
 inline constexpr std::uint8_t kLastGroup = 0x0f;
 inline constexpr std::uint8_t kInteger = 0x21;
 inline constexpr std::uint8_t kBoolean = 0x22;

@@ -6,8 +6,8 @@
 
 namespace Broker {
 
-// Notes a call of a vendor's entry point for as long as it lives. Whoever leaves it without having
-// returned was thrown out.
+// Records a call of a vendor's entry point during its own lifetime. Destroyed without Returned, it
+// records that the call was left by an exception.
 class CallNote {
 public:
     CallNote(std::string_view productId, const char* entryPoint)
@@ -20,7 +20,7 @@ public:
     CallNote(const CallNote&) = delete;
     CallNote& operator=(const CallNote&) = delete;
 
-    // The call has returned `result`, which this passes on.
+    // Records that the call has returned `result`, and returns `result`.
     int Returned(int result) {
         if (row != nullptr) {
             row->End(CallRow::CallState::kReturned, result);

@@ -16,7 +16,7 @@ std::uint64_t Now() {
     return static_cast<std::uint64_t>(std::chrono::duration_cast<nanoseconds>(now).count());
 }
 
-// As much of a vendor's name as the row keeps.
+// The vendor's name, truncated to what the row keeps.
 std::string_view Kept(std::string_view productId) {
     return productId.substr(0, sizeof(CallRow::Call::productId) - 1);
 }
@@ -46,7 +46,7 @@ bool CallRow::Take(std::string_view productId, const char* entryPoint) {
     if (phase == kNew) {
         Own(productId, entryPoint);
     }
-    // Each is a release: whoever sees one of them sees that the call before is over.
+    // Each store is a release: a reader that sees one of them sees that the call before is over.
     began.store(Now(), std::memory_order_release);
     thread.store(CurrentThread(), std::memory_order_release);
     progress.store(call << kPhaseBits | kUnderWay, std::memory_order_release);
@@ -73,7 +73,7 @@ void CallRow::Copy(Call& call, Phase phase) const {
 }
 
 bool CallRow::Read(Call& call) const {
-    // A row that is written by the thread which the reader has interrupted never gets on.
+    // The reader may have interrupted the thread that writes the row; then the row never changes.
     constexpr int attempts = 100;
     for (int attempt = 0; attempt < attempts; ++attempt) {
         const std::uint64_t before = progress.load(std::memory_order_acquire);

@@ -9,27 +9,27 @@
 
 namespace Broker {
 
-// One row of the call table: one entry point of one vendor, and its latest call. It is written by
-// the thread that has taken it and may be read by any other meanwhile, also by a signal handler on
-// the very thread that writes it.
+// One row of the call table: one entry point of one vendor, and its latest call. The thread that
+// has taken the row writes it. Any thread may read it at the same time, also a signal handler on
+// the writing thread.
 class CallRow {
 public:
     using Call = PrinterDeviceDiscoverSdk::VendorCall;
     using CallState = PrinterDeviceDiscoverSdk::VendorCallState;
 
-    // Takes the row for a call that begins on this thread; false when the row belongs to another
-    // entry point, or its call is still under way.
+    // Takes the row for a call that begins on this thread. False when the row belongs to another
+    // entry point, or its call is still running.
     bool Take(std::string_view productId, const char* entryPoint);
 
-    // Notes how the call ended for which the row was taken.
+    // Records how the call ended for which the row was taken.
     void End(CallState state, int result);
 
-    // As ReadVendorCall.
+    // See ReadVendorCall.
     bool Read(Call& call) const;
 
 private:
-    // What the row is at. It goes round the last three; the count of its calls stands above it, so
-    // that a reader sees whether another call came between.
+    // The phase of the row. It cycles through the last three. `progress` also counts the calls, in
+    // its upper bits, so that a reader notices a call in between.
     enum Phase : std::uint64_t { kNew, kBeginning, kUnderWay, kEnded };
     static constexpr unsigned kPhaseBits = 2;
     static constexpr std::uint64_t kPhaseMask = (1u << kPhaseBits) - 1;
@@ -43,7 +43,7 @@ private:
     std::size_t vendorLength = 0;
     const char* exportName = nullptr;
 
-    std::atomic<std::uint64_t> progress = kNew;  // the count of calls and the phase
+    std::atomic<std::uint64_t> progress = kNew;  // the number of calls and the phase
     std::atomic<std::uint64_t> began = 0;
     std::atomic<std::uint64_t> thread = 0;
     std::atomic<CallState> ending = CallState::kUnderWay;

@@ -8,10 +8,10 @@ namespace {
 
 constinit CallTable calls;
 
-// Where the search for a row begins, so that it mostly ends there. An entry point's name is always
-// the same text at the same place.
+// The row where the search begins and usually ends. An entry point's name is always the same string
+// at the same address.
 std::size_t FirstRow(std::string_view productId, const char* entryPoint) {
-    constexpr unsigned alike = 3;  // names stand this many bits apart at least
+    constexpr unsigned alike = 3;  // the addresses of names differ above these bits
     return (std::hash<std::string_view>()(productId) +
             (reinterpret_cast<std::uintptr_t>(entryPoint) >> alike)) %
            CallTable::kRows;

@@ -10,13 +10,14 @@
 
 namespace Broker {
 
-// The calls of vendors' entry points, in rows that never move. Nothing locks it, and nothing
-// destroys it: vendors are called until the process is gone.
+// The calls of vendors' entry points, in rows that never move. Needs no lock and is never
+// destroyed: vendors are called until the process is gone.
 class CallTable {
 public:
     static constexpr std::size_t kRows = 512;
 
-    // A row for a call that begins on this thread. Null, and counted, when there is none.
+    // Takes a row for a call that begins on this thread. Null when none is free; the call is then
+    // counted.
     CallRow* Begin(std::string_view productId, const char* entryPoint);
 
     const CallRow& RowAt(std::size_t index) const { return rows[index]; }
@@ -27,7 +28,7 @@ private:
     std::atomic<std::uint64_t> unrecorded = 0;
 };
 
-// The one of the process.
+// The process's table.
 CallTable& Calls();
 
 }  // namespace Broker

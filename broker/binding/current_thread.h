@@ -4,7 +4,7 @@
 
 namespace Broker {
 
-// Tells the calling thread from all others that run now. Safe in a signal handler.
+// An identifier of the calling thread, unique among the running threads. Safe in a signal handler.
 std::uint64_t CurrentThread();
 
 }  // namespace Broker

@@ -9,17 +9,17 @@
 
 namespace Broker {
 
-// One entry point of a family, as data: how it is called in the module, what is logged when the
-// module lacks it, and where in the family's table entry it goes.
+// One entry point of a family, as data: its exported name, the text logged when the module lacks
+// it, and its slot in the family's table entry.
 template <class Entry>
 struct EntryPoint {
     const char* exportName;
     const char* missingMessage;
     void (*store)(Entry& entry, FARPROC symbol);
-    const void* place;  // the slot's in kPlaces
+    const void* place;  // identifies the slot
 };
 
-// Tells slots apart at compile time, where the sanitizers do not let functions be compared.
+// Distinguishes slots at compile time; under the sanitizers functions cannot be compared there.
 template <class Entry>
 inline constexpr Entry kPlaces{};
 
@@ -30,7 +30,7 @@ template <class Entry, auto Slot>
 void Store(Entry& entry, FARPROC symbol) {
     auto& slot = entry.*Slot;
     using Function = std::remove_reference_t<decltype(slot)>;
-    // By way of void(*)(), which every function pointer may be cast to and from.
+    // Cast through void(*)(), to and from which every function pointer may be cast.
     slot = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(symbol));
 }
 
@@ -41,7 +41,7 @@ struct EntryPointList {
     std::array<std::size_t, Count> lookupOrder;
 };
 
-// The list of a family that is looked up in slot order.
+// The list of a family whose entry points are looked up in slot order.
 template <class Entry, std::size_t Count>
 constexpr EntryPointList<Entry, Count> InSlotOrder(
     const std::array<EntryPoint<Entry>, Count>& entryPoints) {
@@ -52,8 +52,7 @@ constexpr EntryPointList<Entry, Count> InSlotOrder(
     return list;
 }
 
-// How the entry point in a family's slot is called in a module. A slot that is not in the family's
-// list does not compile.
+// The exported name for a family's slot. A slot that is not in the family's list does not compile.
 template <auto Slot, class Entry, std::size_t Count>
 consteval const char* ExportName(const EntryPointList<Entry, Count>& list) {
     std::size_t at = 0;
@@ -67,7 +66,7 @@ consteval const char* ExportName(const EntryPointList<Entry, Count>& list) {
     ::Broker::EntryPoint<Entry>{#name, message, &::Broker::Store<Entry, &Entry::slot>, \
                                 ::Broker::kPlace<Entry, &Entry::slot>},
 
-// The lists of the three families. `Entry` is the family's table entry, whose slots come from the
+// The lists of the three families. `Entry` is the family's table entry; its slots are made from the
 // same rows.
 template <class Entry>
 inline constexpr auto kScanEntryPoints = InSlotOrder(std::array{
@@ -77,7 +76,7 @@ template <class Entry>
 inline constexpr auto kNetConnEntryPoints = InSlotOrder(std::array{
     VENDORSDK_NETCONN_ENTRY_POINTS(BROKER_ENTRY_POINT)});
 
-// Looked up in another order than that of the slots: the Wi-Fi scan comes last.
+// Not looked up in slot order: the Wi-Fi scan comes last.
 template <class Entry>
 inline constexpr EntryPointList<Entry, 3> kUsbEntryPoints{
     {VENDORSDK_USB_ENTRY_POINTS(BROKER_ENTRY_POINT)}, {0, 2, 1}};

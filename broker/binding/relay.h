@@ -6,18 +6,18 @@
 
 namespace Broker {
 
-// What the listeners share: the application's registration, the vendors' registration whose
-// callback is the listener's relay, and the way from one to the other. A registration is a plain
-// record {callback, param} that vendor threads read while the application sets or clears it, so
-// each field is one atomic access. The lines are logged under `where`, the listener's own function.
+// Shared code of the listeners: the application's registration, the vendors' registration whose
+// callback is the listener's relay, and the forwarding of reports. A registration is a plain record
+// {callback, param}. Vendor threads read it while the application sets or clears it, so each field
+// is accessed atomically. Lines are logged under `where`, the listener's own function.
 
 template <class Info>
 auto Callback(Info& registration) {
     return std::atomic_ref(registration.callback).load(std::memory_order_acquire);
 }
 
-// Replaces one field. One that already holds its value is left alone, so that whoever holds the
-// registration may read it without precautions while the application starts the same again.
+// Replaces one field. A field that already holds the value is not written, so that a vendor may
+// read the registration without synchronisation while the application starts the same scan again.
 template <class Field>
 void ReplaceField(Field& field, Field value) {
     const std::atomic_ref shared(field);
@@ -26,7 +26,7 @@ void ReplaceField(Field& field, Field value) {
     }
 }
 
-// Replaces `registration`, each field on its own.
+// Replaces `registration`, field by field.
 template <class Info>
 void Register(Info& registration, const Info& info) {
     ReplaceField(registration.param, info.param);
@@ -42,16 +42,17 @@ VendorSideInfo* SetRegistration(OwnInfo& own, VendorSideInfo& vendor, const OwnI
     return &vendor;
 }
 
-// The vendors' registration stays: what they still report finds nobody.
+// Clears the application's registration. The vendors' registration stays; their further reports are
+// dropped.
 template <class OwnInfo>
 void ClearRegistration(OwnInfo& own, const Location& where) {
     Log(LOG_LEVEL_DEBUG, where, "Clear info");
     Register(own, {});
 }
 
-// Hands the application its own copy of `record`, made by `convert` onto `start`, and returns its
-// answer; 0 when nobody listens. The callback is read once: a clear in between cannot make it a
-// null call.
+// Calls the application's callback with a copy of `record`, which `convert` writes over `start`,
+// and returns its result; 0 without a callback. The callback is read once, so that a concurrent
+// clear cannot lead to a call of null.
 template <class OwnInfo, class VendorRecord, class OwnRecord>
 int RelayReport(OwnInfo& own, const VendorRecord* record, OwnRecord start,
                 void (*convert)(const VendorRecord&, OwnRecord&), const Location& where) {

@@ -9,12 +9,11 @@
 namespace Broker {
 
 // Guards tables that detached threads may read during process exit. After Close() no reader is
-// inside and none can enter. It needs no destruction.
+// inside and none can enter. Trivially destructible.
 class TableGate {
 public:
-    // Closes the gate and waits for readers that are inside. They look things up and do nothing
-    // else, so that takes a moment; in a process that was copied by fork they never leave, and the
-    // wait ends all the same.
+    // Closes the gate and waits for the readers inside. Readers only look things up, so the wait is
+    // short. In a child after fork the readers never leave; the wait ends anyway.
     void Close() {
         isClosed = true;
         const auto end = std::chrono::steady_clock::now() + kPatience;
@@ -32,8 +31,8 @@ private:
     std::atomic<bool> isClosed{false};
 };
 
-// One look-up behind the gate, for as long as it lives; false when the gate is closed. Neither logs
-// nor calls anybody: the end of the process waits for it.
+// One look-up behind the gate, during the object's lifetime. False when the gate is closed. The
+// holder must not log or call vendors: process exit waits for it.
 class TableUse {
 public:
     explicit TableUse(TableGate& tableGate) : gate(tableGate) { ++gate.inside; }

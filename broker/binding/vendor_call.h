@@ -12,12 +12,12 @@
 
 namespace Broker {
 
-// The dispatchers' own results; every other value is a vendor's.
+// The dispatchers' own results; every other value comes from a vendor.
 inline constexpr int kNothingToCall = -1;
 inline constexpr int kNotInitialised = -2;
 inline constexpr int kNoCallback = -3;
 
-// What every failure of a vendor becomes where the application is not told which it was.
+// The result for any failure of a vendor, where the application does not get the vendor's own.
 inline constexpr int kVendorFailed = -1;
 
 // Refuses an operation of a dispatcher that has no vendors yet.
@@ -26,7 +26,7 @@ inline int NotInitialised(const Location& where) {
     return kNotInitialised;
 }
 
-// Logs what a vendor's entry point returned, 0 being its success, and passes it on.
+// Logs and returns the result of a vendor's entry point; 0 is success.
 inline int Outcome(int result, std::string_view failure, const Location& where) {
     if (result == 0) {
         Log(LOG_LEVEL_DEBUG, where, "call Func OK");
@@ -36,8 +36,8 @@ inline int Outcome(int result, std::string_view failure, const Location& where) 
     return result;
 }
 
-// The device's vendor: the one whose product id equals the device's model id. The table's end, with
-// the reason logged, when there is none.
+// Finds the device's vendor, whose product id equals the device's model id. Logs the reason and
+// returns the table's end when there is none.
 template <class Entry>
 typename VendorTable<Entry>::const_iterator FindVendor(
     const VendorTable<Entry>& vendors, const PrinterDeviceDiscoverSdk::DeviceInfo& device,
@@ -49,9 +49,9 @@ typename VendorTable<Entry>::const_iterator FindVendor(
     return vendor;
 }
 
-// A vendor's entry point, to be called: every call of one goes through here and is noted in the
-// table of calls. Null when the vendor has none. It needs no vendor table: it may be called on a
-// thread that goes on while the process ends.
+// A callable entry point of a vendor. Every call of an entry point goes through this class and is
+// recorded in the table of calls. Null when the vendor lacks the entry point. Uses no vendor table,
+// so it may be called on a thread that still runs during process exit.
 template <class Function>
 class VendorFunction {
 public:
@@ -73,15 +73,15 @@ private:
     Function* function = nullptr;
 };
 
-// What the vendor has in the slot of a family's list.
+// The vendor's entry point in the slot of a family's list.
 template <auto Slot, const auto& List, class Vendor>
 auto FunctionOf(const Vendor& vendor) {
     const auto& [productId, entry] = vendor;
     return VendorFunction(productId, ExportName<Slot>(List), entry.*Slot);
 }
 
-// The entry point that the device's vendor has in the slot; null, with the reason logged, when
-// there is none.
+// The entry point of the device's vendor in the slot. Logs the reason and returns null when there
+// is none.
 template <auto Slot, const auto& List, class Entry>
 auto FindFunction(const VendorTable<Entry>& vendors,
                   const PrinterDeviceDiscoverSdk::DeviceInfo& device, const Location& where) {
@@ -97,7 +97,7 @@ auto FindFunction(const VendorTable<Entry>& vendors,
     return function;
 }
 
-// The vendors' form of the application's record.
+// Converts the application's record to the vendors'.
 inline VendorSdk::DeviceInfo VendorRecord(const PrinterDeviceDiscoverSdk::DeviceInfo& device) {
     VendorSdk::DeviceInfo vendorDevice;
     PrinterDeviceDiscoverSdk::DiscoverBasic::GetVendorSdkDeviceInfo(device, vendorDevice);

@@ -14,17 +14,17 @@
 
 namespace Broker {
 
-// A dispatcher's vendors by product id. The table owns one reference to each entry's module.
+// The vendors of a dispatcher by product id. The table owns one reference to each entry's module.
 template <class Entry>
 using VendorTable = std::map<std::string, Entry>;
 
-// A reference to a module that nobody owns yet.
+// Releases a module reference that the table does not own yet.
 struct ModuleRelease {
     void operator()(HINSTANCE module) const { FreeLibrary(module); }
 };
 using ModuleReference = std::unique_ptr<std::remove_pointer_t<HINSTANCE>, ModuleRelease>;
 
-// The vendors that the application supports now; logged under `where` when there is none.
+// Returns the vendors that the application supports now. Logs under `where` when there is none.
 inline std::vector<VendorInfo> SupportedVendors(const Location& where) {
     std::vector<VendorInfo> vendors;
     VendorDllMgr::GetInstance().GetCurrentSupportList(vendors);
@@ -34,14 +34,14 @@ inline std::vector<VendorInfo> SupportedVendors(const Location& where) {
     return vendors;
 }
 
-// Looks up the module's entry points, each into its slot. One that the module lacks is logged and
-// leaves its slot null; it never costs the vendor its place.
+// Looks up the module's entry points and stores each in its slot. A missing entry point is logged
+// and leaves its slot null; the vendor stays in the table.
 template <class Entry, std::size_t Count>
 void LookUpEntryPoints(Entry& entry, const EntryPointList<Entry, Count>& list,
                        const Location& where) {
     for (const std::size_t slot : list.lookupOrder) {
         const EntryPoint<Entry>& entryPoint = list.entryPoints[slot];
-        // One system would look in the program itself when there is no module.
+        // With a null module, dlsym would search the program itself.
         const FARPROC symbol =
             entry.module == nullptr ? nullptr : GetProcAddress(entry.module, entryPoint.exportName);
         entryPoint.store(entry, symbol);
@@ -52,10 +52,10 @@ void LookUpEntryPoints(Entry& entry, const EntryPointList<Entry, Count>& list,
 }
 
 // Adds the supported vendors to `table`, each with the module that `moduleName` names and the entry
-// points of `list`; false when none is supported. A vendor without a module is passed over; one
-// whose product id is in the table already is dropped, and its module stays loaded. The lines are
-// logged under `where`, the dispatcher's own function. When something throws, the table owns what
-// it holds by then, and every other reference has been given back.
+// points of `list`. False when no vendor is supported. Skips a vendor without a module. Drops a
+// vendor whose product id is already in the table; its module stays loaded. Lines are logged under
+// `where`, the dispatcher's own function. After an exception the table owns the references of its
+// entries, and all others are released.
 template <class Entry, std::size_t Count>
 bool BindVendors(VendorTable<Entry>& table, std::string VendorInfo::*moduleName,
                  const EntryPointList<Entry, Count>& list, const Location& where) {
@@ -69,14 +69,14 @@ bool BindVendors(VendorTable<Entry>& table, std::string VendorInfo::*moduleName,
         LookUpEntryPoints(entry, list, where);
         Log(LOG_LEVEL_WARNING, where, "productId", vendor.productId.c_str());
         table.emplace(vendor.productId, entry);
-        // The table's from now on; or that of a dropped vendor, whose module stays loaded.
+        // The table owns the reference now; or the vendor was dropped and its module stays loaded.
         static_cast<void>(reference.release());
     }
     return !vendors.empty();
 }
 
-// The binding in a dispatcher's constructor. No destructor follows one that throws: what it has
-// bound is released, and the next first use begins anew.
+// Binds the vendors in a dispatcher's constructor. When a constructor throws, no destructor runs:
+// the bound modules are released here, and the next use starts again.
 template <class Bind, class Release>
 bool BindFirst(Bind bind, Release release) {
     try {
@@ -88,7 +88,7 @@ bool BindFirst(Bind bind, Release release) {
     }
 }
 
-// Gives back every module, in the order of the product ids, and empties the table.
+// Releases every module, in the order of the product ids, and empties the table.
 template <class Entry>
 void ReleaseVendors(VendorTable<Entry>& table) {
     for (auto& [productId, entry] : table) {

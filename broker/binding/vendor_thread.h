@@ -10,8 +10,8 @@
 
 namespace Broker {
 
-// Keeps this library in memory until the process ends, whoever unloads it: its code runs, or will
-// be called, on threads that nobody waits for.
+// Keeps this library in memory until the process ends, even when it is unloaded: detached threads
+// run or call its code.
 inline void KeepThisLibrary() {
     static std::atomic<bool> isKept{false};
     if (!isKept) {
@@ -19,16 +19,16 @@ inline void KeepThisLibrary() {
     }
 }
 
-// What the application wants done first on each thread that calls a vendor.
+// Runs the application's `prepare` (PrepareVendorThreads) on this thread.
 void PrepareThread();
 
-// Runs `body` on a thread of its own that nobody waits for. Throws std::system_error when there is
-// none to be had. A body that has no memory ends where it is: there is nobody to tell.
+// Runs `body` on a new detached thread. Throws std::system_error when the thread cannot be started.
+// If `body` runs out of memory, it ends without any report.
 //
-// The thread does not end before it is detached: the run-time library of MinGW-w64 mixes up its
-// threads when one ends while it is being detached, and one that is started next never runs. It
-// yields rather than waits: that run-time's waiting leaves static objects whose destruction hangs
-// when the process ends while a thread was about to wait.
+// The thread does not end before it is detached. The run-time library of MinGW-w64 confuses its
+// threads when a thread ends while it is being detached: the thread started next then never runs.
+// The thread yields instead of waiting, because waiting in that run-time library creates static
+// objects whose destruction hangs when the process ends while a thread is about to wait.
 template <class Body>
 void RunDetached(Body body) {
     KeepThisLibrary();
@@ -38,7 +38,7 @@ void RunDetached(Body body) {
         try {
             body();
         } catch (const std::bad_alloc&) {
-            // What it had still to do is lost.
+            // The rest of its work is lost.
         }
         while (!*detached) {
             std::this_thread::yield();

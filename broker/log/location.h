@@ -6,16 +6,16 @@
 
 namespace Broker {
 
-// Where a log line comes from: the qualified name of the function, as MSVC's function macro renders
-// it.
+// The origin of a log line: the qualified name of the function, in the form of MSVC's function
+// macro.
 struct Location {
     std::string_view function;
-    std::string_view suffix;  // of a lambda: its own name, behind that of the function around it
+    std::string_view suffix;  // for a lambda: its name, after that of the enclosing function
 };
 
-// Derives the location from a compiler's rendering of a function's signature: return type,
-// parameters and qualifiers go, a lambda becomes "::<lambda_1>::operator ()". An MSVC rendering
-// comes out as it is. The result points into `signature`.
+// Derives the location from a compiler's text of a function's signature: removes return type,
+// parameters and qualifiers, and writes a lambda as "::<lambda_1>::operator ()". MSVC's text is
+// unchanged. The result points into `signature`.
 constexpr Location LocationOf(std::string_view signature) {
     constexpr std::string_view msvcLambdaEnd = ">::operator ()";
     if (signature.ends_with(msvcLambdaEnd)) {
@@ -31,7 +31,7 @@ constexpr Location LocationOf(std::string_view signature) {
             break;
         }
     }
-    // The parameter list is the last group of parentheses; template parameters may stand inside it.
+    // The parameter list is the last group of parentheses; it may contain template parameters.
     if (const auto close = signature.rfind(')'); close != std::string_view::npos) {
         auto open = close;
         for (int depth = 1; depth > 0 && open > 0;) {
@@ -40,7 +40,7 @@ constexpr Location LocationOf(std::string_view signature) {
         }
         signature = signature.substr(0, open);
     }
-    // The name is what follows the last blank outside of template arguments and parentheses.
+    // The name follows the last blank outside of template arguments and parentheses.
     auto begin = signature.size();
     for (int depth = 0; begin > 0; --begin) {
         const char c = signature[begin - 1];
@@ -59,5 +59,5 @@ consteval Location CompiledLocationOf(std::string_view signature) {
 
 }  // namespace Broker
 
-// The location of the function that it stands in.
+// The location of the enclosing function.
 #define HERE ::Broker::CompiledLocationOf(PLATFORM_FUNCTION_SIGNATURE)

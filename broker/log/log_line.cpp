@@ -15,13 +15,13 @@ namespace Broker {
 
 namespace {
 
-// What the stream takes before it has to grow: more than nearly every line needs.
+// The stream's initial capacity: enough for nearly every line.
 constexpr std::size_t kRoom = 250;
-// More than any line with a secret needs: a stream that grows leaves a copy behind.
+// More than any line with a secret needs: a growing stream leaves a copy of its text in memory.
 constexpr std::size_t kRoomForSecrets = 1000;
 
-// The digits that a stream writes for `value` in the classic locale, in `room`. A stream takes
-// several times as long to write them itself. Empty for what it has to write.
+// Writes to `room` the digits that a stream in the classic locale would write for `value`; this is
+// several times faster than the stream. Empty when the stream must write the value itself.
 template <std::size_t Size, class Number>
 std::string_view Digits(Number value, char (&room)[Size]) {
     const auto [end, error] = std::to_chars(room, room + Size, value);
@@ -51,9 +51,8 @@ std::string_view Digits(float value, char (&room)[Size]) {
     return {room, error == std::errc() ? static_cast<std::size_t>(end - room) : 0};
 }
 
-// One line in the making. Text is gathered in wide form and reaches the stream in one piece: an
-// insertion costs more than the text in it. What goes wrong on the way stays in the stream's state,
-// as with any insertion.
+// Composes one line. Collects wide text and inserts it into the stream in one piece, because an
+// insertion costs more than its text. Errors set the stream's state, as with any insertion.
 class Line {
 public:
     // cppcheck-suppress uninitMemberVar ; text is written before it is read, as far as gathered
@@ -67,7 +66,7 @@ public:
                 ascii &= widen(piece, text + gathered);
             }
             PLATFORM_CATCH_ALL {
-                // What came before is kept.
+                // Keeps the text before it.
                 Flush();
                 stream.setstate(std::ios_base::badbit);
                 return;
@@ -107,7 +106,7 @@ public:
         return stream;
     }
 
-    // Of a line that is not needed any more.
+    // Wipes the text of a finished line.
     void WipeAll() {
         std::wstring written = std::move(stream).str();
         written.resize(written.capacity());
@@ -126,7 +125,8 @@ private:
         }
     }
 
-    // A stream that is given a string goes on in its storage. Without it, it sees to its own.
+    // A stream constructed with a string continues in the string's storage; otherwise it allocates
+    // its own.
     void MakeRoom(std::size_t characters) {
         try {
             std::wstring room;
@@ -137,7 +137,7 @@ private:
         }
     }
 
-    // How much text can be gathered now, at least one character.
+    // The room for more text: at least one character.
     std::size_t Space() {
         if (gathered == std::size(text)) {
             Flush();
@@ -154,8 +154,8 @@ private:
 
     void Insert() { stream.rdbuf()->sputn(text, static_cast<std::streamsize>(gathered)); }
 
-    // A stream's buffer that is full drops the character that stands for the end of a file, which
-    // is what bytes beyond ASCII become in some locales. It is then given its text whole.
+    // A full stream buffer drops the end-of-file character, to which some locales widen non-ASCII
+    // bytes. Such text is inserted as a whole.
     void InsertAny() {
         using Traits = std::wstring_view::traits_type;
         const std::wstring_view piece(text, gathered);
@@ -190,7 +190,7 @@ void LogLine(Line& line, LOG_MESSAGE_LEVEL level, const Location& where,
         KzLogger::GetInstance().Log(level, stream);
     }
     PLATFORM_CATCH_ALL {
-        // A logger that cannot log must not change what an operation does.
+        // A failing logger must not change an operation's behaviour.
         return;
     }
 }

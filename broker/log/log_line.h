@@ -10,26 +10,26 @@
 
 namespace Broker {
 
-// A number that is written in hexadecimal: small letters, no prefix, no padding.
+// A number to be written in hexadecimal: lower case, no prefix, no padding.
 struct Hex {
     std::int32_t value;
 };
 
-// What the text of a log line is made of.
+// One piece of a log line's text.
 using LogPiece =
     std::variant<std::string_view, std::wstring_view, std::int32_t, std::uint64_t, float, Hex>;
 
-// Logs the pieces, one directly behind the other, and the location in parentheses. Narrow text is
-// widened byte by byte through the stream's locale, never decoded. Throws only when the stream
-// cannot be made for lack of memory; whatever the logger does stays without consequence.
+// Logs the pieces without separators, then the location in parentheses. Narrow text is widened byte
+// by byte by the stream's locale, never decoded. Throws only when there is no memory for the
+// stream; failures of the logger have no effect.
 void LogPieces(LOG_MESSAGE_LEVEL level, const Location& where,
                std::initializer_list<LogPiece> pieces);
 
-// The same, of a line that holds a secret: no copy of it stays in memory.
+// The same for a line with a secret: no copy of the line stays in memory.
 void LogSecretPieces(LOG_MESSAGE_LEVEL level, const Location& where,
                      std::initializer_list<LogPiece> pieces);
 
-// Logs the message and the values behind it.
+// Logs the message followed by the values.
 template <class... Pieces>
 void Log(LOG_MESSAGE_LEVEL level, const Location& where, const Pieces&... messageAndValues) {
     LogPieces(level, where, {LogPiece(messageAndValues)...});

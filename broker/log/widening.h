@@ -8,11 +8,11 @@
 
 namespace Broker {
 
-// Makes narrow text wide, byte by byte, as the character-type facet of a locale does. To be used no
-// longer than the locale.
+// Widens narrow text byte by byte, like the character-type facet of a locale. The locale must
+// outlive this object.
 //
-// Nearly every process stays in the classic locale. There the facet is looked up once for all, and
-// ASCII, once the facet is seen to keep it as it is, is widened a block at a time without it.
+// Nearly every process uses the classic locale. Its facet is looked up only once and, if the facet
+// keeps ASCII unchanged, ASCII is widened in blocks without the facet.
 class Widening {
 public:
     static Widening Of(const std::locale& locale) {
@@ -20,10 +20,10 @@ public:
         return locale == std::locale::classic() ? classic : Widening(locale, Ascii::Unknown);
     }
 
-    // Whether the locale is the classic one, in which ASCII stays what it is.
+    // Whether this is the classic locale, which keeps ASCII unchanged.
     bool IsClassic() const { return keepsAscii; }
 
-    // Writes as many characters to `wide` as `narrow` has. True when all are ASCII, as they were.
+    // Writes to `wide` as many characters as `narrow` has. True when all are unchanged ASCII.
     bool operator()(std::string_view narrow, wchar_t* wide) const {
         const char* from = narrow.data();
         const char* const end = from + narrow.size();
@@ -60,8 +60,8 @@ private:
         return kept;
     }
 
-    // Widens one block; false, with nothing written, when it is not all ASCII. The loop over a copy
-    // of fixed size is what compilers make vector instructions of.
+    // Widens one block. False, with nothing written, when the block is not all ASCII. Compilers
+    // vectorise the loop because it runs over a copy of fixed size.
     static bool WidenAscii(const char* narrow, wchar_t* wide) {
         std::uint64_t halves[2];
         static_assert(sizeof halves == kBlock);

@@ -4,7 +4,7 @@
 
 namespace Broker {
 
-// Overwrites memory in a way that no optimisation leaves out.
+// Overwrites memory in a way that the compiler cannot optimise away.
 inline void Wipe(void* memory, std::size_t size) {
     volatile char* const bytes = static_cast<char*>(memory);
     for (std::size_t at = 0; at < size; ++at) {
@@ -12,7 +12,7 @@ inline void Wipe(void* memory, std::size_t size) {
     }
 }
 
-// Wipes a plain record, which holds a pass phrase, at the end of the scope.
+// Wipes a plain record that holds a pass phrase at the end of the scope.
 template <class Record>
 class WipeAtEnd {
 public:

@@ -14,8 +14,8 @@ using NetConnVendors = Broker::VendorTable<Item>;
 
 constexpr auto& kNetConnEntries = Broker::kNetConnEntryPoints<Item>;
 
-// The chosen vendor's entry point; null, with the reason logged, when there is no vendor or it has
-// none.
+// The entry point of the chosen vendor. Logs the reason and returns null when there is no vendor or
+// it lacks the entry point.
 template <auto Slot>
 auto ChosenFunction(const NetConnVendors& vendors, NetConnVendors::const_iterator vendor,
                     const char* missing, const Broker::Location& where) {
@@ -93,8 +93,8 @@ int NetConnInterface::StartAPWifiScan(const WifiCallbackInfo& info) {
     NetConnInterfaceListener& listener = NetConnInterfaceListener::GetInstance();
     VendorSdk::WifiCallbackInfo* const registration = listener.SetDeviceCallbackInfo(info);
     if (!listener.GetDeviceCallbackIsEnable()) {
-        // What is tested is that nobody listens; the text says otherwise, and applications know it
-        // so.
+        // This branch means that there is no callback. The text says otherwise, but applications
+        // rely on it.
         Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Enable,please first Stop");
         return Broker::kNoCallback;
     }

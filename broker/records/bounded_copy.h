@@ -5,7 +5,7 @@
 
 namespace Broker {
 
-// What BoundedCopy does when it cannot copy.
+// Handles the failures of BoundedCopy.
 int RefuseCopy(void* destination, std::size_t capacity, const void* source);
 
 // Copies `count` bytes into a field of `capacity` bytes, with the contract of memcpy_s:
@@ -23,7 +23,7 @@ inline int BoundedCopy(void* destination, std::size_t capacity, const void* sour
     return 0;
 }
 
-// Copies a field onto the field of the same width in the other family's record.
+// Copies a field to the field of the same width in the other family's record.
 template <std::size_t Width>
 int BoundedCopy(char (&destination)[Width], const char (&source)[Width]) {
     return BoundedCopy(destination, Width, source, Width);

@@ -6,7 +6,7 @@
 
 namespace Broker {
 
-// The two lines with which a facade says what device it was called for.
+// Logs the two lines with which a facade names the device of a call.
 inline void LogDevice(const PrinterDeviceDiscoverSdk::DeviceInfo& device, const Location& where) {
     Log(LOG_LEVEL_DEBUG, where, "deviceSN", FieldText(device, device.deviceSN));
     Log(LOG_LEVEL_DEBUG, where, "modelID", FieldText(device, device.modelID));

@@ -8,7 +8,7 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-// The two families are laid out alike and are distinct types: one body serves both directions.
+// The two families have the same layout but are distinct types: one body serves both directions.
 template <class From, class To>
 void CopyDevice(const From& from, To& to) {
     to.code1 = from.code1;

@@ -6,8 +6,8 @@
 
 namespace Broker {
 
-// The text of a record's field, up to its terminator. A field without one runs on into the fields
-// behind it, as far as the record goes and no further. `field` is a member of `record`.
+// Returns the text of `field`, a member of `record`, up to its terminator. Without a terminator the
+// text continues into the next fields, but never beyond the record.
 template <class Record>
 std::string_view FieldText(const Record& record, const char* field) {
     const char* begin = reinterpret_cast<const char*>(&record);

@@ -13,7 +13,7 @@ using ScanVendors = Broker::VendorTable<ScanEntry>;
 
 constexpr auto& kScanEntries = Broker::kScanEntryPoints<ScanEntry>;
 
-// Tells the device's vendor of a connection event.
+// Notifies the device's vendor of a connection event.
 template <auto Slot>
 int Notify(const ScanVendors& vendors, const DeviceInfo& device, const Broker::Location& where) {
     const auto notify = Broker::FindFunction<Slot, kScanEntries>(vendors, device, where);
@@ -65,7 +65,7 @@ int ScanInterface::StartDeviceScan(const DeviceCallbackInfo& info) {
     VendorSdk::DeviceCallbackInfo* const registration = listener.SetDeviceCallbackInfo(info);
     int result = Broker::kNothingToCall;
     for (const auto& vendor : vendors) {
-        // A stop clears the registration without waiting for the lock: each vendor asks again.
+        // A stop clears the registration without taking the lock, so it is checked for each vendor.
         if (!listener.GetDeviceCallbackIsEnable()) {
             Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Not Enable");
             return Broker::kNoCallback;

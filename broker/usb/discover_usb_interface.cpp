@@ -12,7 +12,7 @@
 using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterSdk::PrinterProperty;
 
-// Fills in the serial number and the model; a text that does not fit its field leaves it empty.
+// Fills in the serial number and the model. A text that does not fit leaves its field empty.
 static void PrinterPropertyToDeviceInfo(const PrinterProperty& printer, DeviceUsbInfo& device) {
     const std::string serialNumber = PrinterUtil::WStringToString(printer.serialNumber);
     const std::string modelId = PrinterUtil::WStringToString(printer.modelID);
@@ -48,11 +48,11 @@ DiscoverUsbInterface::~DiscoverUsbInterface() = default;
 
 int DiscoverUsbInterface::StartDeviceMonitor(const DeviceCallbackInfo& info) {
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "Start usb Monitor");
-    // The device manager reports on a thread of its own.
+    // The device manager reports on its own thread.
     Broker::KeepThisLibrary();
     const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo registration =
         UsbInterfaceMonitor::GetInstance().SetDeviceStateCallbackInfo(info);
-    // The device manager may be reading what a start before gave it, on a thread of its own.
+    // The device manager's thread may still be reading the registration of an earlier start.
     Broker::ReplaceField(monitorRegistration.value, registration.value);
     Broker::ReplaceField(monitorRegistration.callback, registration.callback);
     PrinterDiscoverAPI::PrinterUsbDeviceManager::GetInstance().StartMonitor(monitorRegistration);
@@ -85,7 +85,7 @@ int DiscoverUsbInterface::GetDeviceNoConfigNet(std::vector<DeviceUsbInfo>& devic
     }
     for (const PrinterProperty* const printer : usbPrinters) {
         DeviceUsbInfo device;
-        std::memset(&device, 0, sizeof device);  // its last byte, which no field has, among them
+        std::memset(&device, 0, sizeof device);  // also its last byte, which is padding
         PrinterPropertyToDeviceInfo(*printer, device);
         device.isNetConfigured = wlanSerialNumbers.contains(printer->serialNumber);
         Broker::Log(LOG_LEVEL_WARNING, HERE, "get one usbInfo");

@@ -20,12 +20,12 @@ constexpr auto& kUsbEntries = Broker::kUsbEntryPoints<UsbEntry>;
 constexpr std::int32_t kMaxDevices = 64;
 constexpr std::int32_t kMaxNetworks = 128;
 
-// Where a hardware identifier, VID_vvvv&PID_pppp, holds its numbers.
+// The positions of the numbers in a hardware identifier, VID_vvvv&PID_pppp.
 constexpr std::size_t kVendorIdAt = 4;
 constexpr std::size_t kProductIdAt = 13;
 constexpr std::size_t kIdLength = 4;
 
-// The hexadecimal number at a place of the identifier; 0 when there is none.
+// The hexadecimal number at `position` of the identifier; 0 when there is none.
 std::int32_t IdAt(const std::string& usbId, std::size_t position) {
     std::istringstream digits(usbId.substr(position, kIdLength));
     std::int32_t id = 0;
@@ -33,13 +33,12 @@ std::int32_t IdAt(const std::string& usbId, std::size_t position) {
     return id;
 }
 
-// Whether a vendor's count says that records are there. One beyond the room it was given is no
-// count.
+// Whether a vendor's count announces records. A count above the available room is invalid.
 bool IsUsable(std::int32_t count, std::int32_t most) {
     return count >= 1 && count <= most;
 }
 
-// The printers that are plugged in are looked up on threads that nobody waits for.
+// Detached threads look up the vendors of plugged-in printers.
 Broker::TableGate gate;
 
 bool IsReadable(const bool& initialised) {
@@ -47,7 +46,7 @@ bool IsReadable(const bool& initialised) {
     return tables && initialised;
 }
 
-// What became of the look-up of an identifier's vendor.
+// The outcome of looking up an identifier's vendor.
 enum class Search { kClosed, kNoProduct, kNoVendor, kFound };
 
 struct Enumeration {
@@ -55,7 +54,7 @@ struct Enumeration {
     Broker::VendorFunction<VendorSdk::GetDeviceInfoByUsbFunction> function;
 };
 
-// The two look-ups, and nothing that takes time: the end of the process waits for them.
+// Does only the two look-ups, which are fast: process exit waits for them.
 Enumeration FindEnumeration(const std::map<std::string, std::string>& usbIdMap,
                             const UsbVendors& vendors, const std::string& usbId) {
     const Broker::TableUse tables(gate);
@@ -74,7 +73,7 @@ Enumeration FindEnumeration(const std::map<std::string, std::string>& usbIdMap,
             Broker::FunctionOf<&UsbEntry::pGetDeviceInfoByUsb, kUsbEntries>(*vendor)};
 }
 
-// Logs why there is no function to call, and returns the operation's result.
+// Logs why there is no entry point to call, and returns the operation's result.
 int NoEnumeration(Search search, const Broker::Location& where) {
     switch (search) {
         case Search::kClosed:
@@ -161,7 +160,7 @@ void UsbConnInterface::UnInit() {
     Broker::ReleaseVendors(vendors);
 }
 
-// Only the blank separates: a tab belongs to its piece.
+// Only blanks separate pieces: a tab is part of its piece.
 bool UsbConnInterface::split(const std::string& text, std::vector<std::string>& pieces) {
     if (text.empty()) {
         return false;
@@ -175,7 +174,7 @@ bool UsbConnInterface::split(const std::string& text, std::vector<std::string>& 
     return true;
 }
 
-// Its decorated name has the identifier as a copy.
+// The exported signature takes the identifier by value.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 int UsbConnInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::wstring deviceId) {
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP1");

@@ -12,7 +12,7 @@ namespace PrinterDeviceDiscoverSdk {
 
 namespace {
 
-// What a printer takes to answer once it is plugged in.
+// The time that a printer needs after it is plugged in until it answers.
 constexpr std::uint32_t kSettleMilliseconds = 1000;
 
 int Trampoline(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state,
@@ -20,8 +20,8 @@ int Trampoline(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state
     return UsbInterfaceMonitor::GetInstance().CallBackFunc(deviceClass, state, deviceId);
 }
 
-// The records of the printers behind the identifier, as UsbConnInterface gives them. An identifier
-// that is too short to hold the ids must not end the process from a thread that nobody waits for.
+// Reads the records of the printers with the identifier from UsbConnInterface. An identifier that
+// is too short throws; on a detached thread that exception must not end the process.
 int RecordsOf(const std::wstring& deviceId, std::vector<DeviceInfo>& devices,
               const Broker::Location& where) {
     try {
@@ -74,7 +74,7 @@ int UsbInterfaceMonitor::CallBackFunc(const GUID&, PrinterUsbApiStruct::EmDevice
         }
         for (const DeviceInfo& device : devices) {
             Broker::Log(LOG_LEVEL_DEBUG, HERE, "callback ok");
-            // Read at the moment of the call: it may have been replaced or cleared meanwhile.
+            // Read just before the call: the callback may have been replaced or cleared meanwhile.
             if (const auto callback = Broker::Callback(registration)) {
                 callback(&device);
             }
