@@ -7,16 +7,16 @@
 
 namespace LogHelper {
 
-// Lines that wait for the file, in two buffers: one takes new lines while the other is written. Its
-// user keeps Push and Turn to one thread at a time. What is unwritten can be read at any moment,
-// also by a signal handler: a line counts only once it is there as a whole.
+// The lines that wait to be written to the file, in two buffers: one takes new lines while the
+// other is written. The caller ensures that only one thread at a time calls Push and Turn. The
+// unwritten lines can be read at any time, also by a signal handler, and are always complete lines.
 class LineQueue {
 public:
     static constexpr std::size_t kCapacity = std::size_t{1024} * 1024;  // bytes, of each buffer
 
     class Buffer {
     public:
-        // What has been pushed and not yet been marked as written.
+        // The lines that were pushed and are not yet marked as written.
         std::string_view Unwritten() const {
             const std::size_t end = size;
             const std::size_t begin = std::min<std::size_t>(written, end);
@@ -34,14 +34,14 @@ public:
     // False when there is no room.
     bool Push(std::string_view line);
 
-    // How many bytes wait in the buffer that takes new lines.
+    // The number of bytes in the buffer that takes new lines.
     std::size_t Size() const { return Newer().size; }
 
-    // Hands out what has been pushed so far. What the last turn handed out must be written by now:
-    // its buffer takes the next lines.
+    // Swaps the buffers and returns the lines pushed so far. The buffer returned by the last Turn
+    // must have been written: it takes the next lines.
     Buffer& Turn();
 
-    // Forgets all lines.
+    // Discards all lines.
     void Clear();
 
     Buffer& Older() { return buffers[1 - newer]; }

@@ -14,17 +14,17 @@
 
 namespace LogHelper {
 
-// The rotating file. Whatever goes wrong with it stays here: the first failure is told once on
-// standard error, and the file is tried again a while later. Its user keeps it to one thread at a
-// time.
+// The rotating file. Handles all its errors itself: reports the first on standard error and tries
+// the file again later. The caller ensures that only one thread at a time uses it.
 class LogFile {
 public:
-    // Lines go to `path` from now on. An empty one is a failure as any other: `whyNone` is told.
+    // Writes lines to `path` from now on. An empty path is an error like any other, reported as
+    // `whyNone`.
     void Use(const std::filesystem::path& path, const std::string& whyNone);
     void UseNone();
 
-    // Writes whole lines, through to the system, with nothing of other processes between them.
-    // There is no rotation within them.
+    // Writes complete lines and flushes them to the system, without lines of other processes in
+    // between. Does not rotate between them.
     void Write(std::string_view lines);
 
     const std::filesystem::path& Path() const { return path; }
@@ -48,7 +48,7 @@ private:
     std::filesystem::path path;
     std::string whyNoPath;
     std::optional<spdlog::sinks::rotating_file_sink_st> sink;
-    std::FILE* file = nullptr;  // the sink's
+    std::FILE* file = nullptr;  // belongs to `sink`
     std::atomic<RawFile> raw{kNoFile};
     Clock::time_point restsUntil{};
     Clock::time_point nextLook{};

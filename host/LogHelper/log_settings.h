@@ -15,7 +15,7 @@ struct Settings {
     bool showSecrets = false;  // pass phrases in clear
 };
 
-// Replaces the settings for all lines to come. Without a call the defaults hold. Safe from any
+// Replaces the settings for all later lines. Until the first call the defaults apply. Safe from any
 // thread.
 LOGHELPER_API void Configure(const Settings& settings);
 
@@ -23,17 +23,17 @@ LOGHELPER_API void Configure(const Settings& settings);
 // not be written.
 LOGHELPER_API std::string LogFilePath();
 
-// Returns once all lines so far have been handed to the system. Lines of the error level, the end
-// of the process and Configure do the same; a program that ends by _Exit or the like calls this
-// before. Waits for a disk that is slow.
+// Returns when all lines so far have been written to the system. Lines of the error level, the end
+// of the process and Configure flush as well; a program that ends by _Exit or the like must call
+// this first. Waits for a slow disk.
 LOGHELPER_API void Flush();
 
-// For the handler of a signal that ends the process: writes the lines that still wait, and `text`
-// as a line of the error level, to the file, which it opens if need be. Safe in a signal handler,
-// on the thread that crashed, whatever it was doing; takes at most a tenth of a second more than
-// the disk does. When the crash was in the midst of a write, some lines may be written twice. Does
-// nothing in a program that has used no other function of this library. Control characters in
-// `text` come out as '?'; of a long text the first 400 bytes are written.
+// For the handler of a signal that ends the process: writes the queued lines, and `text` as a line
+// of the error level, to the file, and opens the file if necessary. Safe in a signal handler on the
+// crashed thread, whatever it was doing; takes at most 0.1 seconds longer than the disk needs. If
+// the crash interrupted a write, some lines may be written twice. Does nothing in a program that
+// has used no other function of this library. Control characters in `text` are written as '?'; a
+// long text is truncated after 400 bytes.
 LOGHELPER_API void WriteInSignalHandler(std::string_view text) noexcept;
 
 }  // namespace LogHelper

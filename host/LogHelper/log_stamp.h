@@ -9,8 +9,8 @@
 
 namespace LogHelper {
 
-// What stands before the text of a line: local time with its distance from UTC, thread, level. Made
-// without memory, locks or the system, so that a signal handler can make it, too.
+// The prefix of a line: local time with its offset from UTC, thread, level. Needs no memory
+// allocation, lock or system call, so that a signal handler can use it.
 class LogStamp {
 public:
     using Time = std::chrono::system_clock::time_point;

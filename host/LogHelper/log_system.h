@@ -6,43 +6,42 @@
 #include <filesystem>
 #include <string_view>
 
-// What the log asks of the operating system.
+// The operating-system functions that the log needs.
 namespace LogHelper {
 
-// Makes the file and the folders on its way where they are missing, for this user only. Throws a
-// std::exception when the file cannot be written to, or not without a reader's consent.
+// Creates the file and its missing folders, for this user only. Throws a std::exception when the
+// file cannot be written, or is a pipe, whose reader could block the writer.
 void PrepareFile(const std::filesystem::path& path);
 
-// Whether `path` still names the open file: it may have been removed, or moved away by another
-// process.
+// Whether `path` still names the open file: another process may have removed or moved it.
 bool IsStillThere(std::FILE* file, const std::filesystem::path& path);
 
-// Writes UTF-8 text to standard error; without consequence when that fails. On Linux the text is
-// given up when its reader takes nothing for a second.
+// Writes UTF-8 text to standard error; ignores failures. On Linux gives up when the reader takes
+// nothing for one second.
 void WriteToStandardError(std::string_view text) noexcept;
 
-// An open file as the system knows it. Writing to it is safe in a signal handler, and writes
-// nothing when there is none.
+// The system's handle of an open file. WriteRaw is safe in a signal handler; it does nothing for
+// kNoFile.
 using RawFile = std::intptr_t;
 inline constexpr RawFile kNoFile = -1;
 RawFile RawFileOf(std::FILE* file);
-// Opens a file for lines to be added to, and makes it and the folders on its way where they are
-// missing; kNoFile when that fails. Safe in a signal handler.
+// Opens a file for appending, and creates it and its missing folders; kNoFile on failure. Safe in a
+// signal handler.
 RawFile OpenRaw(const std::filesystem::path& path) noexcept;
 void WriteRaw(RawFile file, std::string_view text) noexcept;
 
-// The calling thread, as lines name it.
+// The number of the calling thread, as lines show it.
 std::uint64_t ThreadId();
 // The same, safe in a signal handler.
 std::uint64_t ThreadIdInHandler() noexcept;
 
-// Lets a moment pass; safe in a signal handler.
+// Sleeps about a millisecond. Safe in a signal handler.
 void PauseAMillisecond() noexcept;
 
-// The program's local time at that moment, as its distance from UTC.
+// The offset of local time from UTC at `time`.
 std::chrono::minutes DistanceFromUtc(std::chrono::system_clock::time_point time);
 
-// Wakes a thread that waits. What comes while nobody waits is kept.
+// Wakes a waiting thread. A signal without a waiting thread is kept for the next wait.
 class WakeUp {
 public:
     WakeUp();
@@ -58,15 +57,15 @@ private:
     void* system;
 };
 
-// Runs `body`, which never returns, on a thread of its own that no signal disturbs and that the
-// end of the process ends. From then on this library is never unloaded. False when there is no
-// thread to be had.
+// Runs `body`, which never returns, on a new thread that blocks all signals and ends with the
+// process. From then on this library is never unloaded. False when the thread cannot be started.
 bool StartThread(void (*body)());
 
-// Calls these whenever the process makes a copy of itself: before, and afterwards in each of both.
+// Registers functions to call at each fork: before it, and after it in the parent and in the child.
 void AroundFork(void (*before)(), void (*inParent)(), void (*inChild)());
 
-// While it lives, the calling thread is not cancelled: a line is written whole or not at all.
+// Disables cancellation of the calling thread during its own lifetime, so that a line is written
+// completely or not at all.
 class NoCancellation {
 public:
     NoCancellation();

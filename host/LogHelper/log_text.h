@@ -6,8 +6,8 @@
 
 namespace LogHelper {
 
-// The part of a line that is a pass phrase, and is to be replaced; empty at the line's end when the
-// line carries none.
+// The part of a line that is a pass phrase and must be masked; empty, at the end of the line, when
+// there is none.
 struct Secret {
     std::size_t begin;
     std::size_t end;
@@ -15,8 +15,8 @@ struct Secret {
 };
 Secret SecretIn(std::wstring_view line);
 
-// Appends the line as UTF-8 that stays one line: control characters and line separators come out
-// escaped. It is cut off when it is longer than anything that makes sense in a log.
+// Appends the line as one line of UTF-8, with control characters and line separators escaped.
+// Truncates very long lines.
 void AppendOneLine(std::string& text, std::wstring_view line, bool showSecrets);
 
 }  // namespace LogHelper

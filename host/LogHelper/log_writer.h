@@ -17,11 +17,11 @@
 
 namespace LogHelper {
 
-// Takes lines from all threads, composes each on the thread it comes from and queues it; a thread
-// of its own writes them to the file. The terminal gets its lines at once.
+// Takes lines from all threads. Composes and queues each line on the calling thread; the writer's
+// own thread writes the lines to the file. Lines for the terminal are written at once.
 class LogWriter {
 public:
-    // Made on first use and never destroyed: threads log while the process ends.
+    // Created on first use and never destroyed: threads log while the process ends.
     static LogWriter& GetInstance();
 
     void Configure(const Settings& settings);
@@ -32,10 +32,11 @@ public:
         }
     }
 
-    // Returns when all lines so far have been handed to the system.
+    // Returns when all lines so far have been written to the system.
     void Flush();
 
-    // The process ends: the lines so far are handed to the system, and those to come at once.
+    // For the end of the process: writes the queued lines to the system, and each later line at
+    // once.
     static void EndQueueing();
 
     static void WriteInSignalHandler(std::string_view text) noexcept;
@@ -78,20 +79,21 @@ private:
 
     std::unique_ptr<WakeUp> wakeUp;
     std::atomic<bool> hasThread = false;
-    bool isAnnounced = false;  // the thread knows of what is queued; guarded by queueMutex
+    bool isAnnounced = false;  // the thread was told of the queued lines; guarded by queueMutex
     std::atomic<std::uint64_t> lost{0};
-    std::atomic<bool> isStuck = false;  // the file takes nothing: nobody waits for room any more
+    std::atomic<bool> isStuck = false;  // the file takes nothing: no thread waits for room
     std::atomic<bool> isFileBusy = false;
-    std::atomic<bool> isRescuing = false;  // a signal handler writes: nobody else does
+    std::atomic<bool> isRescuing = false;  // a signal handler writes: no other thread may
 
-    // Taken in this order.
-    std::mutex terminalMutex;  // the order of lines is the same on the terminal and in the file
-    std::mutex fileMutex;      // guards `file`, and what the last turn of `queue` handed out
+    // Lock in this order.
+    std::mutex terminalMutex;  // keeps the same order on the terminal and in the file
+    std::mutex fileMutex;      // guards `file`, and the buffer from the last turn of `queue`
     std::mutex queueMutex;     // guards the rest of `queue`, and the start of the thread
 
     LogFile file;
     LineQueue queue;
-    RawFile alone = kNoFile;  // where the last thread of all writes when another was writing
+    RawFile alone =
+        kNoFile;  // where lines go after the writing thread was terminated during a write
 };
 
 }  // namespace LogHelper

@@ -5,15 +5,15 @@
 
 namespace PrinterAdapter {
 
-// A print queue's device URI, scheme://host/path?query. A name and pass phrase before the host, and
-// a port behind it, are left out. Host and path are decoded.
+// A print queue's device URI, scheme://host/path?query. User name, password and port are left out.
+// Host and path are percent-decoded.
 struct DeviceUri {
-    std::string scheme;  // in small letters
-    std::string host;    // of a USB printer the manufacturer, of a DNS-SD one the service's name
+    std::string scheme;  // in lower case
+    std::string host;    // usb: the manufacturer; dnssd: the name of the service
     std::string path;    // without the leading slash
-    std::string query;   // as it stands
+    std::string query;   // not decoded
 
-    // The decoded value of a parameter of the query; empty when it is not there.
+    // The decoded value of a query parameter; empty when it is missing.
     std::string Parameter(std::string_view name) const;
 };
 

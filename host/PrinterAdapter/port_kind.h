@@ -5,14 +5,14 @@
 
 namespace PrinterAdapter {
 
-// Neither on USB nor on the network, as a file, or not known.
+// Neither USB nor network (for example a file), or unknown.
 inline constexpr std::int32_t kConnectTypeOther = 0;
 
-// How a printer with a device URI of that scheme is attached, as PrinterProperty::connectType says.
+// The value of PrinterProperty::connectType for a device URI with this scheme.
 std::int32_t ConnectTypeOfScheme(std::string_view scheme);
 
-// The same for a printer on a Windows port, from the port's name and from what its port monitor
-// says of it, the latter in any language as long as it names the protocol.
+// The same for a Windows port, from its name and its port monitor's description, which may be in
+// any language as long as it names the protocol.
 std::int32_t ConnectTypeOfPort(std::wstring_view name, std::wstring_view description);
 
 }  // namespace PrinterAdapter

@@ -6,7 +6,7 @@
 
 namespace PrinterAdapter {
 
-// What a spooler that knows printers by device URI says of one, in UTF-8.
+// The attributes of a print queue with a device URI, in UTF-8.
 struct PrintQueue {
     std::string name;
     std::string description;
@@ -18,13 +18,13 @@ struct PrintQueue {
     std::string state;
 };
 
-// The printer behind the queue. One on USB that speaks IPP has a queue of a network printer, at
-// this host's own address or with a name that ends in " (USB)": it is on USB all the same.
+// The printer of the queue. A USB printer that speaks IPP has a queue like a network printer's, but
+// at this host's own address or with a name that ends in " (USB)"; it counts as USB.
 //
-// Serial number: that of a USB device URI, else that of the device identifier. A network printer
-// whose serial number is not known has the UUID in its place, the printer's own if the device URI
-// has it, else the queue's: printers without one would all be taken for the same.
-// Model identifier: the model of the device identifier, else of a USB device URI, else empty.
+// Serial number: from a USB device URI, else from the device id. A network printer without a known
+// serial number gets a UUID instead, the printer's own if the device URI contains it, else the
+// queue's: all printers without a serial number would count as the same. Model identifier: the
+// model from the device id, else from a USB device URI, else empty.
 PrinterSdk::PrinterProperty PrinterOf(const PrintQueue& queue);
 
 }  // namespace PrinterAdapter

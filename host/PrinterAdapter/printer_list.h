@@ -6,8 +6,8 @@
 
 namespace PrinterAdapter {
 
-// The printers that are installed on the host. Appends none, and logs why, when the spooler does
-// not tell; takes no longer than kSpoolerTime.
+// The printers that are installed on the host. Appends none, and logs the reason, when the spooler
+// does not answer. Takes at most kSpoolerTime.
 class PrinterList : public PrinterSdk::PrinterListProvider {
 public:
     void GetPrinterList(std::vector<PrinterSdk::PrinterProperty>& printers) override;

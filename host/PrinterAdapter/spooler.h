@@ -8,23 +8,23 @@
 
 namespace PrinterAdapter {
 
-// The installed printers; none, with the reason in `problem`, when the spooler does not say. `note`
-// is a line for the log: what was not heeded when the spooler was looked for.
+// The installed printers; none, with the reason in `problem`, when the spooler does not answer.
+// `note` is a log line about ignored settings of the spooler's address.
 struct SpoolerAnswer {
     std::vector<PrinterSdk::PrinterProperty> printers;
     std::string problem;
     std::string note;
 };
 
-// How long the spooler has for its answer.
+// The time that the spooler has for its answer.
 inline constexpr std::chrono::milliseconds kSpoolerTime{2000};
 
-// Asks the system's spooler on the calling thread; a spooler that hangs may take longer than it
-// has.
+// Asks the system's spooler on the calling thread. If the spooler hangs this may take longer than
+// kSpoolerTime.
 SpoolerAnswer AskSpooler();
 
-// Asks it on a thread of its own and waits no longer than it has. One question is asked at a time:
-// behind one that hangs others wait, and give up in time as well.
+// Asks the spooler on a separate thread and waits at most kSpoolerTime. Only one request runs at a
+// time; other callers wait for it, with the same time limit.
 SpoolerAnswer AskSpoolerInTime();
 
 }  // namespace PrinterAdapter

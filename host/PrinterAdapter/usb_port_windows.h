@@ -10,12 +10,11 @@ namespace PrinterAdapter {
 // The printer behind a USB printer port.
 struct UsbPort {
     std::wstring name;  // USB001
-    DeviceId id;        // empty where the device cannot be asked
+    DeviceId id;        // empty if the device cannot be queried
 };
 
-// The ports of the USB printers that are plugged in. The serial number is that of the device
-// identifier, else that by which the system tells devices of one model apart, unless the system has
-// made that up itself.
+// The ports of the plugged-in USB printers. The serial number comes from the device id, else from
+// the device's instance id unless the system has generated that itself.
 std::vector<UsbPort> UsbPorts();
 
 }  // namespace PrinterAdapter

@@ -6,8 +6,7 @@
 
 namespace Host {
 
-// Logs one line, with the operation it comes from in parentheses. A logger that fails does not fail
-// its caller.
+// Logs one line, with the operation `where` in parentheses. Ignores failures of the logger.
 void Report(LOG_MESSAGE_LEVEL level, std::wstring_view text, std::wstring_view where);
 
 }  // namespace Host

@@ -5,12 +5,12 @@
 
 #include "platform/PrinterDiscoverAPI/export.h"
 
-// The ping behind PrinterPing, for applications that show why nothing was asked.
+// The ping of PrinterPing, for applications that show why no request was sent.
 namespace PrinterDiscoverAPI {
 
 enum class PingOutcome {
     kAnswered,
-    kSilent,   // the address was asked and did not answer in time
+    kSilent,   // the request was sent but not answered in time
     kNotAsked  // no echo request could be sent: `problem` says why
 };
 
@@ -19,7 +19,7 @@ struct PingReport {
     std::string problem;  // one line of UTF-8; empty unless the outcome is kNotAsked
 };
 
-// Pings once, as PrinterPing::Ping does, and logs nothing. Safe from any thread.
+// Pings once like PrinterPing::Ping, but logs nothing. Safe from any thread.
 PRINTERDISCOVERAPI_API PingReport DescribePing(const std::string& address, std::uint32_t timeout);
 
 }  // namespace PrinterDiscoverAPI

@@ -6,34 +6,33 @@
 
 #include "platform/PrinterUtil/VendorDllMgr.h"
 
-// The vendor list behind VendorDllMgr, for applications that choose it or show what is wrong with
-// it. All text is UTF-8, but for paths on Linux, whose bytes stay as they are. Safe from any
-// thread.
+// The vendor list of VendorDllMgr, for applications that choose the list or show its errors. All
+// text is UTF-8, except paths on Linux, whose bytes are unchanged. Safe from any thread.
 namespace PrinterUtil {
 
-// From now on the list is this file; an empty path goes back to looking for one.
+// Uses this file as the list from now on; an empty path restores the search for the list.
 PRINTERUTIL_API void UseVendorList(const std::string& path);
 
-// In a usbIdList "*" stands for every plugged-in printer that no vendor names.
+// In a usbIdList "*" matches every plugged-in printer that no vendor lists.
 struct VendorListReport {
     std::string path;                   // empty when no list was found
     std::string moduleFolder;           // empty when the list could not be read
-    std::vector<std::string> problems;  // one line each, with the file and the place in it
-    std::vector<VendorInfo> vendors;    // those without a problem
-    // What was left out or put right without costing a vendor: one line each, as the problems.
+    std::vector<std::string> problems;  // one line each, with the file and the position in it
+    std::vector<VendorInfo> vendors;    // only vendors without a problem
+    // What was ignored or corrected without disabling a vendor: one line each, like `problems`.
     std::vector<std::string> notes;
 };
 
-// Reads the list as VendorDllMgr does, and logs nothing.
+// Reads the list like VendorDllMgr, but logs nothing.
 PRINTERUTIL_API VendorListReport DescribeVendorList();
 
 struct ModuleReport {
-    std::string path;            // empty when the name cannot be one
-    HINSTANCE module = nullptr;  // the caller gives it back: FreeLibrary on Windows, else dlclose
+    std::string path;            // empty when the name is invalid
+    HINSTANCE module = nullptr;  // the caller releases it: FreeLibrary on Windows, else dlclose
     std::string problem;         // one line; empty when the module is loaded
 };
 
-// Loads a module as VendorDllMgr does, and logs nothing.
+// Loads a module like VendorDllMgr, but logs nothing.
 PRINTERUTIL_API ModuleReport DescribeModule(const std::string& moduleName);
 
 // The path of a module that VendorDllMgr or DescribeModule is loading right now, on whichever

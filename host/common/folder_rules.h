@@ -5,15 +5,15 @@
 
 namespace Host {
 
-// Where the user's programs keep what they remember and how they are set up: the variable that says
-// so, and the folder below the home folder that holds otherwise.
+// How to find the user's folder for state or for configuration: the environment variable that names
+// it, and the default below the home folder.
 struct FolderRule {
     const char* variable;
-    const char* homeVariable;  // null where there is no other place
+    const char* homeVariable;  // null when there is no default
     const char* belowHome;
     std::string_view variables;  // both, for people
-    // Where the system itself knows the folder of a user whose environment does not count; else
-    // null.
+    // Asks the system for the folder when the environment must be ignored; null if the system does
+    // not know it.
     std::filesystem::path (*withoutEnvironment)();
 };
 extern const FolderRule kStateRule;

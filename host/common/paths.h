@@ -6,10 +6,10 @@
 
 namespace Host {
 
-// The path from the root, without a look at what is there; an empty path stays empty.
+// Makes the path absolute without accessing the file system; an empty path stays empty.
 std::filesystem::path AbsolutePath(const std::filesystem::path& path);
 
-// Paths as UTF-8 text and back. Where paths are bytes, the bytes stay as they are.
+// Convert paths to and from UTF-8. On systems whose paths are bytes, the bytes are unchanged.
 std::string PathToUtf8(const std::filesystem::path& path);
 std::filesystem::path PathFromUtf8(std::string_view utf8);
 

@@ -5,17 +5,17 @@
 
 namespace Host {
 
-// One of the product's own folders among the user's, which may not be there yet.
+// One of the product's folders of this user. The folder may not exist yet.
 struct UserFolder {
-    std::filesystem::path path;  // empty where the user has none
-    // Why there is none, for people: "XDG_STATE_HOME and HOME unset".
+    std::filesystem::path path;  // empty when the user has none
+    // Why the user has none, for display: "XDG_STATE_HOME and HOME unset".
     std::string reason;
-    // What did not count, for the log; empty when all did.
+    // What was ignored, for the log; empty when nothing was.
     std::string ignored;
 };
 
-// Where the log is, and where the user's vendor list is. An environment that does not count (see
-// base/environment.h) chooses neither.
+// The folders of the log and of the user's vendor list. Variables that base/environment.h ignores
+// have no effect.
 UserFolder UserStateFolder();
 UserFolder UserConfigurationFolder();
 

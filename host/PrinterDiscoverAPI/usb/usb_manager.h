@@ -1,6 +1,6 @@
 #pragma once
 
-// What the manager of USB printers asks the operating system for.
+// The operating-system functions that the manager of USB printers needs.
 
 #include <memory>
 #include <string>
@@ -18,7 +18,7 @@ inline constexpr GUID kUsbPrinterClass{
 // One printer interface of a USB device. A device with several of them is still one printer.
 struct UsbPrinter {
     std::string path;         // of the interface
-    std::string devicePath;   // of the device that has it
+    std::string devicePath;   // of the device with this interface
     std::wstring hardwareId;  // VID_vvvv&PID_pppp
     int bus = 0;              // 0 where the system does not number its buses
 };
@@ -26,8 +26,9 @@ struct UsbPrinter {
 // VID_vvvv&PID_pppp with four upper-case hexadecimal digits each.
 std::wstring UsbHardwareId(unsigned vendorId, unsigned productId);
 
-// The printer interfaces that are there now, in the order of their paths. A device that goes away
-// while it is read is left out. False, with the reason in `problem`, when the system cannot say.
+// Lists the printer interfaces that are present now, in the order of their paths. Leaves out a
+// device that is unplugged while it is read. False, with the reason in `problem`, when the system
+// cannot list them.
 bool ListUsbPrinters(std::vector<UsbPrinter>& printers, std::string& problem);
 
 // Why a list of none says nothing: the system shows no USB device at all. Empty: it would.
@@ -35,11 +36,11 @@ std::string WhyUsbIsHidden();
 
 struct UsbEvent {
     enum class Kind {
-        added,       // `printer` is there; it may have been there before
-        removed,     // what stands at `printer.path`, an interface or a device, is gone
-        missed,      // events were lost: only a new list tells what is there
-        trouble,     // `trouble` is what is wrong with the events from now on; empty: nothing more
-        interrupted  // nothing happened; Interrupt was called
+        added,       // `printer` is present; possibly it was before
+        removed,     // the interface or device at `printer.path` is gone
+        missed,      // events were lost: list the printers again
+        trouble,     // `trouble` is the new problem of the events; empty: solved
+        interrupted  // Interrupt was called
     };
     Kind kind;
     UsbPrinter printer;
@@ -49,8 +50,8 @@ struct UsbEvent {
 // The system's device events, for one reader.
 class UsbEvents {
 public:
-    // Events that happen from now on are kept. Null, with the reason in `problem`, when the
-    // system's device service cannot be used.
+    // Collects events from now on. Null, with the reason in `problem`, when the system's device
+    // service cannot be used.
     static std::unique_ptr<UsbEvents> Open(std::string& problem);
 
     UsbEvents() = default;
@@ -58,11 +59,11 @@ public:
     UsbEvents& operator=(const UsbEvents&) = delete;
     virtual ~UsbEvents() = default;
 
-    // Waits for the next event. A device service that fails for a while is one `missed` event when
-    // it is there again, and ends what trouble there was.
+    // Waits for the next event. When a failed device service is back, this returns one `missed`
+    // event, and the problem is solved.
     virtual UsbEvent Wait() = 0;
 
-    // Ends the waiting, now and from now on; from any thread.
+    // Ends the current and every later Wait. Safe from any thread.
     virtual void Interrupt() = 0;
 };
 

@@ -14,25 +14,25 @@
 
 namespace PrinterDiscoverAPI {
 
-// Reports printers that come and go to one registration, on a thread that runs from start to stop.
-// All operations are safe from any thread and from inside a report.
+// Reports arrivals and removals of printers to one registration, on a thread that runs from start
+// to stop. All operations are safe from any thread and from inside a report.
 class UsbMonitor {
 public:
-    // Lives as long as the process: its thread may run while the process ends.
+    // Never destroyed: its thread may run while the process ends.
     static UsbMonitor& GetInstance();
 
     // 0; or -1, with the reason in `problem`.
     int Start(const DeviceStateChangeCallbackInfo& info, std::string& problem);
     void Stop();
 
-    // What is wrong with the events now; empty: nothing.
+    // The current problem of the events; empty when there is none.
     std::string Trouble();
 
     UsbMonitor(const UsbMonitor&) = delete;
     UsbMonitor& operator=(const UsbMonitor&) = delete;
 
 private:
-    // One run of the thread. Whoever ends a run hands its thread over to be waited for.
+    // One run of the thread. The caller that ends a run puts it into `retired`, to be joined.
     struct Run {
         std::unique_ptr<UsbEvents> events;
         UsbPrinterTable table;
@@ -61,9 +61,9 @@ private:
     DeviceStateChangeCallbackInfo registration{};
     std::shared_ptr<Run> current;
     std::string trouble;  // of the current run
-    // Over, but not waited for yet: from inside a report nobody can.
+    // Ended but not yet joined: a thread inside a report cannot join itself.
     std::vector<std::shared_ptr<Run>> retired;
-    std::thread::id reporter;   // the thread that delivers a report now
+    std::thread::id reporter;   // the thread that is delivering a report
     std::uint64_t reports = 0;  // delivered so far
 };
 

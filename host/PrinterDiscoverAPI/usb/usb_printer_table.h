@@ -9,17 +9,17 @@
 
 namespace PrinterDiscoverAPI {
 
-// A printer came or went.
+// The arrival or removal of a printer.
 struct UsbChange {
     PrinterUsbApiStruct::EmDeviceState state;
     std::wstring hardwareId;
 };
 
-// The printers that are known to be there. It turns what the system says about interfaces, which
-// may be said twice and without the identity of what is gone, into changes of whole devices.
+// The printers that are known to be present. Turns the system's events about interfaces, which may
+// be repeated and may not identify a removed device, into changes of whole devices.
 class UsbPrinterTable {
 public:
-    // Each operation returns what has changed by it, removals first.
+    // Each operation returns the changes that it caused, removals first.
     std::vector<UsbChange> Add(const UsbPrinter& printer);
     std::vector<UsbChange> Remove(const std::string& path);
     std::vector<UsbChange> Replace(const std::vector<UsbPrinter>& present);

@@ -20,10 +20,10 @@ struct AccessPoint {
     std::string name;  // the bytes it broadcasts; empty when it hides its name
     int quality = 0;   // 0 to 100
     unsigned protection = 0;
-    bool aesWithWpa = false;     // where WPA is version 1: it is known to speak AES, not TKIP only
-    bool infrastructure = true;  // not a network between equals, nor one that this host offers
-    std::string adapter;         // the Wi-Fi service's own names for the adapter that receives it
-    std::string identity;        // and for the access point
+    bool aesWithWpa = false;     // for WPA version 1: AES is supported, not only TKIP
+    bool infrastructure = true;  // neither ad hoc nor offered by this host
+    std::string adapter;         // the Wi-Fi service's name for the receiving adapter
+    std::string identity;        // the Wi-Fi service's name for the access point
 };
 
 // The access point that the host is joined to.

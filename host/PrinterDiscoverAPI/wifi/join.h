@@ -7,8 +7,8 @@
 
 namespace Host {
 
-// Joins what was asked for, looking closer when it is not in sight at once. Throws WifiProblem,
-// without the pass phrase.
+// Joins the requested network. Scans for it first if it is not in range yet. Throws WifiProblem,
+// whose text never contains the pass phrase.
 void Join(WifiService& service, const JoinRequest& request, std::chrono::seconds limit);
 
 }  // namespace Host

@@ -9,8 +9,8 @@
 
 namespace Host {
 
-// What a user asked to join, checked: throws WifiProblem when no network can have that name or no
-// network that pass phrase.
+// A checked request to join a network. The constructor throws WifiProblem when the name or the pass
+// phrase is not valid for any network.
 class JoinRequest {
 public:
     JoinRequest(std::wstring_view wantedSsid, std::wstring_view givenPassPhrase);
@@ -19,9 +19,9 @@ public:
     const std::string& Name() const { return name; }
     std::string_view PassPhrase() const { return passPhrase.View(); }
 
-    // The strongest access point of that name that goes with the pass phrase; null when none is
-    // there. Where none has the name, one whose name is no text counts by how it is shown. Throws
-    // WifiProblem when all that are there want something else.
+    // The strongest access point with this name that fits the pass phrase; null when none has the
+    // name. If no name matches exactly, a name that is not text matches by its displayed form.
+    // Throws WifiProblem when all access points with the name need a different secret.
     const AccessPoint* Choose(const std::vector<AccessPoint>& accessPoints) const;
 
     // `text` without the pass phrase.

@@ -4,12 +4,12 @@
 
 namespace Host {
 
-// The connection that the host had when a program began to take it elsewhere; there is one. Both
-// throw WifiProblem.
+// Remembers the host's connection before a program joins other networks; only the last one is
+// remembered. Both functions throw WifiProblem.
 void RememberPlace();
 
-// Begins to connect as remembered, unless the host has a connection to another network than that
-// one. Whether it is on its way, or there.
+// Starts the return to the remembered connection, unless the host is connected to a network other
+// than `network`. Returns whether the host is returning or has returned.
 bool GoBackFrom(const std::wstring& network);
 
 }  // namespace Host

@@ -7,7 +7,7 @@
 
 namespace Host {
 
-// The networks that the access points make, as PrinterWifiAPI::ScanWifiAPBySsid gives them.
+// Groups the access points into networks, in the form of PrinterWifiAPI::ScanWifiAPBySsid.
 std::vector<PrinterWifiApiStruct::WlanInfoData> NetworksOf(std::vector<AccessPoint> accessPoints);
 
 }  // namespace Host

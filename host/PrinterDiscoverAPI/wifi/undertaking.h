@@ -4,7 +4,7 @@
 
 namespace Host {
 
-// A joining under way on the calling thread, which the end of the program breaks off.
+// A join in progress on the calling thread, which the end of the program cancels.
 class Undertaking {
 public:
     Undertaking();
@@ -12,10 +12,10 @@ public:
     Undertaking(const Undertaking&) = delete;
     Undertaking& operator=(const Undertaking&) = delete;
 
-    // Throws WifiProblem when the thread's undertaking is broken off.
+    // Throws WifiProblem when the calling thread's join was cancelled.
     static void GoOn();
 
-    // Breaks off those that have begun, and waits until they have ended.
+    // Cancels all joins in progress and waits up to `patience` until they have ended.
     static void BreakOffAll(std::chrono::milliseconds patience);
 };
 

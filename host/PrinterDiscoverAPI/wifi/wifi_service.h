@@ -12,14 +12,14 @@
 
 namespace Host {
 
-// How long a scan and a joining are waited for.
+// The time limits for a scan and for a join.
 inline constexpr std::chrono::seconds kScanLimit{10};
 inline constexpr std::chrono::seconds kJoinLimit{30};
 
-// What stands in the way, in words; UTF-8.
+// The reason why an operation failed, in words; UTF-8.
 class WifiProblem : public std::runtime_error {
 public:
-    // What it says about the host's Wi-Fi as a whole.
+    // What the problem means for the host's Wi-Fi as a whole.
     enum class Kind { kNoAdapter, kNotRunning, kFailed };
 
     explicit WifiProblem(const std::string& words, Kind whatKind = Kind::kFailed)
@@ -31,31 +31,31 @@ private:
     Kind kind;
 };
 
-// A connection that the host has, or is making.
+// A connection that the host has or is establishing.
 struct HostConnection {
-    std::string adapter;  // by the Wi-Fi service's own names
+    std::string adapter;  // the Wi-Fi service's name
     std::string profile;
-    std::string network;  // as it is broadcast; empty where it is not known yet
+    std::string network;  // as broadcast; empty while not known
 };
 
 // The system's Wi-Fi service, opened for one operation and used by one thread. Each operation
-// throws WifiProblem when the service cannot do it, has ended, or does not answer.
+// throws WifiProblem when the service cannot perform it, has ended, or does not answer.
 class WifiService {
 public:
     virtual ~WifiService() = default;
 
-    // Has every adapter scan, also for the network `name` unless that is empty, and waits until
-    // they have.
+    // Starts a scan on every adapter, also for the network `name` unless that is empty, and waits
+    // for the scans.
     virtual void Scan(const std::string& name) = 0;
 
-    // What the adapters received last.
+    // The access points of the adapters' last scans.
     virtual std::vector<AccessPoint> AccessPoints() = 0;
 
     virtual std::optional<JoinedAccessPoint> Joined() = 0;
 
-    // Joins an access point's network and waits for the outcome up to `limit`. Without a pass
-    // phrase a protected network is joined with what the system has saved of it. Nothing is saved.
-    // When it fails, the host begins to connect as before.
+    // Joins an access point's network and waits up to `limit` for the outcome. Without a pass
+    // phrase, a protected network is joined with the secret that the system has saved. Saves
+    // nothing. On failure the host starts to return to its former connection.
     virtual void Join(const AccessPoint& accessPoint, std::string_view passPhrase,
                       std::chrono::seconds limit) = 0;
 

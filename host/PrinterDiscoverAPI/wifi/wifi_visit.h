@@ -5,7 +5,7 @@
 
 namespace Host {
 
-// The host's visit to another network, of which there is one at a time. Both throw WifiProblem.
+// The host's visit to another network; there is one at a time. Both functions throw WifiProblem.
 void VisitNetwork(const std::wstring& network, std::chrono::seconds limit);
 void EndNetworkVisit();
 

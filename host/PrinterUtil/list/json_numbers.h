@@ -4,8 +4,8 @@
 
 namespace PrinterUtil {
 
-// The JSON text with 0 in the place of each number that no floating-point number can hold, such as
-// 1e999; every other byte stays where it is. Such a number costs only what it is the value of.
+// Replaces each number too large for floating point, such as 1e999, by 0; every other byte keeps
+// its position. So such a number affects only its own entry.
 std::string WithoutHugeNumbers(std::string text);
 
 }  // namespace PrinterUtil

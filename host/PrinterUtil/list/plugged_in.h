@@ -7,14 +7,14 @@
 
 namespace PrinterUtil {
 
-// Whether a vendor serves printers whose identifiers its list does not name: "*" is one of them.
+// Whether the vendor's usbIdList contains "*".
 bool ServesAnyPrinter(const VendorInfo& vendor);
 
-// Adds to each vendor that serves any printer the identifiers that no vendor names: a vendor's own
-// module comes before one for all printers. The "*" stays.
+// Adds to each vendor with "*" the identifiers that no vendor lists, so that a vendor's own module
+// takes precedence. The "*" stays.
 void AddUnnamed(std::vector<VendorInfo>& vendors, const std::vector<std::string>& identifiers);
 
-// The hardware identifiers of the printers that are plugged in now.
+// The hardware identifiers of the plugged-in printers.
 std::vector<std::string> PluggedInIdentifiers();
 
 }  // namespace PrinterUtil

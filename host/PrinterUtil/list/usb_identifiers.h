@@ -5,12 +5,12 @@
 
 namespace PrinterUtil {
 
-// What stands for no USB identifier at all: it is the identifier of no device.
+// The entry that means "no USB printers"; no device has this identifier.
 inline constexpr const char* kNoUsbIdentifier = "-";
 
-// Makes a list of USB hardware identifiers one that the broker can use, and says in a line each
-// what was changed. A list without any identifier, which would keep the broker from all printers on
-// USB, becomes kNoUsbIdentifier; identifiers come out with capital letters, as devices are found.
+// Corrects a list of USB hardware identifiers for the broker, and returns one line for each change.
+// A list without identifiers, which would make the broker refuse all USB printers, becomes
+// kNoUsbIdentifier. Identifiers are converted to upper case, the form in which devices report them.
 std::vector<std::string> MendUsbIdentifiers(std::string& usbIdList);
 
 }  // namespace PrinterUtil

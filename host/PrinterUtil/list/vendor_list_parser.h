@@ -7,9 +7,8 @@
 
 namespace PrinterUtil {
 
-// Reads the list's text into the report: the module folder, the vendors, and what is wrong. A
-// vendor whose entry is wrong is left out; a text that is no vendor list gives nothing but the
-// problem.
+// Parses the list's text into the report: the module folder, the vendors and the problems. Leaves
+// out a vendor with a wrong entry. A text that is not a vendor list yields only a problem.
 void ParseVendorList(const std::string& text, const std::filesystem::path& path,
                      VendorListReport& report);
 

@@ -8,25 +8,25 @@
 
 namespace PrinterUtil {
 
-// Which list is in use, and where the modules of the list that was read last stand.
+// The list in use, and the module folder of the list that was read last.
 class VendorListState {
 public:
-    // Made on first use and never destroyed: modules may be asked for while the process ends.
+    // Created on first use and never destroyed: modules may be requested while the process ends.
     static VendorListState& GetInstance();
 
     void Use(const std::string& path);
 
-    // Reads the list anew, so that one that was put right counts.
+    // Reads the list again, so that a corrected list takes effect.
     VendorListReport Read();
 
-    // The folder of the list that was read last; reads the list when none was. Empty, with the
-    // reason, when there is no readable list.
+    // The module folder of the list that was read last; reads the list if none was read yet. Empty,
+    // with the reason in `problem`, when there is no readable list.
     std::string ModuleFolder(std::string& problem);
 
 private:
     VendorListReport ReadLocked();
 
-    std::mutex mutex;  // guards what follows
+    std::mutex mutex;  // guards the members below
     std::filesystem::path chosenPath;
     std::string moduleFolder;
 };

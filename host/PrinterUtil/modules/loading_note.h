@@ -14,7 +14,7 @@ public:
     LoadingNote(const LoadingNote&) = delete;
     LoadingNote& operator=(const LoadingNote&) = delete;
 
-    // The path of the one that began last; empty when there is none.
+    // The path of the module whose load started last; empty when none is being loaded.
     static std::string Latest();
 
     // The paths of all, separated by ", ": terminated, cut where they do not fit. Returns the

@@ -6,7 +6,7 @@
 
 namespace PrinterUtil {
 
-// Loads the module of that name from the folder and from nowhere else.
+// Loads the module `name` from `folder` and from nowhere else.
 ModuleReport OpenModule(const std::string& folder, const std::string& name);
 
 }  // namespace PrinterUtil

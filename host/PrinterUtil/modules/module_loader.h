@@ -7,14 +7,15 @@
 #include "host/PrinterUtil/modules/trusted_file.h"
 #include "platform/os.h"
 
-// What the vendor manager asks of the operating system.
+// The operating-system functions that the vendor manager needs.
 namespace PrinterUtil {
 
-// How the files of modules end.
+// The suffix of module files.
 extern const std::string_view kModuleSuffix;
 
-// Loads a module that has no problem, and adds one reference. Its dependencies are looked for where
-// the module says and in the system's own folders. Null, with the reason, on failure.
+// Loads a module from a file without a problem and adds one reference. Dependencies are searched in
+// the module's run path and in the system's folders. Null, with the reason in `problem`, on
+// failure.
 HINSTANCE LoadModule(const TrustedFile& file, std::string& problem);
 
 // The folder that this library was loaded from.

@@ -6,7 +6,7 @@
 
 namespace PrinterUtil {
 
-// What the system says about one of its error numbers, in one line.
+// The system's text for an error number, in one line.
 std::string SystemMessage(DWORD error);
 
 }  // namespace PrinterUtil

@@ -7,22 +7,23 @@
 
 namespace PrinterUtil {
 
-// A file that this process may take code from, or the names of code: only this process's user and
-// the administrator can change it, or what its path stands for. While the object lives the file
-// stays what it was when it was judged, or, on Linux, only these two can change that.
+// A file from which this process may load code, or names of code: only this process's user and the
+// administrator can change the file or its path. During the object's lifetime the file stays as it
+// was checked, or, on Linux, only these two can change it.
 class TrustedFile {
 public:
-    // Follows the links of an absolute path once and judges the file and its folders.
+    // Resolves the links of an absolute path once and checks the file and its folders.
     static TrustedFile Open(const std::filesystem::path& file);
 
-    // Why the file cannot be used: it is missing, not a regular file, cannot be read, or others may
-    // change it. Empty when nothing is wrong.
+    // Why the file cannot be used: it is missing, not a regular file, not readable, or others may
+    // change it. Empty when there is no problem.
     const std::string& Problem() const { return problem; }
 
     // Where the file is, without links; for a file without a problem.
     const std::filesystem::path& Path() const { return path; }
 
-    // Puts at most `most` bytes from the file's start into `bytes`; the reason when that fails.
+    // Reads at most `most` bytes from the file's start into `bytes`. Returns the reason on failure,
+    // and an empty text otherwise.
     std::string Read(std::string& bytes, std::size_t most) const;
 
 private:

@@ -8,11 +8,11 @@
 
 namespace PrinterDiscoverAPI {
 
-// Takes device events from where the system calls and keeps them for the one who waits.
+// Passes device events from the system's callback to the waiting thread.
 class UsbEventQueue {
 public:
     void Put(const UsbEvent& event);
-    // An event could not be kept: once the others are taken, Wait says that some were missed.
+    // Records that an event was lost: after the queued events, Wait returns a `missed` event.
     void Lose();
     UsbEvent Wait();
     void Interrupt();

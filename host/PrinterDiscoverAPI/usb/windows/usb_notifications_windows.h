@@ -9,8 +9,8 @@
 
 namespace PrinterDiscoverAPI {
 
-// A registration for the system's device notifications; ends with the object. The events go to the
-// queue it was made for.
+// A registration for the system's device notifications, which ends with the object. Events go to
+// the queue of its creation.
 class UsbNotifications {
 public:
     UsbNotifications() = default;
@@ -19,15 +19,16 @@ public:
     virtual ~UsbNotifications() = default;
 };
 
-// Registers with the configuration manager. Null without a `problem` where it cannot notify.
+// Registers with the configuration manager. Null without a `problem` if this system's configuration
+// manager has no notifications.
 std::unique_ptr<UsbNotifications> NotifyByConfigurationManager(UsbEventQueue& queue,
                                                                std::string& problem);
 
-// Registers a message window on a thread of its own. Null, with the reason in `problem`, when the
+// Registers a message window on a separate thread. Null, with the reason in `problem`, when the
 // system refuses.
 std::unique_ptr<UsbNotifications> NotifyByWindow(UsbEventQueue& queue, std::string& problem);
 
-// Puts what is said of the device interface into the queue; nothing when it is not one on USB.
+// Queues an event about the device interface at `path`; does nothing when it is not on USB.
 void PutUsbEvent(UsbEventQueue& queue, UsbEvent::Kind kind, std::wstring_view path);
 
 // "NAME failed: error 5".

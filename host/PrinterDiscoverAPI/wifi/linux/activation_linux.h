@@ -9,8 +9,8 @@
 
 namespace Host {
 
-// One attempt of an adapter to join a network, from its start to its outcome. An attempt that did
-// not succeed is undone.
+// One attempt of an adapter to join a network, from its start to its outcome. The destructor undoes
+// an attempt that did not succeed.
 class Activation {
 public:
     // `offersSae`: the access point has WPA3.
@@ -19,12 +19,13 @@ public:
     Activation(const Activation&) = delete;
     Activation& operator=(const Activation&) = delete;
 
-    // With a profile that the service has saved, or with one that is not to be saved.
+    // Starts the attempt with a profile that the service has saved, or with a new profile that is
+    // not saved.
     void StartSaved(const sdbus::ObjectPath& profile, const sdbus::ObjectPath& accessPoint);
     void StartNew(const ConnectionSettings& settings, std::string_view passPhrase,
                   const sdbus::ObjectPath& accessPoint);
 
-    // Waits for the outcome; throws WifiProblem unless it is that the network is joined.
+    // Waits for the outcome. Throws WifiProblem unless the network was joined.
     void Await(NetworkManager::Clock::time_point deadline);
 
 private:

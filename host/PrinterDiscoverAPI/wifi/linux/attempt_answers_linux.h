@@ -5,33 +5,33 @@
 
 namespace Host {
 
-// What NetworkManager's answers to one attempt to join mean, in words for people. The numbers are
-// those of its D-Bus interface; one table has them all.
+// Explains NetworkManager's answers to one attempt to join, in words for people. The numbers are
+// those of its D-Bus interface.
 class AttemptAnswers {
 public:
-    // `offersSae`: the access point has WPA3, of whose failed handshakes the service says only that
-    // they did not end.
+    // `offersSae`: the access point has WPA3. Of a failed WPA3 handshake the service reports only
+    // that it did not end.
     explicit AttemptAnswers(bool offersSae) : isSae(offersSae) {}
 
-    // The adapter has come into a state, and the attempt itself has.
+    // The adapter, or the attempt itself, has entered a state.
     void AdapterIs(std::uint32_t state, std::uint32_t why);
     void AttemptIs(std::uint32_t state, std::uint32_t why);
 
-    // Whether the handshake broke off: the service only asks for another pass phrase now.
+    // Whether the handshake failed: the service now only asks for another pass phrase.
     bool IsRefused() const { return stage == Stage::kRefused; }
 
-    // Of one that has ended, and of one that has not in time.
+    // The reason for an attempt that has ended, and for one that did not end in time.
     std::string WhyEnded() const;
     std::string WhyNotIn(long seconds) const;
 
-    // How far it has come.
+    // The progress of the attempt.
     enum class Stage {
         kNone,
-        kReaching,      // the access point
-        kWantsSecrets,  // the service does, before the first try
-        kTriedInVain,   // and wants others after it
-        kRefused,       // and the access point had ended it
-        kAddress,       // the network is to give one
+        kReaching,      // connecting to the access point
+        kWantsSecrets,  // the service asks for secrets before the first try
+        kTriedInVain,   // the service asks for other secrets after a try
+        kRefused,       // the same, and the access point had ended the try
+        kAddress,       // waiting for an address from the network
         kAdapterDown
     };
 

@@ -2,8 +2,8 @@
 
 namespace Host {
 
-// One use of the system bus. The process may end meanwhile, which takes down what the bus library
-// stands on: from then on no use begins, and those under way are cut off and awaited.
+// One use of the system bus. Process exit destroys objects that the bus library needs: from then on
+// no use can begin, and running uses are cut off and waited for.
 class BusUse {
 public:
     // Throws WifiProblem when the process is ending.
@@ -12,7 +12,7 @@ public:
     BusUse(const BusUse&) = delete;
     BusUse& operator=(const BusUse&) = delete;
 
-    // Says which connection is used, for it to be cut; -1: none, any more.
+    // Remembers the connection to shut down at exit; -1 for none.
     void Of(int connectionDescriptor);
 
 private:

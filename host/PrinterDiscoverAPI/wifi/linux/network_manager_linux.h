@@ -40,23 +40,24 @@ inline constexpr const char* kSaved = "org.freedesktop.NetworkManager.Settings.C
 
 }  // namespace NetworkManagerName
 
-// A path that says: no object. Never destroyed, as threads may still ask while the process ends.
+// The path that means "no object". Never destroyed, because threads may use it while the process
+// ends.
 inline const sdbus::ObjectPath& kNoObject = *new sdbus::ObjectPath("/");
 
-// What a failed call says about the one who was called.
-bool IsServiceLost(const sdbus::Error& error);   // it is gone or does not answer
-bool IsNoSuchObject(const sdbus::Error& error);  // the object is gone, or cannot do that
+// Classifies the error of a failed call.
+bool IsServiceLost(const sdbus::Error& error);   // the service is gone or does not answer
+bool IsNoSuchObject(const sdbus::Error& error);  // the object is gone, or lacks the operation
 bool IsDenied(const sdbus::Error& error);        // a policy forbids it to this user
 std::string DescribeError(const sdbus::Error& error);
 WifiProblem ProblemOf(const sdbus::Error& error);
 
-// NetworkManager as seen through a connection of its own to the system bus; for one thread. Its
-// operations throw sdbus::Error, and none takes longer than a few seconds.
+// NetworkManager, through a separate connection to the system bus; for one thread. Operations throw
+// sdbus::Error and take at most a few seconds.
 class NetworkManager {
 public:
     using Clock = std::chrono::steady_clock;
 
-    // How long each call may take.
+    // The time limit of each call.
     static constexpr std::chrono::seconds kCallLimit{5};
 
     // Throws WifiProblem when there is no bus.
@@ -69,7 +70,7 @@ public:
     std::unique_ptr<sdbus::IProxy> Manager() const;
     Properties PropertiesOf(const std::string& path, const std::string& interface) const;
 
-    // Delivers signals; returns when some were delivered, and at `until` at the latest.
+    // Waits for signals and delivers them. Returns after a delivery, at the latest at `until`.
     void AwaitSignals(Clock::time_point until) const;
 
 private:

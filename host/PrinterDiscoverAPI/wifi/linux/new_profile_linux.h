@@ -6,16 +6,16 @@
 
 namespace Host {
 
-// What NetworkManager is to join, with a profile of its own.
+// The network that NetworkManager is to join, with a new profile.
 struct NewProfile {
     const ConnectionSettings& settings;  // values of the types s, b and ay
-    std::string_view passPhrase;         // joins the settings on the way; empty: none
+    std::string_view passPhrase;         // added to the settings when they are sent; may be empty
     const sdbus::ObjectPath& adapter;
     const sdbus::ObjectPath& accessPoint;
 };
 
 enum class ProfileLife {
-    kVolatile,  // until the network is left
+    kVolatile,  // deleted when the network is left
     kKept,
 };
 
@@ -24,8 +24,9 @@ struct Begun {
     sdbus::ObjectPath active;
 };
 
-// Begins the joining. Throws sdbus::Error, whose words are without the pass phrase. No copy of that
-// stays in the process: the message goes past sdbus-c++, which would leave some.
+// Starts to join. Throws sdbus::Error, whose text never contains the pass phrase. Leaves no copy of
+// the pass phrase in memory; therefore the message is not sent through sdbus-c++, which would leave
+// copies.
 Begun AddAndActivate(const NewProfile& profile, ProfileLife life);
 
 }  // namespace Host

@@ -4,12 +4,12 @@
 
 namespace Host {
 
-// How an access point is protected, a sum of Protection, by the information elements of what it
-// broadcasts. `isPrivate` is its own word that there is some protection. Elements that are cut off
-// or make no sense count for nothing.
+// The protection of an access point, a sum of Protection, from the information elements that it
+// broadcasts. `isPrivate`: the access point's privacy bit, which announces some protection.
+// Truncated and invalid elements are ignored.
 unsigned ProtectionOf(std::string_view elements, bool isPrivate);
 
-// Whether they say that WPA, the first version, is spoken there with AES (CCMP): it came with TKIP.
+// Whether the elements offer WPA version 1 with AES (CCMP) instead of the usual TKIP.
 bool TakesAesWithWpa(std::string_view elements);
 
 }  // namespace Host

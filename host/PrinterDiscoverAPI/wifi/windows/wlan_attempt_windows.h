@@ -6,17 +6,16 @@
 namespace Host {
 
 // One attempt of an adapter to join a network, from its start to its outcome. An attempt that takes
-// too long, or fails without a word about its end, is ended, lest it succeeds when nobody expects
-// it any more.
+// too long, or fails without a final notification, is cancelled, so that it cannot succeed later.
 class WlanAttempt {
 public:
     WlanAttempt(const WlanClient& wlan, const GUID& wifiAdapter, const AccessPoint& accessPoint);
 
-    // With the profile of that name, which the system has saved, or with one that is not to be.
+    // Starts the attempt with the saved profile of that name, or with a profile that is not saved.
     void StartSaved(const std::wstring& profileName);
     void StartNew(const std::wstring& profile);
 
-    // Waits for the outcome; throws WifiProblem unless it is that the network is joined.
+    // Waits for the outcome. Throws WifiProblem unless the network was joined.
     void Await(WlanClient::Clock::time_point deadline);
 
 private:
@@ -33,9 +32,9 @@ private:
     WlanNotifications notifications;
     const GUID adapter;
     const std::string name;
-    std::string begun;                          // the network that the adapter began to join last
-    DWORD reason = 0;                           // why it failed
-    WlanClient::Clock::time_point lastFailure;  // of one of its tries, if any
+    std::string begun;                          // the network that the adapter last started to join
+    DWORD reason = 0;                           // the reason of the failure
+    WlanClient::Clock::time_point lastFailure;  // the time of the last failed try, if any
 };
 
 }  // namespace Host

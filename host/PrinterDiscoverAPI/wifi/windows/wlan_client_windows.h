@@ -17,8 +17,8 @@ struct FreeWlanMemory {
 template <class T>
 using WlanMemory = std::unique_ptr<T, FreeWlanMemory>;
 
-// The system's Wi-Fi service as seen through a handle of its own; for one thread. Its operations
-// throw WifiProblem.
+// The system's Wi-Fi service, through a separate handle; for one thread. Operations throw
+// WifiProblem.
 class WlanClient {
 public:
     using Clock = std::chrono::steady_clock;
@@ -32,7 +32,7 @@ public:
 
     std::vector<WLAN_INTERFACE_INFO> Adapters() const;
 
-    // What an adapter says of itself; nothing when that does not apply to it now.
+    // Queries a property of an adapter; nothing when the adapter does not have it now.
     template <class T>
     std::optional<T> Query(const GUID& adapter, WLAN_INTF_OPCODE what) const {
         DWORD size = 0;
@@ -52,7 +52,7 @@ private:
     HANDLE handle = nullptr;
 };
 
-// A network's name as the service has it, and back.
+// Convert a network's name from and to the service's form.
 std::string NameOf(const DOT11_SSID& ssid);
 DOT11_SSID SsidOf(const std::string& name);
 

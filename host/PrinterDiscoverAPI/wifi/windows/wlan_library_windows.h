@@ -1,6 +1,6 @@
 #pragma once
 
-// The Wi-Fi service's header stands on the system's own.
+// wlanapi.h needs windows.h first.
 #include "platform/os.h"
 
 #include <wlanapi.h>
@@ -9,7 +9,7 @@
 
 namespace Host {
 
-// The operations of the system's Wi-Fi library, which not every Windows has.
+// The functions of the system's Wi-Fi library, which is missing on some Windows systems.
 struct WlanLibrary {
     decltype(&WlanOpenHandle) openHandle;
     decltype(&WlanCloseHandle) closeHandle;
@@ -25,10 +25,10 @@ struct WlanLibrary {
     decltype(&WlanReasonCodeToString) reasonCodeToString;
 };
 
-// The library, loaded at the first call. Throws WifiProblem when there is none.
+// Returns the library, loaded at the first call. Throws WifiProblem when it is missing.
 const WlanLibrary& TheWlanLibrary();
 
-// Throws WifiProblem, in words, unless `error` says success.
+// Throws WifiProblem with the error in words, unless `error` is success.
 void RequireWlan(const char* operation, DWORD error);
 
 }  // namespace Host

@@ -8,15 +8,15 @@
 
 namespace Host {
 
-// What the service tells of an adapter.
+// A notification of the service about an adapter.
 struct WlanNotification {
     GUID adapter;
     DWORD code;        // a WLAN_NOTIFICATION_ACM
-    std::string name;  // of the network that is being joined
-    DWORD reason;      // why that went as it did
+    std::string name;  // the network being joined
+    DWORD reason;      // the reason code of the outcome
 };
 
-// A registration for what the service tells; ends with the object.
+// A registration for the service's notifications, which ends with the object.
 class WlanNotifications {
 public:
     explicit WlanNotifications(const WlanClient& wlan);
@@ -24,7 +24,7 @@ public:
     WlanNotifications(const WlanNotifications&) = delete;
     WlanNotifications& operator=(const WlanNotifications&) = delete;
 
-    // The next one; nothing when none comes until then.
+    // The next notification; nothing when none arrives before `until`.
     std::optional<WlanNotification> Next(WlanClient::Clock::time_point until);
 
 private:

@@ -7,9 +7,9 @@
 
 namespace Host {
 
-// The profile with which Windows joins the access point's network: its settings, with the pass
-// phrase if there is one, as an XML document. The profile also finds a network that hides its name.
-// It is the only copy of the pass phrase that is left.
+// The profile with which Windows joins the access point's network: its settings, including a pass
+// phrase, as an XML document. The profile also finds a network that hides its name. The result is
+// the only remaining copy of the pass phrase; the caller wipes it.
 std::wstring WlanProfile(const AccessPoint& accessPoint, std::string_view passPhrase);
 
 }  // namespace Host
