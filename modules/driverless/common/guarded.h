@@ -8,7 +8,7 @@
 
 namespace Driverless {
 
-// Says that there is no memory, or no further thread; as far as that itself takes none.
+// Reports that memory or threads have run out. Does nothing if the report itself fails.
 inline void ReportExhausted(const std::exception& exception) noexcept {
     try {
         const auto* const system = dynamic_cast<const std::system_error*>(&exception);
@@ -21,8 +21,8 @@ inline void ReportExhausted(const std::exception& exception) noexcept {
     }
 }
 
-// Calls `function`; what it throws (out of memory, no further thread) becomes `failed`: no entry
-// point lets an exception out.
+// Calls `function`. Returns `failed` if it throws (out of memory, no further thread), because no
+// entry point may throw.
 template <typename Function>
 int Guarded(int failed, Function function) {
     try {

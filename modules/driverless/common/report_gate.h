@@ -1,6 +1,6 @@
 #pragma once
 
-// Lets a scan's reports through, one at a time, until it is closed.
+// Passes a scan's reports, one at a time, until the gate is closed.
 
 #include <chrono>
 #include <condition_variable>
@@ -20,8 +20,8 @@ public:
         }
     }
 
-    // From here on no report begins. True once none is under way, other than one from which this
-    // is called; false when that takes longer than `patience`.
+    // Closes the gate: no report begins any more. Waits for a running report, unless called from
+    // inside it. False when that takes longer than `patience`.
     bool Close(std::chrono::milliseconds patience);
 
 private:

@@ -1,13 +1,13 @@
 #pragma once
 
-// What the entry points return. The README lists them for callers.
+// The results of the entry points. The README explains them to callers.
 
 namespace Driverless {
 
 constexpr int kOk = 0;
 
 // StartDeviceScan, StartAPWifiScan
-constexpr int kNoListener = 1;  // no registration, or one without a callback
+constexpr int kNoListener = 1;  // no registration, or no callback in it
 constexpr int kNoBus = 2;       // the system's D-Bus cannot be reached
 constexpr int kNoAvahi = 3;     // Avahi does not run
 constexpr int kNoNetwork = 4;   // this host is on no network
@@ -15,29 +15,29 @@ constexpr int kNoBrowsing = 5;  // Avahi refuses, or does not answer
 constexpr int kBusLost = 6;     // D-Bus ended while the scan ran
 
 // StopDeviceScan, StopAPWifiScan
-constexpr int kStillReporting = 1;  // the application has not come back from its callback
+constexpr int kStillReporting = 1;  // the application's callback has not returned
 
-// GetDeviceConnectState, and the notifications where they say so
+// GetDeviceConnectState, and some of them the notifications
 constexpr int kReady = 1;           // answers, and accepts jobs
 constexpr int kNotReady = 2;        // answers, but is stopped or accepts no jobs
 constexpr int kNoAnswer = 3;        // does not answer
-constexpr int kUnknownPrinter = 4;  // neither the record nor a scan says where the printer is
-constexpr int kNoPrinter = 5;       // something answers, but not as a printer does
+constexpr int kUnknownPrinter = 4;  // neither the record nor a scan gives an address
+constexpr int kNoPrinter = 5;       // the peer that answers is not a printer
 constexpr int kOtherPrinter = 6;    // another printer answers at this address
 
-// IsConnectCurrentWifiAP, and whatever works through the printer's own network
-constexpr int kNotPrintersNetwork = 7;  // the host is joined to no network of a printer's own
+// IsConnectCurrentWifiAP, and the operations through the printer's own network
+constexpr int kNotPrintersNetwork = 7;  // the host is not joined to a printer's own network
 constexpr int kNoWifiAnswer = 8;        // the host's Wi-Fi service does not answer
 constexpr int kNotReached = 15;         // no printer that can be configured answers there
 
 // PrinterAPNetConfigEvent
-constexpr int kRefused = 10;     // the printer does not take the settings
+constexpr int kRefused = 10;     // the printer does not accept the settings
 constexpr int kNotVisible = 11;  // the printer does not see that network
-constexpr int kCannotJoin = 12;  // the network does not let the printer in
+constexpr int kCannotJoin = 12;  // the network refuses the printer
 constexpr int kTimedOut = 13;    // no outcome in time
-constexpr int kNotAllowed = 14;  // the printer wants to know who asks, or forbids it
-constexpr int kNotValid = 16;    // no name or pass phrase that could be sent; nothing was
-// It took the settings and closed its own network, and nothing shows whether it joined.
+constexpr int kNotAllowed = 14;  // the printer requires a password, or forbids it
+constexpr int kNotValid = 16;    // name or pass phrase is not valid; nothing was sent
+// The printer accepted the settings and closed its own network; nothing shows whether it joined.
 constexpr int kNotConfirmed = 26;
 
 // IsLocalAreaNetworkOK
@@ -46,7 +46,7 @@ constexpr int kNoIdentity = 18;    // the record has no serial number
 constexpr int kNoResources = 19;   // the process has no thread or memory left
 
 // GetDeviceInfoByUsb
-constexpr int kNoAccess = 20;     // no rights to the device
+constexpr int kNoAccess = 20;     // no permission for the device
 constexpr int kBusy = 21;         // another program has the device
 constexpr int kNoUsbAnswer = 22;  // the device does not answer, or libusb does not work
 
@@ -54,7 +54,7 @@ constexpr int kNoUsbAnswer = 22;  // the device does not answer, or libusb does 
 constexpr int kNoRecord = 23;  // no record, or no room for the answer
 
 // PrinterUSBNetConfigEvent
-constexpr int kNoBridge = 24;      // nothing on this host makes printers on USB reachable by IPP
-constexpr int kSeveralAlike = 25;  // several printers that cannot be told apart
+constexpr int kNoBridge = 24;      // no program on this host offers printers on USB over IPP
+constexpr int kSeveralAlike = 25;  // several printers that cannot be distinguished
 
 }  // namespace Driverless

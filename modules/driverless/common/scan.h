@@ -4,7 +4,7 @@
 
 namespace Driverless {
 
-// Something that reports until it is stopped.
+// A scan that reports until it is stopped.
 class Scan {
 public:
     virtual ~Scan() = default;
@@ -12,8 +12,8 @@ public:
     // Reports on the calling thread until it is stopped. Returns the entry point's result.
     virtual int Run() = 0;
 
-    // Makes Run return; no report begins any more. True once no report is under way, other than one
-    // from which this is called; false when that takes longer than `patience`. From any thread.
+    // Makes Run return; no report begins any more. Waits for a running report, unless called from
+    // inside it. False when that takes longer than `patience`. Safe from any thread.
     virtual bool Stop(std::chrono::milliseconds patience) = 0;
 };
 

@@ -1,7 +1,8 @@
 #pragma once
 
-// Tells the user, once, that Avahi does not answer. A scan may be stopped before the module gives
-// up: then too nobody has looked, which is not the same as nothing found. From any thread.
+// Reports once that Avahi does not answer. Also reports when the scan is stopped before the module
+// gives up, because then "no printers found" would be wrong: Avahi never looked. Safe from any
+// thread.
 
 #include <atomic>
 #include <chrono>

@@ -14,13 +14,13 @@ namespace Driverless {
 
 struct DnssdEvent {
     enum class Kind {
-        Ready,        // Avahi answers; the watch begins
-        Announced,    // `id` is there; Resolved follows when its place is known
-        Resolved,     // `service` is the place and description of `id`
-        Gone,         // `id` is no longer there, or cannot be used
-        Settled,      // what the network had to announce at the beginning has come
-        Interrupted,  // Avahi ended: nothing is announced any more until it is back
-        Failed,       // the watch cannot begin, or cannot go on: `result`, `message`
+        Ready,        // Avahi answers; watching begins
+        Announced,    // `id` is announced; Resolved follows
+        Resolved,     // `service` holds the place and description of `id`
+        Gone,         // `id` is no longer announced, or cannot be used
+        Settled,      // the initial announcements are complete
+        Interrupted,  // Avahi ended: no announcements until it is back
+        Failed,       // watching is impossible: `result`, `message`
     };
     Kind kind;
     ServiceId id;
@@ -29,18 +29,18 @@ struct DnssdEvent {
     std::string message;
 };
 
-// The message of a failure for want of memory; short enough to need none itself.
+// The message when memory has run out; short enough to need no allocation.
 constexpr char kOutOfMemory[] = "out of memory";
 
-// The watch lasts as long as this object. Avahi is talked to on threads of the browser's own, so
-// that nobody waits for an Avahi or a D-Bus that does not answer.
+// Watches as long as this object lives. Only the browser's own threads talk to Avahi, so that no
+// other thread waits for an Avahi or a D-Bus that does not answer.
 class DnssdBrowser {
 public:
     // Called on one thread at a time, and possibly still once while the destructor returns.
     using Listener = std::function<void(DnssdEvent)>;
 
     explicit DnssdBrowser(Listener listener);
-    // Looks up that one service and nothing else; Gone says that it is not announced.
+    // Looks up only the service `only`; a Gone event means that it is not announced.
     DnssdBrowser(Listener listener, const ServiceId& only);
     ~DnssdBrowser();
 
@@ -60,7 +60,7 @@ private:
     std::shared_ptr<Watch> watch;
 };
 
-// Looks one announced service up again; nothing when it does not answer within `patience`.
+// Looks up an announced service again; nothing when there is no answer within `patience`.
 std::optional<Service> ResolveAgain(ServiceId id, std::chrono::milliseconds patience);
 
 }  // namespace Driverless

@@ -1,13 +1,13 @@
 #pragma once
 
-// Shares a window of work that is under way among those who ask for it. Knows no clock: it is told
-// what time it is.
+// Shares a limited number of running work items fairly among owners. Knows no clock: callers pass
+// the time.
 //
-// Work that takes long must not block the window, so only young work counts against it; all work
-// together has a limit of its own. Of both, one owner gets no more than is left free beside its
-// share: whoever comes late finds room, however much an earlier one has taken. Of one owner's items
-// that wait, the oldest and the newest begin in turns: neither a long queue in front of an item nor
-// a stream of items behind it keeps it waiting for long.
+// Slow work must not block the window: one limit applies only to young work, a second limit to all
+// work. For both limits, an owner may use at most as much as stays free beside its own share, so
+// that a late owner finds room, however much earlier owners have taken. Of an owner's waiting
+// items, the oldest and the newest begin in turns: neither a long queue ahead of an item nor a
+// stream of newer items delays it for long.
 
 #include <chrono>
 #include <cstdint>
@@ -26,18 +26,18 @@ public:
     using Time = std::chrono::steady_clock::time_point;
 
     struct Limits {
-        std::size_t young;                // under way and young, of all owners
-        std::size_t all;                  // under way, of all owners
-        std::chrono::milliseconds youth;  // how long work is young
+        std::size_t young;                // limit for young running work, of all owners
+        std::size_t all;                  // limit for running work, of all owners
+        std::chrono::milliseconds youth;  // how long running work counts as young
     };
 
     explicit FairWindow(const Limits& windowLimits) : limits(windowLimits) {}
 
-    // What is under way already stays so.
+    // Changes the limit for running work. Work that already runs continues.
     void LimitAll(std::size_t most) { limits.all = most; }
 
-    // Puts an item behind the others of its owner. One that comes `again` begins after all of them
-    // that come for the first time. An item that is in the window already stays where it is.
+    // Queues an item after its owner's other items. An item with `again` begins after all items
+    // queued for the first time. Does nothing for an item that is already in the window.
     void Add(const Owner& owner, const Item& item, bool again = false) {
         if (!tickets.emplace(item, Ticket{owner, {again, lastNumber + 1}}).second) {
             return;
@@ -48,7 +48,7 @@ public:
         Rank(owner, share);
     }
 
-    // The item is done, or no longer wanted.
+    // Removes an item that is finished or no longer wanted.
     void Remove(const Item& item) {
         const auto found = tickets.find(item);
         if (found == tickets.end()) {
@@ -67,8 +67,8 @@ public:
         }
     }
 
-    // The next item that may begin now. The owner with the least work under way goes first, and of
-    // several the one that was served the longest time ago.
+    // The next item that may begin now. The owner with the least running work goes first; among
+    // equals, the owner that was served longest ago.
     std::optional<Item> Take(Time now) {
         GrowOld(now);
         if (ranks.empty()) {
@@ -87,9 +87,9 @@ public:
         return item;
     }
 
-    // The item that has been under way the longest, of the owner with the most of them, for at
-    // least `slice`, when somebody waits and there is no room for all, or none at all just now. It
-    // counts as removed.
+    // Takes back the longest-running item of the owner with the most running items, if it has run
+    // for at least `slice`, an owner waits, and the limit for all work is reached or `noRoom` is
+    // set. The item counts as removed.
     std::optional<Item> TakeBack(Time now, std::chrono::milliseconds slice, bool noRoom = false) {
         if (ranks.empty() || (!noRoom && HasRoomForAll(shares.at(std::get<2>(*ranks.begin()))))) {
             return std::nullopt;
@@ -111,7 +111,7 @@ public:
 
     bool IsWaiting() const { return !ranks.empty(); }
 
-    // When there is room again although nothing ends, if somebody waits for it.
+    // The time when running work grows old and makes room, if an owner waits.
     std::optional<Time> Next() const {
         if (ranks.empty() || youngest.empty()) {
             return std::nullopt;
@@ -122,7 +122,8 @@ public:
     std::size_t UnderWay() const { return all; }
 
 private:
-    // Where an item waits: first those that came for the first time, and each by when it came.
+    // The position of a waiting item: items queued for the first time go first, then by order of
+    // arrival.
     using Place = std::pair<bool, std::uint64_t>;
 
     struct Ticket {
@@ -132,7 +133,7 @@ private:
 
     struct Share {
         std::map<Place, Item> waiting;
-        std::map<Item, Time> since;  // under way
+        std::map<Item, Time> since;  // running items
         std::set<std::pair<Time, Item>> order;
         std::size_t young = 0;
         std::uint64_t served = 0;
@@ -176,7 +177,7 @@ private:
         ++all;
     }
 
-    // False when it has not begun.
+    // False when the item has not begun.
     bool End(Share& share, const Item& item) {
         const auto begun = share.since.find(item);
         if (begun == share.since.end()) {
@@ -199,7 +200,7 @@ private:
     Limits limits;
     std::map<Item, Ticket> tickets;
     std::map<Owner, Share> shares;
-    std::set<std::tuple<std::size_t, std::uint64_t, Owner>> ranks;  // of those who wait
+    std::set<std::tuple<std::size_t, std::uint64_t, Owner>> ranks;  // of the owners that wait
     std::set<std::pair<Time, Item>> youngest;
     std::size_t all = 0;
     std::uint64_t turns = 0;

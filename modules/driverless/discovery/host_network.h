@@ -14,10 +14,10 @@ bool IsOnNetwork();
 // system describes its interfaces.
 bool IsOnWifi(const std::string& classFolder = "/sys/class/net");
 
-// Whether this is the number of the interface through which the host reaches itself.
+// Whether `interface` is the number of the loopback interface.
 bool IsLoopback(int interface);
 
-// The IPv4 networks that the interface is on.
+// The IPv4 networks of the interface.
 std::vector<OwnNetwork> NetworksOf(int interface);
 
 }  // namespace Driverless

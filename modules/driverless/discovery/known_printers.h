@@ -1,8 +1,8 @@
 #pragma once
 
-// What the module remembers of printers between calls, by serial number. Printers may share one:
-// these are told apart by their UUIDs or, without them, by the names under which they are
-// announced, and in a record, which has neither, by where they were.
+// The printers that the module remembers between calls, by serial number. Printers with the same
+// serial number are distinguished by their UUIDs or, without them, by their announced names; in a
+// record, which has neither, by their places.
 //
 // Anybody can announce another printer's UUID, so a place that announces it takes nothing from the
 // others: a record is about what is at its own place, and only then about the latest one.
@@ -80,7 +80,7 @@ private:
     std::uint64_t turns = 0;
 };
 
-// The one memory. Never destroyed: scans run until the process is gone.
+// The process's memory of printers. Never destroyed: scans run until the process is gone.
 PrinterMemory& KnownPrinters();
 
 }  // namespace Driverless

@@ -1,10 +1,10 @@
 #pragma once
 
-// When to look up which of the announced services. Knows neither network nor clock.
+// Decides when to look up which announced service. Knows neither network nor clock.
 //
-// Who announces decides how many there are, and whether they can be looked up at all. So look-ups
-// have windows that interfaces share, plain IPP one of its own; look-ups that last are handed back
-// when others wait, and come back behind all that were not looked up yet.
+// A hostile host can announce any number of services, also such that cannot be looked up. So
+// look-ups have windows that the interfaces share, and plain IPP has its own window; a slow look-up
+// is stopped when others wait, and repeated after all services not looked up yet.
 
 #include <chrono>
 #include <map>
@@ -20,8 +20,8 @@
 
 namespace Driverless {
 
-// Plain IPP is looked up first, and tells the most. The other services of a printer that has it are
-// looked up when the first rush is over, those of others in a moment.
+// Plain IPP is looked up first, because it tells the most. Other services of a printer with plain
+// IPP are looked up after kDelayWithIpp, those of a printer without it after kDelayWithoutIpp.
 constexpr std::chrono::milliseconds kDelayWithoutIpp{100};
 constexpr std::chrono::milliseconds kDelayWithIpp{1000};
 
@@ -32,7 +32,7 @@ constexpr std::chrono::milliseconds kDelayWhenAnswered{2000};
 // Avahi refuses to look up many services at once for one client.
 constexpr std::chrono::milliseconds kDelayAfterRefusal{250};
 
-// How long a look-up may last at least, and how long one that was handed back is left out.
+// How long a look-up runs at least, and how long a stopped look-up pauses.
 constexpr std::chrono::milliseconds kSliceOfLookup{300};
 constexpr std::chrono::milliseconds kDelayAfterSlice{1000};
 
@@ -41,9 +41,9 @@ public:
     using Time = std::chrono::steady_clock::time_point;
 
     struct Work {
-        std::vector<ServiceId> end;    // to be ended
-        std::vector<ServiceId> begin;  // to be begun, after those
-        std::optional<Time> next;      // when to ask for work again, if nothing happens before
+        std::vector<ServiceId> end;    // look-ups to end
+        std::vector<ServiceId> begin;  // look-ups to begin, after ending those
+        std::optional<Time> next;      // when to call Advance again, if nothing happens before
     };
 
     void Announced(const ServiceId& id, Time now);
@@ -52,7 +52,7 @@ public:
     // The look-up has ended.
     void Found(const ServiceId& id);
 
-    // Avahi refused to begin it.
+    // Avahi refused to begin the look-up.
     void Refused(const ServiceId& id, Time now);
 
     // The printer of that service has answered: the rest of that name is looked up last, as long as
@@ -63,13 +63,13 @@ public:
 
     Work Advance(Time now);
 
-    // When to ask for work again, if nothing happens before. Differs from the work's own `next`
-    // when a look-up of that work was refused.
+    // When to call Advance again, if nothing happens before. Differs from the `next` of the last
+    // Work if one of its look-ups was refused.
     std::optional<Time> Next(Time now) const;
 
 private:
     using Name = std::tuple<std::string, std::string, int>;
-    using Window = FairWindow<int, ServiceId>;  // shared by interfaces
+    using Window = FairWindow<int, ServiceId>;  // the owners are interfaces
     enum class State { Later, Waiting, UnderWay, Done };
     struct Known {
         State state;
@@ -91,12 +91,12 @@ private:
     std::map<ServiceId, Time> dueTimes;
     std::set<std::pair<Time, ServiceId>> due;
     std::map<Name, std::set<ServiceId>> names;
-    std::map<Name, ServiceId> answered;  // with the service that did
+    std::map<Name, ServiceId> answered;  // with the service that answered
     std::map<ServiceId, std::size_t> handedBack;
     std::optional<Time> refusedUntil;
 
-    // Most look-ups are answered from what Avahi knows already, within milliseconds. Avahi keeps
-    // 1,024 objects for a client; the limits leave it room. One interface gets half of them.
+    // Avahi answers most look-ups from its cache within milliseconds. It allows a client 1,024
+    // objects; these limits stay below. One interface gets half of each.
     Window plain{{64, 512, std::chrono::milliseconds(40)}};
     Window others{{32, 256, std::chrono::milliseconds(40)}};
 };

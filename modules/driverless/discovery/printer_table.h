@@ -1,11 +1,12 @@
 #pragma once
 
-// Which announcements belong to one printer, what to ask it, and when to report it. Knows no
-// network and no clock: it is told what happened and when, and says what to do next.
+// Decides which announcements belong to one printer, what to ask it, and when to report it. Knows
+// no network and no clock: callers report events with their time, and Advance returns the work to
+// do.
 //
-// Anybody may announce anything. Whoever announces the UUID of another printer, and even answers
-// like it, is another place of that printer: each place is asked, each that answers is reported,
-// and none takes the row of another.
+// Anybody may announce anything. A host that announces another printer's UUID, and even answers
+// with it, is another place of that printer: each place is queried, each that answers is reported,
+// and none replaces another.
 
 #include <array>
 #include <chrono>
@@ -24,26 +25,26 @@
 
 namespace Driverless {
 
-// A printer announces its protocols within moments of each other. One that is only known by a
-// protocol that says less waits this long for a better one, and one that does not answer for
-// another place of it that does.
+// A printer announces all its protocols within a short time. A printer known only by a less
+// informative protocol waits this long for a better one, and a printer that does not answer waits
+// as long for an answer from another of its places.
 constexpr std::chrono::milliseconds kPatienceForPlainIpp{250};
 constexpr std::chrono::milliseconds kPatienceForIpp{1000};
 
-// A place that answers is reported after the places of that printer that were there before it. It
-// waits this long for their answers.
+// Places of one printer are reported in the order of their announcements: a place that has answered
+// waits this long for the answers of earlier places.
 constexpr std::chrono::milliseconds kPatienceForEarlierPlace{500};
 
-// Questions that are under way at once: those just asked, and all. Printers answer in milliseconds.
+// Limits for queries running at the same time: new ones, and all. Printers answer in milliseconds.
 constexpr std::size_t kMaxYoungQuestions = 64;
 constexpr std::size_t kMaxQuestions = 512;
 constexpr std::chrono::milliseconds kYouthOfQuestion{100};
 
-// How soon to look whether others in this process have made room for a question that waits.
+// How often a waiting query checks whether other scans of this process have made room.
 constexpr std::chrono::milliseconds kPatienceForRoom{50};
 
-// More places than any printer has, and more services than one place of it. When one more comes,
-// the one that is the least likely to answer makes room for it.
+// More places than any printer has, and more services than any place has. Beyond that, the one
+// least likely to answer is dropped.
 constexpr std::size_t kMaxPlaces = 256;
 constexpr std::size_t kMaxServicesOfPlace = 64;
 
@@ -52,7 +53,7 @@ public:
     using Time = std::chrono::steady_clock::time_point;
     using QueryId = std::uint64_t;
 
-    // A printer to be asked over IPP; to be answered within `Patience`.
+    // A query to send to a printer over IPP, with the deadline for its answer.
     struct Query {
         QueryId id;
         Printer printer;
@@ -81,10 +82,10 @@ public:
     void Answered(QueryId query, const std::optional<PrinterAttributes>& attributes);
     void Refused(QueryId query);
 
-    // How many questions may be under way at once, up to `kMaxQuestions`.
+    // Sets how many queries may run at the same time, up to `kMaxQuestions`.
     void LimitQuestions(std::size_t most);
 
-    // What is to be done at this moment.
+    // Returns the work that is due at `now`.
     Work Advance(Time now);
 
     // Whether any service is announced.
@@ -93,52 +94,53 @@ public:
 private:
     using RowId = std::uint64_t;
 
-    // Where a question is sent: kind, address, port, path.
+    // The destination of a query: kind, address, port, path.
     using Endpoint = std::tuple<ServiceKind, std::string, std::uint16_t, std::string>;
 
-    // A service that comes in by two interfaces is asked once.
+    // One endpoint to query. A service that is announced on two interfaces is queried once.
     struct Chance {
         std::set<ServiceId> services;
-        std::optional<ServiceId> asked;  // the one of them through which it was asked
-        QueryId query = 0;               // the question; it may be over
+        std::optional<ServiceId> asked;  // the service through which it was queried
+        QueryId query = 0;               // the query; it may have ended
     };
 
     // One place of one printer.
     struct Row {
-        std::uint64_t rank;  // by the order in which they were announced
+        std::uint64_t rank;  // the order of the announcements
         std::string name;
         std::string host;
         std::string uuid;
         std::map<ServiceId, Service> services;
-        std::map<Endpoint, Chance> chances;  // of those services that speak IPP
+        std::map<Endpoint, Chance> chances;  // of the services with IPP
         std::set<Endpoint> unasked;
-        std::size_t asked = 0;   // chances that were asked
-        std::set<QueryId> open;  // its questions that wait or are under way
+        std::size_t asked = 0;   // the number of queried chances
+        std::set<QueryId> open;  // its waiting and running queries
         Time since;
-        std::optional<Time> deadline;  // of its first question: then it is reported as it is
+        std::optional<Time>
+            deadline;  // of its first query: then the place is reported without an answer
         std::optional<Time> alarm;
         std::optional<Time> answeredAt;
         std::optional<PrinterAttributes> attributes;
         ServiceId source;                                   // the service that answered
-        std::optional<std::pair<ServiceId, Service>> last;  // when all its services are gone
-        bool refuses = false;                               // something is there, and does not tell
+        std::optional<std::pair<ServiceId, Service>> last;  // kept when all services are gone
+        bool refuses = false;  // the peer answers but refuses its attributes
         bool reported = false;
         bool answerReported = false;
     };
 
-    // The places of one UUID, in groups.
+    // The places of one UUID, grouped by state.
     struct Places {
         using Ranked = std::set<std::pair<std::uint64_t, RowId>>;
 
         std::set<RowId> all;
         std::set<RowId> answered;
-        Ranked undecided;        // may still be reported with an answer
-        Ranked waiting;          // have answered, and wait for those before them
-        std::set<RowId> hidden;  // left out because another one has answered
-        std::set<RowId> behind;  // to be reported after those that wait
+        Ranked undecided;        // may still answer
+        Ranked waiting;          // answered; wait for earlier places
+        std::set<RowId> hidden;  // left out because another place has answered
+        std::set<RowId> behind;  // reported after the waiting ones
     };
 
-    // Of a place: UUID, address, and host name or port.
+    // Identifies a place: UUID, address, and host name or port.
     using Spot = std::tuple<std::string, std::string, std::string, std::uint16_t>;
 
     // How long it may turn out of an overdue question that something is there.
@@ -148,10 +150,10 @@ private:
         RowId row;
         ServiceId service;
         Time queued;
-        std::optional<Time> deadline;  // none: it waits for its turn
+        std::optional<Time> deadline;  // none while it waits for its turn
     };
 
-    // What tells printers without looking at their services: a name on an interface.
+    // A name on an interface; identifies a printer before its services are looked up.
     using InstanceName = std::tuple<std::string, std::string, int>;
     static InstanceName NameOf(const ServiceId& id) { return {id.name, id.domain, id.interface}; }
 
@@ -207,14 +209,14 @@ private:
     Printer DescribeRow(const Row& row) const;
 
     const std::chrono::milliseconds patience;
-    std::map<ServiceId, std::uint64_t> pending;  // announced, and not yet resolved: their ranks
+    std::map<ServiceId, std::uint64_t> pending;  // announced but not yet resolved: their ranks
     std::map<std::pair<std::string, ServiceKind>, std::size_t> pendingKinds;
     std::map<InstanceName, std::size_t> pendingNames;
-    std::map<InstanceName, std::set<RowId>> lingering;  // their services are gone but those pending
+    std::map<InstanceName, std::set<RowId>> lingering;  // rows with only pending services left
     std::map<RowId, Row> rows;
     std::map<ServiceId, RowId> owners;
     std::map<std::string, Places> byUuid;
-    std::map<Spot, std::map<RowId, std::size_t>> spots;  // how many services of which row
+    std::map<Spot, std::map<RowId, std::size_t>> spots;  // the number of services by row
     std::map<std::pair<std::string, std::string>, std::set<RowId>> byNameAndHost;
     std::map<QueryId, Question> questions;
     std::map<QueryId, std::pair<Time, RowId>> expired;  // a moment ago

@@ -1,7 +1,7 @@
 #pragma once
 
-// Asks several printers at once, each on a thread that can be left behind: no printer that hangs
-// keeps the others, or the end of the scan, waiting.
+// Queries several printers at once, each on a thread that can be abandoned, so that a printer that
+// hangs delays neither the others nor the end of the scan.
 
 #include <functional>
 #include <memory>
@@ -13,7 +13,7 @@ namespace Driverless {
 
 class QueryPool {
 public:
-    // Called on the pool's threads, several at once, and possibly still after the destructor.
+    // Called on the pool's threads, on several at once, possibly even after the destructor.
     using Listener = std::function<void(PrinterTable::QueryId, const IppAnswer&)>;
 
     explicit QueryPool(Listener listener);
@@ -24,7 +24,7 @@ public:
     // Whether what was asked has accepted the connection, and only kept silent since.
     bool Drop(PrinterTable::QueryId query);
 
-    // How many questions may be under way at once, with what other pools have under way.
+    // How many queries this pool may run at once, given the running queries of other pools.
     std::size_t Room() const;
 
     QueryPool(const QueryPool&) = delete;

@@ -1,7 +1,7 @@
 #pragma once
 
-// How many questions all scans of a process have under way at once. Each takes a thread and a
-// descriptor, and the process needs descriptors for other things, too.
+// Limits the queries that all scans of a process run at once. Each query takes a thread and a
+// descriptor, and the process needs descriptors for other purposes, too.
 
 #include <cstddef>
 #include <mutex>
@@ -13,19 +13,19 @@ std::size_t FreeDescriptors();
 
 class QuestionBudget {
 public:
-    // For the whole process: half of the free descriptors, counted when a scan begins and no
-    // question is under way. Never destroyed.
+    // The budget of the process: half of the free descriptors, counted when a scan begins while no
+    // query runs. Never destroyed.
     static QuestionBudget& OfProcess();
 
-    // Shared evenly among those who take part.
+    // Join and leave the participants, which share the budget evenly.
     void Join();
     void Leave();
 
-    // Whether one more question may begin. Each who takes part may always have one.
+    // Whether one more query may begin. Each participant may always run one.
     bool Take(bool isOnlyOne);
     void Give();
 
-    // How many questions one who takes part and has `own` under way may have.
+    // How many queries a participant with `own` running queries may run.
     std::size_t RoomFor(std::size_t own);
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
 
-// The scans that run in this process.
+// The running scans of this process.
 
 #include <memory>
 #include <mutex>
@@ -12,11 +12,10 @@ namespace Driverless {
 
 class ScanRegistry {
 public:
-    // Runs a scan until it is stopped. One that reports to the same listener ends first: what was
-    // started again starts afresh.
+    // Runs a scan until it is stopped. First ends a running scan with the same listener.
     int Run(const void* listener, const std::shared_ptr<Scan>& scan);
 
-    // Ends all scans; false when one of them is still in its listener after `patience`.
+    // Ends all scans. False when one of them is still in its listener's callback after `patience`.
     bool StopAll(std::chrono::milliseconds patience);
 
 private:
@@ -35,8 +34,8 @@ private:
 ScanRegistry& RunningScans();
 ScanRegistry& RunningNetworkScans();
 
-// Has the end of the process end what runs then. To be called before anything that a thread may be
-// left behind in.
+// Ensures that process exit ends the running scans. Call this before any code in which a thread may
+// be abandoned.
 void PrepareForExit();
 
 }  // namespace Driverless

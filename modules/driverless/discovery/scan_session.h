@@ -1,6 +1,6 @@
 #pragma once
 
-// One look at the network's printers.
+// One scan for printers on the network.
 
 #include <functional>
 #include <memory>
@@ -18,14 +18,14 @@ public:
 
     enum class Reach {
         Everywhere,
-        NetworkOnly,  // not what is announced on this host for itself, such as printers on USB
+        NetworkOnly,  // without this host's announcements for itself, such as printers on USB
     };
 
-    // Each printer is reported on the thread in Run.
+    // Printers are reported on the thread that calls Run.
     explicit ScanSession(Reporter printerReporter, Reach looksWhere = Reach::Everywhere);
     ~ScanSession() override;
 
-    // Looks for printers until it is stopped; StartDeviceScan's result.
+    // Looks for printers until it is stopped. Returns StartDeviceScan's result.
     int Run() override;
 
     bool Stop(std::chrono::milliseconds patience) override;

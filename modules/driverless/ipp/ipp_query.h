@@ -1,6 +1,6 @@
 #pragma once
 
-// Asks a printer for its attributes over IPP, and gives it its Wi-Fi settings.
+// Reads a printer's attributes and sends its Wi-Fi settings, over IPP.
 
 #include <chrono>
 #include <future>
@@ -15,24 +15,24 @@ namespace Driverless {
 
 using Clock = std::chrono::steady_clock;
 
-// How long a printer has for its answer.
+// The time that a printer has for its answer.
 constexpr std::chrono::milliseconds kAnswerPatience{2000};
 
-// How long a printer has to take its settings: some write them to slow memory first.
+// The time that a printer has to confirm its settings: some write them to slow memory first.
 constexpr std::chrono::milliseconds kSettingPatience{10000};
 
 struct IppQuestion {
     enum class Kind { Attributes, AttributesWithWifi, Set };
     Kind kind = Kind::Attributes;
-    WifiSettings settings;  // to be set, both at once
+    WifiSettings settings;  // for Set: both are sent together
 };
 
 struct IppAnswer {
     enum class Kind {
-        NoAnswer,   // nothing there, or silence
-        NoPrinter,  // no IPP printer, or none at this path, or it refuses what was asked
-        Denied,     // it wants to know who asks, or does not allow it
-        Granted,    // `attributes` hold what the printer said; it has taken what was set
+        NoAnswer,   // not reachable, or silent
+        NoPrinter,  // not an IPP printer, not at this path, or the request is refused
+        Denied,     // the printer requires a password, or forbids the request
+        Granted,    // success: `attributes` are filled, or the settings accepted
     };
     Kind kind = Kind::NoAnswer;
     PrinterAttributes attributes;
@@ -42,17 +42,17 @@ struct IppAnswer {
     bool refused = false;    // the host is there, and nobody listens on it
 };
 
-// One question to one printer.
+// One IPP request to one printer.
 class IppQuery {
 public:
     IppQuery(Printer asked, Clock::time_point answerDeadline, IppQuestion question = {});
     ~IppQuery();
 
-    // Asks, and waits for the answer until the deadline, however slowly it comes. An answer that is
-    // larger or deeper than any printer's is refused.
+    // Sends the request and waits for the answer until the deadline, even if bytes keep arriving.
+    // Refuses an answer that is larger or deeper than that of any printer.
     IppAnswer Run();
 
-    // Makes Run come back soon. From any thread.
+    // Makes Run return soon. Safe from any thread.
     void Abort();
 
     // Whether something has accepted the connection, and whether the whole question has gone out,
@@ -68,16 +68,16 @@ private:
     std::unique_ptr<State> state;
 };
 
-// A query under way on a thread of its own, which is left behind when it is not over in time.
+// A query running on a separate thread, which is abandoned when the query does not end in time.
 class IppAsking {
 public:
     IppAsking(const Printer& asked, Clock::time_point answerDeadline, IppQuestion question = {});
     ~IppAsking();
 
-    // Whether it is over by then.
+    // Waits until `by` at the latest; returns whether the query has ended.
     bool IsOver(Clock::time_point by) const;
 
-    // The answer, by the deadline. Throws what the query throws (out of memory).
+    // Waits for the answer until the deadline. Throws what the query throws (out of memory).
     IppAnswer Answer() const;
 
     IppAsking(const IppAsking&) = delete;
@@ -89,16 +89,16 @@ private:
     std::shared_future<IppAnswer> answer;
 };
 
-// Runs a query and comes back no later than its patience allows. Throws what the query throws (out
-// of memory).
+// Runs a query and returns after `patience` at the latest. Throws what the query throws (out of
+// memory).
 IppAnswer AskInTime(const Printer& printer, std::chrono::milliseconds patience,
                     IppQuestion question = {});
 
-// Whether something accepts a connection at the printer's address.
+// Whether the printer's address accepts a connection within `patience`.
 bool AcceptsConnection(const Printer& printer, std::chrono::milliseconds patience);
 
-// For the end of the process, which destroys what TLS stands on: from here on no query begins to
-// use it, and those that do have a moment to come to their end.
+// For process exit, which destroys objects that TLS needs: from now on no query starts to use TLS,
+// and running uses get a short time to end.
 void EndTls();
 
 }  // namespace Driverless

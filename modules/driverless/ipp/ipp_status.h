@@ -10,11 +10,11 @@ namespace Driverless {
 namespace IppStatus {
 
 inline constexpr std::uint16_t kOk = 0x0000;
-// Up to this one a request was granted, if with a remark.
+// The last successful status; statuses up to this one may carry a remark.
 inline constexpr std::uint16_t kLastOk = 0x0007;
 inline constexpr std::uint16_t kVersionNotSupported = 0x0503;
 
-// The printer wants to know who asks, or does not allow it.
+// Whether the printer requires a password, or forbids the request.
 bool IsDenied(std::uint16_t status);
 
 }  // namespace IppStatus

@@ -1,6 +1,6 @@
 #pragma once
 
-// One printer, and its record. The README has the record's fields for callers.
+// One printer, and its record. The README explains the record's fields to callers.
 
 #include <cstdint>
 #include <optional>
@@ -11,7 +11,7 @@
 
 namespace Driverless {
 
-// What a printer says of its Wi-Fi, with the numbers of the standard.
+// The state of a printer's Wi-Fi, with the standard's numbers.
 enum class WifiState {
     Off = 3,
     NotConfigured = 4,
@@ -21,7 +21,7 @@ enum class WifiState {
     On = 8,
 };
 
-// The attributes that a printer gave over IPP; empty where it gave none.
+// The attributes that a printer sent over IPP; missing ones are empty.
 struct PrinterAttributes {
     std::string makeAndModel;
     std::string deviceId;  // IEEE 1284
@@ -30,7 +30,7 @@ struct PrinterAttributes {
     bool acceptsJobs = true;
     bool stopped = false;
     std::optional<WifiState> wifiState;  // none: its Wi-Fi cannot be configured
-    std::string wifiName;                // of the network it was given
+    std::string wifiName;                // the network it was configured for
     bool speaksTls = false;              // one of its URIs is "ipps:"
 };
 
@@ -43,30 +43,30 @@ struct Printer {
     std::string host;
     std::string address;
     std::uint16_t port = 0;
-    std::string resource;  // path of the IPP printer
+    std::string resource;  // the path of the IPP printer
 };
 
-// The UUID alone, in lower case: without "urn:uuid:". Empty for what is no UUID.
+// The UUID in lower case, without "urn:uuid:". Empty if `text` is not a UUID.
 std::string PlainUuid(const std::string& text);
 
 // The UUID that the service announces, or an empty text.
 std::string AnnouncedUuid(const Service& service);
 
-// The value of a key of an IEEE 1284 device id ("MFG:Acme;SN:123;"), whose keys have an
-// `alternative` spelling; empty without one.
+// The value of a key, or of its `alternative` spelling, in an IEEE 1284 device id
+// ("MFG:Acme;SN:123;"); empty if neither exists.
 std::string DeviceIdValue(const std::string& deviceId, const std::string& key,
                           const std::string& alternative);
 
-// The serial number that the attributes give, as it stands in a record; empty when they give none.
+// The serial number from the attributes, in the form of a record; empty when they have none.
 std::string SerialNumber(const PrinterAttributes& attributes);
 
-// The printer behind a service, with what it said over IPP where it was asked and answered.
+// The printer of a service, with its IPP attributes if it has answered.
 Printer Describe(const ServiceId& id, const Service& service,
                  const std::optional<PrinterAttributes>& attributes);
 
 VendorSdk::DeviceInfo ToRecord(const Printer& printer);
 
-// What a record says. Its fields need not be terminated, nor make sense.
+// Reads a record, whose fields may be unterminated or invalid.
 Printer FromRecord(const VendorSdk::DeviceInfo& record);
 
 }  // namespace Driverless

@@ -1,6 +1,6 @@
 #pragma once
 
-// What a printer announces of itself on the network.
+// A printer's announcements on the network.
 
 #include <array>
 #include <compare>
@@ -43,20 +43,20 @@ constexpr bool SpeaksIpp(ServiceKind kind) {
     return kind == ServiceKind::Ipp || kind == ServiceKind::Ipps;
 }
 
-// One announcement. The same printer announces one for each protocol it speaks, and each is seen
-// once for each of the host's interfaces that it comes in by.
+// Identifies one announcement. A printer makes one for each of its protocols, and each arrives once
+// on each of the host's interfaces.
 struct ServiceId {
     std::string name;
     std::string domain;
     ServiceKind kind = ServiceKind::None;
     int interface = -1;
 
-    // The check takes the operator for a comparison with a literal 0.
+    // clang-tidy mistakes the operator for a comparison with a literal 0.
     // NOLINTNEXTLINE(modernize-use-nullptr)
     auto operator<=>(const ServiceId&) const = default;
 };
 
-// Where the service is, and what its TXT record says; the record's keys are in lower case.
+// The place of a service and its TXT record, whose keys are in lower case.
 struct Service {
     std::string host;
     std::string address;

@@ -1,6 +1,6 @@
 #pragma once
 
-// What a printer is told of a Wi-Fi network.
+// The settings of a Wi-Fi network that are sent to a printer.
 
 #include <string>
 
@@ -13,8 +13,8 @@ struct WifiSettings {
     Base::Secret passPhrase;
 };
 
-// Why these settings cannot be sent; empty when they can. The name has 1 to 32 bytes of UTF-8, the
-// pass phrase 8 to 63 bytes, or none for a network without one.
+// Why these settings cannot be sent; empty when they are valid. The name has 1 to 32 bytes of
+// UTF-8; the pass phrase has 8 to 63 bytes, or is empty for an open network.
 std::string ProblemWith(const WifiSettings& settings);
 
 }  // namespace Driverless

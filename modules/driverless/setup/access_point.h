@@ -20,14 +20,14 @@ struct AccessPointSearch {
     std::optional<AccessPoint> found;
 };
 
-// Looks at the network's name first, and asks the network's gateway only when the name may be a
-// printer's. Waits for an answer for kAnswerPatience; right after the host has joined, the way to
-// the printer may not be open yet: until one has answered in that network it is asked again, for as
-// long as the environment variable DRIVERLESS_FIRST_SECONDS says.
+// Checks the network's name first, and queries the network's gateway only if the name may be a
+// printer's. Waits kAnswerPatience for an answer. Right after the host has joined the printer may
+// not be reachable yet: until a printer has answered in that network, the query is repeated for the
+// time in the environment variable DRIVERLESS_FIRST_SECONDS.
 AccessPointSearch FindAccessPoint();
 
-// The address at which a printer's own network, if the host is joined to one by its name, has its
-// printer; empty when it is joined to none, and nothing when that is not known.
+// The printer's address in the printer's own network, if the host is joined to a network with such
+// a name; empty if it is not; nothing if that is not known.
 std::optional<std::string> AddressOnPrintersNetwork(Clock::time_point deadline);
 
 }  // namespace Driverless

@@ -1,7 +1,7 @@
 #pragma once
 
-// A printer that is asked again until it answers or the time is over. Knows no network and no
-// clock.
+// The schedule for querying a printer repeatedly until it answers or the time is over. Knows no
+// network and no clock.
 
 #include <chrono>
 #include <optional>
@@ -13,21 +13,21 @@ public:
     using Time = std::chrono::steady_clock::time_point;
     using Duration = std::chrono::steady_clock::duration;
 
-    // A question waits for its answer for `patience`, or until the deadline where that is sooner.
+    // A query waits for its answer for `patience`, but at most until the deadline.
     static AskedAgain Once(Time start, Duration patience);
     static AskedAgain Until(Time deadline, Time start, Duration patience);
 
-    // The moment up to which the next question waits; nothing when there is none. A slow printer
-    // gets more time with each.
+    // The time until which the next query waits; nothing when there is no further query. Each query
+    // gives a slow printer more time.
     std::optional<Time> Next(Time now);
 
-    // The printer's host is there, and refuses: nobody will listen there soon.
+    // The host refused the connection: no printer will listen there soon.
     void Refused();
 
-    // It has said something that further questions will not change.
+    // The printer gave an answer that further queries will not change.
     void Answered() { isOver = true; }
 
-    // Whether no question begins at `now` any more.
+    // Whether no query begins any more at `now`.
     bool IsOver(Time now) const { return isOver || now >= deadline; }
 
 private:

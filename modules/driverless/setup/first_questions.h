@@ -1,8 +1,8 @@
 #pragma once
 
-// How long the printer in the host's network is asked for. Right after the host has joined, the way
-// to the printer may not be open yet: then it is asked again and again. Knows no network and no
-// clock: it is told what happened and when.
+// Decides how long to query the printer in the host's network. Right after the host has joined the
+// printer may not be reachable yet: then the query is repeated. Knows no network and no clock:
+// callers report events with their time.
 
 #include <string>
 
@@ -15,14 +15,14 @@ public:
     using Time = AskedAgain::Time;
     using Duration = AskedAgain::Duration;
 
-    // How long one question waits for its answer.
+    // `answerPatience`: how long one query waits for its answer.
     explicit FirstQuestions(Duration answerPatience) : patience(answerPatience) {}
 
-    // The questions to the printer in `network`, which the host is in; until one has answered
-    // there, they go on for `first` after the host was seen there first.
+    // The queries to the printer in `network`, to which the host is joined. Until a printer has
+    // answered there, they are repeated for `first` after the host was first seen there.
     AskedAgain Begin(const std::string& network, Duration first, Time now);
 
-    // The printer in that network has answered.
+    // The printer in `network` has answered.
     void Answered(const std::string& network);
 
 private:

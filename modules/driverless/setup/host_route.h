@@ -5,12 +5,11 @@
 
 namespace Driverless {
 
-// The IPv4 address of the interface's gateway by the routing table; without a gateway, as printers
-// give none to those who join them, the first address of the interface's network. Empty when
-// there is neither.
+// The IPv4 address of the interface's gateway from the routing table. Many printers announce no
+// gateway: then the first address of the interface's network. Empty when there is neither.
 std::string GatewayOf(const std::string& interface);
 
-// The same by a table as the system prints it.
+// The same from a routing table in the system's text form.
 std::string GatewayIn(std::istream& table, const std::string& interface);
 
 }  // namespace Driverless

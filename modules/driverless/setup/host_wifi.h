@@ -1,7 +1,7 @@
 #pragma once
 
-// The host's own Wi-Fi, through the application's library for it, whose service may hang: it is
-// asked on threads that can be left behind.
+// The host's own Wi-Fi, through the application's library PrinterDiscoverAPI. Its service may hang,
+// so it is called on threads that can be abandoned.
 
 #include <chrono>
 #include <functional>
@@ -13,20 +13,20 @@
 namespace Driverless {
 
 struct HostNetwork {
-    std::string name;       // UTF-8; empty: the host is joined to none
-    std::string interface;  // of the host
+    std::string name;       // UTF-8; empty: the host is not joined
+    std::string interface;  // the host's interface
 };
 
-// The network that the host is joined to; nothing when that is not known within `patience`, or
-// cannot be known: who would take that for "none" would take a printer's own network for another.
-// Throws what keeps the question from being asked (out of memory, no further thread).
+// The network that the host is joined to; nothing when that is not known within `patience`. A
+// caller must not treat "not known" as "not joined": it would mistake a printer's own network for
+// another. Throws when the request cannot be started (out of memory, no further thread).
 std::optional<HostNetwork> CurrentNetwork(std::chrono::milliseconds patience);
 
-// Goes back to a network for a visit, without a pass phrase; whether the host is there. Takes up to
-// `patience`, and leaves for it the network that the host is on.
+// Joins `network` for a visit, without a pass phrase, and leaves the host's current network. Takes
+// up to `patience`. Returns whether the host has joined.
 bool Visit(const std::string& network, std::chrono::seconds patience);
 
-// Sends the host back to the network that it left for a visit, if any.
+// Starts the host's return to the network that it left for a visit, if any.
 void EndVisit();
 
 // Networks that a printer can be put on.
@@ -37,20 +37,20 @@ struct NetworkInRange {
 
 struct NetworksFound {
     std::vector<NetworkInRange> networks;
-    std::optional<std::string> problem;  // why the host could not look
+    std::optional<std::string> problem;  // why the host could not scan
 };
 
 enum class Look {
-    Known,  // at what the host knows already: at once, and maybe out of date
+    Known,  // the networks that the host already knows: at once, maybe out of date
     Fresh,  // after a new scan
 };
 
-// The networks in range: `take` is called once, on another thread, with what is ready then: them,
-// or what was thrown on the way. It throws nothing itself.
+// Finds the networks in range. Calls `take` once, on another thread, with a ready future of the
+// networks or of an exception. `take` must not throw.
 void FindNetworks(Look look, std::function<void(std::future<NetworksFound>)> take);
 
-// The same, fresh, for who waits; nothing when they are not known within `patience`. Throws what
-// was thrown on the way.
+// The same after a new scan, for a caller that waits; nothing when the networks are not known
+// within `patience`. Throws the exception of the search.
 std::optional<std::vector<NetworkInRange>> NetworksInRange(std::chrono::milliseconds patience);
 
 }  // namespace Driverless

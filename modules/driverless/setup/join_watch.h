@@ -1,7 +1,7 @@
 #pragma once
 
-// What becomes of a printer that was given a network, from what it says of itself. Knows no network
-// and no clock: it is told what was seen and when.
+// Decides whether a printer has joined its new network, from the states that it reports. Knows no
+// network and no clock: callers report observations with their time.
 
 #include <chrono>
 #include <optional>
@@ -11,40 +11,38 @@
 
 namespace Driverless {
 
-// A state that stood before the printer was told may be left over from an earlier attempt. It
-// counts when another one was seen since, or when it stands for this long.
+// A state that the printer had before the request may be left over from an earlier attempt. It
+// counts if another state was seen since, or if it lasts this long.
 constexpr std::chrono::seconds kOldStateLasts{3};
 
-// A printer may have to close its own network in order to join another, and opens it again when it
-// cannot. It has at least this long to do so, whatever the time limit; that it stays away proves
-// nothing.
+// A printer may have to close its own network in order to join another, and opens it again if it
+// cannot join. It gets at least this long, whatever the time limit; staying away proves nothing.
 constexpr std::chrono::seconds kLeastAbsence{10};
 
-// A host that is on another network by then gives it up only after this time: a network that was
-// closed is still in the host's list for a while, and the printer may yet be announced where the
-// host is.
+// A host on another network leaves it only after this time: a closed network stays in the host's
+// list for a while, and the printer may still be announced on the host's network.
 constexpr std::chrono::seconds kPatienceElsewhere{4};
-// Between two attempts of the host to go back.
+// The pause between two attempts of the host to go back.
 constexpr std::chrono::seconds kBetweenVisits{3};
 
 class JoinWatch {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
-    // Told at `start` to join the network `networkName`, while its state was `before`.
+    // The printer was asked at `start` to join `networkName`; its state was `before`.
     JoinWatch(std::string networkName, WifiState before, Time start, std::chrono::seconds limit);
 
-    // Each of these gives the result of PrinterAPNetConfigEvent when the outcome is known.
+    // Each of these returns the result of PrinterAPNetConfigEvent when the outcome is known.
     std::optional<int> Answered(const PrinterAttributes& attributes, Time now);
-    // It does not answer, though the host is in its network.
+    // The printer does not answer, although the host is in its network.
     std::optional<int> Silent(Time now);
-    // The host is no longer in its network.
+    // The host is no longer in the printer's network.
     std::optional<int> Gone(Time now);
-    // It was met on another network than its own.
+    // The printer was found on a network other than its own.
     static std::optional<int> Announced();
 
-    // Whether a host that is out of the printer's network and receives it again is to go back now,
-    // to ask; `elsewhere`: it is on another one.
+    // Whether a host that has left the printer's network and sees it again should go back now and
+    // query the printer. `elsewhere`: the host is on another network.
     bool ShouldGoBack(bool elsewhere, Time now) const;
     // An attempt to go back has ended.
     void Visited(Time now);

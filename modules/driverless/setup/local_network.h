@@ -7,14 +7,14 @@
 
 namespace Driverless {
 
-// Looks on the local network for a printer, as long as it exists.
+// Looks for a printer on the local network during its own lifetime.
 class Arrival {
 public:
     explicit Arrival(const Printer& printer);
     ~Arrival();
 
-    // Whether it was announced by now and answers, which is waited for. Where it answers through
-    // its own network is for the caller to know.
+    // Whether the printer has been announced and answers; waits for the answer. The caller must
+    // know whether the answer comes through the printer's own network.
     bool HasCome();
 
     Arrival(const Arrival&) = delete;
@@ -25,7 +25,7 @@ private:
     const std::unique_ptr<State> state;
 };
 
-// Whether the record's printer is announced on the local network and answers there.
+// Asks whether the record's printer is announced on the local network and answers there. Returns
 // IsLocalAreaNetworkOK's result.
 int IsOnLocalNetwork(const VendorSdk::DeviceInfo& record);
 

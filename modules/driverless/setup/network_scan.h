@@ -1,6 +1,6 @@
 #pragma once
 
-// One look at the Wi-Fi networks in range.
+// One scan for the Wi-Fi networks in range.
 
 #include <memory>
 #include <optional>
@@ -17,8 +17,8 @@ public:
     explicit NetworkScan(VendorSdk::WifiCallbackInfo* listener);
     ~NetworkScan() override;
 
-    // Reports what the host knows already, then looks again and again until it is stopped. Ends by
-    // itself when the first look fails. StartAPWifiScan's result.
+    // Reports the networks that the host already knows, then scans repeatedly until it is stopped.
+    // Ends if the first scan fails. Returns StartAPWifiScan's result.
     int Run() override;
 
     bool Stop(std::chrono::milliseconds patience) override;

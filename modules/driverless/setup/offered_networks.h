@@ -1,6 +1,6 @@
 #pragma once
 
-// Which of the networks in range are to be reported, and when again.
+// Decides which networks in range are reported, and when they are reported again.
 
 #include <map>
 #include <string>
@@ -11,13 +11,14 @@
 
 namespace Driverless {
 
-// A signal that has changed by this much is news.
+// A network is reported again when its signal has changed by this much.
 constexpr int kNewsworthyChange = 10;
 
 class OfferedNetworks {
 public:
-    // Those of `inRange` that were not reported yet, or with another signal. Printers' own are left
-    // out: those of Wi-Fi Direct, and `current`, the one the host is joined to, when it may be one.
+    // The networks of `inRange` that were not reported yet, or with another signal. Leaves out
+    // printers' own networks: those of Wi-Fi Direct, and `current`, which the host is joined to, if
+    // its name may be a printer's.
     std::vector<NetworkInRange> Take(const std::vector<NetworkInRange>& inRange,
                                      const std::string& current);
 
@@ -29,7 +30,7 @@ private:
 
 VendorSdk::WifiConfigInfo ToRecord(const NetworkInRange& network);
 
-// The strongest first, and at most `most` of them; those weaker than `weakest` are left out.
+// At most `most` networks, the strongest first, without those weaker than `weakest`.
 std::vector<NetworkInRange> StrongestOf(std::vector<NetworkInRange> networks, int weakest,
                                         std::size_t most);
 

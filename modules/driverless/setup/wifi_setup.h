@@ -4,11 +4,11 @@
 
 namespace Driverless {
 
-// Gives the printer whose own network the host is joined to the network in the record, and waits
-// for the outcome. PrinterAPNetConfigEvent's result.
+// Sends the network in `record` to the printer whose own network the host is joined to, and waits
+// for the outcome. Returns PrinterAPNetConfigEvent's result.
 int SetUpWifi(const VendorSdk::WifiConfigInfo& record);
 
-// The same for the printer on USB that `device` describes, through the bridge that has it.
+// The same for the printer on USB that `device` describes, through its bridge. Returns
 // PrinterUSBNetConfigEvent's result.
 int SetUpWifiOverUsb(const VendorSdk::DeviceInfo& device, const VendorSdk::WifiConfigInfo& record);
 

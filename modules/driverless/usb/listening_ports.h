@@ -1,6 +1,6 @@
 #pragma once
 
-// Which programs of this host take connections from it.
+// The programs of this host that accept local connections.
 
 #include <cstdint>
 #include <istream>
@@ -10,15 +10,15 @@ namespace Driverless {
 
 struct ListeningPort {
     std::uint16_t port;
-    unsigned owner;  // the user whose program it is
+    unsigned owner;  // the user id of the program
 
     bool operator==(const ListeningPort&) const = default;
 };
 
-// Where 127.0.0.1 takes connections.
+// The listening ports at 127.0.0.1.
 std::vector<ListeningPort> LocalListeningPorts();
 
-// The same by one of the system's tables, as it prints it.
+// The same from one of the system's tables in text form.
 std::vector<ListeningPort> LocalListeningPortsIn(std::istream& table);
 
 }  // namespace Driverless

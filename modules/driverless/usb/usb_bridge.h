@@ -1,6 +1,7 @@
 #pragma once
 
-// The printers on USB that a bridge on this host makes reachable by IPP, such as ipp-usb.
+// Finds printers on USB behind a bridge on this host, such as ipp-usb, which makes them reachable
+// by IPP.
 
 #include <istream>
 #include <optional>
@@ -22,11 +23,11 @@ struct PortRange {
     bool operator==(const PortRange&) const = default;
 };
 
-// "60000-65535", or a single port; the bridges' usual range for anything else.
+// Parses "60000-65535" or a single port; returns the bridges' usual range for any other text.
 PortRange PortRangeFrom(const std::string& text);
 
-// The ports behind which bridges may be. A pass phrase goes to what answers there, so only the
-// programs of the system and those of `user` count.
+// The ports that may be bridges. A pass phrase is sent there, so only the programs of root and of
+// `user` count.
 std::vector<std::uint16_t> BridgePorts(const std::vector<ListeningPort>& listening, PortRange range,
                                        unsigned user);
 
@@ -40,18 +41,17 @@ struct BridgeSearch {
     std::optional<BridgedPrinter> found;
 };
 
-// The one of the bridges' printers that a record of a printer on USB describes. `other` is what the
-// same printer may be called where none has its serial number.
+// Chooses the bridged printer that the record of a printer on USB describes. `other` is the
+// printer's other serial number, used if no bridged printer has the first.
 BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
                            const VendorSdk::DeviceInfo& record,
                            const OtherSerialNumber& other = {});
 
-// Whether what answers where the printer was reached is still the printer: a bridge may give the
-// port to another one that is plugged in. One that tells neither serial number nor UUID is taken
-// for any that does not either.
+// Whether the printer that answers at the port is still the same: a bridge may give the port to
+// another printer. Two printers without serial number and UUID count as the same.
 bool IsStillThere(const Printer& bridged, const PrinterAttributes& answer);
 
-// Asks what is behind the bridges and chooses. Comes back by `deadline`.
+// Queries the bridges and chooses the printer. Returns by `deadline`.
 BridgeSearch FindBridged(const VendorSdk::DeviceInfo& record, Clock::time_point deadline);
 
 }  // namespace Driverless

@@ -1,6 +1,6 @@
 #pragma once
 
-// One USB device that is asked what it is.
+// Queries one USB device for its description.
 
 #include <libusb.h>
 
@@ -14,28 +14,29 @@
 
 namespace Driverless {
 
-// A setting of an interface of a printer.
+// An alternate setting of a printer interface.
 struct PrinterInterface {
     std::uint8_t number = 0;
     std::uint8_t setting = 0;
     std::uint8_t configuration = 0;  // its index, not its value
 };
 
-// Those of a device, as its descriptors have them: nothing is asked. Empty for what is no printer.
+// The printer interfaces of a device, from its cached descriptors, without a request to the device.
+// Empty if it is not a printer.
 std::vector<PrinterInterface> PrinterInterfacesOf(libusb_device* device);
 
-// The bus, and the ports on the way to the device, as numbers; their order is that of the places.
+// The bus and the ports on the path to the device, as numbers. Sorting them sorts the places.
 std::vector<std::uint8_t> PathOf(libusb_device* device);
 
 class UsbDevice {
 public:
-    // `patience` is for all its answers together.
+    // `patience` limits all answers of the device together.
     UsbDevice(libusb_device* asked, std::chrono::milliseconds patience);
 
-    // LIBUSB_SUCCESS, or why it cannot be asked.
+    // LIBUSB_SUCCESS, or the error that prevents queries.
     int Open();
 
-    // What it says of itself. LIBUSB_SUCCESS also when it says nothing; else why nothing is known.
+    // Reads the device's description. LIBUSB_SUCCESS also when the device has none; else the error.
     int Describe(const std::vector<PrinterInterface>& interfaces, UsbPrinter& printer);
 
 private:
@@ -60,7 +61,7 @@ private:
     const Clock::time_point deadline;
     std::unique_ptr<libusb_device_handle, Close> handle;
     std::uint16_t language = 0;
-    int failure = LIBUSB_SUCCESS;  // the first that was not just a refusal
+    int failure = LIBUSB_SUCCESS;  // the first error other than a refusal
 };
 
 }  // namespace Driverless

@@ -1,6 +1,6 @@
 #pragma once
 
-// The printers on USB, as the system lets this process ask them.
+// The printers on USB that this process may query.
 
 #include <cstdint>
 #include <vector>
@@ -14,9 +14,8 @@ struct UsbLook {
     std::vector<UsbPrinter> printers;
 };
 
-// The devices of that maker and product that have a printer interface, by their place; at most
-// `most` of them. They are asked side by side. Each has a second for its answers, and all together
-// four.
+// The devices with these ids that have a printer interface, sorted by place; at most `most`. They
+// are queried in parallel. Each has one second for its answers, and all together have four.
 UsbLook LookForUsbPrinters(std::uint16_t productId, std::uint16_t vendorId, std::size_t most);
 
 }  // namespace Driverless

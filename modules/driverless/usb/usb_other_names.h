@@ -1,8 +1,7 @@
 #pragma once
 
-// What a printer on USB may be called over IPP. Its record has the serial number of its USB
-// descriptor. A bridge tells what the printer says over IPP, which may be the serial number of its
-// IEEE 1284 device id, where that is another one.
+// The other serial number of a printer on USB. Its record has the serial number of its USB
+// descriptor. Over IPP the printer may report that of its IEEE 1284 device id, which may differ.
 
 #include <cstdint>
 #include <map>
@@ -18,16 +17,16 @@ namespace Driverless {
 
 struct OtherSerialNumber {
     std::string text;       // empty: none
-    bool isShared = false;  // another printer of that model has it too
+    bool isShared = false;  // another printer of the model also has it
 };
 
 class UsbOtherNames {
 public:
-    // `printers` are all of one model that are plugged in now.
+    // `printers`: all plugged-in printers of one model.
     void Remember(std::uint16_t vendorId, std::uint16_t productId,
                   const std::vector<UsbPrinter>& printers);
 
-    // That of the printer that a record describes.
+    // The other serial number of the printer that a record describes.
     OtherSerialNumber Of(const VendorSdk::DeviceInfo& record);
 
 private:
@@ -42,7 +41,7 @@ private:
     std::map<Model, std::vector<Names>> models;
 };
 
-// The one memory. Never destroyed: calls may be under way until the process is gone.
+// The process's memory. Never destroyed: calls may run until the process is gone.
 UsbOtherNames& KnownUsbNames();
 
 }  // namespace Driverless

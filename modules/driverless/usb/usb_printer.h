@@ -1,6 +1,6 @@
 #pragma once
 
-// One printer on USB, and its record. The README has the record's fields for callers.
+// One printer on USB, and its record. The README explains the record's fields to callers.
 
 #include <cstdint>
 #include <string>
@@ -10,11 +10,11 @@
 namespace Driverless {
 
 struct UsbPrinter {
-    std::string place;  // the bus, and the ports on the way to it: "1-4.2"
+    std::string place;  // the bus and the ports on the path to it: "1-4.2"
     std::uint16_t vendorId = 0;
     std::uint16_t productId = 0;
     std::string deviceId;  // IEEE 1284
-    // Its string descriptors; empty where it has none.
+    // Its string descriptors; empty if missing.
     std::string maker;
     std::string product;
     std::string serialNumber;
@@ -22,8 +22,7 @@ struct UsbPrinter {
 
 VendorSdk::DeviceInfo ToRecord(const UsbPrinter& printer);
 
-// Whether the record of a printer on USB has the printer's own serial number, and not just its
-// place.
+// Whether the record of a printer on USB has the printer's own serial number, not only its place.
 bool HasSerialNumber(const VendorSdk::DeviceInfo& record);
 
 }  // namespace Driverless
