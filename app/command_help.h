@@ -1,6 +1,6 @@
 #pragma once
 
-// What the commands' help says at its end.
+// The texts at the end of each command's help.
 
 namespace App::Help {
 

@@ -7,8 +7,8 @@
 
 namespace App {
 
-// Reads the arguments and runs the command that they name. Wrong arguments are explained on
-// standard error.
+// Parses the arguments and runs the command that they name. Explains wrong arguments on standard
+// error.
 ExitStatus RunCommandLine(std::vector<std::string> arguments);
 
 }  // namespace App

@@ -9,10 +9,11 @@
 
 namespace App {
 
-// All but the last are about the printer whose access point the host is joined to, and kNoneFound
-// when there is none.
+// The commands for a printer's own access point. All except AccessPointCheck need the host to be
+// joined to one, and return kNoneFound when it is not.
 
-// The networks that the printer can be put on, as they are found; kNoneFound when there are none.
+// Shows the networks that the printer can be put on, as they are found; kNoneFound when there are
+// none.
 ExitStatus AccessPointScan(const Settings& settings, const ScanOptions& options);
 
 // Puts the printer on a network; kNoneFound when that fails.
@@ -23,10 +24,10 @@ ExitStatus AccessPointInfo(const Settings& settings);
 
 struct CheckOptions {
     std::string serialNumber;  // empty: the printer whose access point the host is joined to
-    std::string vendor;        // empty: each in turn
+    std::string vendor;        // empty: all, one after the other
 };
 
-// Whether the printer is on the local network; kNoneFound when it is not.
+// Tells whether the printer is on the local network; kNoneFound when it is not.
 ExitStatus AccessPointCheck(const Settings& settings, const CheckOptions& options);
 
 }  // namespace App

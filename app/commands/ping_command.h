@@ -7,8 +7,8 @@
 
 namespace App {
 
-// Whether something answers at the address; kNoneFound when nothing does. Throws Problem when
-// nobody could be asked.
+// Tells whether a host answers at the address; kNoneFound when none does. Throws Problem when no
+// request could be sent.
 ExitStatus Ping(const Settings& settings, const std::string& address);
 
 }  // namespace App

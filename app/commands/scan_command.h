@@ -6,8 +6,8 @@
 
 namespace App {
 
-// Looks for printers in every vendor's module and shows them as they are found. kFound when there
-// was one.
+// Looks for printers through every vendor's module and shows them as they are found. kFound when at
+// least one was found.
 ExitStatus Scan(const Settings& settings, const ScanOptions& options);
 
 }  // namespace App

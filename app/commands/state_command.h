@@ -10,12 +10,12 @@ namespace App {
 
 struct StateOptions {
     std::string serialNumber;
-    std::string address;                    // of the printer, where several share it; empty: any
+    std::string address;                    // chooses among printers with this number; empty: any
     std::chrono::duration<double> time{5};  // how long to look for the printer
 };
 
-// Looks for the printer with that serial number and asks its vendor whether it would take a job.
-// kFound when it was found, whatever its state; kNoneFound also when several were.
+// Looks for the printer with the serial number and asks its vendor whether the printer accepts
+// jobs. kFound when it was found, in any state; kNoneFound also when several were found.
 ExitStatus State(const Settings& settings, const StateOptions& options);
 
 }  // namespace App

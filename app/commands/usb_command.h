@@ -9,14 +9,14 @@
 
 namespace App {
 
-// The USB printers that are installed on the host, and whether each is on the network; kNoneFound
-// when there are none.
+// Lists the USB printers that are installed on the host, and whether each is on the network;
+// kNoneFound when there are none.
 ExitStatus UsbList(const Settings& settings);
 
-// The printers that are plugged in; kNoneFound when there are none.
+// Lists the printers that are plugged in; kNoneFound when there are none.
 ExitStatus UsbPorts(const Settings& settings);
 
-// The printers that are plugged in from now on, as they are; kNoneFound when there were none.
+// Shows printers as they are plugged in; kNoneFound when there were none.
 ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options);
 
 struct UsbNetworksOptions {
@@ -24,7 +24,7 @@ struct UsbNetworksOptions {
     int option = 0;            // for the printer's vendor
 };
 
-// The networks that the printer sees; kNoneFound when there are none, or no such printer.
+// Lists the networks that the printer sees; kNoneFound when there are none, or no such printer.
 ExitStatus UsbNetworks(const Settings& settings, const UsbNetworksOptions& options);
 
 struct UsbConfigureOptions {

@@ -8,13 +8,13 @@
 
 namespace App {
 
-// The networks in range; kNoneFound when there are none.
+// Lists the networks in range; kNoneFound when there are none.
 ExitStatus WifiList(const Settings& settings);
 
-// Those of them that a printer can be put on.
+// Lists the networks in range that a printer can be put on; kNoneFound when there are none.
 ExitStatus WifiOffer(const Settings& settings);
 
-// The network that the host is joined to; kNoneFound when it is joined to none.
+// Shows the network that the host is joined to; kNoneFound when there is none.
 ExitStatus WifiCurrent(const Settings& settings);
 
 // Joins a network; kNoneFound when that fails.

@@ -8,25 +8,26 @@
 
 namespace App {
 
-// Where the pass phrase comes from. It is never an argument: those are for all to see.
+// Where the pass phrase comes from. Never from an argument: other users can see a program's
+// arguments.
 struct PassPhraseOptions {
     std::string file;   // "-": standard input; empty: from the prompt
-    bool open = false;  // the network wants none
+    bool open = false;  // the network has no pass phrase
 
-    // Throws WrongInput when there is neither a source nor a terminal to ask on.
+    // Throws WrongInput when there is neither a source nor a terminal for the prompt.
     void Require(const Settings& settings) const;
 };
 
-// How many bytes of it a printer can be given.
+// The longest pass phrase that can be sent to a printer, in bytes.
 extern const std::size_t kLongestPrinterPassPhrase;
 
-// The pass phrase of the network, never null; empty for an open network. Throws WrongInput when
-// there is none, or when it cannot be one; Problem when its file cannot be read; Interrupted.
+// Returns the network's pass phrase: never null; empty for an open network. Throws WrongInput when
+// it is missing or invalid, Problem when its file cannot be read, and Interrupted.
 std::shared_ptr<Base::Secret> GetPassPhrase(const Settings& settings,
                                             const PassPhraseOptions& options,
                                             const std::string& network);
 
-// Throws WrongInput when a printer cannot be given that pass phrase.
+// Throws WrongInput when the pass phrase cannot be sent to a printer.
 void RequirePrinterPassPhrase(const Base::Secret& passPhrase);
 
 }  // namespace App

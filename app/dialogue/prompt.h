@@ -9,17 +9,17 @@
 
 namespace App {
 
-// What keeps the user from being asked on a terminal; nothing when that can be done.
+// Why the user cannot be asked on a terminal; empty when that is possible.
 std::string ObstacleToAsking(const Settings& settings);
 
-// Writes what a question needs to where questions go: the terminal at standard output, but standard
-// error where results for a program go there, or no terminal is.
+// Writes part of a question: to standard output, but to standard error if standard output carries
+// results for a program or is not a terminal.
 void WritePrompt(const Settings& settings, const std::string& text);
 
-// Ask the user on the terminal; nothing when there is no more input. Throw Interrupted.
+// Ask the user on the terminal; nothing at the end of the input. Throw Interrupted.
 std::optional<std::string> AskLine(const Settings& settings, const std::string& question);
 
-// What is typed does not show.
+// Does not show the typed text.
 std::shared_ptr<Base::Secret> AskSecret(const Settings& settings, const std::string& question);
 
 }  // namespace App

@@ -24,27 +24,26 @@ class ItemList {
 public:
     using Clock = std::chrono::steady_clock;
 
-    // The one list of the process. It is never destroyed: vendors may report while the process
-    // ends.
+    // The process's list. Never destroyed: vendors may report while the process ends.
     static ItemList& GetInstance() {
         static ItemList& list = *new ItemList;
         return list;
     }
 
-    // Adds the item, or renews what is known of it.
+    // Adds the item, or updates it.
     void Add(const Item& item);
 
-    // Ends every wait, now and later.
+    // Ends all current and later waits.
     void Cancel();
     bool IsCancelled() const;
 
-    // Waits until there is something new, until `until`, or until Cancel. Returns the items that
-    // were added or have changed since the last call, in the order in which they were first found.
+    // Waits for news, for the time `until`, or for Cancel. Returns the items added or changed since
+    // the last call, in the order in which they were first found.
     std::vector<Item> WaitForNews(Clock::time_point until);
 
     std::vector<Item> GetItems() const;
 
-    // The same, the one that was reported last at the front, with news about it or without.
+    // The same, the last reported item first, whether or not it had changed.
     std::vector<Item> GetLatestFirst() const;
 
 private:

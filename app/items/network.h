@@ -25,17 +25,17 @@ struct Network {
     bool operator==(const Network& other) const;
 };
 
-// A Wi-Fi network as the host receives it.
+// A Wi-Fi network in range of the host.
 struct HostNetwork {
     explicit HostNetwork(const PrinterWifiApiStruct::WlanInfoData& network);
 
     std::string name;                   // empty: hidden
     int signal;                         // 0 to 100
-    std::vector<std::string> security;  // ways to protect it; none: open
+    std::vector<std::string> security;  // its kinds of protection; none: open
     bool offered;                       // whether a printer can be put on it
 };
 
-// The cells of a network's row, fit for a terminal.
+// The cells of a network's row, safe for a terminal.
 using NetworkRow = std::array<std::string, 2>;
 NetworkRow RowOf(const Network& network);
 Table TableOf(const std::vector<Network>& networks);
@@ -44,10 +44,10 @@ using HostNetworkRow = std::array<std::string, 4>;
 HostNetworkRow RowOf(const HostNetwork& network);
 Table TableOf(const std::vector<HostNetwork>& networks);
 
-// What keeps a text from being a network's name in a printer's record; nothing when it is fine.
+// Why a text cannot be a network's name in a printer's record; empty when it can.
 std::string CheckNetworkName(const std::string& name);
 
-// What keeps a text from being the name of a network that the host could join.
+// Why a text cannot be the name of a network for the host to join; empty when it can.
 std::string CheckHostNetworkName(const std::string& name);
 
 // The record that puts a printer on a network. Neither text may be longer than its field holds.

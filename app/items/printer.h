@@ -8,8 +8,7 @@
 
 namespace App {
 
-// What a vendor's record says of a printer. The texts are as the device gave them, each no longer
-// than its field.
+// A printer from a vendor's record. The texts are unchanged, each no longer than its field.
 struct Printer {
     static constexpr const char* kOne = "printer";
     static constexpr const char* kMany = "printers";

@@ -9,8 +9,7 @@
 
 namespace App {
 
-// Serial number, make and model, address, port and vendor, fit for a terminal; "-" for what is not
-// known.
+// Serial number, make and model, address, port and vendor, safe for a terminal; "-" if not known.
 using PrinterRow = std::array<std::string, 5>;
 PrinterRow RowOf(const Printer& printer);
 

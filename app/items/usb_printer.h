@@ -18,7 +18,7 @@ struct InstalledPrinter {
 
     std::string serialNumber;
     std::string model;
-    std::optional<bool> isOnNetwork;  // nothing: without a serial number nobody can tell
+    std::optional<bool> isOnNetwork;  // none: not known without a serial number
 };
 
 // A printer that is plugged in, as its vendor reports it. Its address is its place on USB.
@@ -26,7 +26,7 @@ struct UsbPrinter : Printer {
     using Printer::Printer;
 };
 
-// A printer that was plugged in while somebody watched. The same one may be plugged in again.
+// A printer that was plugged in during a watch. The same printer may be plugged in again.
 struct Arrival {
     static constexpr const char* kOne = "arrival";
     static constexpr const char* kMany = "arrivals";
@@ -38,7 +38,7 @@ struct Arrival {
     bool operator==(const Arrival&) const { return false; }
 };
 
-// The cells of each one's row, fit for a terminal; "-" for what is not known.
+// The cells of a row, safe for a terminal; "-" if not known.
 using InstalledPrinterRow = std::array<std::string, 3>;
 InstalledPrinterRow RowOf(const InstalledPrinter& printer);
 Table TableOf(const std::vector<InstalledPrinter>& printers);

@@ -16,19 +16,19 @@
 
 namespace App {
 
-// What a vendor answered, with what came with it.
+// A vendor's result, with the record.
 struct DeviceAnswer {
     int result;
     PrinterDeviceDiscoverSdk::DeviceInfo device;
 };
 
-// The printer whose access point the host is joined to. Each asks its vendor, may take a while, and
-// throws Interrupted.
+// Operations on the printer whose access point the host is joined to. Each calls the printer's
+// vendor, may take a while, and throws Interrupted.
 DeviceAnswer AskForDevice(const Settings& settings);
 int ConfigureNetwork(const Settings& settings, const std::string& network,
                      const std::shared_ptr<Base::Secret>& passPhrase);
 
-// Asks the vendor whether the printer is on the local network: 0 is yes.
+// Asks the vendor whether the printer is on the local network: 0 means yes.
 int CheckLocalNetwork(const Settings& settings, const PrinterDeviceDiscoverSdk::DeviceInfo& device);
 
 // No vendor has the entry point.
@@ -37,36 +37,36 @@ public:
     using Problem::Problem;
 };
 
-// What it means that the entry point's result was not 0, and how to go on where that is known.
-// `vendor` is whose result it is; empty: any. Throws NoVendor when no vendor could have been asked
-// at all, and Problem when it is not known which network the host is joined to.
+// Explains a result other than 0 of the entry point, with advice if there is any. `vendor` returned
+// the result; empty: any vendor. Throws NoVendor when no vendor has the entry point, and Problem
+// when it is not known which network the host is joined to.
 std::string Explanation(const Settings& settings, int result, const std::string& entryPoint,
                         const std::string& vendor = {});
 
-// "the vendor's result N", with the meaning where it is known.
+// "the vendor's result N", with its meaning if known.
 std::string VendorsResult(int result, const std::string& vendor);
 
-// Whether the vendor's result says how things are, and not only that it could not be found out.
+// Whether the result answers the question. False when the vendor could not find out.
 bool IsAnswer(int result, const std::string& vendor);
 
-// Whether it says of a printer that it took a network, and not whether it joined.
+// Whether the result means that the printer accepted the network but may not have joined.
 bool IsUnconfirmed(int result, const std::string& vendor);
 
-// A Wi-Fi scan by the vendor of that printer, from construction to Stop. What is found goes to the
+// A Wi-Fi scan by the vendor of that printer, from construction to Stop. Networks go to the
 // process's NetworkList.
 class NetworkScanSession {
 public:
-    // Throws NoScan when no scan could be started, NoVendor when no vendor has one, Interrupted:
-    // then a scan that is started all the same runs until the process ends.
+    // Throws NoScan when no scan could be started, NoVendor when no vendor can scan, and
+    // Interrupted; a scan that starts after that runs until the process ends.
     explicit NetworkScanSession(const Settings& settings);
 
-    // As that of RunningWork.
+    // See RunningWork::Stop.
     void Stop(const std::function<void()>& onWait = [] {});
 
-    // Whether nobody looks any more: the vendor's scan has failed.
+    // Whether the vendor's scan has failed.
     bool HasEnded();
 
-    // Why not.
+    // The reasons.
     const std::vector<std::string>& Failures() const { return scans.Failures(); }
 
 private:
@@ -74,7 +74,7 @@ private:
     std::optional<RunningWork> scan;
 };
 
-// Why a scan was not started, though vendors could do it.
+// Why a scan was not started although a vendor has the entry point.
 struct NoScan {
     std::string reason;
 };

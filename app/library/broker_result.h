@@ -2,7 +2,7 @@
 
 namespace App {
 
-// What the library itself answers when it could not ask a vendor. A vendor may answer so too.
+// The library's own results when it could not call a vendor. A vendor may return the same values.
 inline constexpr int kNothingToCall = -1;
 inline constexpr int kNotInitialised = -2;
 

@@ -2,8 +2,8 @@
 
 namespace App {
 
-// A function of one of the application's own libraries, "PrinterDiscoverAPI" for one; null where
-// the library has none of that name: another vendor's may not.
+// Looks up a function of one of the application's own libraries, for example "PrinterDiscoverAPI".
+// Null when the library has no such function: a replacement may lack it.
 void* HostFunction(const char* library, const char* name);
 
 }  // namespace App

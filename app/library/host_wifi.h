@@ -11,8 +11,8 @@
 
 namespace App {
 
-// The access point that the host is joined to; all empty when it is joined to none, or when the
-// problem hides it.
+// The access point that the host is joined to; all texts are empty when there is none, or when
+// `problem` hides it.
 struct AccessPoint {
     std::string network;
     std::string hardwareAddress;
@@ -30,18 +30,18 @@ struct JoinOutcome {
     HostWifiProblem problem;
 };
 
-// The host's own Wi-Fi. Each may take a while, and throws Interrupted.
+// Operations of the host's own Wi-Fi. Each may take a while and throws Interrupted.
 HostNetworks NetworksInRange(const Settings& settings);
 HostNetworks NetworksToOffer(const Settings& settings);
 AccessPoint CurrentAccessPoint(const Settings& settings);
 
-// `network` must be UTF-8. When it is interrupted, or takes too long, the attempt is undone.
+// `network` must be UTF-8. An attempt that is interrupted or takes too long is undone.
 JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
                         const std::shared_ptr<Base::Secret>& passPhrase);
 
-// For who takes the host to another network and may have to bring it back: remembers where it is,
-// and sends it back from `network`, when that is where it is now; whether it is on its way. The
-// latter is done though the user has asked the program to end.
+// RememberNetwork remembers the host's current network. GoBackFrom starts the return to it, if the
+// host is joined to `network` now, and returns whether the host is returning; it works even after
+// the user has asked the program to end.
 void RememberNetwork(const Settings& settings);
 bool GoBackFrom(const std::string& network);
 

@@ -11,33 +11,34 @@
 
 namespace App {
 
-// Why an operation of the host's Wi-Fi brought nothing. Libraries of other vendors may not tell.
+// Why an operation of the host's Wi-Fi had no result. A replacement of the library may not tell.
 struct HostWifiProblem {
     int kind = PRINTER_WIFI_DONE;
     std::string reason;
 
-    // What was asked is not known, as against known to be nothing.
+    // True when the answer is unknown; false when it is known, even if empty.
     bool HidesTheAnswer() const {
         return kind != PRINTER_WIFI_DONE && kind != PRINTER_WIFI_NO_ADAPTER;
     }
 };
 
-// Of the calling thread's last operation.
+// The problem of the calling thread's last operation.
 HostWifiProblem LastHostWifiProblem();
 
-// Remembers the connection that the host has, for GoBackWithHostWifi.
+// Remembers the host's connection for GoBackWithHostWifi.
 void RememberHostWifi();
 
-// Sends the host back to it, unless the host is on another network than `network` by now, which the
-// program has joined. Whether it is on its way. Takes up to `patience`.
+// Starts the return to the remembered connection, unless the host is now on a network other than
+// `network`, which the program has joined. Returns whether the host is returning. Takes up to
+// `patience`.
 bool GoBackWithHostWifi(const std::string& network, std::chrono::milliseconds patience);
 
-// Undoes what the program has begun with the host's Wi-Fi and not brought to its end; waits for
-// that up to 10 s, and warns when it is not done by then.
+// Undoes the program's unfinished operations on the host's Wi-Fi. Waits up to 10 s, and warns if
+// they are not undone by then.
 void BreakOffHostWifi();
 
-// As Await, for work that takes the host to a network: what it has begun is undone when the user
-// asks the program to end, or when the work takes too long.
+// Await for work that joins the host to a network: undoes the join when the user asks the program
+// to end, or when the work takes too long.
 template <class Result>
 Result AwaitOrBreakOff(const Settings& settings, const std::string& what,
                        std::function<Result()> work, Cancellation::Clock::duration limit) {

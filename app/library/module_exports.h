@@ -6,13 +6,12 @@
 
 namespace App {
 
-// The names that a library exports, read from its file's own table: what a vendor really exports is
-// not to be learnt by asking for names. Empty for what is no 64-bit ELF library or PE library.
-// The file may be anything: what does not fit together is left out.
+// The names that a library exports, read from its file's symbol table, because looking up known
+// names cannot list them all. Empty for a file that is not a 64-bit ELF library or a PE library.
+// The file is untrusted: inconsistent entries are left out.
 std::vector<std::string> ExportedNames(std::istream& file);
 
-// What keeps one of the names from being that entry point, which the library lacks; empty when none
-// looks like it.
+// Explains why a similar name is not the missing entry point; empty when no name is similar.
 std::string NearMiss(const std::string& entryPoint, const std::vector<std::string>& names);
 
 }  // namespace App

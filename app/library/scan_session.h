@@ -15,28 +15,28 @@
 
 namespace App {
 
-// A scan in every vendor's module, from construction to Stop. What is found goes to the process's
-// PrinterList; a request to end the program cancels that list's waits.
+// A scan through every vendor's module, from construction to Stop. Printers go to the process's
+// PrinterList; a request to end the program cancels the list's waits.
 class ScanSession {
 public:
     // Starts the scan, and names on standard error each vendor that cannot take part. Throws
-    // Problem when none can, and TimedOut when a module does not get ready in its time.
+    // Problem when none can, and TimedOut when a module is not loaded in time.
     explicit ScanSession(const Settings& settings);
 
-    // As that of RunningWork.
+    // See RunningWork::Stop.
     void Stop(const std::function<void()>& onWait = [] {});
 
-    // Whether nobody looks any more: each vendor's scan has failed.
+    // Whether every vendor's scan has failed.
     bool HasEnded();
 
-    // Lines that a user should read, new since the last call: vendors whose scan has failed while
-    // others look on, and printers that no vendor of the list can be asked about.
+    // Lines for the user, new since the last call: vendors whose scan has failed while others
+    // continue, and printers whose vendor is not in the list.
     std::vector<std::string> TakeRemarks();
 
-    // Why vendors do not look: those that no remark has told.
+    // The reasons of failed scans that no remark has reported.
     std::vector<std::string> TakeFailures();
 
-    // All of them so far.
+    // All reasons so far.
     const std::vector<std::string>& Failures() const { return scans->Failures(); }
 
     PrinterList& Printers() { return PrinterList::GetInstance(); }

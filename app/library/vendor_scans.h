@@ -9,21 +9,22 @@
 
 namespace App {
 
-// What has become of the scans that were started in the vendors' modules, as the library saw it.
+// Tracks the scans that were started in the vendors' modules, through the library's record of
+// calls.
 class VendorScans {
 public:
     struct Kind {
-        const char* entryPoint;  // that runs as long as the scan
-        const char* wanted;      // what is looked for: "printers"
+        const char* entryPoint;  // runs as long as the scan
+        const char* wanted;      // what the scan looks for: "printers"
     };
     static constexpr Kind kForPrinters{"StartDeviceScan", "printers"};
     static constexpr Kind kForNetworks{"StartAPWifiScan", "networks"};
 
-    // `vendors` are the product ids of those whose scan is started from now on; without them, all
-    // whose scan is seen to begin.
+    // `vendors`: the product ids of the vendors whose scan is started from now on; if empty, all
+    // vendors whose scan begins.
     explicit VendorScans(const Kind& kind, std::vector<std::string> vendors = {});
 
-    // Looks again. Until Freeze: a vendor that was told to stop may return anything.
+    // Reads the calls again. Does nothing after Freeze: a stopped vendor may return any result.
     void Update();
     void Freeze() { frozen = true; }
 
@@ -34,8 +35,8 @@ public:
     // Whether each vendor's scan has failed, so that nobody looks any more.
     bool HasEnded() const { return !vendors.empty() && failures.size() == vendors.size(); }
 
-    // One line for each vendor whose scan has failed, with its result, in the order in which that
-    // was seen.
+    // One line for each vendor whose scan has failed, with its result, in the order of the
+    // failures.
     const std::vector<std::string>& Failures() const { return failures; }
 
 private:
@@ -45,7 +46,7 @@ private:
     void AddFailure(const std::string& vendor, const std::string& failure);
 
     const Kind kind;
-    const bool isGiven;  // who the vendors are
+    const bool isGiven;  // whether the constructor got `vendors`
     std::vector<std::string> vendors;
     std::vector<std::string> failed;
     std::vector<std::string> failures;

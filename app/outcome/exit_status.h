@@ -2,7 +2,7 @@
 
 namespace App {
 
-// What the program tells the shell.
+// The program's exit statuses.
 enum ExitStatus : int {
     kFound = 0,
     kNoneFound = 1,

@@ -10,7 +10,7 @@
 
 namespace App {
 
-// Writes what was found: a table on a terminal, lines elsewhere, `json` lines on request.
+// Writes items: as a table on a terminal, as lines elsewhere, as `json` lines on request.
 template <class Item>
 void WriteItems(const Settings& settings, const std::vector<Item>& items,
                 typename LineView<Item>::Format& json) {

@@ -13,8 +13,8 @@
 
 namespace App {
 
-// Each is one object on one line, without the line's end. All of it is ASCII, so that no terminal
-// takes a device's text for anything else; ill-formed UTF-8 becomes U+FFFD.
+// Each function returns one object on one line, without the line's end. The text is ASCII only, so
+// that a device's text cannot control a terminal; ill-formed UTF-8 becomes U+FFFD.
 std::string ProblemJson(const std::string& problem);
 std::string PrinterJson(const Printer& printer);
 std::string StateJson(const Printer& printer, int state);
@@ -28,7 +28,7 @@ std::string AccessPointJson(const AccessPoint& accessPoint);
 std::string JoinJson(const std::string& network, bool joined, const std::string& problem);
 std::string PingJson(const std::string& address, bool answers);
 std::string ConfigureJson(const std::string& network, int result);
-// Without an answer the printer may be there or not.
+// `isAnswer` is false when it is not known whether the printer is there.
 std::string CheckJson(const Printer& printer, int result, bool isAnswer);
 
 std::string InstalledPrinterJson(const InstalledPrinter& printer);
@@ -36,12 +36,12 @@ std::string UsbPrinterJson(const UsbPrinter& printer);
 std::string ArrivalJson(const Arrival& arrival);
 std::string UsbConfigureJson(const UsbPrinter& printer, const std::string& network, int result);
 
-// One event of a journey: how a step stands, and what is known by then.
+// One event of a set-up: the state of a step, and what is known by then.
 struct StepEvent {
     std::string step;
     std::string state;
     std::string network;            // empty: left out
-    std::vector<Printer> printers;  // empty: left out; several: any of them may be the one
+    std::vector<Printer> printers;  // empty: left out; several: any of them may be the printer
     std::optional<int> result;
     std::string problem;  // empty: left out
 };

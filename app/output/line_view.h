@@ -8,7 +8,7 @@
 
 namespace App {
 
-// One line an item, as soon as it is found; another when there is news about it.
+// Writes one line for each item as soon as it is found, and another when it has changed.
 template <class Item>
 class LineView : public ScanView<Item> {
 public:

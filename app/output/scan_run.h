@@ -20,7 +20,7 @@ struct ScanOptions {
     bool watch = false;  // until interrupted, whatever `time` says
 };
 
-// A table on a terminal, lines elsewhere, `json` lines on request.
+// A view as a table on a terminal, as lines elsewhere, as `json` lines on request.
 template <class Item>
 std::unique_ptr<ScanView<Item>> ViewFor(const Settings& settings,
                                         typename LineView<Item>::Format& json) {
@@ -33,7 +33,7 @@ std::unique_ptr<ScanView<Item>> ViewFor(const Settings& settings,
     return std::make_unique<LineView<Item>>(TabbedLine<Item>);
 }
 
-// How a scan that ends at `end` stands.
+// The status of a scan that ends at `end`.
 template <class Item>
 std::string ScanStatus(std::size_t found, bool watch,
                        const typename ItemList<Item>::Clock::time_point& end) {
@@ -47,7 +47,7 @@ std::string ScanStatus(std::size_t found, bool watch,
     return soFar + ", " + std::to_string(seconds) + " s left (Ctrl-C stops)";
 }
 
-// Whether nobody looks any more, of a session that knows.
+// Whether the session has ended; false for a session that does not tell.
 template <class Session>
 bool HasEnded(Session& session) {
     if constexpr (requires { session.HasEnded(); }) {
@@ -65,8 +65,7 @@ void ShowRemarks(Session& session, ScanView<Item>& view) {
     }
 }
 
-// Shows the running scan until its time is over, nobody looks any more or it is cancelled, and
-// stops it.
+// Shows the running scan until its time is over, it has ended or it is cancelled; then stops it.
 template <class Item, class Session>
 void ShowScan(Session& session, ScanView<Item>& view, const ScanOptions& options) {
     using ListClock = typename ItemList<Item>::Clock;
@@ -93,8 +92,8 @@ void ShowScan(Session& session, ScanView<Item>& view, const ScanOptions& options
     view.Finish();
 }
 
-// As ShowScan, quietly when the reader of the output leaves. Whether something was found, or nobody
-// wants to know any more.
+// ShowScan, but ends quietly when the reader of the output has gone. Returns whether an item was
+// found or the reader has gone.
 template <class Item, class Session>
 bool RunScan(Session& session, ScanView<Item>& view, const ScanOptions& options) {
     try {

@@ -13,11 +13,10 @@ class ScanView {
 public:
     virtual ~ScanView() = default;
 
-    // Called a few times a second. `news` are what is new or has changed, `status` is
-    // how the scan stands.
+    // Called a few times a second. `news`: the new or changed items; `status`: the scan's status.
     virtual void Show(const std::vector<Item>& news, const std::string& status) = 0;
 
-    // Something to know about the scan itself, for standard error.
+    // Shows a remark about the scan itself on standard error.
     virtual void Remark(const std::string& text) { Warn(text); }
 
     // The scan has ended.

@@ -10,7 +10,7 @@
 
 namespace App {
 
-// A table on the terminal of all that the scan has found so far.
+// A table on the terminal with all items found so far.
 template <class Item>
 class TableView : public ScanView<Item> {
 public:
@@ -18,7 +18,8 @@ public:
         drawing.Show(Contents(), !news.empty(), remarks, status);
     }
 
-    // Below the table until it is finished, so that nothing tears it.
+    // Shows the remark below the table until the table is finished, so that it does not break the
+    // table.
     void Remark(const std::string& text) override { remarks.push_back(text); }
 
     void Finish() override {

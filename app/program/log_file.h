@@ -4,8 +4,8 @@
 
 namespace App {
 
-// Makes the log file, readable by the user alone, or finds that it can be written. Never waits for
-// whatever the name stands for. Returns why it cannot be written; nothing when it can.
+// Creates the log file, readable only by the user, or checks that it can be written. Never blocks,
+// whatever kind of file it is. Returns why it cannot be written; empty when it can.
 std::string PrepareLogFile(const std::string& file);
 
 }  // namespace App

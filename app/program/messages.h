@@ -6,13 +6,13 @@
 
 namespace App {
 
-// To standard error, in the program's name. The lines may hold a device's text.
+// Write to standard error, preceded by the program's name. The text may contain a device's text.
 void Complain(const std::string& text);
 void Warn(const std::string& text);
 // A warning for each; of many the first ones.
 void WarnOfAll(const std::vector<std::string>& problems);
 
-// "1 printer", "2 printers", or whatever it is.
+// "1 printer", "2 printers", or the same for other items.
 template <class Item>
 std::string CountOf(std::size_t count) {
     return std::to_string(count) + " " + (count == 1 ? Item::kOne : Item::kMany);
@@ -21,10 +21,10 @@ std::string CountOf(std::size_t count) {
 // Each as a line of its own below a text, indented; of many the first ones.
 std::string Lines(const std::vector<std::string>& problems);
 
-// Where to read why something failed, and how to see it.
+// Advice on where the log explains a failure, and how to show it.
 std::string AdviceToReadLog();
 
-// What to do when a scan has found less than expected.
+// Advice for a scan that has found less than expected.
 std::string AdviceAfterScan();
 
 }  // namespace App

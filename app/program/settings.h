@@ -8,27 +8,27 @@
 
 namespace App {
 
-// What every command can be told.
+// The options that all commands share.
 struct Settings {
-    std::string vendorList;  // empty: where the library looks
+    std::string vendorList;  // empty: the library looks for it
     std::string logFile;     // empty: in the user's state folder
     std::string logLevel;    // empty: all of the broker's lines into the log file
     bool json = false;
     std::optional<std::chrono::duration<double>> vendorTime;  // for each answer
 
-    // How long to wait for an answer that by default may take `limit`.
+    // The time limit for a vendor's answer, by default `limit`.
     std::chrono::steady_clock::duration LimitOr(std::chrono::steady_clock::duration limit) const;
 
-    // Whether log lines go to standard error too.
+    // Whether log lines also go to standard error.
     bool LogsToTerminal() const;
 
-    // Whether standard output is a terminal on which lines can be drawn over, without log lines
-    // that would tear them.
+    // Whether standard output is a terminal on which lines can be redrawn, and no log lines would
+    // break them.
     bool DrawsOnTerminal() const;
 };
 
-// Hands the settings to the application's libraries, before anything else uses them. Throws Problem
-// when the log file cannot be written.
+// Passes the settings to the application's libraries, before their first use. Throws Problem when
+// the log file cannot be written.
 void Apply(const Settings& settings);
 
 }  // namespace App

@@ -7,14 +7,14 @@
 
 namespace App {
 
-// One line on the terminal that says what is being waited for, and how long already. Nothing where
-// lines cannot be drawn over, or where the output is for a program.
+// A line on the terminal that says what the program waits for, and for how long. Shows nothing if
+// lines cannot be redrawn, or if the output is for a program.
 class StatusLine {
 public:
     StatusLine(const Settings& settings, std::string what);
     ~StatusLine();
 
-    // Draws it anew.
+    // Redraws the line.
     void Draw();
     void Draw(const std::string& text);
 

@@ -17,16 +17,15 @@ namespace App {
 constexpr auto kWaitTick = std::chrono::milliseconds(200);
 constexpr auto kNoLimit = Cancellation::Clock::duration::max();
 
-// How long whoever is asked may take, unless the settings say otherwise: for an answer, and for a
-// printer or this computer to join a network.
+// The default time limits: for an answer, and for a printer or this computer to join a network.
 constexpr auto kAnswerLimit = std::chrono::seconds(30);
 constexpr auto kJoinLimit = std::chrono::seconds(180);
 
-// The vendors that work which began at `began` waits for, or the module that is being loaded.
+// Names the vendors, or the module being loaded, for which work started at `began` is waiting.
 std::string AwaitedVendors(std::uint64_t began);
 
-// Waits for work by `wait`, which waits until a moment or until the condition is true, and says
-// whether it is. `onWait` is called a few times a second.
+// Waits for `work` with `wait`, which waits until a time or until a condition is true and returns
+// whether it is true. Calls `onWait` a few times a second.
 template <class Result, class Wait>
 Result AwaitWork(std::function<Result()> work, const std::function<void()>& onWait,
                  Cancellation::Clock::duration limit, Wait wait) {
@@ -45,10 +44,10 @@ Result AwaitWork(std::function<Result()> work, const std::function<void()>& onWa
     return running.Take();
 }
 
-// Does what may take long and cannot be cut short, on a thread of its own, and waits for it.
-// `onWait` is called a few times a second. Throws Interrupted when cancelled before it is done, and
-// TimedOut when it is not done within `limit`: then it goes on as long as the process does, and
-// must own all it uses.
+// Runs `work`, which may take long and cannot be cancelled, on a new thread and waits for it. Calls
+// `onWait` a few times a second. Throws Interrupted when cancelled first, and TimedOut when the
+// work is not done within `limit`: the work then continues until the process ends, and must own all
+// that it uses.
 template <class Result>
 Result AwaitInterruptibly(std::function<Result()> work, const std::function<void()>& onWait,
                           Cancellation::Clock::duration limit = kNoLimit) {
@@ -61,7 +60,7 @@ Result AwaitInterruptibly(std::function<Result()> work, const std::function<void
                              });
 }
 
-// The same for what has to be done though the user has asked the program to end.
+// The same for work that must be done even after the user has asked the program to end.
 template <class Result>
 Result AwaitRegardless(std::function<Result()> work, const std::function<void()>& onWait,
                        Cancellation::Clock::duration limit) {
@@ -71,7 +70,7 @@ Result AwaitRegardless(std::function<Result()> work, const std::function<void()>
     });
 }
 
-// As AwaitInterruptibly, while the terminal says what is waited for.
+// Runs `work` like AwaitInterruptibly, with a status line that says what the program waits for.
 template <class Result>
 Result Await(const Settings& settings, const std::string& what, std::function<Result()> work,
              Cancellation::Clock::duration limit = kAnswerLimit) {

@@ -8,13 +8,13 @@
 
 namespace App {
 
-// Thrown where the user has asked the program to end.
+// Thrown when the user has asked the program to end.
 struct Interrupted {};
 
-// From now on a request to end the program cancels every wait of the process. May be called again.
+// Makes a request to end the program cancel every wait of the process. May be called again.
 void CancelOnInterrupt();
 
-// The waits of the program's own thread that a request to end the program cuts short.
+// The waits of the program's own thread, which a request to end the program cancels.
 class Cancellation {
 public:
     using Clock = std::chrono::steady_clock;
@@ -26,17 +26,18 @@ public:
     // Throws Interrupted when cancelled.
     void Check() const;
 
-    // Waits until `isDone`, which is asked again after each Notify and needs no lock of its own, or
-    // until `until`; whether it is done. Throws Interrupted when cancelled before.
+    // Waits until `isDone` is true or until the time `until`, and returns whether it is done.
+    // Checks `isDone`, which needs no lock, after each Notify. Throws Interrupted when cancelled
+    // first.
     bool WaitUntil(Clock::time_point until, const std::function<bool()>& isDone);
 
-    // The same, cancelled or not.
+    // The same, but cannot be cancelled.
     bool WaitRegardless(Clock::time_point until, const std::function<bool()>& isDone);
 
-    // Runs `change`, which may make a wait's condition true.
+    // Runs `change`, which may make a wait's `isDone` true, and checks the waits again.
     void Notify(const std::function<void()>& change);
 
-    // Whether work goes on that was no longer waited for: it may be inside a library.
+    // Whether abandoned work still runs; it may be inside a library.
     bool LeavesWorkBehind() const { return workLeftBehind; }
     void LeaveWorkBehind() { workLeftBehind = true; }
 

@@ -5,17 +5,17 @@
 
 namespace App {
 
-// What vendors or the device manager do until they are told to stop, and how it ends.
+// Work of the vendors or of the device manager that runs until it is stopped.
 class RunningWork {
 public:
-    // `what` runs: "scan". `late` is what is so when it does not stop in time and no vendor is
-    // known to be the reason: "the device manager has not stopped its reports".
+    // `what`: the name of the work, "scan". `late`: the message if it does not stop in time and no
+    // vendor is known to be the reason: "the device manager has not stopped its reports".
     RunningWork(std::string what, std::string late, std::function<int()> stopWork);
-    // Stops it, and tells if that took too long: now no live display is torn by it.
+    // Stops the work, and reports if that took too long: now the message breaks no live display.
     ~RunningWork();
 
-    // Waits until it has stopped, but for a few seconds only: then it is left behind. `onWait` is
-    // called a few times a second. What goes wrong costs nothing that was found so far.
+    // Stops the work and waits a few seconds at most; then abandons it. Calls `onWait` a few times
+    // a second. Errors do not lose what was found so far.
     void Stop(const std::function<void()>& onWait = [] {});
 
     RunningWork(const RunningWork&) = delete;

@@ -4,11 +4,11 @@
 
 namespace App {
 
-// What the program says while it ends at the user's request: whom it waits for.
+// The text while the program ends at the user's request: what it waits for.
 std::string StoppingText();
 
-// Says so on standard error when the program is still there after a moment; while a live table is
-// on the terminal, its status says so.
+// Writes that text to standard error if the program has not ended after a moment, unless a live
+// table shows it in its status.
 void SayThatItStops();
 
 }  // namespace App

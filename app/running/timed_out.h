@@ -7,10 +7,10 @@
 
 namespace App {
 
-// Thrown when work has not ended in its time; it goes on, and nobody waits for it any more.
+// Thrown when work has not ended in time. The work continues without being waited for.
 class TimedOut : public Problem {
 public:
-    // `vendors` are the names of those that are waited for; empty when none is known.
+    // `vendors`: the names of the vendors that have not answered; empty when not known.
     TimedOut(std::string vendors, std::chrono::duration<double> limit);
 
     const std::string vendors;

@@ -11,17 +11,17 @@ namespace App {
 using PrinterDeviceDiscoverSdk::VendorCall;
 using PrinterDeviceDiscoverSdk::VendorCallState;
 
-// The moment now, as calls tell when they began.
+// The current time, on the clock of VendorCall::began.
 std::uint64_t CallClockNow();
 
-// What the broker knows of the vendors' calls, each entry point's latest at least.
+// The broker's record of the vendors' calls: at least the latest of each entry point.
 std::vector<VendorCall> VendorCalls();
 
-// The calls under way that began at `since` or later, but for scans: those run until they are told
-// to stop, and nobody waits for them.
+// The running calls that began at `since` or later, except scans: they run until they are stopped,
+// and the program does not wait for them.
 std::vector<VendorCall> AwaitedCalls(std::uint64_t since = 0);
 
-// Whether any vendor is being called, for a scan or for anything else.
+// Whether any call of a vendor is running, also a scan.
 bool AnyVendorIsCalled();
 
 // "vendor alpha (StopDeviceScan) and vendor beta (GetDeviceConnectState)"; empty without calls.

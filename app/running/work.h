@@ -16,11 +16,11 @@
 
 namespace App {
 
-// Rethrows what work that began at `began` has thrown: named, when a vendor threw it.
+// Rethrows the exception of work that began at `began`; names the vendor if a vendor threw it.
 [[noreturn]] void Rethrow(const std::exception_ptr& failure, std::uint64_t began);
 
-// Work on a thread of its own, which cannot be cut short. If nobody takes its result it is left
-// behind: it goes on as long as the process does, and must own all it uses.
+// Work on a separate thread that cannot be cancelled. If the result is not taken, the work is
+// abandoned: it continues until the process ends, and must own all that it uses.
 template <class Result>
 class Work {
 public:
@@ -29,10 +29,10 @@ public:
     Work(const Work&) = delete;
     Work& operator=(const Work&) = delete;
 
-    // To be asked inside a wait of Cancellation.
+    // Call this only inside a wait of Cancellation.
     bool IsDone() const { return outcome->isThere; }
 
-    // The result, once it is done. Throws what the work has thrown.
+    // The result of finished work. Throws what the work has thrown.
     Result Take();
 
     std::uint64_t Began() const { return began; }
@@ -43,7 +43,8 @@ private:
         bool isThere = false;
         std::atomic<bool> mayEnd = false;
 
-        // Also when the vendor has ended the thread, which comes as an exception that goes on.
+        // A destructor, so that it also runs when the vendor ends the thread, which unwinds the
+        // stack.
         struct Announcement {
             Outcome& outcome;
             ~Announcement() {
@@ -69,8 +70,8 @@ Work<Result>::Work(std::function<Result()> function) {
 template <class Result>
 Work<Result>::~Work() {
     if (thread.joinable()) {
-        // It does not end before it is detached: the run-time library of MinGW-w64 mixes up its
-        // threads when one ends meanwhile, and one that is started next never runs.
+        // The thread does not end before it is detached: the run-time library of MinGW-w64 confuses
+        // its threads otherwise, and the thread started next never runs.
         thread.detach();
         Cancellation::GetInstance().LeaveWorkBehind();
         outcome->mayEnd = true;

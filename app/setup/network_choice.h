@@ -10,15 +10,15 @@
 
 namespace App {
 
-// Lets the user pick a network from a numbered list on the terminal: of those that the printer
-// reports, or, where it reports none, of those that this computer would offer; without the network
-// `leftOut`. Returns the network's name; an empty one when the user gave none. Throws Interrupted.
+// Lets the user pick a network from a numbered list on the terminal: the networks that the printer
+// reports or, if it reports none, those that this computer would offer; without the network
+// `leftOut`. Returns the network's name; empty if the user picked none. Throws Interrupted.
 std::string ChooseNetwork(const Settings& settings,
                           const std::function<std::vector<Network>()>& seenByPrinter,
                           const std::string& leftOut);
 
-// What the printer sees whose access point the host is joined to. `time` is how long it has. Throws
-// Interrupted.
+// The networks that the printer reports whose access point the host is joined to, within `time`.
+// Throws Interrupted.
 std::vector<Network> SeenFromAccessPoint(const Settings& settings,
                                          std::chrono::duration<double> time);
 

@@ -10,20 +10,20 @@
 namespace App {
 
 struct SearchOutcome {
-    // What the scan found of that vendor and serial number, the one reported last at the front.
-    // Several may be printers that share the number, or places that one has been at.
+    // The printers found with that vendor and serial number, the last reported first. Several
+    // entries may be printers that share the number, or former places of one printer.
     std::vector<Printer> printers;
-    bool isOnNetwork = false;  // the vendor says that the very printer is on the network
-    int vendorsResult = 0;     // the vendor's last answer, when asked
-    // Why nobody looks any more; empty while a vendor does.
+    bool isOnNetwork = false;  // the vendor says that exactly this printer is on the network
+    int vendorsResult = 0;     // the vendor's last result, if it was called
+    // Why all vendors have stopped looking; empty while a vendor looks.
     std::vector<std::string> failures;
 };
 
-// Looks for a printer that was put on the network by a scan, and asks its vendor about that very
-// printer, until it is there, the time is over or nobody looks any more. The vendor's word is
-// enough: on the network a printer may have another serial number than before, and then no place is
-// known. A vendor that cannot be asked is not needed where the scan finds the printer. Throws
-// Interrupted, and Problem when no vendor can scan.
+// Looks for a printer that was put on the network, by a scan and by asking its vendor about exactly
+// this printer, until it is found, the time is over or all scans have failed. The vendor's answer
+// is sufficient: on the network the printer may have a different serial number, and then its
+// address is not known. A vendor that cannot be asked is not needed if the scan finds the printer.
+// Throws Interrupted, and Problem when no vendor can scan.
 SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
                             std::chrono::duration<double> time);
 

@@ -8,11 +8,11 @@
 
 namespace App {
 
-// The steps of the journey, in order.
+// The steps of a set-up, in order.
 enum class SetupStep : std::size_t { Printer, Network, PassPhrase, Configure, Rejoin, Find };
 
-// Shows on standard output how the journey gets on. When whoever read it has gone, or nothing can
-// be written any more, the journey goes on without.
+// Shows the progress of a set-up on standard output. If its reader has gone or the output fails,
+// the set-up continues without it.
 class SetupProgress {
 public:
     explicit SetupProgress(const Settings& appSettings) : settings(appSettings) {}
@@ -21,7 +21,7 @@ public:
     void Done(const std::string& text, StepEvent event = {});
     void Skipped(const std::string& text);
 
-    // The current step has failed, or was interrupted. Says so on standard error too.
+    // Reports, also on standard error, that the current step has failed or was interrupted.
     void Failed(const std::string& state, const std::string& problem, StepEvent event = {});
 
     SetupStep Current() const { return current; }

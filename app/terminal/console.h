@@ -1,7 +1,7 @@
 #pragma once
 
-// The program's arguments, its standard streams and the screen behind them, as each operating
-// system has them. All text is UTF-8.
+// The program's arguments, standard streams and screen, on each operating system. All text is
+// UTF-8.
 
 #include <cstddef>
 #include <optional>
@@ -11,22 +11,22 @@
 
 namespace App {
 
-// Thrown when whoever read standard output has gone: there is nothing left to do, and nothing to
-// complain about.
+// Thrown when the reader of standard output has gone. The program should end without an error
+// message.
 struct OutputClosed {};
 
-// The arguments behind the program's own name.
+// The arguments after the program's name.
 std::vector<std::string> Arguments(int argc, char** argv);
 
-// Readies the standard streams; the first call of a program, before any vendor's module is loaded.
-// What the program writes to standard output goes there; what anything else in the process writes
-// goes to standard error. A stream that was closed stays out of the way of files opened later:
-// reading from it gives an end, writing to it a Problem.
+// Prepares the standard streams. Must be the program's first call, before any vendor's module is
+// loaded. Only WriteOutput writes to standard output; text that other code in the process writes
+// there goes to standard error. The descriptor of a closed stream is not reused by later files:
+// reading gives the end of input, writing throws Problem.
 void PrepareConsole();
 
 // Writes all of `text` to standard output at once. Throws OutputClosed, or Problem when it cannot
-// be written. A reader that takes nothing for a second, the program having been asked to end,
-// counts as gone.
+// be written. After a request to end the program, a reader that takes nothing for one second counts
+// as gone.
 void WriteOutput(std::string_view text);
 
 // For the end of the process, also in a signal handler and while other threads write: writes the
@@ -37,7 +37,7 @@ void WriteLastLine(std::string_view line);
 // Whether the reader of standard output is known to have gone.
 bool OutputReaderIsGone();
 
-// Writes `text` to standard error, as far as that works.
+// Writes `text` to standard error; ignores failures.
 void WriteError(std::string_view text);
 
 bool ErrorIsTerminal();
@@ -47,12 +47,12 @@ struct ScreenSize {
     std::size_t rows;
 };
 
-// The size of the terminal at standard output; nothing when there is none, or none on which lines
-// can be drawn over.
+// The size of the terminal at standard output; nothing when there is none, or when it cannot redraw
+// lines.
 std::optional<ScreenSize> OutputScreen();
 
-// Draws `lines` over the last `rowsBefore` rows of the terminal, the one with the cursor included,
-// and leaves the cursor behind the last line.
+// Draws `lines` over the last `rowsBefore` rows of the terminal, including the row of the cursor,
+// and leaves the cursor at the end of the last line.
 void Redraw(std::size_t rowsBefore, const std::vector<std::string>& lines);
 
 }  // namespace App

@@ -8,20 +8,20 @@
 
 namespace App {
 
-// The line that says how the program ends while vendors are called, and in which of them: made
-// without memory, for a signal handler.
+// The line that says how the program ended and which vendors were being called. Needs no
+// allocation, for a signal handler.
 class CrashText {
 public:
-    // `end` is how: "the program crashed (SIGSEGV)".
+    // `end`: how the program ended, "the program crashed (SIGSEGV)".
     explicit CrashText(std::string_view end);
 
-    // Without the program's name, and without the end of the line.
+    // The text without the program's name and without the end of the line.
     std::string_view View() const { return {text.data(), length}; }
 
 private:
     void Append(std::string_view more);
-    // Names the calls under way on this thread, or on the others, behind `lead`. Whether there were
-    // any.
+    // Names the running calls on this thread, or on the others, after `lead`. Returns whether there
+    // were any.
     bool AppendCalls(bool onThisThread, std::string_view lead);
 
     // Names the modules that are being loaded. Whether there were any.

@@ -2,24 +2,24 @@
 
 namespace App {
 
-// From now on the first request to end the program (Ctrl-C, the system's request to terminate, a
-// closing terminal) calls `notify` on a thread of its own; the second ends the process at once.
-// Requests that the program was started to ignore stay ignored.
+// Makes the first request to end the program (Ctrl-C, the system's request to terminate, a closed
+// terminal) call `notify` on a separate thread; the second ends the process at once. Requests that
+// were ignored when the program was started stay ignored.
 void NotifyOnInterrupt(void (*notify)());
 
 // Whether the first request has come.
 bool IsInterrupted();
 
-// From now on the calling thread takes no such request; another one does. For threads that wait in
-// a read: a sanitizer holds a request back until the thread that took it calls something else.
+// Makes other threads take such requests, not the calling thread. For threads that wait in a read:
+// a sanitizer delays a request until the thread that took it makes another call.
 void LeaveInterruptsToOthers();
 
-// Ends the process with that status in a while, should a library not let it end: it may hang in
-// what it does at the end. Where the system ends other threads first, on Windows, it cannot.
+// Ends the process with `status` after a while, in case a library hangs during process exit. Has no
+// effect on Windows, which terminates other threads first.
 void EndProcessSoon(int status);
 
-// Ends the process with that status as it is: nothing is taken down under what is at work on other
-// threads. Standard output, standard error and the log are flushed.
+// Ends the process with `status` at once: destroys nothing that other threads may still use.
+// Flushes standard output, standard error and the log.
 [[noreturn]] void EndProcess(int status);
 
 }  // namespace App

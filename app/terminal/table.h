@@ -7,9 +7,9 @@
 namespace App {
 
 enum class Column {
-    Whole,     // needed whole: never cut, and wrapped only when all others have given way
-    Yielding,  // gives way first where the terminal is too narrow
-    Number,    // needed whole, and aligned to the right
+    Whole,     // never cut; wrapped only after all Yielding columns have shrunk
+    Yielding,  // shrinks first if the terminal is too narrow
+    Number,    // like Whole, and aligned to the right
 };
 
 struct Heading {
@@ -17,7 +17,7 @@ struct Heading {
     Column kind;
 };
 
-// As many cells as there are headings, each fit for a terminal.
+// As many cells as there are headings, each safe for a terminal.
 using TableRow = std::vector<std::string>;
 
 struct Table {
@@ -25,14 +25,14 @@ struct Table {
     std::vector<TableRow> rows;
 };
 
-// A text that a device may have sent as a cell; "-" for one that is not known.
+// Makes a cell from a text that a device may have sent; "-" for an empty text.
 std::string Cell(const std::string& text);
 
-// What becomes of texts that may give way, when a terminal is too narrow for them.
+// How Yielding columns shrink if the terminal is too narrow.
 enum class Overflow { Cut, Wrap };
 
-// The table with its headings for a terminal of that many columns. With Overflow::Cut each row is
-// one line, unless not even what is needed whole fits into one.
+// The lines of the table, with headings, for a terminal of `columns` columns. With Overflow::Cut
+// each row is one line, unless even the columns that are never cut do not fit.
 std::vector<std::string> TableLines(const Table& table, std::size_t columns, Overflow overflow);
 
 }  // namespace App

@@ -11,7 +11,7 @@
 
 namespace App {
 
-// A table on the terminal that is drawn anew as a scan goes on, with a status below it.
+// A table on the terminal, redrawn during a scan, with a status below it.
 class TableDrawing {
 public:
     TableDrawing() = default;
@@ -19,15 +19,15 @@ public:
     TableDrawing(const TableDrawing&) = delete;
     TableDrawing& operator=(const TableDrawing&) = delete;
 
-    // `hasNews`: whether the table has changed since the last call. Of the remarks the latest are
-    // shown.
+    // `hasNews`: whether the table has changed since the last call. Shows the latest remarks.
     void Show(const Table& table, bool hasNews, const std::vector<std::string>& remarks,
               const std::string& status);
 
-    // Leaves the whole table on the terminal, and `summary` below it; nothing without rows.
+    // Leaves the whole table on the terminal, with `summary` below it; leaves nothing if there are
+    // no rows.
     void Finish(const Table& table, const std::string& summary);
 
-    // Whether one is being drawn, which other lines would tear. Safe from any thread.
+    // Whether a table is on the terminal, which other lines would break. Safe from any thread.
     static bool IsOnTerminal() { return isOnTerminal; }
 
 private:

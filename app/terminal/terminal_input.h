@@ -1,6 +1,6 @@
 #pragma once
 
-// Standard input as people type it, as each operating system has it.
+// Typed standard input, on each operating system.
 
 #include "base/secret.h"
 
@@ -8,11 +8,11 @@ namespace App {
 
 bool InputIsTerminal();
 
-// Reads up to the end of a line, or of the input; what was read is UTF-8 without the line's end.
-// False when the input has ended and nothing was read. Waits as long as it takes.
+// Reads up to the end of a line or of the input, as UTF-8 without the line's end. False when the
+// input has ended and nothing was read. Waits without a time limit.
 bool ReadInputLine(Base::Secret& line);
 
-// While it lives, the terminal at standard input does not show what is typed.
+// Hides typed text on the terminal at standard input during its own lifetime.
 class HiddenTyping {
 public:
     HiddenTyping();

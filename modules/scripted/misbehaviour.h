@@ -5,7 +5,7 @@
 
 namespace ScriptedVendor {
 
-// What a vendor must not do.
+// The ways in which a vendor may misbehave.
 enum class Misbehaviour {
     None,
     Crash,
@@ -19,10 +19,10 @@ enum class Misbehaviour {
     Hang,
 };
 
-// The one of that name.
+// The misbehaviour with that name; nothing when there is none.
 std::optional<Misbehaviour> FindMisbehaviour(std::string_view name);
 
-// Does it, on the calling thread. Returns only when there is nothing to do.
+// Misbehaves on the calling thread. Returns only for None.
 void Misbehave(Misbehaviour misbehaviour);
 
 }  // namespace ScriptedVendor

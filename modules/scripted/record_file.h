@@ -4,8 +4,8 @@
 
 namespace ScriptedVendor {
 
-// Appends `text` to the file in one piece, also when other modules and processes append to it at
-// the same time. False when the file cannot be written.
+// Appends `text` to the file in one piece, even when other modules and processes append at the same
+// time. False when the file cannot be written.
 bool AppendToFile(const std::string& path, const std::string& text);
 
 }  // namespace ScriptedVendor

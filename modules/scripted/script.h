@@ -11,21 +11,21 @@
 
 namespace ScriptedVendor {
 
-// How a module behaves.
+// The behaviour of a module.
 struct Script {
     std::map<std::string, int> results;
     std::map<std::string, std::chrono::milliseconds> delays;
     std::map<std::string, Misbehaviour> misbehaviours;
-    std::map<std::string, int> counts;  // that are said to be written
+    std::map<std::string, int> counts;  // the counts that the module returns
     std::vector<VendorSdk::DeviceInfo> devices;
     std::vector<VendorSdk::WifiConfigInfo> networks;
-    int threads = 1;  // that report at once
+    int threads = 1;  // number of threads that report at once
     int repeat = 1;   // how often each thread reports them all; 0: until the scan is stopped
     std::chrono::milliseconds interval{0};  // between two reports of a thread
-    std::string print;                      // what each call writes to standard output
-    bool untilStopped = false;              // a scan waits for its stop
-    bool forgetful = false;                 // calls leave no trace of their arguments
-    int afterStop = 0;                      // reports once the stop has returned
+    std::string print;                      // text that each call writes to standard output
+    bool untilStopped = false;              // a scan returns only after its stop
+    bool forgetful = false;                 // arguments of calls are not recorded
+    int afterStop = 0;                      // number of reports after the stop has returned
 
     // The scripted result of an entry point, or its success.
     int ResultOf(const std::string& entryPoint) const;
@@ -33,9 +33,8 @@ struct Script {
     Misbehaviour MisbehaviourOf(const std::string& entryPoint) const;
 };
 
-// Applies the lines of `text` that concern `moduleName` to `script`. A line that makes no sense is
-// left out; returned is one message for each, with `sourceName`, the line's number and what is
-// wrong.
+// Applies the lines of `text` for `moduleName` to `script`. Ignores invalid lines and returns one
+// message for each, with `sourceName`, the line's number and the error.
 std::vector<std::string> ApplyScript(std::istream& text, const std::string& sourceName,
                                      const std::string& moduleName, Script& script);
 

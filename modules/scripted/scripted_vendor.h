@@ -1,8 +1,8 @@
 #pragma once
 
-// Steering a scripted vendor from within its process, and reading back what it was asked. The
-// module exports one symbol, ScriptedVendorControl; everything else is reached through the
-// functions it returns. They may be called from any thread.
+// Controls a scripted vendor from within its process, and reads back the calls that it received.
+// The module exports one symbol, ScriptedVendorControl, which returns all functions. They may be
+// called from any thread.
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace ScriptedVendor {
 
-// The arguments of the USB entry points, put together.
+// The arguments of the USB entry points, combined in records.
 struct UsbEnumeration {
     std::uint16_t productId;
     std::uint16_t vendorId;
@@ -30,7 +30,7 @@ struct UsbNetConfig {
 // One call that the module received.
 struct Call {
     const char* entryPoint;
-    // The address of the argument record, of the room for records in an enumeration; null when
+    // The address of the argument record, or of the room for records in an enumeration; null when
     // there is none.
     const void* argument;
     // The address of the network in a configuration on USB; null otherwise.
@@ -42,18 +42,18 @@ struct Call {
 struct Control {
     const char* moduleName;
 
-    // Applies script lines (see README.md) on top of what holds already. Returns how many lines
-    // were refused; each is named on standard error.
+    // Applies further script lines (see README.md). Returns the number of refused lines; each is
+    // reported on standard error.
     int (*Script)(const char* lines);
 
-    // Adds a device to those that StartDeviceScan reports, byte for byte. The first is also the one
-    // that GetDeviceInfoByNet fills in, whatever its result.
+    // Adds a device to those that StartDeviceScan reports, byte for byte. GetDeviceInfoByNet fills
+    // in the first, whatever its result.
     void (*AddDevice)(const VendorSdk::DeviceInfo* device);
 
     // Adds a network to those that StartAPWifiScan reports, byte for byte.
     void (*AddNetwork)(const VendorSdk::WifiConfigInfo* network);
 
-    // Calls of that entry point are recorded and then wait until it is unblocked.
+    // Makes calls of the entry point wait, after they are recorded, until it is unblocked.
     void (*Block)(const char* entryPoint);
     void (*Unblock)(const char* entryPoint);
 
@@ -65,7 +65,7 @@ struct Control {
     std::size_t (*CallCount)();
     bool (*ReadCall)(std::size_t index, Call* call);
 
-    // What the callback returned, report by report; the first 10000 are kept.
+    // The results of the callback, one for each report; the first 10000 are kept.
     std::size_t (*CallbackCount)();
     bool (*ReadCallbackResult)(std::size_t index, int* result);
 
@@ -74,7 +74,7 @@ struct Control {
     VendorSdk::DeviceCallbackInfo* (*Registration)();
     VendorSdk::WifiCallbackInfo* (*WifiRegistration)();
 
-    // How many scans of both kinds have not returned.
+    // The number of running scans of both kinds.
     int (*RunningScans)();
 
     // Wait until the entry point has been called `count` times, until `count` reports have come

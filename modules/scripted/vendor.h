@@ -12,21 +12,21 @@
 
 namespace ScriptedVendor {
 
-// The vendor in a module: follows its script and remembers what it was asked. Reads its script from
-// the file that SCRIPTED_VENDOR_SCRIPT names and writes the record that SCRIPTED_VENDOR_RECORD
-// names.
+// The vendor in a module: follows its script and remembers its calls. Reads the script from the
+// file that SCRIPTED_VENDOR_SCRIPT names, and writes the record to the file that
+// SCRIPTED_VENDOR_RECORD names.
 class Vendor {
 public:
     explicit Vendor(const char* moduleName);
 
-    // Records the call, waits as scripted, and gives the scripted result.
+    // Records the call, waits as scripted, and returns the scripted result.
     int Answer(const char* entryPoint, const void* argument, std::size_t size);
-    // The same for two arguments, which `record` puts together with the others.
+    // The same for two arguments; `record` combines all arguments.
     int Answer(const char* entryPoint, const void* argument, const void* second, const void* record,
                std::size_t size);
 
-    // Answer StartDeviceScan and StartAPWifiScan: report what is scripted and run as long as the
-    // script says. All their threads have ended when they return.
+    // Answer StartDeviceScan and StartAPWifiScan: send the scripted reports and run as long as
+    // scripted. All their threads have ended when they return.
     int Scan(VendorSdk::DeviceCallbackInfo* registration);
     int Scan(VendorSdk::WifiCallbackInfo* registration);
     void StopScans();
@@ -35,7 +35,7 @@ public:
     // Answers GetDeviceInfoByNet.
     int FillDevice(VendorSdk::DeviceInfo* device);
 
-    // Answer GetDeviceInfoByUsb and USBWifiScan: write what is scripted, whatever the result.
+    // Answer GetDeviceInfoByUsb and USBWifiScan: write the scripted records, whatever the result.
     int ListDevices(const UsbEnumeration& question, VendorSdk::DeviceInfo* devices,
                     std::int32_t* count);
     int ListNetworks(const UsbWifiScan& question, const VendorSdk::DeviceInfo* device,
@@ -65,8 +65,8 @@ public:
     const char* Name() const { return moduleName; }
 
 private:
-    // One kind of scan: what it is called and reports, who asked for it last, and how often it has
-    // been stopped.
+    // One kind of scan: its entry point and records, its last registration, and how often it was
+    // stopped.
     template <class Info, class Record>
     struct ScanKind {
         const char* entryPoint;
@@ -114,9 +114,8 @@ private:
     int runningScans = 0;
 };
 
-// The module's vendor, for the length of one call. It is made on first use and goes with the
-// module, unless the process ends while the module still runs: then it stays, and who comes late
-// finds none.
+// The module's vendor, during one call. Created on first use and destroyed with the module. If the
+// process ends while calls still run, the vendor is not destroyed, and later calls get none.
 class Presence {
 public:
     Presence();

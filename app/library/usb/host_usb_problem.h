@@ -4,16 +4,16 @@
 
 namespace App {
 
-// Why something of this computer is not known; empty when nothing stands in the way. Libraries of
-// other vendors may not tell.
+// Why an operation on this computer failed; empty when it did not. A replacement of a library may
+// not tell.
 
-// Of the calling thread's last operation of the USB device manager.
+// The problem of the calling thread's last operation of the USB device manager.
 std::string LastUsbProblem();
 
-// Of the running USB monitor's events, now.
+// The current problem of the running USB monitor's events.
 std::string UsbMonitorProblem();
 
-// Of the calling thread's last list of installed printers.
+// The problem of the calling thread's last list of installed printers.
 std::string LastInstalledPrintersProblem();
 
 }  // namespace App

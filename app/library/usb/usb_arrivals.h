@@ -16,9 +16,9 @@
 
 namespace App {
 
-// Watches printers being plugged in: asks each one's vendor a moment later, and adds what it hears
-// to the ArrivalList. It goes past the broker's own monitor, which asks on threads that nobody can
-// wait for: the broker could not be told of models that it does not know.
+// Watches for printers being plugged in: calls each printer's vendor a moment later and adds the
+// answer to the ArrivalList. Does not use the broker's own monitor, which calls vendors on detached
+// threads: new models can be added to the broker's list only while no such call runs.
 class UsbArrivals {
 public:
     static UsbArrivals& GetInstance();
@@ -29,8 +29,8 @@ public:
     // Returns when no report is under way; what is being asked then is not reported any more.
     int Stop();
 
-    // What is plugged in around the start, before and after it. One that came between the two, and
-    // that the device manager took for one that was there, counts as an arrival.
+    // Takes the printers plugged in before and after the start. A printer that arrived in between,
+    // and that the device manager counted as present, is reported as an arrival.
     void Compare(const UsbPortMap& before, const UsbPortMap& after);
 
     // Lines that a user should read at once, new since the last call: vendors that take too long,
@@ -49,10 +49,10 @@ public:
     UsbArrivals& operator=(const UsbArrivals&) = delete;
 
 private:
-    // Of the arrivals of one hardware identifier.
+    // The arrivals of one hardware identifier.
     struct Model {
-        std::size_t told = 0;   // by the device manager
-        std::size_t asked = 0;  // and so many have been answered
+        std::size_t told = 0;   // arrivals from the device manager
+        std::size_t asked = 0;  // vendor calls started
         std::size_t answered = 0;
         bool isLate = false;      // an answer is
         std::string problem;      // with the last question; empty: it was reported

@@ -7,22 +7,23 @@
 
 namespace App {
 
-// What became of asking for the printers of one identifier.
+// A vendor's answer about the printers of one identifier.
 struct UsbAnswer {
     int result = 0;  // the broker's
     std::vector<UsbPrinter> printers;
 };
 
-// Asks the vendor of that hardware identifier for its printers, from any thread. The broker learns
-// the identifiers when it is first asked. One that it does not know, but a vendor's list has by
-// now, it learns before the answer: that may be done only while no question is under way, and is
-// not done where another question takes too long. Throws std::out_of_range where the identifier is
-// too short to name a device. Every question about USB of a program that asks on several threads
-// must go this way.
+// Asks the vendor of the hardware identifier for its printers. Safe from any thread. The broker
+// reads the identifiers at its first request. If it does not know the identifier, but a vendor
+// lists it by now, the broker's list is updated first; this is possible only while no other request
+// runs, and is skipped if another request takes too long. Throws std::out_of_range if the
+// identifier is too short. A program that makes USB requests on several threads must make all of
+// them through this function.
 UsbAnswer AskUsbVendor(const std::wstring& deviceId);
 
-// Asks for the printers of each of them, many at once: models that do not answer keep no other
-// waiting. The answers come in the order of the identifiers; the broker learns none.
+// Asks for the printers of each identifier, many at once, so that a model that does not answer
+// delays no other. Returns the answers in the order of the identifiers. Does not update the
+// broker's list.
 std::vector<UsbAnswer> AskUsbVendors(const std::vector<std::wstring>& deviceIds);
 
 }  // namespace App

@@ -12,21 +12,21 @@
 
 namespace App {
 
-// Watches printers being plugged in, from construction to Stop. Those that are go to the process's
+// Watches for printers being plugged in, from construction to Stop. Arrivals go to the process's
 // ArrivalList.
 class UsbWatchSession {
 public:
     // Names on standard error each vendor that cannot take part. Throws Problem when none can, or
-    // what is plugged in cannot be watched; Interrupted.
+    // when USB cannot be watched, and Interrupted.
     explicit UsbWatchSession(const Settings& settings);
 
-    // What was plugged in already, and is not reported.
+    // The printers that were already plugged in, and are not reported.
     const UsbPortMap& ThereBefore() const { return before; }
 
     // What is wrong with the watch itself, when it begins, and with what is asked.
     std::vector<std::string> TakeRemarks();
 
-    // As that of RunningWork: returns when no printer is being reported any more.
+    // See RunningWork::Stop. After it no printer is reported.
     void Stop(const std::function<void()>& onWait = [] {}) { watch->Stop(onWait); }
 
     // Once it has stopped: a line for each model that came, is there now and was not reported, and
@@ -37,7 +37,7 @@ public:
 private:
     UsbPortMap before;
     std::optional<RunningWork> watch;
-    std::string trouble;  // as it was last told
+    std::string trouble;  // as last reported
 };
 
 }  // namespace App
