@@ -11,7 +11,7 @@ constexpr std::size_t kOlderFiles = 3;
 constexpr std::chrono::seconds kRest(1);
 constexpr std::chrono::milliseconds kBetweenLooks(100);
 
-// The lines are complete when they come here.
+// Writes lines unchanged: they are already complete.
 class AsTheyAre : public spdlog::formatter {
 public:
     void format(const spdlog::details::log_msg& message, spdlog::memory_buf_t& target) override {
@@ -48,7 +48,7 @@ void LogFile::Write(std::string_view lines) {
     }
     const spdlog::details::log_msg message({}, {}, {}, spdlog::level::info,
                                            {lines.data(), lines.size()});
-    // A second time at once: an open file may have become useless, and a new one may do.
+    // Try again at once: the open file may have become unusable, and a new one may work.
     if (!TryToWrite(message) && !TryToWrite(message)) {
         restsUntil = Clock::now() + kRest;
     }
@@ -63,14 +63,14 @@ bool LogFile::TryToWrite(const spdlog::details::log_msg& message) {
         isFailing = false;
         return true;
     } catch (const std::exception& error) {
-        // The library's file is of no use after a failure: it may be closed.
+        // After a failure the library's file may be closed and cannot be used.
         Close();
         Complain(error.what());
         return false;
     }
 }
 
-// The path is looked at now and then only: that costs more than a line.
+// Checks the path only from time to time: a check costs more than a line.
 bool LogFile::IsUsable() {
     if (!sink) {
         return false;
@@ -88,7 +88,7 @@ void LogFile::Open() {
     spdlog::file_event_handlers handlers;
     handlers.before_open = [](const spdlog::filename_t& name) { PrepareFile(name); };
     handlers.after_open = [this](const spdlog::filename_t&, std::FILE* opened) {
-        // All lines of one write in one piece, and nothing that is left to flush.
+        // Write all lines in one piece, and leave nothing to flush.
         std::setvbuf(opened, nullptr, _IONBF, 0);
         file = opened;
         raw = RawFileOf(opened);

@@ -14,8 +14,8 @@ std::string_view LevelText(LOG_MESSAGE_LEVEL level) {
                               static_cast<int>(LOG_LEVEL_ERROR))];
 }
 
-// Writes behind what it wrote before. Nothing here is left to the length of a text or a number
-// where that is known: a line costs little more than its stamp.
+// Appends text. Uses fixed lengths wherever they are known: the stamp is most of the cost of a
+// line.
 class Pen {
 public:
     explicit Pen(char* newAt) : at(newAt) {}

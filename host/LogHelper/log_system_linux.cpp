@@ -43,7 +43,7 @@ void MakeFolder(const std::filesystem::path& folder) {
     }
 }
 
-// Those on the way to the file, as far as that works.
+// Creates the missing folders of the path; ignores failures.
 void MakeFoldersWithoutMemory(const char* path) noexcept {
     char folder[PATH_MAX];
     for (std::size_t at = 0; path[at] != '\0' && at + 1 < sizeof folder; ++at) {
@@ -55,7 +55,8 @@ void MakeFoldersWithoutMemory(const char* path) noexcept {
     }
 }
 
-// Writing to a pipe or a socket may wait for its reader, and ends a process whose reader has gone.
+// Whether the file has a reader: writing to a pipe or a socket may block, or end the process when
+// the reader has gone.
 bool HasAReader(const struct stat& status) {
     return !S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode);
 }
@@ -67,8 +68,8 @@ void RefuseWhatHasAReader(const std::filesystem::path& path) {
     }
 }
 
-// While it lives, a write of this thread whose reader has gone fails and does nothing more. A
-// SIGPIPE that waited for the program before it still does so afterwards.
+// Suppresses SIGPIPE from writes of this thread during its own lifetime. A SIGPIPE that was pending
+// before stays pending.
 class NoBrokenPipeSignal {
 public:
     NoBrokenPipeSignal() {
@@ -94,8 +95,8 @@ private:
     bool wasPending;
 };
 
-// Standard error for writes that do not wait. The stream itself is shared with other programs and
-// stays as it is; it serves where the system has no second one, or where nothing waits.
+// Opens standard error for non-blocking writes. The stream itself is shared with other programs and
+// stays unchanged; it is used if it cannot be opened again, or if writing to it never blocks.
 class StandardError {
 public:
     StandardError() {
@@ -136,10 +137,10 @@ bool WriteWithin(int milliseconds, int stream, std::string_view text) {
     return true;
 }
 
-// Kept, for asking the system takes as long as composing half a line. Nothing has to destroy it.
+// Cached, because the system call takes as long as composing half a line. Trivially destructible.
 constinit thread_local std::uint64_t ownThreadId = 0;
 
-// All signals but those that a fault of the thread itself raises.
+// All signals except those raised by faults of the thread itself.
 sigset_t OthersSignals() {
     sigset_t signals;
     sigfillset(&signals);
@@ -163,7 +164,7 @@ sem_t* Semaphore(void* system) {
 void PrepareFile(const std::filesystem::path& path) {
     RefuseWhatHasAReader(path);
     MakeFolder(path.parent_path());
-    // Without waiting, whatever the path has come to name.
+    // Never block, whatever the path names now.
     constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     const int file = open(path.c_str(), flags, kOwnFile);
     if (file < 0) {
@@ -180,7 +181,7 @@ bool IsStillThere(std::FILE* file, const std::filesystem::path& path) {
 }
 
 void WriteToStandardError(std::string_view text) noexcept {
-    // A reader that stalls holds up one line; the lines after it wait no more until it reads on.
+    // A stalled reader delays one line; later lines do not wait until it reads again.
     static std::atomic<bool> stalls = false;
     const NoBrokenPipeSignal noSignal;
     const StandardError errors;
@@ -290,7 +291,7 @@ void AroundFork(void (*before)(), void (*inParent)(), void (*inChild)()) {
     static void (*child)();
     child = inChild;
     pthread_atfork(before, inParent, [] {
-        // The one thread of the new process has a number of its own.
+        // The only thread of the new process has a new number.
         ownThreadId = 0;
         child();
     });

@@ -34,7 +34,7 @@ unsigned __stdcall RunBody(void* body) {
     return 0;
 }
 
-// Of a local time that is read as if it were UTC.
+// Converts a local time as if it were UTC.
 std::chrono::system_clock::time_point AsUtc(const std::tm& clock) {
     using namespace std::chrono;
     constexpr int firstYear = 1900;
@@ -44,8 +44,8 @@ std::chrono::system_clock::time_point AsUtc(const std::tm& clock) {
     return sys_days(date) + hours(clock.tm_hour) + minutes(clock.tm_min) + seconds(clock.tm_sec);
 }
 
-// Those on the way to the file, as far as that works. The user's folders pass on to what is made in
-// them that only he may read it.
+// Creates the missing folders of the path; ignores failures. They inherit from the user's folders
+// that only the user may read them.
 void MakeFoldersWithoutMemory(const wchar_t* path) noexcept {
     constexpr std::size_t longestPath = 32767;
     static wchar_t folder[longestPath + 1];
@@ -69,7 +69,7 @@ void PrepareFile(const std::filesystem::path& path) {
 }
 
 bool IsStillThere(std::FILE*, const std::filesystem::path&) {
-    // The system lets nobody move or remove an open file.
+    // On Windows an open file cannot be moved or removed.
     return true;
 }
 
@@ -105,7 +105,7 @@ RawFile OpenRaw(const std::filesystem::path& path) noexcept {
     return openFile();
 }
 
-// The C library's file stands at the file's end, and so does the handle under it.
+// The C library's file is positioned at the end, and so is the handle under it.
 void WriteRaw(RawFile file, std::string_view text) noexcept {
     const auto handle = reinterpret_cast<HANDLE>(file);
     SetFilePointer(handle, 0, nullptr, FILE_END);
@@ -162,7 +162,7 @@ bool StartThread(void (*body)()) {
     return true;
 }
 
-// No process copies itself here, and no thread is cancelled.
+// Windows has no fork and no thread cancellation.
 void AroundFork(void (*)(), void (*)(), void (*)()) {}
 NoCancellation::NoCancellation() {}
 NoCancellation::~NoCancellation() {}

@@ -15,11 +15,10 @@ constexpr std::wstring_view kNetworkName = L"ssid";
 constexpr std::size_t kLongestNetworkName = 128;
 constexpr std::string_view kMask = "***";
 constexpr std::string_view kCut = "...";
-// Of one line, so that a text that never ends costs no more than that.
+// The longest text of one line; a longer text is truncated.
 constexpr std::size_t kLargestText = std::size_t{256} * 1024;
 
-// The secret that begins there. It may hold parentheses of its own: the last one opens the
-// location.
+// The secret that begins at `begin`. It may contain parentheses: the last one opens the location.
 Secret SecretFrom(std::wstring_view line, std::size_t begin) {
     const std::size_t location = line.rfind(L'(');
     const bool hasLocation = location != std::wstring_view::npos && location >= begin;
@@ -51,8 +50,8 @@ void AppendEscaped(std::string& text, char32_t codePoint) {
     text += escape;
 }
 
-// Whether all of it is printable ASCII, which stays as it is. A difference below zero sets the
-// highest bit; nothing stops the compiler from taking many characters at once.
+// Whether all characters are printable ASCII, which needs no escaping. A negative difference sets
+// the highest bit; without branches the compiler can vectorise the loop.
 bool IsPlain(std::wstring_view piece) {
     constexpr std::uint32_t belowZero = 0x80000000;
     std::uint32_t differences = 0;
@@ -85,7 +84,7 @@ void AppendAny(std::string& text, std::wstring_view piece) {
     }
 }
 
-// Nearly every line is plain, and is copied at once.
+// Nearly every line is plain and is copied in one piece.
 void AppendText(std::string& text, std::wstring_view piece) {
     if (piece.size() <= kLargestText && IsPlain(piece)) {
         AppendPlain(text, piece);
@@ -100,7 +99,7 @@ Secret SecretIn(std::wstring_view line) {
     if (line.starts_with(kPassPhrase)) {
         return SecretFrom(line, kPassPhrase.size());
     }
-    // A network name that fills its field runs on into the pass phrase behind it.
+    // A network name that fills its field continues into the pass phrase behind it.
     const std::size_t nameEnd = kNetworkName.size() + kLongestNetworkName;
     if (line.starts_with(kNetworkName) && line.size() > nameEnd && line.rfind(L'(') > nameEnd) {
         return SecretFrom(line, nameEnd);

@@ -20,11 +20,12 @@ using Platform::OtherThreadsAreGone;
 constexpr const char* kFileName = "DeviceDiscover.log";
 constexpr int kNoLevel = INT_MAX;
 
-// What the thread waits for more lines once there is one, so that many lines make one write.
+// How long the thread waits for more lines after the first, to combine many lines in one write.
 constexpr std::chrono::milliseconds kGathering(5);
 constexpr std::size_t kGatheredEnough = LineQueue::kCapacity / 2;
 constexpr std::size_t kLargestWrite = std::size_t{128} * 1024;
-// How long one line waits for room in the queue, and a signal handler for a write under way.
+// How long a line waits for room in the queue, and how long a signal handler waits for a running
+// write.
 constexpr int kPatienceForRoom = 50;    // milliseconds
 constexpr int kPatienceForWrite = 100;  // milliseconds
 
@@ -41,14 +42,14 @@ std::chrono::minutes DistanceIn(std::int64_t secondAndDistance) {
 std::atomic<LogWriter*> theInstance{nullptr};
 static_assert(std::atomic<LogWriter*>::is_always_lock_free, "a signal handler uses it");
 
-// Whoever holds a lock when the system ends all threads holds it for good. What it guards can be
-// used without it then: there is one thread.
+// When the system terminates all other threads, a lock that one of them holds stays locked. Its
+// data can then be used without the lock: there is only one thread.
 std::unique_lock<std::mutex> LockUnlessAlone(std::mutex& mutex) {
     return OtherThreadsAreGone() ? std::unique_lock(mutex, std::defer_lock)
                                  : std::unique_lock(mutex);
 }
 
-// As many whole lines as make one write; at least one.
+// As many complete lines as fit into one write; at least one.
 std::string_view NextPiece(std::string_view lines) {
     if (lines.size() <= kLargestWrite) {
         return lines;
@@ -69,7 +70,7 @@ private:
     std::atomic<bool>& flag;
 };
 
-// Destroyed after all that uses this library.
+// Destroyed after all users of this library.
 struct AtTheEnd {
     ~AtTheEnd() { LogWriter::EndQueueing(); }
 };
@@ -105,7 +106,7 @@ void LogWriter::UseFile(const Settings& settings) {
     if (!settings.file) {
         file.UseNone();
     } else if (!settings.filePath.empty()) {
-        // The file stays the same wherever the program goes.
+        // Make the path absolute: the program may change its folder.
         file.Use(Host::AbsolutePath(Host::PathFromUtf8(settings.filePath)), {});
     } else {
         const Host::UserFolder users = Host::UserStateFolder();
@@ -142,7 +143,7 @@ LogStamp LogWriter::Stamp(LOG_MESSAGE_LEVEL level) {
     return {now, FromUtc(now), ThreadId(), level};
 }
 
-// The distance is asked for once a second, and kept together with its second in one number.
+// The offset is queried once a second, and cached together with its second in one number.
 std::chrono::minutes LogWriter::FromUtc(std::chrono::system_clock::time_point now) {
     const auto second = std::chrono::floor<std::chrono::seconds>(now).time_since_epoch().count();
     std::int64_t known = secondAndDistance;
@@ -201,7 +202,7 @@ void LogWriter::PushWithPatience(std::string_view line) {
     }
 }
 
-// Says in the place of lost lines how many they are.
+// Writes one line with the number of lost lines in their place.
 void LogWriter::PushTheLost() {
     const std::uint64_t count = lost;
     if (count == 0) {
@@ -217,7 +218,7 @@ void LogWriter::PushTheLost() {
 void LogWriter::RunThread() {
     for (;;) {
         wakeUp->Wait();
-        // What comes before there is a file would be lost to a signal handler.
+        // A signal handler would lose lines logged before the file exists.
         if (file.Raw() != kNoFile) {
             wakeUp->WaitFor(kGathering);
         }
@@ -234,12 +235,12 @@ void LogWriter::Flush() {
     const NoCancellation whole;
     Drain();
     if (queue.Size() != 0) {
-        // The number of those that had been lost.
+        // The number of lines lost before.
         Drain();
     }
 }
 
-// A line that did not fit is the first to come behind those that are written.
+// `next`: a line that did not fit; it follows the written lines.
 void LogWriter::Drain(std::string_view next) {
     if (OtherThreadsAreGone() && isFileBusy) {
         DrainAlone(next);
@@ -268,7 +269,7 @@ LineQueue::Buffer& LogWriter::TurnQueue(std::string_view next) {
     return filled;
 }
 
-// The thread that wrote is gone, and the C library's file may be locked for good, or just not open.
+// The writing thread was terminated: the C library's file may stay locked forever, or not be open.
 void LogWriter::DrainAlone(std::string_view next) {
     if (alone == kNoFile) {
         alone = file.Raw() != kNoFile ? file.Raw() : OpenRaw(file.Path());
@@ -300,7 +301,7 @@ void LogWriter::WriteInSignalHandler(std::string_view text) noexcept {
     }
 }
 
-// Of two threads that crash at once, the first writes what waits.
+// If two threads crash at once, the first writes the queued lines.
 void LogWriter::Rescue(std::string_view text) noexcept {
     const bool isFirst = !isRescuing.exchange(true);
     for (int patience = kPatienceForWrite; isFileBusy && patience > 0; --patience) {
@@ -318,7 +319,8 @@ void LogWriter::Rescue(std::string_view text) noexcept {
     }
 }
 
-// A program that crashes at once has not opened it. While it is in use its path may change.
+// A program that crashes immediately has not opened the file. While the file is in use its path may
+// change.
 RawFile LogWriter::FileInHandler() noexcept {
     const RawFile raw = file.Raw();
     return raw != kNoFile || isFileBusy || file.Path().empty() ? raw : OpenRaw(file.Path());
@@ -338,7 +340,7 @@ void LogWriter::WriteLastLine(RawFile raw, std::string_view text) noexcept {
     WriteRaw(raw, {line, size});
 }
 
-// The process that is copied goes on writing its lines itself.
+// The parent continues to write its own lines.
 void LogWriter::BeforeFork() {
     terminalMutex.lock();
     fileMutex.lock();
@@ -351,7 +353,7 @@ void LogWriter::InParent() {
     terminalMutex.unlock();
 }
 
-// The copy has none of the threads, and nobody will wake the one that waited.
+// The child has no other threads, and a wake-up sent before the fork is lost.
 void LogWriter::InChild() {
     queue.Clear();
     isAnnounced = false;

@@ -24,7 +24,7 @@ std::string UpperCase(std::string_view text) {
     return upper;
 }
 
-// The field of that key; null for a key that does not matter here.
+// The field for the key; null for a key that is not used.
 std::string* FieldOf(DeviceId& id, const std::string& key) {
     if (key == "MFG" || key == "MANUFACTURER") {
         return &id.manufacturer;

@@ -17,7 +17,7 @@ int HexDigit(char digit) {
     return -1;
 }
 
-// A percent sign that no two hexadecimal digits follow stands for itself.
+// A percent sign without two hexadecimal digits stays unchanged.
 std::string Decoded(std::string_view text) {
     std::string decoded;
     decoded.reserve(text.size());
@@ -35,7 +35,7 @@ std::string Decoded(std::string_view text) {
     return decoded;
 }
 
-// Takes off and returns what stands before the first of `ends`.
+// Removes and returns the text before the first of `ends`.
 std::string_view TakeUntil(std::string_view& text, std::string_view ends) {
     const std::string_view taken = text.substr(0, text.find_first_of(ends));
     text.remove_prefix(taken.size());

@@ -21,8 +21,8 @@ std::string WithoutUrn(const std::string& uuid) {
     return uuid.starts_with(kUrn) ? uuid.substr(kUrn.size()) : uuid;
 }
 
-// A printer on USB that speaks IPP is reached through a service of this host's, which the queue
-// knows by its address or by its name.
+// A USB printer that speaks IPP is reached through a service of this host. The queue shows this by
+// the service's address or name.
 bool IsBridged(const DeviceUri& uri) {
     const bool isHere =
         uri.host == "localhost" || uri.host.starts_with("127.") || uri.host == "::1";
@@ -38,7 +38,7 @@ PrinterSdk::PrinterProperty PrinterOf(const PrintQueue& queue) {
     DeviceId id = ReadDeviceId(queue.deviceId);
     std::int32_t connectType = ConnectTypeOfScheme(uri.scheme);
     if (connectType == PrinterSdk::kConnectTypeUsb) {
-        // The spooler has it from the device.
+        // The spooler got it from the device.
         id.serialNumber = Base::UsbSerialNumber(uri.Parameter("serial"), id.serialNumber);
         id.manufacturer = FirstOf(id.manufacturer, uri.host);
         id.model = FirstOf(id.model, uri.path);

@@ -7,8 +7,8 @@ namespace {
 
 constexpr int kNotOffered = -1;
 
-// An adapter that knows the installed printers. Printing, scanning and copying are not offered:
-// there is nothing to open, and no printer has such capabilities here.
+// An adapter that only lists the installed printers. Printing, scanning and copying are not
+// supported.
 class Adapter : public PrinterSdk::IPrinterAdapter {
 public:
     int Open() override { return kNotOffered; }

@@ -15,11 +15,11 @@ namespace PrinterAdapter {
 
 namespace {
 
-// What the thread's last list met. Plain memory: threads may end after the library's own objects
-// are gone.
+// The problem of the thread's last list. Trivially destructible: threads may end after the
+// library's objects are destroyed.
 thread_local std::array<char, 512> lastProblem{};
 
-// A logger that fails must not fail its caller.
+// A failing logger must not make its caller fail.
 void LogProblem(std::string_view problem) {
     try {
         std::wstringstream line;

@@ -20,19 +20,19 @@ namespace PrinterAdapter {
 
 namespace {
 
-// A queue takes about 500 bytes and ten attributes with the group: enough for 10,000 queues with
-// names and places of any usual length.
+// A queue takes about 500 bytes and ten attributes including its group: enough for 10,000 queues
+// with names and locations of usual length.
 constexpr Base::IppLimits kLimits{
     .bytes = std::size_t{16} * 1024 * 1024, .attributes = 200000, .values = 400000};
 
-// Where the host's own spooler listens, unless its administrator has moved it.
+// The usual socket of the host's own spooler.
 constexpr const char* kOwnSocket = "/run/cups/cups.sock";
 
 constexpr std::uint16_t kNotFound = 0x0406;
 constexpr std::uint16_t kFirstError = 0x0400;
 constexpr int kUnauthorized = 401;
 
-// An attribute of the spooler's answer, and where it belongs.
+// An attribute of the spooler's answer, and its member of PrintQueue.
 struct TextField {
     std::string_view attribute;
     std::string PrintQueue::*field;
@@ -101,8 +101,8 @@ struct Spooler {
     }
 };
 
-// Where the system's settings, or CUPS_SERVER, say that the spooler is. `ignored` says why
-// CUPS_SERVER does not.
+// Finds the spooler's address from CUPS_SERVER or the system's settings. `ignored`: why CUPS_SERVER
+// was ignored.
 Spooler FindSpooler(std::string& ignored) {
     for (const char* const variable : {"CUPS_SERVER", "CUPS_ENCRYPTION", "IPP_PORT"}) {
         const std::string line = Base::ReadEnvironment(variable).ignored;
@@ -121,7 +121,7 @@ bool Connect(Base::ByteStream& stream, const Spooler& spooler, const Address& ad
     return stream.Connect(address.Get(), address.size) && (!tls || stream.StartTls(spooler.server));
 }
 
-// The first address that can be reached.
+// Connects to the first reachable address.
 std::optional<Address> ConnectToAny(Base::ByteStream& stream, const Spooler& spooler) {
     for (const Address& address : spooler.Addresses()) {
         if (Connect(stream, spooler, address)) {
@@ -131,7 +131,7 @@ std::optional<Address> ConnectToAny(Base::ByteStream& stream, const Spooler& spo
     return std::nullopt;
 }
 
-// One question, over a connection that has been made.
+// Sends one request over an open connection.
 Base::IppReply Ask(Base::ByteStream& stream, const Spooler& spooler, const Address& address,
                    const std::string& authorization) {
     Base::IppRequest request(Base::IppRequest::Version::Usual, Base::IppOperation::CupsGetPrinters);
@@ -145,7 +145,8 @@ Base::IppReply Ask(Base::ByteStream& stream, const Spooler& spooler, const Addre
     return Base::ExchangeIpp(stream, target, request.Finish(), kLimits);
 }
 
-// A spooler on this host that wants to know who asks looks itself who is at the socket's other end.
+// A local spooler that requires authentication identifies the user at the other end of the socket
+// itself.
 Base::IppReply AskByName(Base::ByteStream& stream, const Spooler& spooler, const Address& address) {
     Base::IppReply reply = Ask(stream, spooler, address, {});
     const bool wantsName = reply.httpStatus == kUnauthorized && address.IsSocketFile();

@@ -16,14 +16,14 @@ struct Question {
     SpoolerAnswer answer;
 };
 
-// The one question that is asked at a time.
+// The request in progress; there is at most one.
 struct Desk {
     std::mutex mutex;
     std::condition_variable changed;
     std::shared_ptr<Question> current;
 };
 
-// Never destroyed: a question may outlast the process's last destructor.
+// Never destroyed: a request may outlast the process's last destructor.
 Desk& TheDesk() {
     static Desk& desk = *new Desk;
     return desk;
@@ -58,7 +58,7 @@ SpoolerAnswer AskSpoolerInTime() {
     if (!desk.changed.wait_until(lock, deadline, [&desk] { return !desk.current; })) {
         return late;
     }
-    // A thread that is left behind returns into this library.
+    // An abandoned thread returns into this library.
     KeepLoaded(reinterpret_cast<const void*>(&AskSpoolerInTime));
     const auto question = std::make_shared<Question>();
     std::thread asker([&desk, question] { Ask(desk, question); });

@@ -1,6 +1,6 @@
 #include "platform/os.h"
 
-// After the system's own header, which it needs.
+// Needs windows.h before it.
 #include <winspool.h>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ std::wstring TextOf(const wchar_t* text) {
     return text == nullptr ? std::wstring() : std::wstring(text);
 }
 
-// What one of the spooler's lists holds; its texts stand behind its records in `room`.
+// The records of one of the spooler's lists; `room` holds the records and, after them, their texts.
 template <class Record>
 struct SpoolerList {
     std::vector<std::byte> room;
@@ -33,7 +33,7 @@ struct SpoolerList {
     const Record* end() const { return begin() + count; }
 };
 
-// Asks with more room until the list fits; it may grow in between.
+// Calls with a larger buffer until the list fits; the list may grow between two calls.
 template <class Record, class Function>
 SpoolerList<Record> ListBy(Function&& function) {
     SpoolerList<Record> list;
@@ -51,7 +51,7 @@ SpoolerList<Record> ListBy(Function&& function) {
     return list;
 }
 
-// What is known of the host's ports, asked for once a list of printers.
+// The host's ports, read once for each list of printers.
 struct Ports {
     SpoolerList<PORT_INFO_2W> all =
         ListBy<PORT_INFO_2W>([](BYTE* room, DWORD size, DWORD* needed, DWORD* count) {
@@ -96,7 +96,7 @@ PrinterSdk::PrinterProperty PrinterOf(const PRINTER_INFO_2W& queue, const Ports&
     printer.location = TextOf(queue.pLocation);
     printer.driverName = TextOf(queue.pDriverName);
     printer.state = StateOf(queue.Status);
-    // Of several ports the first is the one that is used.
+    // If there are several ports, the first is used.
     const std::wstring names = TextOf(queue.pPortName);
     printer.portName = names.substr(0, names.find(L','));
     const bool isShared = !TextOf(queue.pServerName).empty();
@@ -109,8 +109,8 @@ PrinterSdk::PrinterProperty PrinterOf(const PRINTER_INFO_2W& queue, const Ports&
         printer.modelID = Host::FromUtf8(device.model);
         printer.manufacturer = Host::FromUtf8(device.manufacturer);
     } else if (printer.connectType == PrinterSdk::kConnectTypeWlan) {
-        // No spooler knows the serial number, and printers without any would all be taken for the
-        // same.
+        // The spooler does not know the serial number, and all printers without one would count as
+        // the same.
         printer.serialNumber = isShared ? printer.name : printer.portName;
     }
     return printer;

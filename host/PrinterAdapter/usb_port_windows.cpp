@@ -4,7 +4,7 @@
 #include "host/common/utf8.h"
 #include "platform/os.h"
 
-// After the system's own header, which they need.
+// They need windows.h before them.
 #include <cfgmgr32.h>
 #include <initguid.h>
 #include <setupapi.h>
@@ -41,7 +41,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<HANDLE, CloseFile>;
 
-// The name of the port that the system's port monitor has made for the device interface.
+// The name of the port that the system's port monitor has created for the device interface.
 std::wstring PortNameOf(HDEVINFO devices, SP_DEVICE_INTERFACE_DATA& part) {
     const HKEY opened = SetupDiOpenDeviceInterfaceRegKey(devices, &part, 0, KEY_READ);
     if (opened == INVALID_HANDLE_VALUE) {
@@ -70,7 +70,7 @@ std::wstring InstanceIdOf(DEVINST device) {
     return result == CR_SUCCESS ? id.data() : std::wstring();
 }
 
-// One function of a device has an instance that the system made up; the device has the serial
+// A function of a composite device has a generated instance id; the device itself has the serial
 // number.
 std::wstring SerialNumberOf(HDEVINFO devices, SP_DEVINFO_DATA& device) {
     std::array<wchar_t, MAX_DEVICE_ID_LEN + 1> id{};

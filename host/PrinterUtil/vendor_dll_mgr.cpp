@@ -14,7 +14,7 @@ namespace {
 constexpr int kListRead = 0;
 constexpr int kListHasProblems = -1;
 
-// A logger that fails must not fail its caller.
+// A failing logger must not make its caller fail.
 void LogLine(LOG_MESSAGE_LEVEL level, const std::string& text, const wchar_t* where) {
     try {
         std::wstringstream line;

@@ -1,14 +1,14 @@
 #include "host/common/folder_rules.h"
 #include "platform/os.h"
 
-// After the system's own header, which it needs.
+// Needs windows.h before it.
 #include <shlobj.h>
 
 namespace Host {
 
 namespace {
 
-// An elevated program keeps its log with the user whose rights it has.
+// An elevated program keeps its log in the folder of the user whose rights it has.
 std::filesystem::path LocalFolder() {
     PWSTR text = nullptr;
     const bool isKnown =

@@ -9,8 +9,8 @@ namespace {
 
 constexpr const char* kProductFolder = "DeviceDiscover";
 
-// A relative path in such a variable would depend on where the program was started; it does not
-// count.
+// A relative path in such a variable is ignored: it would depend on the folder where the program
+// was started.
 std::filesystem::path AbsoluteFromEnvironment(const char* variable, bool& isIgnored) {
     if (variable == nullptr) {
         return {};

@@ -33,8 +33,8 @@ char Byte(char32_t bits) {
     return static_cast<char>(static_cast<unsigned char>(bits));
 }
 
-// How a UTF-8 sequence starts: how many bytes follow, the bits of the first byte that count, and
-// the smallest code point that needs so many bytes.
+// The lead byte of a UTF-8 sequence: the number of following bytes, the bits of the lead byte that
+// count, and the smallest code point of this length.
 struct Lead {
     int following;
     char32_t bits;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::wstring_view kWhere = L"PrinterPing::Ping";
 
-// Nothing that a later call could do differently: said once.
+// Logged only once, because later calls cannot succeed either.
 void ReportNotAllowed(const std::string& reason) {
     static std::atomic<bool> reported = false;
     if (!reported.exchange(true)) {

@@ -4,7 +4,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-// The kernel's header, which also names the filter of raw sockets; behind the C library's own.
+// The kernel's header, also for the filter of raw sockets; after the C library's own headers.
 #include <linux/errqueue.h>
 #include <linux/filter.h>
 #include <linux/icmp.h>
@@ -66,7 +66,7 @@ bool IsPermission(int error) {
 class IcmpSocket {
 public:
     IcmpSocket() {
-        // Anyone in the range of groups that the system allows may have a datagram socket.
+        // Members of the system's ping_group_range may open a datagram socket.
         descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_ICMP);
         datagramError = descriptor < 0 ? errno : 0;
         if (IsPermission(datagramError) || datagramError == EPROTONOSUPPORT) {
@@ -113,7 +113,7 @@ private:
             setsockopt(descriptor, IPPROTO_IP, IP_RECVERR, &yes, sizeof yes);
             return;
         }
-        // A raw socket is handed all that the host receives.
+        // A raw socket receives every ICMP packet of the host.
         icmp_filter filter{};
         filter.data = ~((1U << ICMP_ECHOREPLY) | (1U << ICMP_DEST_UNREACH) |
                         (1U << ICMP_TIME_EXCEEDED) | (1U << ICMP_PARAMETERPROB));
@@ -128,7 +128,7 @@ private:
 struct ReceivedPacket {
     in_addr source;
     std::uint32_t timeToLive = 0;
-    int error = 0;  // from the error queue: what the system made of it
+    int error = 0;  // from the error queue: the system's error number
     std::size_t size = 0;
     alignas(8) unsigned char bytes[512];
 };
@@ -174,9 +174,9 @@ bool Receive(const IcmpSocket& socket, int flags, ReceivedPacket& packet) {
     return true;
 }
 
-// Has a raw socket, which is handed what all others wait for, keep only what is about this request:
-// while its owner does not get to run, others' replies would fill its room, and ours be dropped. A
-// packet too short for what is looked at is not kept either.
+// Raw sockets receive every ICMP packet of the host. This filter keeps only replies and errors for
+// our request, so that other traffic cannot overflow the receive buffer. It also drops packets that
+// are too short for its checks.
 void KeepOnly(const IcmpSocket& socket, const EchoPacket& request) {
     constexpr std::uint32_t kErrorHeader = sizeof(icmphdr);
     constexpr std::uint32_t kNumbersAt = offsetof(icmphdr, un);  // the id and the sequence
@@ -184,7 +184,7 @@ void KeepOnly(const IcmpSocket& socket, const EchoPacket& request) {
     std::uint32_t numbers = 0;
     std::memcpy(&numbers, &request.header.un, sizeof numbers);
     sock_filter program[] = {
-        // The header's length; then, but for a reply, that of the header that an error quotes, too.
+        // Skip the header; for an error, also skip the quoted header.
         {BPF_LDX | BPF_B | BPF_MSH, 0, 0, 0},
         {BPF_LD | BPF_B | BPF_IND, 0, 0, 0},
         {BPF_JMP | BPF_JEQ | BPF_K, 6, 0, ICMP_ECHOREPLY},
@@ -204,13 +204,13 @@ void KeepOnly(const IcmpSocket& socket, const EchoPacket& request) {
     const sock_fprog filter{static_cast<unsigned short>(std::size(program)), program};
     const bool keeps =
         setsockopt(socket.Descriptor(), SOL_SOCKET, SO_ATTACH_FILTER, &filter, sizeof filter) == 0;
-    // What came before.
+    // Drop packets that arrived before the filter was set.
     ReceivedPacket packet;
     while (keeps && Receive(socket, 0, packet)) {
     }
 }
 
-// The length of the IPv4 header at the start of `bytes`; nothing when there is no whole one.
+// The length of the IPv4 header at the start of `bytes`; nothing when it is incomplete.
 std::optional<std::size_t> IpHeaderLength(const unsigned char* bytes, std::size_t size) {
     if (size < kShortestIpHeader) {
         return std::nullopt;
@@ -269,7 +269,7 @@ private:
         }
     }
 
-    // False when the time is over. The socket is looked at once even then.
+    // False when the time is over, but even then the socket is checked once.
     bool WaitForInput() {
         for (;;) {
             const auto left = std::max(std::chrono::nanoseconds(deadline - Clock::now()),
@@ -287,8 +287,8 @@ private:
         }
     }
 
-    // The kernel has chosen those errors that are about this socket's id; they come with the
-    // address that the request went to.
+    // The kernel has selected the errors for this socket's id; they contain the destination of the
+    // request.
     void ReadErrors() {
         ReceivedPacket packet;
         while (verdict == Verdict::kNone && Receive(socket, MSG_ERRQUEUE, packet)) {
@@ -334,7 +334,7 @@ private:
         verdict = Verdict::kAnswered;
     }
 
-    // An ICMP error quotes the start of the packet that it is about.
+    // An ICMP error quotes the start of the packet that caused it.
     void ExamineError(const unsigned char* quoted, std::size_t size) {
         const auto ipHeader = IpHeaderLength(quoted, size);
         if (!ipHeader || std::memcmp(quoted + 16, &target, sizeof target) != 0 ||
@@ -346,7 +346,7 @@ private:
         }
     }
 
-    // Raw sockets are handed damaged packets, too. A checksum over itself is zero.
+    // Raw sockets also receive damaged packets. The checksum over an intact packet is zero.
     static bool IsWhole(const unsigned char* reply) {
         EchoPacket packet;
         std::memcpy(&packet, reply, sizeof packet);
@@ -357,8 +357,8 @@ private:
         return size >= sizeof(icmphdr) && bytes[0] == ICMP_ECHO && IsOurs(bytes, size);
     }
 
-    // Whether an echo has our numbers, and our payload as far as it goes. A datagram socket's id is
-    // the kernel's, which also checks it.
+    // Whether an echo has our id, sequence number and payload, as far as quoted. For a datagram
+    // socket the kernel sets and checks the id.
     bool IsOurs(const unsigned char* bytes, std::size_t size) const {
         icmphdr header;
         std::memcpy(&header, bytes, sizeof header);

@@ -1,4 +1,4 @@
-// The system's headers stand on each other, in this order.
+// The system's headers need this order.
 #include "platform/os.h"
 
 #include <winsock2.h>
@@ -16,9 +16,9 @@
 
 namespace {
 
-// A request waits at least this long: the system refuses to wait for nothing.
+// The shortest timeout in milliseconds: the system refuses 0.
 constexpr std::uint32_t kShortestTimeout = 1;
-// Larger values than this the system may take for endless.
+// The longest timeout: the system may treat larger values as endless.
 constexpr std::uint32_t kLongestTimeout = 0x7FFFFFFF;
 
 class IcmpFile {
@@ -48,7 +48,7 @@ private:
     DWORD error;
 };
 
-// What the system says of a request that nobody answered, as distinct from one it could not send.
+// Whether the error means that no host answered, not that the request could not be sent.
 bool IsSilence(DWORD error) {
     switch (error) {
         case IP_REQ_TIMED_OUT:

@@ -14,8 +14,8 @@ namespace PrinterDiscoverAPI {
 
 namespace {
 
-// What the thread's last operation met. Plain memory: threads may end after the library's own
-// objects are gone.
+// The problem of the thread's last operation. Trivially destructible: threads may end after the
+// library's objects are destroyed.
 thread_local std::array<char, 512> lastUsbProblem{};
 
 void Keep(const std::string& problem) {

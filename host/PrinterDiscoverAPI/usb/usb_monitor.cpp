@@ -26,7 +26,7 @@ void LogProblem(const std::string& problem) {
 }
 
 void Report(const DeviceStateChangeCallbackInfo& registration, const UsbChange& change) {
-    // What an exception would end is the process.
+    // An exception here would end the process.
     try {
         registration.callback(kUsbPrinterClass, change.state, change.hardwareId);
     } catch (const std::exception& error) {
@@ -90,7 +90,7 @@ std::string UsbMonitor::Trouble() {
     return trouble;
 }
 
-// A run that watches already; null, with the reason in `problem`, when that cannot be had.
+// Starts a run that watches for events; null, with the reason in `problem`, on failure.
 std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun(std::string& problem) {
     try {
         auto run = std::make_shared<Run>();
@@ -98,7 +98,7 @@ std::shared_ptr<UsbMonitor::Run> UsbMonitor::NewRun(std::string& problem) {
         std::vector<UsbPrinter> present;
         if (run->events && ListUsbPrinters(present, problem)) {
             run->table.Replace(present);
-            // The thread outlives whoever unloads this library without a stop.
+            // If this library is unloaded without a stop, the thread still runs.
             KeepLoaded(reinterpret_cast<const void*>(&GetInstance));
             run->thread = std::thread([this, run] { Watch(*run); });
             return run;
@@ -116,7 +116,8 @@ void UsbMonitor::Watch(Run& run) {
             goesOn = hasLost ? DeliverAll(run, ChangesMeanwhile(run)) : TakeEvent(run);
             hasLost = false;
         } catch (const std::exception&) {
-            // Mostly there is no memory, not even to say so. What was lost is made up for.
+            // Usually memory has run out, even for a log line. The lost changes are found by a new
+            // list.
             hasLost = true;
             std::this_thread::sleep_for(kPause);
         }
@@ -149,8 +150,8 @@ std::vector<UsbChange> UsbMonitor::ChangesBy(Run& run, const UsbEvent& event) {
     return event.kind == UsbEvent::Kind::missed ? ChangesMeanwhile(run) : std::vector<UsbChange>();
 }
 
-// What has changed by what is there now. It is looked for until that is known, lest a printer that
-// went and came again is taken for one that never went.
+// Lists the printers again, retrying until that works, and returns the differences. Without a fresh
+// list a replugged printer would go unnoticed.
 std::vector<UsbChange> UsbMonitor::ChangesMeanwhile(Run& run) {
     std::string logged;
     while (!HasEnded(run)) {
@@ -169,7 +170,7 @@ std::vector<UsbChange> UsbMonitor::ChangesMeanwhile(Run& run) {
     return {};
 }
 
-// Logs each trouble as it begins.
+// Logs each new problem.
 void UsbMonitor::SetTrouble(const Run& run, const std::string& text) {
     {
         const std::lock_guard lock(mutex);
@@ -191,7 +192,7 @@ bool UsbMonitor::HasEnded(const Run& run) {
 // Reports one change; false when the run is over.
 bool UsbMonitor::Deliver(const Run& run, const UsbChange& change) {
     std::unique_lock lock(mutex);
-    // A run that was ended from inside a report may still be delivering it.
+    // A run that was ended from inside a report may still be delivering that report.
     reported.wait(lock, [this] { return reporter == std::thread::id(); });
     if (run.ended) {
         return false;
@@ -211,14 +212,14 @@ bool UsbMonitor::IsInsideReport() const {
     return reporter == std::this_thread::get_id();
 }
 
-// Waits until the report that is being delivered has been.
+// Waits until the running report has been delivered.
 void UsbMonitor::WaitForReport(std::unique_lock<std::mutex>& lock) {
     if (reporter != std::thread::id()) {
         reported.wait(lock, [this, before = reports] { return reports != before; });
     }
 }
 
-// Waits for the ends of the threads of runs that are over.
+// Joins the threads of ended runs.
 void UsbMonitor::WaitForRetired(std::unique_lock<std::mutex>& lock) {
     const std::vector<std::shared_ptr<Run>> over = std::exchange(retired, {});
     lock.unlock();

@@ -20,7 +20,7 @@ std::vector<UsbChange> UsbPrinterTable::Add(const UsbPrinter& printer) {
         if (IsSame(known->second, printer)) {
             return changes;
         }
-        // Another device stands there now; the end of the former went unnoticed.
+        // Another device is at this path now; the removal of the former went unnoticed.
         Erase(known, changes);
     }
     if (!HasDevice(printer.devicePath)) {

@@ -45,7 +45,7 @@ std::string CheckedName(std::wstring_view ssid) {
     throw WifiProblem("a pass phrase has 8 to 63 characters, or is 64 hexadecimal digits");
 }
 
-// One character after the other: a conversion of the whole would leave copies.
+// Converts one character at a time: converting the whole text would leave copies in memory.
 Base::Secret CheckedPassPhrase(std::wstring_view passPhrase) {
     Base::Secret text;
     for (std::size_t at = 0; at < passPhrase.size();) {
@@ -66,8 +66,8 @@ Base::Secret CheckedPassPhrase(std::wstring_view passPhrase) {
     return text;
 }
 
-// Why an access point does not go with a pass phrase, or with none; empty when it does. Without one
-// a protected network may still be one that the system has saved.
+// Why an access point does not fit a pass phrase, or none; empty when it fits. Without a pass
+// phrase the system may have saved a protected network's secret.
 std::string Obstacle(const AccessPoint& accessPoint, bool hasPassPhrase) {
     if (!accessPoint.infrastructure) {
         return "it is not an access point";
@@ -84,8 +84,8 @@ std::string Obstacle(const AccessPoint& accessPoint, bool hasPassPhrase) {
     return "it is open, and a pass phrase was given";
 }
 
-// Which of two access points that both go with the request is the better one. Without a pass
-// phrase, one that wants none.
+// Whether `one` is better than `other`, if both fit the request. Without a pass phrase, an open
+// access point is better.
 bool IsBetter(const AccessPoint& one, const AccessPoint& other, bool hasPassPhrase) {
     const bool oneIsOpen = (one.protection & ~kOpportunistic) == 0;
     const bool otherIsOpen = (other.protection & ~kOpportunistic) == 0;

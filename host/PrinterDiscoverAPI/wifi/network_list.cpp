@@ -26,7 +26,7 @@ std::uint32_t SecurityOf(unsigned protection) {
     return security;
 }
 
-// A printer can be given a name and a pass phrase, as text, and joins access points.
+// A printer joins access points, with a name and a pass phrase that must be text.
 bool CanBeOffered(const AccessPoint& accessPoint) {
     return !accessPoint.name.empty() && IsText(accessPoint.name) && accessPoint.infrastructure &&
            (accessPoint.protection == 0 || (accessPoint.protection & kAnyPersonal) != 0);

@@ -19,8 +19,8 @@ namespace PrinterDiscoverAPI {
 
 namespace {
 
-// What the thread's last operation met. Plain memory: threads may end after the library's own
-// objects are gone.
+// The problem of the thread's last operation. Trivially destructible: threads may end after the
+// library's objects are destroyed.
 struct LastProblem {
     PrinterWifiProblemKind kind;
     std::array<char, 512> reason;
@@ -171,7 +171,8 @@ int PrinterWifiGoBack(const char* network) {
 }
 
 void PrinterWifiBreakOff() {
-    // A joining looks up this often at least, and its service has this long for an answer.
+    // A join checks for cancellation at least this often, and its service has this long for an
+    // answer.
     constexpr std::chrono::seconds patience{8};
     Host::Undertaking::BreakOffAll(patience);
     PrinterWifiEndVisit();

@@ -13,7 +13,7 @@ namespace {
 struct Undertakings {
     std::mutex mutex;
     std::condition_variable changed;
-    unsigned brokenOff = 0;  // how often all were
+    unsigned brokenOff = 0;  // how often all were cancelled
     int underWay = 0;
 };
 

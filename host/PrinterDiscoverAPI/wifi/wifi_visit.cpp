@@ -20,7 +20,7 @@ struct Visit {
 
 // Never destroyed: threads run until the process is gone.
 struct Visits {
-    std::mutex mutex;  // held while one begins or ends
+    std::mutex mutex;  // held while a visit begins or ends
     std::optional<Visit> current;
 };
 

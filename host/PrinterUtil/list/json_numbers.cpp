@@ -19,7 +19,7 @@ std::size_t SkipDigits(std::string_view text, std::size_t at) {
     return at;
 }
 
-// Where the number that starts at `at` ends; `at` when there is none.
+// The end of the number that starts at `at`; `at` when there is no number.
 std::size_t NumberEnd(std::string_view text, std::size_t at) {
     const auto isOneOf = [text](std::size_t place, std::string_view characters) {
         return place < text.size() && characters.find(text[place]) != std::string_view::npos;

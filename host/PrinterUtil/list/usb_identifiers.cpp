@@ -19,7 +19,7 @@ bool IsHexDigit(char character) {
     return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'F');
 }
 
-// Whether the identifier, in capital letters, begins in the form that devices have.
+// Whether the identifier, in upper case, begins like that of a device.
 bool HasForm(std::string_view identifier) {
     const auto fits = [](char form, char character) {
         return form == '.' ? IsHexDigit(character) : form == character;

@@ -46,7 +46,7 @@ FoundList ReadAt(const fs::path& path) {
     return found;
 }
 
-// The user's list, for people.
+// The name of the user's list, for display.
 std::string UsersList(const Host::UserFolder& folder) {
     return folder.path.empty()
                ? "one of the user's (there is no folder for it: " + folder.reason + ")"

@@ -16,13 +16,13 @@ namespace {
 
 using Json = nlohmann::json;
 
-// What is wrong with a part of the list, told from that part's point of view.
+// An error in a part of the list, described relative to that part.
 class ListError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// Line and column of the byte at which the text stopped making sense.
+// The line and column of the byte where parsing failed.
 std::string Place(const std::string& text, std::size_t byte) {
     const std::size_t end = std::min(byte == 0 ? 0 : byte - 1, text.size());
     const auto begin = text.begin();
@@ -32,8 +32,8 @@ std::string Place(const std::string& text, std::size_t byte) {
     return std::to_string(1 + std::count(begin, stop, '\n')) + ":" + std::to_string(column);
 }
 
-// The parser's message without the exception's name and the place, which lead it. It quotes the
-// list, which may be no text at all.
+// The parser's message without the exception's name and position at its start. It quotes the list,
+// which may contain any bytes.
 std::string Reason(const Json::parse_error& error) {
     const std::string message = Host::ToUtf8(Host::FromUtf8(error.what()));
     const std::size_t end = message.find(": ");
@@ -55,7 +55,7 @@ std::string Text(const Json& object, const char* key) {
     return text;
 }
 
-// The model identifier of a device's record has room for so many bytes.
+// The longest model identifier that fits into a device's record, in bytes.
 constexpr std::size_t kLongestProductId = 31;
 
 void CheckProductId(const std::string& productId) {

@@ -16,7 +16,7 @@ VendorListState& VendorListState::GetInstance() {
 
 void VendorListState::Use(const std::string& path) {
     const std::lock_guard lock(mutex);
-    // The file stays the same wherever the program goes.
+    // Make the path absolute: the program may change its folder.
     chosenPath = Host::AbsolutePath(Host::PathFromUtf8(path));
     moduleFolder.clear();
 }

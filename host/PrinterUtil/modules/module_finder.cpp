@@ -24,13 +24,13 @@ bool LeadsElsewhere(char character) {
     return IsControl(character) || character == '/' || character == '\\' || character == ':';
 }
 
-// A name that cannot lead out of the folder on any system.
+// Whether the name cannot lead out of the folder on any system.
 bool IsPlainName(const std::string& name) {
     return !name.empty() && name.size() <= kLongestName && name.find("..") == std::string::npos &&
            std::none_of(name.begin(), name.end(), LeadsElsewhere);
 }
 
-// The name in quotation marks, without characters that a terminal would obey.
+// The name in quotation marks, without characters that control a terminal.
 std::string Quoted(const std::string& name) {
     std::string quoted = "\"";
     for (const char character : name.substr(0, kLongestName)) {

@@ -24,8 +24,8 @@ bool IsForThisProcessor(const ElfW(Ehdr) & header) {
            header.e_ident[EI_DATA] == own->e_ident[EI_DATA] && header.e_machine == own->e_machine;
 }
 
-// What is wrong with the module itself. Its header is asked first: the system's own message can be
-// misleading there.
+// Explains why the module itself cannot be loaded. Checks its header first, because the system's
+// message can be misleading.
 std::string ModuleProblem(const TrustedFile& file, const std::string& message) {
     ElfW(Ehdr) header{};
     std::string bytes;
@@ -39,8 +39,8 @@ std::string ModuleProblem(const TrustedFile& file, const std::string& message) {
     return (IsForThisProcessor(header) ? "" : "built for another architecture: ") + message;
 }
 
-// The system's message starts with the file that it is about: the module, or a library that the
-// module needs.
+// Explains the system's message, which starts with the file concerned: the module, or a library
+// that it needs.
 std::string LoaderProblem(const TrustedFile& file) {
     const char* error = dlerror();
     const std::string message = error == nullptr ? "unknown error" : error;
@@ -52,9 +52,9 @@ std::string LoaderProblem(const TrustedFile& file) {
 }  // namespace
 
 HINSTANCE LoadModule(const TrustedFile& file, std::string& problem) {
-    // By its path, so that it keeps its name and finds its neighbours: nobody else can make that
-    // path stand for another file. The code stays mapped after the last reference is gone: the
-    // process may end while threads of the module run.
+    // Load by path, so that the module keeps its name and finds its neighbours; no other user can
+    // replace the file at that path. The code stays mapped after the last reference is released:
+    // the process may end while threads of the module run.
     void* module = dlopen(file.Path().c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (module == nullptr) {
         problem = LoaderProblem(file);

@@ -12,7 +12,7 @@ const std::string_view kModuleSuffix = ".dll";
 
 namespace {
 
-// How far from its start a library describes itself.
+// The part of a library's file that may contain its headers.
 constexpr std::size_t kLargestHeader = std::size_t{64} * 1024;
 
 WORD MachineOfThisProcess() {
@@ -21,7 +21,7 @@ WORD MachineOfThisProcess() {
     return reinterpret_cast<const IMAGE_NT_HEADERS*>(image + dos->e_lfanew)->FileHeader.Machine;
 }
 
-// The processor that the library was built for; none when it is no library.
+// The processor for which the library was built; nothing when it is not a library.
 std::optional<WORD> MachineOf(const TrustedFile& file) {
     IMAGE_DOS_HEADER dos{};
     struct {
@@ -52,7 +52,7 @@ std::string LoaderProblem(DWORD error) {
     return hint + SystemMessage(error);
 }
 
-// Keeps the system from asking the user about a module that cannot be loaded.
+// Suppresses the system's dialogue about a module that cannot be loaded.
 class QuietErrors {
 public:
     QuietErrors() {
@@ -69,7 +69,7 @@ private:
 }  // namespace
 
 HINSTANCE LoadModule(const TrustedFile& file, std::string& problem) {
-    // Asked before the system is: not every one refuses it.
+    // Check first, because not every system refuses such a module.
     const std::optional<WORD> machine = MachineOf(file);
     if (machine && *machine != MachineOfThisProcess()) {
         problem = "built for another architecture: machine " + std::to_string(*machine) +
@@ -84,7 +84,7 @@ HINSTANCE LoadModule(const TrustedFile& file, std::string& problem) {
         problem = LoaderProblem(GetLastError());
         return nullptr;
     }
-    // The code stays mapped after the last reference is gone: threads of the module may run.
+    // The code stays mapped after the last reference is released: threads of the module may run.
     KeepLoaded(module);
     return module;
 }

@@ -53,8 +53,8 @@ private:
     int number;
 };
 
-// The group of the administrator, or that of this process's user alone, which has the user's number
-// where each user has a group.
+// Whether this is the administrator's group, or the private group of this process's user, which has
+// the user's number on systems where each user has a group.
 bool IsOwnGroup(gid_t group) {
     return group == 0 || (group == getegid() && group == geteuid());
 }
@@ -67,13 +67,13 @@ std::string OfAnotherUser(uid_t user) {
     return "it belongs to another user, number " + std::to_string(user);
 }
 
-// With an access control list the group's right to write may be somebody else's.
+// With an access control list the group's write permission may belong to another user.
 bool HasAccessControlList(const Descriptor& file) {
     const std::string name = "/proc/self/fd/" + std::to_string(file.Number());
     return getxattr(name.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
 }
 
-// Who else may write; empty when nobody.
+// Other users who may write, for display; empty when there are none.
 std::string WhoElseMayWrite(const Descriptor& file) {
     const struct stat status = file.Status();
     if ((status.st_mode & S_IWOTH) != 0) {
@@ -96,9 +96,8 @@ std::string WhyOthersMayChange(const Descriptor& file) {
     return writer.empty() && !IsOwnUser(owner) ? OfAnotherUser(owner) : writer;
 }
 
-// Opens a path name by name. Every folder on the way is one in which only this process's user and
-// the administrator can replace the next name, so the path that comes out stands for the same file
-// from then on.
+// Opens a path name by name. In every folder on the path only this process's user and the
+// administrator may replace the next name, so the resulting path keeps naming the same file.
 class Walk {
 public:
     explicit Walk(const fs::path& path) {
@@ -106,7 +105,7 @@ public:
         Enter(Descriptor(open("/", O_PATH | O_DIRECTORY | O_CLOEXEC)), "/");
     }
 
-    // Empties `problem` of what it holds when the file was opened.
+    // Clears `problem` when the file was opened.
     Descriptor OpenFile(std::string& problem) {
         while (reason.empty() && !ahead.empty() && !file.IsOpen()) {
             const std::string name = ahead.front();
@@ -128,7 +127,7 @@ private:
         fs::path path;
     };
 
-    // Puts the names of a path before those that are still ahead.
+    // Inserts the names of a path before the remaining names.
     void Follow(const fs::path& path) {
         std::vector<std::string> names;
         for (const fs::path& name : path.relative_path()) {
@@ -183,9 +182,9 @@ private:
         folders.push_back({std::move(folder), std::move(path)});
     }
 
-    // On the way, a folder in which each may replace his own names only is none that others can
-    // change the path in. Within a user namespace the system's own folders belong to nobody that
-    // is known there: whoever has the first of them is the administrator.
+    // On the way, a folder in which each user may replace only his own names is safe. In a user
+    // namespace the system's folders belong to an unknown user: the owner of the root folder counts
+    // as the administrator.
     std::string WhyNotPassed(const Descriptor& folder) const {
         const struct stat status = folder.Status();
         const bool isOwn = IsOwnUser(status.st_uid) || folders.empty() ||
@@ -196,7 +195,7 @@ private:
         return (status.st_mode & S_ISVTX) != 0 ? std::string() : WhoElseMayWrite(folder);
     }
 
-    // The folder of the file itself must be nobody else's to put files into.
+    // No other user may put files into the folder of the file itself.
     bool MayHoldFiles() {
         const Folder& folder = folders.back();
         const std::string problem = WhyOthersMayChange(folder.opened);
@@ -245,7 +244,7 @@ private:
         reason = "refused: its folder " + folder.string() + ": " + problem;
     }
 
-    std::vector<Folder> folders;  // from the root on
+    std::vector<Folder> folders;  // from the root to the file
     std::deque<std::string> ahead;
     int links = 0;
     std::string reason;

@@ -29,7 +29,7 @@ struct FreeLocal {
     void operator()(void* memory) const { LocalFree(memory); }
 };
 
-// Opens a file or folder, behind all links, which nobody can replace while it is open.
+// Opens a file or folder, following all links. It cannot be replaced while it is open.
 File Open(const fs::path& path, DWORD access, DWORD share) {
     const HANDLE file = CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);

@@ -8,7 +8,7 @@ namespace {
 
 using Numbers = std::multiset<std::uint64_t>;
 
-// So many events are remembered; what is older is not waited for any more.
+// The number of remembered events; older events are no longer waited for.
 constexpr std::size_t kMaxNumbers = 1024;
 
 void Remember(Numbers& numbers, std::uint64_t number) {

@@ -61,7 +61,7 @@ bool IsPrinterInterface(udev_device* device) {
     return TextOf(udev_device_get_sysattr_value(device, "bInterfaceClass")) == kPrinterClassFile;
 }
 
-// A number in hexadecimal digits, which `end` must follow.
+// Parses a hexadecimal number that `end` must follow.
 std::optional<unsigned> HexNumber(const char* text, char end, const char** after = nullptr) {
     if (text == nullptr || *text == '\0') {
         return std::nullopt;
@@ -77,8 +77,8 @@ std::optional<unsigned> HexNumber(const char* text, char end, const char** after
     return static_cast<unsigned>(number);
 }
 
-// The hardware identifier of an interface's device. An event brings it along; the files of a device
-// that has gone meanwhile cannot be read any more.
+// The hardware identifier of an interface's device. Read from the event if possible: the files of a
+// device that is gone cannot be read any more.
 std::optional<std::wstring> HardwareIdOf(udev_device* part) {
     const char* product = udev_device_get_property_value(part, "PRODUCT");  // v/p/revision
     std::optional<unsigned> vendorId = HexNumber(product, '/', &product);
@@ -96,7 +96,7 @@ std::optional<std::wstring> HardwareIdOf(udev_device* part) {
     return UsbHardwareId(*vendorId, *productId);
 }
 
-// What is known of a printer interface; nothing for another device, or one that is gone.
+// Describes a printer interface; nothing for any other device, or a device that is gone.
 std::optional<UsbPrinter> PrinterOf(udev_device* device) {
     if (!IsPrinterInterface(device)) {
         return std::nullopt;
@@ -110,7 +110,7 @@ std::optional<UsbPrinter> PrinterOf(udev_device* device) {
     const std::size_t slash = printer.path.rfind('/');
     printer.devicePath = printer.path.substr(0, slash);
     printer.hardwareId = *hardwareId;
-    // An interface is called bus-port.port:configuration.interface.
+    // The name of an interface is bus-port.port:configuration.interface.
     printer.bus = std::atoi(printer.path.c_str() + slash + 1);
     return printer;
 }
@@ -120,8 +120,8 @@ std::string NoEvents(int error) {
            "; printers that are plugged in will not be noticed";
 }
 
-// Which udev daemon runs, if any: by its control socket, which each makes anew. One whose sockets
-// the system keeps for it through a restart loses no event.
+// Identifies the running udev daemon, if any, by its control socket, which each daemon creates
+// again. A daemon whose sockets the system keeps through a restart loses no event.
 struct DeviceService {
     bool runs = false;
     ino_t socket = 0;
@@ -147,7 +147,7 @@ Monitor OpenMonitor(udev* context, const char* source, std::string& problem) {
         problem = NoEvents(errno);
         return nullptr;
     }
-    // A smaller buffer only means more to list again after a storm of events.
+    // A smaller buffer only means more repeated lists after many events.
     udev_monitor_set_receive_buffer_size(monitor.get(), kReceiveBuffer);
     for (const char* type : {"usb_interface", "usb_device"}) {
         udev_monitor_filter_add_match_subsystem_devtype(monitor.get(), "usb", type);
@@ -160,8 +160,8 @@ Monitor OpenMonitor(udev* context, const char* source, std::string& problem) {
     return monitor;
 }
 
-// The udev daemon passes an event on when its rules have been applied. Where no such daemon runs,
-// or one that is silent, the kernel's own events say as much of what is there.
+// The udev daemon passes an event on after applying its rules. If no daemon runs, or it is silent,
+// the kernel's own events tell as much about the devices.
 struct Monitors {
     Monitor service;  // null where no device service runs
     Monitor kernel;
@@ -184,7 +184,8 @@ int FileOf(const Monitor& monitor) {
     return monitor ? udev_monitor_get_fd(monitor.get()) : -1;
 }
 
-// What is on USB now. A device that goes away meanwhile can spoil a scan; the next is without it.
+// Lists the USB devices. A device that is unplugged meanwhile can make a scan fail; the next scan
+// works.
 Enumeration UsbDevices(udev* context, std::string& problem) {
     int result = 0;
     for (int attempt = 0; attempt < kScans; ++attempt) {
@@ -203,7 +204,7 @@ Enumeration UsbDevices(udev* context, std::string& problem) {
     return nullptr;
 }
 
-// What the event says of printers, if anything.
+// Converts the device's event; nothing when it is not about a printer.
 std::optional<UsbEvent> EventOf(udev_device* device) {
     if (TextOf(udev_device_get_action(device)) == "remove") {
         UsbPrinter gone;
@@ -247,7 +248,7 @@ public:
             if (files[0].revents != 0) {
                 return {UsbEvent::Kind::interrupted, {}};
             }
-            // The kernel's first: the service's are about the same.
+            // Kernel events first: the service's events repeat them.
             const std::optional<UsbEvent> event = files[1].revents != 0
                                                       ? FromKernel(files[1].revents)
                                                       : FromService(files[2].revents);
@@ -271,8 +272,8 @@ private:
         return std::clamp(static_cast<int>(left.count()), 0, kServiceCheckMilliseconds);
     }
 
-    // What the service has not passed on in time; before the first such event that it is silent,
-    // and that it is not so any more when it speaks.
+    // Returns events that the service has not passed on in time. Reports before the first of them
+    // that the service is silent, and later that it answers again.
     std::optional<UsbEvent> WhatSilenceMeans() {
         if (!overdue) {
             overdue = comparison.TakeOverdue(Clock::now());
@@ -284,8 +285,8 @@ private:
         return std::exchange(overdue, std::nullopt);
     }
 
-    // The device that the next event is about; null when there is none for us. A monitor that is
-    // broken, or that has dropped events, is closed.
+    // The device of the next event; null when there is none for us. Closes a monitor that has
+    // failed or has dropped events.
     Device Receive(const Monitor& monitor, short signs) {
         errno = 0;
         Device device(udev_monitor_receive_device(monitor.get()));
@@ -315,8 +316,8 @@ private:
         return isNews ? EventOf(device.get()) : std::nullopt;
     }
 
-    // Nothing is said of what happens between a device service's end and the next one's start, nor
-    // that it has ended.
+    // Events between the end of a device service and the start of the next are lost, and its end is
+    // not reported.
     void NoticeAnotherService() {
         const DeviceService now = DeviceService::Now();
         if (!(now == service)) {

@@ -52,7 +52,7 @@ std::optional<unsigned> HexNumber(std::string_view digits) {
     return number;
 }
 
-// What the hardware identifiers VID_vvvv&PID_pppp&REV_rrrr&MI_ii of a path say.
+// The parsed hardware identifiers VID_vvvv&PID_pppp&REV_rrrr&MI_ii of a path.
 struct HardwareIds {
     std::optional<unsigned> vendorId;
     std::optional<unsigned> productId;
@@ -87,7 +87,7 @@ std::optional<UsbPrinter> UsbPrinterOfPath(std::wstring_view path) {
     }
     printer.hardwareId = UsbHardwareId(*ids.vendorId, *ids.productId);
     printer.devicePath = Host::ToUtf8(printer.hardwareId) + '#';
-    // The functions of one device have the same instance but for the number at its end.
+    // The functions of one device have the same instance id except for the number at its end.
     printer.devicePath += ids.isPartOfDevice ? parts[2].substr(0, parts[2].rfind('&')) : parts[2];
     return printer;
 }

@@ -20,7 +20,7 @@ UsbEvent UsbEventQueue::Wait() {
     if (interrupted) {
         return {UsbEvent::Kind::interrupted, {}};
     }
-    // A new list is made of what is there now: nothing older may come after it.
+    // The reader now lists the printers again: no older event may follow.
     if (events.empty()) {
         hasLost = false;
         return {UsbEvent::Kind::missed, {}};

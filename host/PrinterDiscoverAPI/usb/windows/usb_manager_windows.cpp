@@ -18,7 +18,7 @@ struct DestroyDeviceList {
 };
 using DeviceList = std::unique_ptr<HDEVINFO, DestroyDeviceList>;
 
-// The path of a device interface; empty for one that has gone.
+// The path of a device interface; empty when it is gone.
 std::wstring PathOf(HDEVINFO devices, SP_DEVICE_INTERFACE_DATA& part) {
     DWORD size = 0;
     SetupDiGetDeviceInterfaceDetailW(devices, &part, nullptr, 0, &size, nullptr);

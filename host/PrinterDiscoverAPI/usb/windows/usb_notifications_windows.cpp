@@ -10,7 +10,7 @@ namespace PrinterDiscoverAPI {
 
 namespace {
 
-// The operations that older systems lack.
+// The functions that older systems lack.
 using Register = CONFIGRET(WINAPI*)(PCM_NOTIFY_FILTER, PVOID, PCM_NOTIFY_CALLBACK,
                                     PHCMNOTIFICATION);
 using Unregister = CONFIGRET(WINAPI*)(HCMNOTIFICATION);
@@ -20,7 +20,7 @@ Function Find(HMODULE module, const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-// On a thread of the system's.
+// Called on a thread of the system.
 DWORD CALLBACK TakeNotification(HCMNOTIFICATION, PVOID context, CM_NOTIFY_ACTION action,
                                 PCM_NOTIFY_EVENT_DATA data, DWORD) {
     auto& queue = *static_cast<UsbEventQueue*>(context);
@@ -38,7 +38,7 @@ public:
     ConfigurationManagerNotifications(HCMNOTIFICATION registered, Unregister unregisterIt)
         : registration(registered), unregister(unregisterIt) {}
     ~ConfigurationManagerNotifications() override {
-        // Returns when no notification is being taken any more.
+        // Returns when no notification is running any more.
         unregister(registration);
     }
 
@@ -75,7 +75,7 @@ std::unique_ptr<UsbNotifications> NotifyByConfigurationManager(UsbEventQueue& qu
 }
 
 void PutUsbEvent(UsbEventQueue& queue, UsbEvent::Kind kind, std::wstring_view path) {
-    // The system called, and takes no exceptions.
+    // Called by the system: no exception may leave.
     try {
         if (const std::optional<UsbPrinter> printer = UsbPrinterOfPath(path)) {
             queue.Put({kind, *printer});

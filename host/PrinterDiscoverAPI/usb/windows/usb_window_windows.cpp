@@ -1,6 +1,6 @@
 #include "host/PrinterDiscoverAPI/usb/windows/usb_notifications_windows.h"
 
-// After the system's own header, which it needs.
+// Needs windows.h before it.
 #include <dbt.h>
 
 #include <future>
@@ -53,10 +53,10 @@ LRESULT CALLBACK TakeMessage(HWND window, UINT message, WPARAM first, LPARAM sec
     }
 }
 
-// One window's end must not take the class from another that is being made.
+// Destroying one window must not unregister the class while another window is created.
 std::mutex classMutex;
 
-// A window that is told of USB printers; lives on the thread that makes it.
+// A window that receives notifications of USB printers; lives on the thread that creates it.
 class Window {
 public:
     Window(UsbEventQueue& queue, std::string& problem) {
@@ -97,7 +97,7 @@ public:
 
     HWND Handle() const { return window; }
 
-    // Takes messages until Close is called on the handle.
+    // Processes messages until Close is called on the handle.
     static void Run() {
         MSG message;
         while (GetMessageW(&message, nullptr, 0, 0) > 0) {
@@ -121,7 +121,7 @@ public:
         made.get_future().wait();
     }
     ~WindowNotifications() override {
-        // Without a window the message would go to the thread that is here.
+        // Without a window the message would go to the calling thread.
         if (handle != nullptr) {
             Window::Close(handle);
         }
@@ -129,7 +129,8 @@ public:
     }
 
 private:
-    // On the window's thread. `problem` is the maker's, who waits until the window is made.
+    // Runs on the window's thread. `problem` belongs to the creator, which waits until the window
+    // is created.
     void Watch(UsbEventQueue& queue, std::string& problem) {
         Window window(queue, problem);
         const bool isUsable = problem.empty();

@@ -12,7 +12,7 @@ namespace {
 
 using namespace NetworkManagerName;
 
-// The attempt's state is looked at this often even when no signal comes.
+// How often the attempt's state is checked when no signal arrives.
 constexpr std::chrono::milliseconds kLookAgain{500};
 
 }  // namespace
@@ -51,7 +51,7 @@ void Activation::StartNew(const ConnectionSettings& settings, std::string_view p
     try {
         begun = AddAndActivate(profile, ProfileLife::kVolatile);
     } catch (const sdbus::Error& error) {
-        // Services before version 1.16 keep what they are given.
+        // NetworkManager before version 1.16 always saves the profile.
         if (!IsNoSuchObject(error)) {
             throw;
         }
@@ -62,7 +62,7 @@ void Activation::StartNew(const ConnectionSettings& settings, std::string_view p
     Listen();
 }
 
-// The attempt's own reasons.
+// Listens for the attempt's own reasons.
 void Activation::Listen() {
     attempt = manager.Object(active);
     attempt->uponSignal("StateChanged")
@@ -93,7 +93,7 @@ void Activation::Await(NetworkManager::Clock::time_point deadline) {
             hasSucceeded = true;
             return;
         }
-        // What the adapter said of it has arrived before.
+        // The adapter's signals about the attempt have arrived before.
         manager.AwaitSignals(NetworkManager::Clock::now());
         if (state == State::kGone || answers.IsRefused()) {
             throw WifiProblem(answers.WhyEnded());
@@ -106,7 +106,7 @@ void Activation::Await(NetworkManager::Clock::time_point deadline) {
     }
 }
 
-// The service may be gone, or have tidied up by itself.
+// Ignores errors: the service may be gone, or may have cleaned up itself.
 void Activation::Undo() const {
     try {
         if (!active.empty()) {

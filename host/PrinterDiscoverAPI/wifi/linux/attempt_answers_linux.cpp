@@ -63,7 +63,7 @@ constexpr const char* kDeleted = "the connection was deleted meanwhile";
 constexpr const char* kRemoved = "the Wi-Fi adapter was removed";
 constexpr const char* kEnded = "someone ended it";
 
-// An empty field stands for each value.
+// An empty field matches every value.
 struct Meaning {
     std::optional<Stage> stage;
     std::optional<std::uint32_t> reason;
@@ -71,8 +71,8 @@ struct Meaning {
     const char* words;
 };
 
-// The first that fits holds. A wrong pass phrase and an access point that goes away in the middle
-// look alike to the service: neither is said for certain.
+// The first match counts. The service cannot distinguish a wrong pass phrase from an access point
+// that disappears during the attempt, so the texts state neither as certain.
 constexpr Meaning kMeanings[] = {
     {{}, kAdapterRemoved, {}, kRemoved},
     {{}, kConnectionRemoved, {}, kDeleted},
@@ -94,7 +94,7 @@ constexpr Meaning kMeanings[] = {
     {{}, kDhcpFailed, {}, kAddressMissing},
 };
 
-// Where the adapter gave no reason.
+// Used if the adapter gave no reason.
 constexpr Meaning kMeaningsOfAttempt[] = {
     {{}, kUserDisconnected, {}, kEnded},
     {{}, kServiceStopped, {}, "NetworkManager was ended"},
@@ -131,7 +131,7 @@ void AttemptAnswers::AdapterIs(std::uint32_t state, std::uint32_t why) {
     }
     Advance(state, why);
     if (state == kPrepare) {
-        reason = kNothing;  // what came before was of the connection before
+        reason = kNothing;  // the earlier reason was about the former connection
     } else if (state == kFailed) {
         hasFailed = true;
         reason = why;

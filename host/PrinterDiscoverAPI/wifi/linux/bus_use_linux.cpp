@@ -41,8 +41,8 @@ void EndUses() {
     uses.changed.wait_for(lock, kPatienceAtExit, [&uses] { return uses.count == 0; });
 }
 
-// Things are taken down in the reverse order of their making: the bus library makes the last of its
-// own with the first variant.
+// Static objects are destroyed in reverse order of creation: the bus library creates its last one
+// with the first variant.
 void PrepareForExit() {
     static const int registered = [] {
         static_cast<void>(sdbus::Variant());

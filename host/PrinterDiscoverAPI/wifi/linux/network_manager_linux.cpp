@@ -15,7 +15,7 @@ constexpr const char* kPropertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr std::string_view kBusError = "org.freedesktop.DBus.Error.";
 constexpr std::string_view kSystemError = "System.Error.";
 
-// The end of an error's name when the bus itself gave it.
+// The last part of an error's name if the error comes from the bus itself.
 std::string_view BusErrorOf(const sdbus::Error& error) {
     const std::string_view name = error.getName();
     return name.starts_with(kBusError) ? name.substr(kBusError.size()) : std::string_view();
@@ -25,7 +25,7 @@ bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> name
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-// The service's own words, of which only the first line is for people.
+// The first line of the service's error text; further lines are not for users.
 std::string MessageOf(const sdbus::Error& error) {
     return error.getMessage().substr(0, error.getMessage().find('\n'));
 }
@@ -132,7 +132,7 @@ void NetworkManager::AwaitSignals(Clock::time_point until) const {
     const timespec limit{seconds.count(), (left - seconds).count()};
     const auto input = bus->getEventLoopPollData();
     pollfd descriptor{input.fd, input.events, 0};
-    // Whatever ends the wait, the caller looks at its own state and at the clock.
+    // The result does not matter: the caller checks its own state and the clock.
     ppoll(&descriptor, 1, &limit, nullptr);
     DeliverSignals();
 }

@@ -46,7 +46,8 @@ void AppendVariant(sd_bus_message* call, const sdbus::Variant& value) {
     }
 }
 
-// Room for the pass phrase. It comes last: a message that grows moves, and leaves a copy behind.
+// Reserves room for the pass phrase, which is written last: a growing message moves and leaves a
+// copy in memory.
 void AppendPlaceOfSecret(sd_bus_message* call, std::size_t size) {
     Require(sd_bus_message_open_container(call, SD_BUS_TYPE_DICT_ENTRY, "sv"));
     Require(sd_bus_message_append(call, "sv", "psk", "s", std::string(size, '*').c_str()));
@@ -71,7 +72,7 @@ void AppendGroup(sd_bus_message* call, const std::string& name, const Properties
     Require(sd_bus_message_close_container(call));
 }
 
-// The group with the place of the pass phrase is the first, and the place the first in it.
+// The group with the room for the pass phrase comes first, with the room as its first entry.
 void AppendSettings(sd_bus_message* call, const NewProfile& profile) {
     Require(sd_bus_message_open_container(call, SD_BUS_TYPE_ARRAY, "{sa{sv}}"));
     if (!profile.passPhrase.empty()) {
@@ -86,9 +87,9 @@ void AppendSettings(sd_bus_message* call, const NewProfile& profile) {
     Require(sd_bus_message_close_container(call));
 }
 
-// Puts the pass phrase in its place in a whole message, which grows no more.
+// Writes the pass phrase into its room in the complete message, which no longer grows.
 void PutSecret(sd_bus_message* call, std::string_view secret) {
-    // Above those of the greeting, which is all that was sent before.
+    // Above the serial number of Hello, the only message sent before.
     constexpr std::uint64_t serial = 100;
     Require(sd_bus_message_seal(call, serial, kCallMicroseconds));
     Require(sd_bus_message_rewind(call, 1));
@@ -111,7 +112,7 @@ Message CallFor(sd_bus* bus, const NewProfile& profile, ProfileLife life) {
         bus, &created, kService, kManagerPath, kService,
         isVolatile ? "AddAndActivateConnection2" : "AddAndActivateConnection"));
     Message call(created);
-    // Its memory is wiped when it goes.
+    // Its memory is wiped when it is freed.
     Require(sd_bus_message_sensitive(call.get()));
     AppendSettings(call.get(), profile);
     Require(sd_bus_message_append(call.get(), "oo", profile.adapter.c_str(),
@@ -125,7 +126,7 @@ Message CallFor(sd_bus* bus, const NewProfile& profile, ProfileLife life) {
     return call;
 }
 
-// What NetworkManager answers may quote the pass phrase, too.
+// NetworkManager's answer may quote the pass phrase, too.
 int KeepReply(sd_bus_message* reply, void* place, sd_bus_error* /*error*/) {
     sd_bus_message_sensitive(reply);
     static_cast<Message*>(place)->reset(sd_bus_message_ref(reply));

@@ -32,12 +32,13 @@ enum DeviceState : std::uint32_t {
     kActivated = 100
 };
 
-// Of a connection: being made, then made; what is about to end has a higher one.
+// States of a connection: being established, then established; a connection that is about to end
+// has a higher state.
 constexpr std::uint32_t kConnected = 2;
 
 enum AccessPointMode : std::uint32_t { kUnknownMode = 0, kInfrastructure = 2 };
 
-// Of an access point: whether there is any protection, and which key management.
+// Flags of an access point: whether it is protected, and its key management.
 constexpr std::uint32_t kPrivacy = 1;
 enum KeyManagement : std::uint32_t {
     kPsk = 0x100,
@@ -47,12 +48,12 @@ enum KeyManagement : std::uint32_t {
     kAccountSuiteB = 0x2000
 };
 
-// While a scan is awaited.
+// How often the state is checked while a scan runs.
 constexpr std::chrono::milliseconds kLookAgain{100};
-// A network that hides its name is asked for this long, this often at most.
+// How long, and how often at most, a hidden network is searched for.
 constexpr std::chrono::seconds kSearchLimit{15};
 constexpr std::chrono::milliseconds kAskAgain{500};
-// A scan that ended this short a time ago is as good as a new one.
+// The results of a scan are used for this long instead of a new scan.
 constexpr std::chrono::seconds kFresh{10};
 constexpr std::int64_t kNoScanTime = -2;
 
@@ -62,18 +63,18 @@ struct Adapter {
     std::uint32_t state;
 };
 
-// What the service says to who asks for a scan. It is busy while it scans already and shortly
-// after.
+// The service's reply to a scan request. It is busy during a scan and shortly after.
 enum class ScanReply { kAccepted, kBusy, kDenied };
 
-// A scan that was asked for.
+// A requested scan.
 struct ScanWatch {
     std::string adapter;
     std::int64_t lastBefore;
     ScanReply reply;
 };
 
-// Scans are asked for again and again: said once, until they are allowed on every adapter.
+// Reports forbidden scans once, until they are allowed on every adapter, because scans are
+// requested repeatedly.
 void ReportDenied(const std::optional<std::string>& denial) {
     static std::atomic<bool> reported = false;
     if (!denial) {
@@ -89,7 +90,7 @@ std::string TextOf(const Bytes& bytes) {
     return std::string(bytes.begin(), bytes.end());
 }
 
-// The service counts the time of scans in milliseconds since the system started.
+// The service gives the times of scans in milliseconds since the system started.
 std::int64_t SystemMilliseconds() {
     timespec now{};
     clock_gettime(CLOCK_BOOTTIME, &now);
@@ -127,7 +128,7 @@ AccessPoint ToAccessPoint(const Properties& properties) {
     return accessPoint;
 }
 
-// Settings for this one time, which the service does not use again by itself; but for the pass
+// The settings for one connection, which the service does not reuse by itself; without the pass
 // phrase.
 ConnectionSettings SettingsFor(const AccessPoint& accessPoint, bool hasPassPhrase) {
     ConnectionSettings settings;
@@ -152,7 +153,7 @@ ConnectionSettings SettingsFor(const AccessPoint& accessPoint, bool hasPassPhras
     return settings;
 }
 
-// What the work gives; a failed call as a WifiProblem.
+// Returns the result of `work`; turns a failed call into a WifiProblem.
 template <class Work>
 auto Translated(Work work) {
     try {
@@ -217,7 +218,7 @@ private:
         }
     }
 
-    // Adapters and access points come and go.
+    // Adapters and access points may disappear at any time.
     std::optional<Properties> PropertiesUnlessGone(const std::string& path,
                                                    const std::string& interface) const {
         try {
@@ -255,8 +256,8 @@ private:
                           : kNoScanTime;
     }
 
-    // While another scan runs, the service drops the one with a name, and the other's end is all
-    // that is heard of it: asked for again until the network is in sight.
+    // While another scan runs, the service drops a scan with a name and reports only the end of the
+    // other: request it again until the network is in range.
     void Search(const std::string& name) const {
         const auto deadline = Clock::now() + kSearchLimit;
         for (;;) {
@@ -387,7 +388,7 @@ private:
         return std::nullopt;
     }
 
-    // One that is about to end is none.
+    // A connection that is about to end does not count.
     std::optional<HostConnection> ConnectionOf(const std::string& adapter) const {
         const auto device = PropertiesUnlessGone(adapter, kDevice).value_or(Properties());
         const auto active = ValueOr(device, "ActiveConnection", kNoObject);
@@ -416,15 +417,15 @@ private:
                 .withArguments(sdbus::ObjectPath(connection.profile),
                                sdbus::ObjectPath(connection.adapter), kNoObject);
         } catch (const sdbus::Error& error) {
-            // What was made for one time is gone with its connection.
+            // A temporary profile is deleted with its connection.
             if (IsServiceLost(error) || !JoinAnew(connection)) {
                 throw;
             }
         }
     }
 
-    // The service would leave the present network for one that is not there. One that hides its
-    // name may be any of those without.
+    // The service would leave the current network even for a network that is not in range. A hidden
+    // network may be any access point without a name.
     bool MayBeInRange(const HostConnection& connection) const {
         const std::vector<AccessPoint> inRange = FindAccessPoints();
         return connection.network.empty() ||
@@ -434,7 +435,8 @@ private:
                });
     }
 
-    // Begins to join the network of a connection whose profile is gone, which takes an open one.
+    // Starts to join the network of a connection whose profile is gone; works only for an open
+    // network.
     bool JoinAnew(const HostConnection& connection) const {
         for (const AccessPoint& one : FindAccessPoints()) {
             if (one.adapter == connection.adapter && one.name == connection.network &&
@@ -454,7 +456,7 @@ private:
         return (accessPoint.protection & ~kOpportunistic) == 0;
     }
 
-    // The adapter says it itself or, where it does not, the connection that it has.
+    // Ask the adapter itself or, if it does not tell, its connection.
     sdbus::ObjectPath ActiveAccessPoint(const std::string& adapter) const {
         const auto wireless = PropertiesUnlessGone(adapter, kWireless).value_or(Properties());
         auto own = ValueOr(wireless, "ActiveAccessPoint", kNoObject);
@@ -484,8 +486,8 @@ private:
         }
     }
 
-    // After an attempt to join another network, which took the adapter. What keeps it from this is
-    // less than what made the attempt fail.
+    // Called after an attempt to join another network. An error here is less important than the one
+    // that made the attempt fail.
     void GoBackTo(const std::optional<HostConnection>& connection) const {
         try {
             if (connection && !ConnectionOf(connection->adapter)) {

@@ -9,7 +9,7 @@ namespace Host {
 
 namespace {
 
-// Kinds of element.
+// Element ids.
 constexpr unsigned kRsn = 48;
 constexpr unsigned kVendor = 221;
 
@@ -26,8 +26,8 @@ unsigned ByteAt(std::string_view bytes, std::size_t at) {
     return static_cast<unsigned char>(bytes[at]);
 }
 
-// Takes a list of suites, which starts with their number, from the front of `rest`; empty when it
-// is cut off.
+// Takes a list of suites, which starts with their number, from the front of `rest`; empty when
+// truncated.
 std::string_view TakeSuites(std::string_view& rest) {
     if (rest.size() < 2) {
         return {};
@@ -43,7 +43,7 @@ std::string_view TakeSuites(std::string_view& rest) {
     return suites;
 }
 
-// What a description of protection offers; it starts with its version and the group's cipher.
+// The protection offered by an element, which starts with its version and the group cipher.
 struct Offer {
     std::string_view pairwiseCiphers;
     std::string_view keyManagement;
@@ -115,7 +115,7 @@ bool HasAesForWpa(unsigned kind, std::string_view body) {
     return false;
 }
 
-// Calls `take` with the kind and the body of each element that is whole.
+// Calls `take` with the id and the body of each complete element.
 template <class Take>
 void ForEachElement(std::string_view elements, Take take) {
     while (elements.size() >= kHeaderSize) {

@@ -1,4 +1,4 @@
-// The system's headers stand on each other, in this order.
+// The system's headers need this order.
 #include "platform/os.h"
 
 #include <winsock2.h>
@@ -25,13 +25,13 @@ namespace {
 
 using Clock = WlanClient::Clock;
 
-// The service is asked this often, while a scan is awaited, whether it is still there.
+// How often the service is checked while a scan runs.
 constexpr std::chrono::milliseconds kLookAgain{500};
 
-// Of the capabilities that an access point broadcasts.
+// A bit of the capabilities that an access point broadcasts.
 constexpr unsigned kPrivacy = 0x10;
 
-// Of a network in the service's list: the system has saved how to join it.
+// A flag of a network in the service's list: the system has a saved profile.
 constexpr DWORD kHasProfile = 2;
 // Asks for the networks that hide their names and are saved, too, in range or not.
 constexpr DWORD kHiddenOnesToo = 2;
@@ -53,7 +53,7 @@ std::string HardwareAddress(const DOT11_MAC_ADDRESS& address) {
     return text;
 }
 
-// As the system's settings name it.
+// The adapter's name as the system's settings show it.
 std::wstring InterfaceName(const WLAN_INTERFACE_INFO& adapter) {
     NET_LUID luid{};
     wchar_t alias[NDIS_IF_MAX_STRING_SIZE + 1] = {};
@@ -64,8 +64,8 @@ std::wstring InterfaceName(const WLAN_INTERFACE_INFO& adapter) {
     return adapter.strInterfaceDescription;
 }
 
-// The information elements of an entry, which lie behind it in its list; those that would lie
-// outside are none.
+// The information elements of an entry, which follow it in the list; empty if they would lie
+// outside the list.
 std::string_view ElementsOf(const WLAN_BSS_LIST& list, const WLAN_BSS_ENTRY& entry) {
     const char* start = reinterpret_cast<const char*>(&list);
     const auto at = static_cast<std::size_t>(reinterpret_cast<const char*>(&entry) - start);
@@ -90,7 +90,7 @@ AccessPoint ToAccessPoint(const WLAN_BSS_LIST& list, const WLAN_BSS_ENTRY& entry
     return accessPoint;
 }
 
-// Which of the adapter's radios are switched off, and how.
+// Which of the adapter's radios are switched off, by hardware or by software.
 struct RadioSwitches {
     bool anyOn = false;
     bool offByHardware = false;
@@ -303,7 +303,7 @@ private:
         }
     }
 
-    // The adapters that scan now.
+    // The adapters that are scanning.
     std::vector<GUID> RequestScans(const std::string& name) const {
         DOT11_SSID ssid = SsidOf(name);
         std::vector<GUID> scanning;
@@ -354,7 +354,7 @@ private:
         const DWORD error = TheWlanLibrary().getNetworkBssList(
             client.Handle(), &adapter, nullptr, dot11_BSS_type_any, FALSE, nullptr, &list);
         if (error == ERROR_NOT_FOUND) {
-            return;  // the adapter has gone
+            return;  // the adapter is gone
         }
         RequireWlan("WlanGetNetworkBssList", error);
         const WlanMemory<WLAN_BSS_LIST> owner(list);

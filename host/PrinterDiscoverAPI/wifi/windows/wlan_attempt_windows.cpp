@@ -10,9 +10,9 @@ namespace Host {
 
 namespace {
 
-// The adapter's state is looked at this often even when no notification comes.
+// How often the adapter's state is checked when no notification arrives.
 constexpr std::chrono::milliseconds kLookAgain{500};
-// After a try that failed the service may make another, or say that it was the last.
+// After a failed try the service may start another, or report the end of the attempt.
 constexpr std::chrono::seconds kNextTry{3};
 
 constexpr DWORD kNetworkNotAvailable = 0x2800B;
@@ -94,7 +94,7 @@ void WlanAttempt::Await(WlanClient::Clock::time_point deadline) {
     }
 }
 
-// Ends the attempt when the program is about to end.
+// Throws when the program is about to end.
 void WlanAttempt::RequireGoingOn() const {
     try {
         Undertaking::GoOn();
@@ -103,7 +103,7 @@ void WlanAttempt::RequireGoingOn() const {
     }
 }
 
-// Others may be joining networks with the adapter, too.
+// Other programs may be joining networks with the same adapter.
 WlanAttempt::Outcome WlanAttempt::OutcomeBy(const WlanNotification& notification) {
     if (notification.adapter != adapter) {
         return Outcome::kNone;
@@ -124,7 +124,7 @@ WlanAttempt::Outcome WlanAttempt::OutcomeBy(const WlanNotification& notification
         if (notification.reason == 0) {
             return Outcome::kJoined;
         }
-        // What the last try met says more than that all have failed.
+        // The reason of the last try says more than the final failure.
         reason = reason != 0 ? reason : notification.reason;
         return Outcome::kFailed;
     }
@@ -138,7 +138,7 @@ void WlanAttempt::GiveUp(const std::string& why) const {
     throw WifiProblem(why);
 }
 
-// Whether this is what the adapter is at. Some say what they are joining only when they have.
+// Whether the adapter is working on this attempt. Some drivers name the network only after joining.
 bool WlanAttempt::IsUnderWay() const {
     const auto connection =
         client.Query<WLAN_CONNECTION_ATTRIBUTES>(adapter, wlan_intf_opcode_current_connection);

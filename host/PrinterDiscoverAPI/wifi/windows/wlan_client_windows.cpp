@@ -8,7 +8,7 @@ namespace Host {
 
 namespace {
 
-// Of the service since Windows Vista.
+// The client version for Windows Vista and later.
 constexpr DWORD kVersion = 2;
 
 }  // namespace

@@ -33,7 +33,7 @@ void Find(HMODULE module, const char* name, Function& function) {
 }
 
 WlanLibrary Load() {
-    // From where an import would come. It stays loaded.
+    // Searched in the same place as an import. The library stays loaded.
     const HMODULE module =
         LoadLibraryExW(L"wlanapi.dll", nullptr,
                        LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);

@@ -21,7 +21,7 @@ WlanNotifications::WlanNotifications(const WlanClient& wlan) : client(wlan) {
 }
 
 WlanNotifications::~WlanNotifications() {
-    // Returns when no notification is being taken any more.
+    // Returns when no notification is running any more.
     TheWlanLibrary().registerNotification(client.Handle(), WLAN_NOTIFICATION_SOURCE_NONE, FALSE,
                                           nullptr, nullptr, nullptr, nullptr);
 }
@@ -36,7 +36,7 @@ std::optional<WlanNotification> WlanNotifications::Next(WlanClient::Clock::time_
     return next;
 }
 
-// On a thread of the service's library.
+// Called on a thread of the service's library.
 void CALLBACK WlanNotifications::Take(WLAN_NOTIFICATION_DATA* data, void* context) {
     if (data == nullptr || data->NotificationSource != WLAN_NOTIFICATION_SOURCE_ACM) {
         return;
@@ -44,7 +44,7 @@ void CALLBACK WlanNotifications::Take(WLAN_NOTIFICATION_DATA* data, void* contex
     try {
         static_cast<WlanNotifications*>(context)->Put(*data);
     } catch (...) {
-        // The adapters' states are looked at even without it.
+        // The adapters' states are checked even without this notification.
         return;
     }
 }

@@ -18,7 +18,7 @@ std::wstring Element(std::wstring_view name, std::wstring_view content) {
     return element.append(name).append(L">");
 }
 
-// A control character is none that XML could hold.
+// XML cannot contain control characters.
 void AppendEscaped(std::wstring& escaped, std::wstring_view text) {
     for (const wchar_t character : text) {
         if (character == L'&') {
@@ -69,7 +69,7 @@ Method MethodOf(const AccessPoint& accessPoint, bool hasPassPhrase) {
     return {L"WPAPSK", accessPoint.aesWithWpa ? L"AES" : L"TKIP"};
 }
 
-// Stands where the key is to be; XML cannot hold it.
+// Marks the position of the key; this character cannot occur in XML.
 constexpr wchar_t kKeyPlace = L'\1';
 
 std::wstring SharedKey(bool isKey) {
@@ -90,7 +90,7 @@ std::wstring Security(const AccessPoint& accessPoint, std::string_view passPhras
     return Element(L"MSM", Element(L"security", settings));
 }
 
-// Never moves what it has written of the pass phrase: that would leave a copy.
+// Never moves text with the pass phrase: that would leave a copy in memory.
 std::wstring WithKey(std::wstring_view profile, std::string_view passPhrase) {
     constexpr std::size_t longestEscape = 5;
     const std::size_t place = profile.find(kKeyPlace);
