@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Many lines about one thing tell no more than the first ones and how many more there are.

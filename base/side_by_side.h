@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Asks many peers at once, so that a peer that does not answer delays no other.

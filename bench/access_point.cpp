@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the access-point family adds to one question to a vendor, and to one network on its way from
 // a vendor to the application.
 

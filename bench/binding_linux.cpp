@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What binding vendors costs beside loading their modules and looking up their entry points.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What it costs to find the vendor whose access point the host is joined to, among BENCH_VENDORS of
 // them (an environment variable: a process binds its vendors once): the last one asked says yes.
 

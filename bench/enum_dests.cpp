@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Lists network printers with cupsEnumDests, as a program that uses CUPS would: one line each, as
 // they come. Usage: bench_enum_dests PRINTERS; ends when that many are found, or after 30 seconds.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the facade adds to one query of a device's state.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a facade call costs with the real LogHelper, which writes a real file.
 
 #include <benchmark/benchmark.h>

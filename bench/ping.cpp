@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // CheckPing with the application's real ping service: of BENCH_SILENT_ADDRESS, which never answers,
 // and of loopback.
 

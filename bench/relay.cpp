@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the relay adds to one device on its way from a vendor to the application.
 
 #include <benchmark/benchmark.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Turns what the benchmarks measured into the table of scripts/bench.
 
 Exit status: 0 no target missed among those that were measured, 1 some missed, 3 a measurement is

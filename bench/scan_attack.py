@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Times `devicediscover scan` among 1,000 printers, and while somebody attacks the network.
 
 Runs on the browsing side of scripts/lab-network (scripts/bench starts it there). The printers and the

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Times `devicediscover scan` beside other ways to find printers, on a network with printers in it.
 
 Runs on the browsing side of scripts/lab-network (scripts/bench starts it there). In each round every

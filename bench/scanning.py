@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Runs a program that lists printers, and notes when it lists which."""
 
 import os

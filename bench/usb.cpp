@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the USB family adds: to the enumeration of a port whose identifier is the last of
 // BENCH_USB_IDS listed ones (an environment variable: a process binds its vendors once), to a Wi-Fi
 // scan with as many networks as there is room for, and to the list of USB printers.

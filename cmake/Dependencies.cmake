@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+#
 # The packages that the application libraries and the application stand on. The broker needs none.
 #
 # On Linux they are Debian's packages. The Windows build uses their header-only side from the same

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+#
 # What makes a mistake hard to exploit, in everything that users run: guarded stacks, checked copies, no
 # address known beforehand, no table that can be written to after the start, nothing writable that runs.
 # tests/hardening/check_hardening.py looks for it in what was built.

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+#
 # How every target is built: the language, the warnings, what may leave a shared library, and where
 # things land in the build tree.
 

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+#
 # Installing the library with its application libraries, and finding it from another project:
 #
 #     find_package(DeviceDiscover REQUIRED)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Shows how a new printer gets onto a Wi-Fi network: a printer that speaks the standard opens a
 network of its own, and `devicediscover` goes the whole way from there.
 

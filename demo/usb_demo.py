@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Shows how a printer that is plugged in gets onto a network: `devicediscover` sees it come, and puts
 it on a Wi-Fi network over its cable.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The two operating-system types of the interface. Windows has them; on other systems they are

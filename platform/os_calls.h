@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The few operating-system functions that this project calls. Windows has them; on other systems

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "platform/os_calls.h"
 
 bool KeepLoaded(const void* address) {

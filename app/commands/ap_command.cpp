@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/commands/ap_command.h"
 
 #include <fmt/format.h>

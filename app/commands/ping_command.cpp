@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/commands/ping_command.h"
 
 #include "DeviceDiscover/DeviceDiscover.h"

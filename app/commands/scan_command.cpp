@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/commands/scan_command.h"
 
 #include "app/items/printer_table.h"

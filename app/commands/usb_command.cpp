@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/commands/usb_command.h"
 
 #include "app/library/usb/usb_device.h"

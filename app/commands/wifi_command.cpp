@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/commands/wifi_command.h"
 
 #include "app/library/host_wifi.h"

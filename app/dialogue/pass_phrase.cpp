@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/dialogue/pass_phrase.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/library/access_point_printer.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/output/json_output.h"
 
 #include <fmt/chrono.h>

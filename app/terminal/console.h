@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The program's arguments, standard streams and screen, on each operating system. All text is

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <poll.h>
 #include <sys/mman.h>
 #include <unistd.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/terminal/crash_text.h"
 
 #include "host/PrinterUtil/vendor_list.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "base/ipp/byte_stream_linux.h"
 
 #include <arpa/inet.h>

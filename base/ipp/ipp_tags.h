@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The tags of an IPP message (RFC 8010, RFC 8011).

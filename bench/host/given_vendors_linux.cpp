@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "bench/host/given_vendors.h"
 
 #include <dlfcn.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A vendor with the entry points that are measured, each doing as little as can be. BENCH_CONNECTED
 // is what it says when asked whether the host is joined to its access point; 0 is yes.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <pthread.h>
 
 #include "broker/binding/current_thread.h"

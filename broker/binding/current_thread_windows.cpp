@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "broker/binding/current_thread.h"
 #include "platform/os.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "broker/binding/vendor_thread.h"
 
 #include "DeviceDiscover/vendor_activity.h"

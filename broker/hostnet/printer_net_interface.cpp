@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "DeviceDiscover/hostnet.h"
 #include "broker/log/log_line.h"
 #include "platform/PrinterDiscoverAPI/PrinterPing.h"

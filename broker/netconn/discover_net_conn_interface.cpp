@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "DeviceDiscover/netconn.h"
 #include "broker/records/device_lines.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "broker/records/bounded_copy.h"
 
 #include <cerrno>

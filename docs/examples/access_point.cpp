@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Puts a printer on a Wi-Fi network through the printer's own network, which this computer has
 // joined.
 //

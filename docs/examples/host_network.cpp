@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // This computer's own side of the network: its Wi-Fi, and whether an address answers.
 //
 //     host_network [ADDRESS]

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The USB printers that are installed on this computer, and whether each is known to be on the
 // network too.
 

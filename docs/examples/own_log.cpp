@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A logger of the application's own: the library LogHelper with nothing but the class that others
 // use. It writes warnings and errors to standard error.
 

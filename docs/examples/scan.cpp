@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Looks for printers for three seconds, then asks for each whether it would take a job.
 
 #include <DeviceDiscover/DeviceDiscover.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Shows the printers that are plugged in and the networks that each sees, then those that are
 // plugged in during the next ten seconds.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/LogHelper/log_settings.h"
 
 #include "host/LogHelper/log_writer.h"

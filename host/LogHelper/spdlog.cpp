@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The parts of spdlog that the log uses, compiled once.
 #include <spdlog/common-inl.h>
 #include <spdlog/details/file_helper-inl.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "DeviceDiscover/printer_sdk.h"
 #include "host/PrinterAdapter/printer_list.h"
 

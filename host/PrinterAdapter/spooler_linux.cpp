@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <cups/cups.h>
 #include <netdb.h>
 #include <sys/un.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterAdapter/usb_port_windows.h"
 
 #include "base/usb_serial_number.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "platform/PrinterUtil/PrinterUtil.h"
 
 #include "host/common/utf8.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterUtil/vendor_list.h"
 
 #include "host/PrinterUtil/list/vendor_list_state.h"

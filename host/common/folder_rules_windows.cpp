@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/common/folder_rules.h"
 #include "platform/os.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/common/user_folders.h"
 
 #include "base/environment.h"

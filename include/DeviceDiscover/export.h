@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // DEVICEDISCOVER_API marks what the library exports; nothing else is exported.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The host's side of the network: pinging a printer, and the host's own Wi-Fi. The application's

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Putting a printer on a network through the printer's own access point, while the host is joined

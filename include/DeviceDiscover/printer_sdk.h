@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The interfaces of the application's printer SDK, with their default bodies. The order of each

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Printers on USB: listing them, reporting arrivals, and putting a printer on a network.

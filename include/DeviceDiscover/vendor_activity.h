@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The calls of the vendors' entry points, running or finished. With them an application that waits

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Thin wrappers around pointers to XML nodes. They do not own the nodes and only declare their

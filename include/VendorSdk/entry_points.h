@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The entry points that a vendor's module may export. The broker looks up each by its exact name,

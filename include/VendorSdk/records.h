@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The records that the broker and a vendor's module exchange. Their layout is an ABI: field order,

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The entry points for a printer's own network. None lets an exception out, and none needs more of
 // a record than its bytes.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A vendor's module that never gets ready: what it must not do, it does while it is loaded.
 
 #include "misbehaviour.h"

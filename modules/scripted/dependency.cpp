@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What scripted_dependent depends on: a library with a scan that is not that module's own.
 
 #include "VendorSdk/entry_points.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A vendor's module that never lets the process end: what it does then does not return.
 
 #include <chrono>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One scripted module. The build says of each entry point whether this module has it:
 // SCRIPTED_<name> is VENDORSDK_EXPORT or SCRIPTED_WITHOUT.
 

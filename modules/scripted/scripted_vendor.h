@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Controls a scripted vendor from within its process, and reads back the calls that it received.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "ways_to_end.h"
 
 #include <pthread.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <windows.h>
 
 #include "ways_to_end.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the tests of commands that need the host's network share: a scripted PrinterDiscoverAPI beside
 the program, and a terminal."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Ending a scan before its time: by Ctrl-C, on Linux by other signals too.
 
 The emulator of Windows makes Ctrl-C of SIGINT."""

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Vendors that hang, crash, throw or end the program: named, and left behind."""
 
 import os

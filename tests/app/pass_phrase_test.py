@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Where pass phrases come from, and that nobody sees them."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """`devicediscover scan` when its output is no terminal."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """`devicediscover scan` on a terminal."""
 
 import fcntl

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the tests of commands for printers on USB share: a scripted PrinterAdapter beside the program
 too, and vendors that list USB identifiers."""
 

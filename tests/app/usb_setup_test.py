@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """`devicediscover setup --usb`: a printer's whole way onto the network, over its cable."""
 
 import os

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // arrival_at_exit MILLISECONDS: ends so long after the first of many printers that were plugged in
 // at once is taken up: the threads of the others wake, bind the vendors, look them up and report
 // while the process ends. Less than 0: ends while all of them still wait.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A part of an application that is loaded at run time, and brings the broker with it: who unloads
 // it unloads the broker.
 

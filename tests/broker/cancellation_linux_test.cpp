@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A vendor's thread that is cancelled while it is inside the library: it ends, and nothing else
 // does.
 

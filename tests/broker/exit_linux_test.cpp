@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The end of the process while the library looks something up and the logger takes its time: here
 // the library's objects are destroyed while the threads go on, elsewhere the threads are gone by
 // then.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The end of the process in the middle of a scan, and while printers are being plugged in.
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The end of the process on Windows, where the other threads are gone before libraries take
 // themselves down.
 

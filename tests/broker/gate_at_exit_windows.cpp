@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // gate_at_exit RECORD: ends while a thread is behind a gate that a library closes at the end.
 // RECORD then has how long that took, in milliseconds.
 

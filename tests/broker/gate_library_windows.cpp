@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The library of gate_at_exit: it has a gate, as the broker does, and closes it when the process
 // ends.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The order of members that the interface gives its classes and the application's records, and what
 // two private operations promise.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Whatever the logger does, and whatever the application's locale, an operation does the same.
 
 #include <locale>

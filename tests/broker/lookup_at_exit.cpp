@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // lookup_at_exit TEXT: ends while a thread looks up the vendor of a printer on USB and the logger
 // does not return from the line that begins with TEXT before the library's objects are gone. Its
 // status is 0 when the look-up then came to an end without a vendor, 1 when it had another result,

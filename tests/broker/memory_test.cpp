@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Memory that runs out at each point in turn: nothing crashes, nothing hangs, no lock stays held
 // and no module's reference is lost. The broker's sources are built into this program, so that its
 // allocations are the program's.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The broker with the application's own PrinterUtil: vendors from a list in a file, modules loaded
 // as the application loads them, and every line that comes of it.
 

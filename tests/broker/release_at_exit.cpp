@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // release_at_exit scan|access-point|usb RECORD: that family's dispatcher binds a list of vendors
 // with everything a list can hold and ends; RECORD then names the modules that the broker gave
 // back, in order, each with what the dispatcher answered at that moment, and then what every

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the dispatcher gives back when the process ends, and how it answers from then on.
 
 #include "tests/support/broker_test.h"

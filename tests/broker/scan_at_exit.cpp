@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // scan_at_exit [MILLISECONDS]: ends while scans of printers run in three modules and scans of Wi-Fi
 // networks in one of them, each with the threads that its script gives it.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The scripted vendors' own promises: what the other tests rely on.
 
 #include <chrono>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Everything at once, many times over; the sanitizers watch.
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The system has no thread to give: what a start does then.
 
 #include <dlfcn.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // unload_in_the_middle WHAT: loads the broker at run time, has it do something, unloads it in the
 // middle, and goes on until all that was begun has come to its end. WHAT is "printers", "networks",
 // "monitor", or "nothing", which shows that a broker without threads can be unloaded.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A program that loads the library at run time, and unloads it while its threads run.
 
 #include <fstream>

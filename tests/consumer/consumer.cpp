@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Links to the installed library by name, runs a scan with the vendor list that its argument names,
 // and prints each printer once it is reported.
 

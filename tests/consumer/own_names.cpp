@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // An application with functions that have the names of another system's: the headers take none of
 // them.
 

@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""Checks what the documents say against the tree: links, paths, commands, quoted messages and programs.
+# SPDX-License-Identifier: Apache-2.0
+"""Checks what the documents say against the tree: links, paths, commands, quoted messages and programs; and that
+each source names its licence.
 
 usage: check_docs.py [SOURCE]    SOURCE: the top of the project (default: that of this script)
 
@@ -25,6 +27,8 @@ PATH = re.compile(r"(?:\.ci|\.github|app|base|bench|broker|cmake|demo|docs|host|
 PLACEHOLDER = re.compile(r"NAME|FOLDER")
 COMMAND = re.compile(r"devicediscover ((?:[a-z]+ ?)+)")
 OPTION = re.compile(r"--[a-z][a-z-]+")
+SOURCE = re.compile(r"\.(h|cpp|py|cmake)$|^CMakeLists\.txt$")
+LICENCE = "SPDX-License-Identifier: Apache-2.0"
 LITERALS = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 MESSAGE_ROW = re.compile(r"^\| `([^`]+)` \|", re.MULTILINE)
 
@@ -108,6 +112,17 @@ def changed_programs(top, path, text):
             yield f"{path}: differs from docs/{links[-1]}: {match.group(2).splitlines()[0]}"
 
 
+def unlicensed(top):
+    """Sources whose first lines do not name their licence."""
+    for folder, folders, names in os.walk(top):
+        if folder == top:
+            folders[:] = [name for name in folders if name not in (".git", "build")]
+        for name in sorted(names):
+            path = os.path.relpath(os.path.join(folder, name), top)
+            if SOURCE.search(name) and LICENCE not in read(top, path)[:200]:
+                yield f"{path}: does not begin with {LICENCE}"
+
+
 def main(arguments):
     here = os.path.dirname(os.path.abspath(__file__))
     top = os.path.abspath(arguments[0] if arguments else os.path.join(here, "..", ".."))
@@ -123,6 +138,7 @@ def main(arguments):
             found += unknown_messages(path, text, said)
         if path == GUIDE:
             found += changed_programs(top, path, text)
+    found += unlicensed(top)
     for complaint in found:
         print(complaint)
     print(f"documents: {count} files, {len(found)} complaints")

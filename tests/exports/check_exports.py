@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Compares what the library exports with the list in the repository.
 
 usage: check_exports.py elf LIBRARY LIST     names that a built libDeviceDiscover.so exports

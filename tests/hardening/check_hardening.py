@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Checks that every program and library of a build tree is hardened.
 
 usage: check_hardening.py BUILD    BUILD: a release build tree, for Linux or Windows

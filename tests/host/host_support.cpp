@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/host/host_support.h"
 
 #include <gtest/gtest.h>

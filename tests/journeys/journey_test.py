@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A new printer from its own network onto the office's, as a person goes about it: the application
 with the list and the modules beside it, a printer that speaks the standard, and this host's Wi-Fi
 as a simulated NetworkManager tells of it.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A printer that is plugged in, as a person goes about it: the application with the list and the
 modules beside it, the system's own device libraries over simulated devices, and a printer that
 speaks the standard behind a bridge on this host.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Checks who includes whom, and who knows an operating system or a compiler.
 
 usage: check_layering.py [SOURCE]    SOURCE: the top of the project (default: that of this script)

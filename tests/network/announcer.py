@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Announces services by mDNS as one chooses, from any address of its network; serves printers.
 
 usage: announcer.py --network INTERFACE_ADDRESS < COMMANDS

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A printer that behaves as a test wants it to: announces one service and serves it.
 
 usage: fake_printer.py --name NAME --type TYPE --port PORT [--txt KEY=VALUE ...]

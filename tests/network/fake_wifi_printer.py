@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A printer in its own network, or behind a bridge for USB, that behaves as a test wants it to. Writes one line an event:
 "ready", "given NAME PASS-PHRASE tls|plain" in hexadecimal digits, "vanishes".
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The network that scripts/lab-network made, and processes in it that tell what happens."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the built modules need of others, and what they give.
 
 usage: module_test.py DRIVERLESS_SCAN DRIVERLESS

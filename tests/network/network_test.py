@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The driverless module on a real network: real printers, Avahi and D-Bus in namespaces.
 
 Runs inside scripts/lab-network, on the browsing side. The environment names what is tested:

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """An office's Wi-Fi and a new printer beside it, on the network that scripts/lab-network made.
 
 The network there is first the printer's own; when everybody has moved it is the office's, where

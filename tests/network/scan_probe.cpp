@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Drives a scan for the network tests, through the broker or, with --module, a module's entry
 // points directly. Takes one command a line from standard input and writes one JSON object a line:
 // what was found, what was returned, and the seconds since the last start.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Drives the entry points for a printer's own network, and for one on USB, for the network tests:
 // through the broker or, with --module, a module's directly. Takes one JSON object a line from
 // standard input and writes one a line: what was reported, what was returned, and the seconds that

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Putting a printer on Wi-Fi through its own network: a printer that speaks the standard, this
 host's Wi-Fi as a simulated NetworkManager tells of it, and the real module between them.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Simulated printers on USB. The environment names USB_BED, the program that has them, and
 WITH_SIMULATED_USB, the launcher for programs that are to see them."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Putting a printer on Wi-Fi over USB: a printer that speaks the standard, reached on this host as
 through a bridge for printers on USB, and the real module.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A printer that waits to be put on a Wi-Fi network, made with a printer framework of its own. It
 // writes one line an event to standard output: "ready", "given NAME PASS-PHRASE" in hexadecimal
 // digits, "state NUMBER". It must run in network and UTS namespaces of its own.

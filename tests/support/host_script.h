@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // What the scripted PrinterDiscoverAPI and PrinterAdapter do, as a file says it: for tests that

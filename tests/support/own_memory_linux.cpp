@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/support/own_memory_linux.h"
 
 #include <fcntl.h>

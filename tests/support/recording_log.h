@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The recording LogHelper: keeps every line that the broker hands to the logger.

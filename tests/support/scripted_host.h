@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The scripted PrinterDiscoverAPI: pings, the host's Wi-Fi and its USB ports answer what the test

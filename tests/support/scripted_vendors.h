@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The scripted PrinterUtil: its vendor list is what the test says, its modules are the scripted

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Simulated USB devices for a program that asks for them line by line:
 //
 //     plug PLACE SERIAL [VENDOR-ID PRODUCT-ID [CLASS [silent]]]      numbers in hexadecimal digits

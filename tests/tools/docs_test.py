@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the check of the documents says of good ones and of bad ones."""
 
 import os
@@ -11,9 +12,9 @@ CHECK = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "docs", "
 
 GOOD = {
     "README.md": "See [the guide](docs/application-guide.md), `app/main.cpp` and `devicediscover scan --json`.\n",
-    "app/main.cpp": 'Add("scan");\nAdd("--json");\nSay("no printer at " +\n    "all: " + reason);\n',
+    "app/main.cpp": '// SPDX-License-Identifier: Apache-2.0\nAdd("scan");\nAdd("--json");\nSay("no printer at " +\n    "all: " + reason);\n',
     "docs/application-guide.md": "[scan](examples/scan.cpp)\n\n```cpp\nint main() {}\n```\n",
-    "docs/examples/scan.cpp": "// A scan.\nint main() {}\n",
+    "docs/examples/scan.cpp": "// SPDX-License-Identifier: Apache-2.0\n// A scan.\nint main() {}\n",
     "docs/troubleshooting.md": "| it says | it means |\n|---|---|\n| `no printer at …: …` | none |\n",
 }
 
@@ -67,6 +68,10 @@ class Docs(unittest.TestCase):
         shutil.rmtree(self.top)
         os.makedirs(self.top)
         self.assertEqual(self.check()[0], 1)
+
+    def test_a_source_without_a_licence_is_named(self):
+        self.refuses("app/main.cpp", "// SPDX-License-Identifier: Apache-2.0\n", "",
+                     "app/main.cpp: does not begin with SPDX-License-Identifier: Apache-2.0")
 
 
 if __name__ == "__main__":

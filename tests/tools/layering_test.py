@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the check of the layers finds, and what it lets pass."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the benchmarks' report makes of complete, bad and missing measurements."""
 
 import json

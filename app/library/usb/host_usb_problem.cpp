@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "app/library/usb/host_usb_problem.h"
 
 #include <array>

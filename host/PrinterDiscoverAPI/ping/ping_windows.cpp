@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The system's headers need this order.
 #include "platform/os.h"
 

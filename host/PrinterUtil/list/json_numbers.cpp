@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterUtil/list/json_numbers.h"
 
 #include <algorithm>

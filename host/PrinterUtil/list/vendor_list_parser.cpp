@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterUtil/list/vendor_list_parser.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterUtil/modules/loading_note.h"
 
 #include <algorithm>

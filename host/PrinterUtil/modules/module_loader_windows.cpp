@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterUtil/modules/module_loader.h"
 
 #include <cstring>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterUtil/modules/system_message_windows.h"
 #include "host/PrinterUtil/modules/trusted_file.h"
 #include "host/PrinterUtil/modules/vouched_folders_windows.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterUtil/modules/vouched_folders_windows.h"
 
 #include "platform/os.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterUtil/modules/write_access_windows.h"
 
 // After the system's own header, which they need.

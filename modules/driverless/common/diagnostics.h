@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The module's own diagnostics: one line for each event, "driverless: ...". Problems go to standard

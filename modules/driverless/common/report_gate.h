@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Passes a scan's reports, one at a time, until the gate is closed.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Decides which announced addresses are queried. Anybody on the network may announce any address,

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Tells of an Avahi that stops answering in the midst of a scan. Knows no clock: it is told what

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Reports once that Avahi does not answer. Also reports when the scan is stopped before the module

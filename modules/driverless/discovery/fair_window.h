@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Shares a limited number of running work items fairly among owners. Knows no clock: callers pass

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The printers that the module remembers between calls, by serial number. Printers with the same

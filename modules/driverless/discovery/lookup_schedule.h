@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Decides when to look up which announced service. Knows neither network nor clock.

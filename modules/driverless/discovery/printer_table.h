@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Decides which announcements belong to one printer, what to ask it, and when to report it. Knows

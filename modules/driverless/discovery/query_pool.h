@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Queries several printers at once, each on a thread that can be abandoned, so that a printer that

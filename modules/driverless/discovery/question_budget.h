@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Limits the queries that all scans of a process run at once. Each query takes a thread and a

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "modules/driverless/discovery/running_scans.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Reads a printer's attributes and sends its Wi-Fi settings, over IPP.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The schedule for querying a printer repeatedly until it answers or the time is over. Knows no

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Decides how long to query the printer in the host's network. Right after the host has joined the

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The host's own Wi-Fi, through the application's library PrinterDiscoverAPI. Its service may hang,

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Decides whether a printer has joined its new network, from the states that it reports. Knows no

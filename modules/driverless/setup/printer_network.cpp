@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "modules/driverless/setup/printer_network.h"
 
 #include <algorithm>

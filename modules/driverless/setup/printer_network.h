@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Recognises networks that may be a printer's own. The name only decides whether to query the

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Finds printers on USB behind a bridge on this host, such as ipp-usb, which makes them reachable

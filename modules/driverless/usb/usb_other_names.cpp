@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "modules/driverless/usb/usb_other_names.h"
 
 #include <algorithm>

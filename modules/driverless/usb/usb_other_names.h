@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The other serial number of a printer on USB. Its record has the serial number of its USB

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/base/ipp/ipp_bytes.h"
 
 namespace BaseTest {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "base/ipp/ipp_request.h"
 
 #include <gtest/gtest.h>

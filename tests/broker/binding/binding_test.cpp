@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How the scan dispatcher's table of vendors comes about.
 
 #include <atomic>

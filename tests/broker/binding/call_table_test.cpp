@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The table of the vendors' calls: its rows, and who finds none.
 
 #include "broker/binding/call_table.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A module with every entry point of every family, to be looked up.
 
 #include "VendorSdk/entry_points.h"

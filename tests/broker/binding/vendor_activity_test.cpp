@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the application is told about the calls of the vendors' entry points.
 
 #include "DeviceDiscover/vendor_activity.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tables of all three families: what is looked up, in which order, into which slot, what is
 // logged, and how a table is released.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The host's own side of a network: ping and Wi-Fi.
 
 #include "tests/support/broker_test.h"

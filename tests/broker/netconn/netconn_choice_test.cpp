@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Which vendor serves an operation: the one whose access point the host is joined to.
 
 #include <functional>

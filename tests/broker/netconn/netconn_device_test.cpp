@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The operations of the access-point family that carry a record.
 
 #include <cstring>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The way into the access-point family: what it says before it forwards.
 
 #include <cstring>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The listener between a vendor's networks and the application's callback.
 
 #include <cstring>

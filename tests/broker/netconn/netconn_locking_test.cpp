@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What waits for what in the access-point family: start and stop for each other, nothing else.
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Starting and stopping a Wi-Fi scan through a printer's access point.
 
 #include <atomic>

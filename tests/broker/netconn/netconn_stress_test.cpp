@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The access-point family from many threads at once; the sanitizers watch.
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "broker/records/field_text.h"
 
 #include <gtest/gtest.h>

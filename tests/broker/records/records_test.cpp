@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The records' layout and the conversions of the built library.
 
 #include <bit>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The four operations on one device, through each layer that offers them.
 
 #include <cstring>

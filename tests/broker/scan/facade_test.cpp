@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Starting and stopping a scan through the facade and the free functions.
 
 #include "tests/support/application.h"

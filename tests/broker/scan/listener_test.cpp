@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The listener between the vendors' reports and the application's callback.
 
 #include <cstring>

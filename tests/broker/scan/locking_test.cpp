@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What waits for what: start and stop for each other, and nothing else for anything.
 
 #include <chrono>

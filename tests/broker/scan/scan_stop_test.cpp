@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // StopDeviceScan of the dispatcher.
 
 #include "tests/support/application.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The interfaces of the printer SDK and the shells around XML nodes. The virtual tables are called
 // slot by slot: whoever was built with another compiler's idea of the header relies on their order.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How the USB dispatcher's tables come about: the vendors', and that of the hardware identifiers.
 
 #include <atomic>

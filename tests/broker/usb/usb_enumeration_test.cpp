@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The printers behind one USB hardware identifier.
 
 #include <cstring>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The way into the USB family: what it says, and what it does with the adapter's printers and the
 // host's ports.
 

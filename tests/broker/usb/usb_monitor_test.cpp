@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A printer is plugged in: its records reach the application a second later.
 
 #include <atomic>

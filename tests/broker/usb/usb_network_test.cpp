@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The networks that a printer on USB sees, and putting it on one of them.
 
 #include <cmath>

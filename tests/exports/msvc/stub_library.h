@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Stands for Microsoft's standard library where only names and sizes matter: its class and struct
 // tags, its template parameters, and the sizes and alignments of its release build for 64-bit
 // Windows.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Stands for the system's header where only names and sizes matter.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #define EXIT_LOGGER_BUILDING
 #include "tests/host/LogHelper/exit_logger.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // log_and_end FILE HOW: logs an error and many lines that need not be in the file yet, and ends.
 //
 // HOW: crash-at-once, with a handler, before the first line is in the file; exit, by its main

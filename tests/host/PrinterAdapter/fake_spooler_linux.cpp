@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/host/PrinterAdapter/fake_spooler_linux.h"
 
 #include <poll.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterAdapter/instance_id.h"
 
 #include <gtest/gtest.h>

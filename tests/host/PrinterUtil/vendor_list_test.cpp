@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/host/PrinterUtil/printer_util_fixture.h"
 
 namespace {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The entry points with what makes no sense, and without any network.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Memory that runs out on the threads on which the module asks others.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is left of a pass phrase in the memory of a process that has offered it to a printer that
 // refuses it, quoting it.
 

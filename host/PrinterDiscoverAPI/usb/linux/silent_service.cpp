@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterDiscoverAPI/usb/linux/silent_service.h"
 
 #include <algorithm>

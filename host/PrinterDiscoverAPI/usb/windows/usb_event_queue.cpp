@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterDiscoverAPI/usb/windows/usb_event_queue.h"
 
 namespace PrinterDiscoverAPI {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterDiscoverAPI/wifi/linux/bus_use_linux.h"
 
 #include <sdbus-c++/sdbus-c++.h>

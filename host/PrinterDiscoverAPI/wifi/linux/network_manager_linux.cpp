@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterDiscoverAPI/wifi/linux/network_manager_linux.h"
 
 #include <poll.h>

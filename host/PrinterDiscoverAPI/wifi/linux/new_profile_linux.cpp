@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterDiscoverAPI/wifi/linux/new_profile_linux.h"
 
 #include <systemd/sd-bus.h>

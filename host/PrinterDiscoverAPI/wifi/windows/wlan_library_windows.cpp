@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterDiscoverAPI/wifi/windows/wlan_library_windows.h"
 
 #include "host/PrinterDiscoverAPI/wifi/wifi_service.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <linux/capability.h>
 #include <signal.h>
 #include <sys/resource.h>

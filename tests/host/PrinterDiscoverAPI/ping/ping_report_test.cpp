@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is logged of pings that fail, with the system's side played by the test.
 
 #include "host/PrinterDiscoverAPI/ping_report.h"

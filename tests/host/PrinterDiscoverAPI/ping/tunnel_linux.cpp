@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/host/PrinterDiscoverAPI/ping/tunnel_linux.h"
 
 #include <arpa/inet.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/host/PrinterDiscoverAPI/usb/registered_usb_windows.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/host/PrinterDiscoverAPI/usb/scripted_cfgmgr32_windows.h"
 
 #include <cfgmgr32.h>

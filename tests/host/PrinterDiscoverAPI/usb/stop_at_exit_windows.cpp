@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "platform/PrinterDiscoverAPI/PrinterUsbDeviceManager.h"
 
 // A library that stops the monitor when the process ends.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterDiscoverAPI/usb/usb_printer_table.h"
 
 #include <gmock/gmock.h>

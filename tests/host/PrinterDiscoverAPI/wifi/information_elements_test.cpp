@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "host/PrinterDiscoverAPI/wifi/windows/information_elements.h"
 
 #include <gtest/gtest.h>

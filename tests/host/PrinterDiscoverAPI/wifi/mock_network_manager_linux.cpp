@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/host/PrinterDiscoverAPI/wifi/mock_network_manager_linux.h"
 
 #include <signal.h>

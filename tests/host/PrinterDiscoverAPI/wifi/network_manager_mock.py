@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A simulated NetworkManager whose scans take time and whose networks want pass phrases.
 
 A template for python-dbusmock, over the one that comes with it. Networks are told, through the

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // The Wi-Fi library that stands for the system's, and what a test tells it. Both sides are built

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "VendorSdk/entry_points.h"
 
 extern "C" VendorSdk::StartDeviceScanFunction StartDeviceScan;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the questions of several scans take of one process.
 
 #include <fcntl.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The parts of setting up a printer that need no network, and its entry points with what makes no
 // sense.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How long, and how often, a printer is asked right after the host has joined its network.
 
 #include <gtest/gtest.h>

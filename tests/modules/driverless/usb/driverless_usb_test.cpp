@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The printers on USB, by the system's own USB library over simulated devices.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Which of this host's programs is the bridge to a printer on USB, and the USB entry points that
 // need no device.
 
