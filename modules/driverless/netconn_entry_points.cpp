@@ -28,7 +28,7 @@ namespace {
 
 using namespace Driverless;
 
-// How long the application has to come back from its callback.
+// The time that the application's callback has to return.
 constexpr std::chrono::milliseconds kPatienceWithCallback{2000};
 
 int DescribePrinter(VendorSdk::DeviceInfo& device) {

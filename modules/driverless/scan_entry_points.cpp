@@ -30,11 +30,11 @@ namespace {
 
 using namespace Driverless;
 
-// How long the application has to come back from its callback.
+// The time that the application's callback has to return.
 constexpr std::chrono::milliseconds kPatienceWithCallback{2000};
 constexpr std::chrono::milliseconds kPatienceForAddress{2000};
 
-// What a scan or a lookup found of the record's printer, else what the record itself says.
+// The remembered printer of the record, else the printer from the record itself.
 Printer PrinterOf(const VendorSdk::DeviceInfo& record) {
     const Printer printer = FromRecord(record);
     return KnownPrinters().Find(printer).value_or(printer);
@@ -46,7 +46,7 @@ int LookUpAddress(const VendorSdk::DeviceInfo& record) {
         return kUnknownPrinter;
     }
     if (printer.id.kind == ServiceKind::None) {
-        return kOk;  // all there is stands in the record
+        return kOk;  // only the record is known
     }
     const auto service = ResolveAgain(printer.id, kPatienceForAddress);
     if (!service) {
@@ -73,7 +73,7 @@ int Keep(const VendorSdk::DeviceInfo& record) {
 int RunScan(VendorSdk::DeviceCallbackInfo* info) {
     const auto report = [info](const Printer& printer) {
         const VendorSdk::DeviceInfo record = ToRecord(printer);
-        // The application may register anew at any time.
+        // The application may change its registration at any time.
         const auto callback = std::atomic_ref(info->callback).load();
         if (callback != nullptr) {
             callback(&record);

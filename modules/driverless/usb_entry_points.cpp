@@ -30,7 +30,7 @@ using namespace Driverless;
 constexpr std::size_t kRoomForDevices = 64;
 constexpr std::size_t kRoomForNetworks = 128;
 
-// A fresh look at what is in range takes its time.
+// A new scan takes some seconds.
 constexpr std::chrono::milliseconds kPatienceForNetworks{12000};
 constexpr std::chrono::milliseconds kPatienceForCurrent{1000};
 
@@ -52,7 +52,7 @@ int DescribePrinters(std::uint16_t productId, std::uint16_t vendorId,
 int DescribeNetworks(int weakest, VendorSdk::WifiConfigInfo* networks, std::int32_t& count) {
     const auto current = CurrentNetwork(kPatienceForCurrent);
     const auto inRange = NetworksInRange(kPatienceForNetworks);
-    // A service that hangs may also end in no networks.
+    // A service that hangs may also return no networks.
     if (!inRange || (inRange->empty() && !current)) {
         ReportProblem("the host's Wi-Fi service does not answer");
         return kNoWifiAnswer;

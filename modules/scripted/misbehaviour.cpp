@@ -33,12 +33,12 @@ constexpr Name kNames[] = {
     {"hang", Misbehaviour::Hang},
 };
 
-// An address that nobody has. Null itself would be seen by a sanitizer, before the processor sees
-// it.
+// An unmapped address. A sanitizer would detect null before the processor does.
 char* volatile nowhere = reinterpret_cast<char*>(8);
 volatile int depth = 0;
 
-// Each call needs its own piece of the stack, which it uses after the call that it makes.
+// Each call needs its own part of the stack and uses it after its inner call, so that no call is
+// optimised away.
 int UseUpTheStack(const volatile char* caller) {
     volatile char piece[4096];
     piece[0] = *caller;

@@ -19,7 +19,7 @@ int Answer(const char* entryPoint, const Record* record) {
     return vendor ? vendor->Answer(entryPoint, record, sizeof *record) : 0;
 }
 
-// A stop is answered first: until then the scans of its kind run on.
+// Answers the stop first; the scans of its kind run until then.
 int Stop(const char* entryPoint, void (Vendor::*stop)()) {
     const Presence vendor;
     if (!vendor) {
@@ -125,7 +125,7 @@ int PrinterUSBNetConfigEvent(const VendorSdk::DeviceInfo* device,
     const int result = vendor ? vendor->Answer("PrinterUSBNetConfigEvent", device, network,
                                                &setting, sizeof setting)
                               : 0;
-    // What a forgetful one has not kept must not stay here.
+    // A forgetful module must not keep the arguments here either.
     volatile char* const passPhrase = setting.network.pwd;
     for (std::size_t at = 0; at < sizeof setting.network.pwd; ++at) {
         passPhrase[at] = 0;

@@ -9,7 +9,7 @@ namespace ScriptedVendor {
 
 namespace {
 
-// None of these has a destructor that would run while a scan still does.
+// None of these has a destructor: it could run while a scan still runs.
 alignas(Vendor) unsigned char storage[sizeof(Vendor)];
 std::atomic<Vendor*> made{nullptr};
 std::atomic<int> present{0};
@@ -24,7 +24,7 @@ Vendor* TheVendor() {
     return vendor;
 }
 
-// Takes the vendor along when the module goes and nobody is in it.
+// Destroys the vendor when the module is unloaded and no call is inside.
 struct Departure {
     ~Departure() {
         gone = true;

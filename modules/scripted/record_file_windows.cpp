@@ -9,7 +9,7 @@ namespace ScriptedVendor {
 
 namespace {
 
-// Nobody else may have the file open for writing meanwhile: who comes second tries again.
+// Opens the file so that no other writer can; if another has it open, tries again.
 HANDLE OpenAlone(const std::string& path) {
     for (int attempt = 0; attempt < 5000; ++attempt) {
         const HANDLE file = CreateFileA(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr,

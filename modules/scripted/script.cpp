@@ -123,7 +123,7 @@ Misbehaviour MisbehaviourNamed(const std::string& word) {
     return *named;
 }
 
-// One that writes records and says how many.
+// The name of an entry point that writes records and their number.
 std::string CountingEntryPointName(const std::string& word) {
     if (EntryPointName(word) != "GetDeviceInfoByUsb" && word != "USBWifiScan") {
         Refuse(Quoted(word) + " writes no count");

@@ -99,7 +99,7 @@ int Vendor::Scan(VendorSdk::WifiCallbackInfo* info) {
 template <class Info, class Record>
 int Vendor::Scan(ScanKind<Info, Record>& kind, Info* info) {
     std::unique_lock lock(mutex);
-    // A stop that comes from now on ends this scan, also while it is still delayed.
+    // A stop from now on ends this scan, even while the scan is still delayed.
     const unsigned since = kind.stops;
     kind.registration = info;
     ++runningScans;
@@ -199,7 +199,7 @@ void Vendor::ReportAfterStop(const Kind& kind) {
 }
 
 int Vendor::FillDevice(VendorSdk::DeviceInfo* device) {
-    // What the record holds so far means nothing: only its address is noted.
+    // The record's contents are undefined: only its address is recorded.
     const int result = Answer("GetDeviceInfoByNet", device, 0);
     const std::lock_guard lock(mutex);
     if (!script.devices.empty()) {

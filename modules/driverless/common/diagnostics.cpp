@@ -21,8 +21,8 @@ namespace Driverless {
 
 namespace {
 
-// A pipe whose reader is gone does not end the process, whatever that has made of SIGPIPE: the
-// signal goes to the thread that writes, and is taken back there.
+// A closed pipe does not end the process, whatever its SIGPIPE handling: the signal goes to the
+// writing thread, which consumes it.
 void WriteLine(int file, const std::string& message) {
     const std::string line = "driverless: " + CleanText(message) + "\n";
     sigset_t brokenPipe;
@@ -40,8 +40,7 @@ void WriteLine(int file, const std::string& message) {
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
-// A FIFO without a reader is refused at once, and one whose reader is slow loses lines: the host
-// waits for neither.
+// A FIFO without a reader is refused at once, and a slow reader loses lines: the host never waits.
 int OpenLogFile() {
     const auto [path, ignored] = Base::ReadEnvironment("DRIVERLESS_LOG");
     if (!ignored.empty()) {
@@ -60,7 +59,7 @@ int OpenLogFile() {
     return file;
 }
 
-// Opened on first use and kept: lines may come until the process is gone.
+// Opened on first use and never closed: lines may be written until the process is gone.
 int LogFile() {
     static const int file = OpenLogFile();
     return file;

@@ -21,7 +21,7 @@ bool IsContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-// The length that a first byte announces; 0 for a byte that begins nothing.
+// The sequence length that a first byte announces; 0 for an invalid first byte.
 std::size_t AnnouncedLength(unsigned char first) {
     if (first < 0x80) {
         return 1;

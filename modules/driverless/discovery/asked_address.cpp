@@ -13,7 +13,8 @@ namespace {
 constexpr std::uint32_t kLoopback = 127;
 constexpr std::uint32_t kFirstMulticast = 224;  // and reserved ones, up to the broadcast address
 
-// The first and the last address of a network are no host's, unless the network has but two.
+// The first and the last address of a network do not belong to a host, unless the network has only
+// two.
 bool IsHostOf(const OwnNetwork& network, std::uint32_t address) {
     const std::uint32_t part = address & ~network.mask;
     const bool small = ~network.mask <= 1;

@@ -37,17 +37,17 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// How long the end of a watch is waited for. Only an Avahi or D-Bus that hangs takes longer, and
-// then the watch ends by itself later.
+// How long to wait for the end of a watch. It takes longer only if Avahi or D-Bus hangs; the watch
+// then ends later by itself.
 constexpr std::chrono::milliseconds kPatienceAtEnd{500};
 
-// How long the host's networks are taken to stay the same.
+// How long the host's networks are cached.
 constexpr std::chrono::milliseconds kNetworksAreKnown{1000};
 
-// Lines about addresses that are left out, so that no one fills the disk.
+// The limit for lines about left-out addresses, so that a hostile host cannot fill the disk.
 constexpr int kMaxLeftOutLines = 100;
 
-// The keys that say something of a printer. The rest may be long.
+// The keys that are used. Others may be long and are dropped.
 constexpr std::array kKnownKeys{"uuid", "ty", "usb_mfg", "usb_mdl", "product", "rp"};
 
 // How often Avahi is asked whether it still answers.
@@ -154,13 +154,13 @@ class DnssdBrowser::Watch {
 public:
     explicit Watch(Listener eventListener) : listener(std::move(eventListener)) {}
 
-    // Looks that one service up, and nothing else.
+    // Looks up only that service.
     Watch(Listener eventListener, const ServiceId& lookedFor)
         : listener(std::move(eventListener)), only(lookedFor) {}
 
     void Run();
 
-    // Ends the watch, and waits a little for it.
+    // Ends the watch and waits up to kPatienceAtEnd for it.
     void Close();
 
     void Answered(const ServiceId& id);
@@ -215,13 +215,13 @@ private:
     AvahiTimeout* ping = nullptr;
     std::unique_ptr<AvahiClient, FreeClient> client;
     bool browsing = false;
-    int refusals = 0;  // one after the other
+    int refusals = 0;  // consecutive ones
     bool saidRefused = false;
     int leftOutLines = 0;
     std::size_t unsettled = 0;
     std::map<ServiceId, AvahiServiceResolver*> resolvers;
     LookupSchedule schedule;
-    // Of one interface, for a moment: many services come by it at once.
+    // The networks of one interface, cached for a moment: many services arrive on it at once.
     std::vector<OwnNetwork> networks;
     int networksOf = -1;
     Clock::time_point networksUntil;
@@ -231,12 +231,12 @@ private:
     std::mutex mutex;
     std::condition_variable changed;
     Signal signal = Signal::None;
-    std::vector<ServiceId> answered;  // not yet told to the schedule
+    std::vector<ServiceId> answered;  // not yet passed to the schedule
     bool ended = false;
 };
 
-// Calls `function`. Without memory for what it has to tell, the watch has failed: nothing is thrown
-// through Avahi, nor out of a thread.
+// Calls `function`. If memory runs out, the watch fails: no exception may pass through Avahi or
+// leave a thread.
 template <typename Function>
 void DnssdBrowser::Watch::Guard(Function function) noexcept {
     try {
@@ -478,7 +478,7 @@ void DnssdBrowser::Watch::LookUp() {
     SetTimer(schedule.Next(Clock::now()));
 }
 
-// When Avahi refuses one, the others wait as well.
+// Begins the look-ups. After Avahi has refused one, the others wait as well.
 void DnssdBrowser::Watch::Begin(const std::vector<ServiceId>& ids) {
     bool refused = false;
     for (const ServiceId& id : ids) {
@@ -495,7 +495,7 @@ void DnssdBrowser::Watch::Begin(const std::vector<ServiceId>& ids) {
     }
 }
 
-// False when Avahi refuses, now, to look it up.
+// False when Avahi refuses the look-up for now.
 bool DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id) {
     ForgetResolver(id);
     AvahiServiceResolver* const resolver = avahi_service_resolver_new(
@@ -508,8 +508,8 @@ bool DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id) {
     return true;
 }
 
-// A problem when it happens again, and told once: what is refused one service is refused many. The
-// first time it may only be that Avahi is about to end, which is told by itself.
+// Reports a refusal once, and only after a second one: many services are refused for the same
+// reason. The first refusal may only mean that Avahi is ending, which is reported separately.
 void DnssdBrowser::Watch::SayRefused(const ServiceId& id, int error) {
     const std::string message = "Avahi does not look up " + id.name + "." + TypeName(id.kind) +
                                 ", and is asked again: " + avahi_strerror(error);
@@ -520,8 +520,8 @@ void DnssdBrowser::Watch::SayRefused(const ServiceId& id, int error) {
     }
 }
 
-// A resolver that failed is kept as long as there is room: it goes on listening, and the service
-// may still answer.
+// A failed resolver is kept while there is room: it continues to listen, and the service may still
+// answer.
 void DnssdBrowser::Watch::ResolvedService(AvahiServiceResolver*, AvahiIfIndex interface,
                                           AvahiProtocol, AvahiResolverEvent event, const char* name,
                                           const char* type, const char* domain, const char* host,
@@ -534,7 +534,7 @@ void DnssdBrowser::Watch::ResolvedService(AvahiServiceResolver*, AvahiIfIndex in
             watch->NotFound();
             return;
         }
-        // Port 0 says that the name is taken and the protocol not spoken.
+        // Port 0 means that the name is reserved and the protocol not supported.
         const bool usable = address != nullptr && port != 0;
         watch->Found({name, domain, KindOf(type), interface},
                      {host == nullptr ? "" : host, usable ? AddressText(*address) : "", port,
@@ -634,7 +634,7 @@ std::optional<std::chrono::steady_clock::time_point> DnssdBrowser::WaitsSince() 
 
 namespace {
 
-// One question to a browser of its own.
+// One look-up with its own browser.
 struct Lookup {
     std::mutex mutex;
     std::condition_variable changed;
@@ -646,7 +646,7 @@ struct Lookup {
 
 std::optional<Service> ResolveAgain(ServiceId id, std::chrono::milliseconds patience) {
     const auto lookup = std::make_shared<Lookup>();
-    id.interface = AVAHI_IF_UNSPEC;  // it may have moved to another
+    id.interface = AVAHI_IF_UNSPEC;  // it may have moved to another interface
     const auto take = [lookup](DnssdEvent event) {
         const bool found = event.kind == DnssdEvent::Kind::Resolved;
         const bool failed =

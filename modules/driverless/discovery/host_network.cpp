@@ -25,8 +25,8 @@ std::uint32_t NumberOf(const sockaddr* address) {
     return ntohl(internet.sin_addr.s_addr);
 }
 
-// Whether an interface that is up, has an IPv4 address and fits is there; true when that cannot be
-// told.
+// Whether there is an interface that is up, has an IPv4 address and fits; true when that cannot be
+// found out.
 template <class Fits>
 bool HasInterface(Fits fits) {
     ifaddrs* interfaces = nullptr;

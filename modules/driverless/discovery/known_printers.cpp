@@ -10,7 +10,7 @@ namespace Driverless {
 
 namespace {
 
-// One in its own network, or that only a record tells of, is not.
+// False for a printer in its own network, and for a printer known only from a record.
 bool IsAnnounced(const Printer& printer) {
     return !printer.id.domain.empty();
 }
@@ -21,9 +21,9 @@ PrinterMemory::Place PrinterMemory::PlaceOf(const Printer& printer) {
     return {printer.address, printer.port};
 }
 
-// The name decides where not both have a UUID: of all that are announced one only has it. A printer
-// that was not announced is the only one of its serial number; where several have it, the place
-// decides.
+// Compares UUIDs if both have one; else announced names, which are unique on the network. An
+// unannounced printer matches the only entry of its serial number, or else the entry with its
+// place.
 bool PrinterMemory::IsSame(const Entries& entries, const Entry& entry, const Printer& printer) {
     if (!entry.uuid.empty() && !printer.uuid.empty()) {
         return entry.uuid == printer.uuid;
@@ -93,8 +93,8 @@ void PrinterMemory::Remember(const Printer& printer) {
     }
 }
 
-// An eighth of these serial numbers' printers goes, for it takes a look at all of them: of the
-// address with the most, the oldest.
+// Drops an eighth of these serial numbers' printers at once, because it must examine all of them:
+// first the oldest of the address with the most printers.
 void PrinterMemory::MakeRoom(Printers::const_iterator first, Printers::const_iterator last) {
     std::map<std::string, std::vector<Ticket>> byAddress;
     std::size_t all = 0;

@@ -9,7 +9,7 @@ namespace Driverless {
 
 namespace {
 
-// A service that is never found is looked up ever more rarely.
+// The pause before a stopped look-up is repeated doubles at most this often.
 constexpr std::size_t kMaxDoublings = 4;
 
 }  // namespace
@@ -170,7 +170,7 @@ void LookupSchedule::TakeDue(Time now) {
     }
 }
 
-// Those that have lasted make room for those that wait, one for one.
+// Slow look-ups make room for waiting ones, one for one.
 void LookupSchedule::Exchange(Window& window, Time now, Work& work) {
     std::optional<ServiceId> old;
     do {

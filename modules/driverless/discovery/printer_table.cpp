@@ -20,12 +20,12 @@ std::string PathOf(const Service& service) {
     return entry == service.txt.end() ? std::string() : entry->second;
 }
 
-// Whether a question to the one is a question to the other.
+// Whether a query to one service reaches the other, too.
 bool IsSameEndpoint(const Service& one, const Service& other) {
     return one.address == other.address && one.port == other.port && PathOf(one) == PathOf(other);
 }
 
-// True when it was in the set, and is no more.
+// Erases the element; true when it was in the set.
 template <typename Set>
 bool Mark(Set& set, const typename Set::value_type& value, bool isIn) {
     if (isIn) {
@@ -68,7 +68,7 @@ void PrinterTable::Resolved(const ServiceId& id, const Service& service, Time no
     NoLongerPending(id);
 }
 
-// A service that is new in a row, or elsewhere than before, is another chance for an answer.
+// A service that is new in a row, or has moved, is another chance for an answer.
 void PrinterTable::Join(RowId id, const ServiceId& serviceId, const Service& service, Time now) {
     Row& row = rows.at(id);
     if (row.last) {
@@ -267,7 +267,7 @@ void PrinterTable::StartQuestions(Time now, Work& work) {
     }
 }
 
-// Asks what can be asked, waits for something better, or makes do with the announcement.
+// Queries the printer, waits for a better service, or reports the printer from its announcement.
 void PrinterTable::Consider(RowId id, Time now, Work& work) {
     const auto found = rows.find(id);
     if (found == rows.end() || found->second.services.empty()) {
@@ -370,7 +370,7 @@ bool PrinterTable::IsAnnounced(const Row& row, ServiceKind kind) const {
     return pendingKinds.count({row.name, kind}) > 0;
 }
 
-// Whether it may still be reported with an answer.
+// Whether the place may still be reported with an answer.
 bool PrinterTable::IsUndecided(const Row& row) const {
     return row.attributes ? !row.answerReported : !row.open.empty() || !row.unasked.empty();
 }
@@ -427,7 +427,8 @@ void PrinterTable::SetAlarm(RowId id, Row& row, std::optional<Time> time) {
     }
 }
 
-// With what the printer said over IPP, the service it said it over; without, the best there is.
+// Describes the service that answered, with its IPP attributes; without an answer, the best
+// service.
 Printer PrinterTable::DescribeRow(const Row& row) const {
     if (row.services.empty()) {
         return Describe(row.last->first, row.last->second, row.attributes);
@@ -563,7 +564,7 @@ void PrinterTable::Remove(RowId id) {
     changed.erase(id);
 }
 
-// What `left` is already told of `gone`, it is not asked again: one of them has answered.
+// If one of the rows has answered, the merged row is not queried again.
 void PrinterTable::Merge(RowId into, RowId from) {
     Row& left = rows.at(into);
     Row& gone = rows.at(from);
@@ -667,7 +668,7 @@ void PrinterTable::LeaveSpots(RowId id, const Row& row, const Service& service) 
     }
 }
 
-// Puts the row into those groups of its UUID that it belongs to now.
+// Puts the row into the groups of its UUID according to its state.
 void PrinterTable::File(RowId id) {
     const Row& row = rows.at(id);
     if (row.uuid.empty()) {
@@ -698,7 +699,7 @@ void PrinterTable::Unfile(RowId id) {
     }
 }
 
-// Of those that waited for another place, the ones that need not any more.
+// Wakes the rows that no longer have to wait for another place.
 void PrinterTable::Wake(Places& places, bool fewerUndecided) {
     if (fewerUndecided && !places.waiting.empty()) {
         changed.insert(places.waiting.begin()->second);
@@ -736,8 +737,9 @@ void PrinterTable::MakeRoomForService(const Row& row) {
     Detach(id);
 }
 
-// What is worth less goes first: a place that had its chance; one that lasts, the longest first;
-// one that was not asked yet, and then one that has answered, of both the latest first.
+// Places worth less are dropped first: places that have had their chance; then unanswered ones, the
+// longest-running first; then places not queried yet, and then places that have answered, both the
+// latest first.
 std::pair<int, std::int64_t> PrinterTable::WorthOfPlace(const Row& row) const {
     const auto rank = static_cast<std::int64_t>(row.rank);
     if (row.attributes) {
@@ -750,7 +752,8 @@ std::pair<int, std::int64_t> PrinterTable::WorthOfPlace(const Row& row) const {
                         : std::pair<int, std::int64_t>{2, -rank};
 }
 
-// The same of a place's services. Those that cannot be asked, or need not, are worth the least.
+// The same for the services of a place. Services that cannot or need not be queried are worth the
+// least.
 std::pair<int, PrinterTable::QueryId> PrinterTable::WorthOfService(const Row& row,
                                                                    const ServiceId& id) const {
     if (row.attributes && id == row.source) {

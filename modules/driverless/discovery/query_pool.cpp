@@ -21,7 +21,7 @@ struct QueryPool::State {
 
     struct Task {
         PrinterTable::Query query;
-        std::shared_ptr<IppQuery> running;  // null: there was no memory for it
+        std::shared_ptr<IppQuery> running;  // null: not enough memory
     };
 
     // A query that is under way until this object ends.
@@ -53,14 +53,14 @@ struct QueryPool::State {
     std::size_t threads = 0;
 };
 
-// One thread's work: it ends when nothing waits any more. What goes wrong with one question, for
-// want of memory, ends neither the thread nor the process.
+// The work of one thread, which ends when no query waits. If one query runs out of memory, neither
+// the thread nor the process ends.
 void QueryPool::State::Work() {
     while (const auto task = Take()) {
         try {
             Ask(*task);
         } catch (const std::exception& exception) {
-            // The answer that does not come is overdue in a moment.
+            // The missing answer will soon be overdue.
             ReportExhausted(exception);
         }
     }
@@ -127,7 +127,7 @@ QueryPool::~QueryPool() {
 void QueryPool::Start(const PrinterTable::Query& query) {
     const std::lock_guard lock(state->mutex);
     state->waiting.push_back(query);
-    // Without a further one, the threads that run take the query in their turn.
+    // Without another thread, the running threads take the query later.
     if (!QuestionBudget::OfProcess().Take(state->threads == 0)) {
         return;
     }

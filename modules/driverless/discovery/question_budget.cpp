@@ -14,7 +14,7 @@ namespace Driverless {
 
 namespace {
 
-// Taken although there may be fewer descriptors: a scan without questions is none.
+// Used even if fewer descriptors are free: a scan without queries is useless.
 constexpr std::size_t kMinQuestions = 8;
 
 }  // namespace
@@ -26,7 +26,7 @@ std::size_t FreeDescriptors() {
     if (failure || getrlimit(RLIMIT_NOFILE, &limit) != 0) {
         return 0;
     }
-    // The listing itself takes one of those that it shows.
+    // The listing itself uses one of the listed descriptors.
     rlim_t used = 0;
     for (; !failure && open != std::filesystem::directory_iterator(); open.increment(failure)) {
         ++used;

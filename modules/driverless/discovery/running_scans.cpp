@@ -11,7 +11,7 @@ namespace Driverless {
 
 namespace {
 
-// At exit the application's objects go one by one: nothing is reported to them any more.
+// During exit the application's objects are destroyed: no report may reach them any more.
 void AtExit() {
     RunningScans().StopAll(std::chrono::milliseconds(0));
     RunningNetworkScans().StopAll(std::chrono::milliseconds(0));
@@ -20,7 +20,7 @@ void AtExit() {
 
 }  // namespace
 
-// Keeps a scan listed until its Run ends, also by an exception.
+// Lists a scan until its Run ends, also by an exception.
 class ScanRegistry::Listing {
 public:
     Listing(ScanRegistry& inRegistry, const void* listener, const std::shared_ptr<Scan>& ofScan)

@@ -25,10 +25,10 @@ namespace Driverless {
 
 namespace {
 
-// Avahi and D-Bus are on this host: who has not answered by then does not work.
+// Avahi and D-Bus run on this host: without an answer within this time they do not work.
 constexpr std::chrono::milliseconds kPatienceForAvahi{3000};
 
-// Lines about printers that are left out, so that no one fills the disk.
+// The limit for lines about left-out printers, so that a hostile host cannot fill the disk.
 constexpr int kMaxLinesOfLeftOut = 100;
 
 struct Answer {
@@ -49,11 +49,11 @@ std::string Summary(const Printer& printer) {
 
 }  // namespace
 
-// What the other threads have to say to the one in Run. Outlives the session while any of them is
-// left behind.
+// The messages of other threads to the thread in Run. Outlives the session while an abandoned
+// thread uses it.
 class ScanSession::Inbox {
 public:
-    // What there is no memory for ends the scan.
+    // A message without memory ends the scan.
     void Put(Message message) {
         const std::lock_guard lock(mutex);
         if (closed) {
@@ -67,7 +67,7 @@ public:
         changed.notify_all();
     }
 
-    // The next message; nothing when none came by `until`, or the inbox was closed.
+    // The next message; nothing when none arrived by `until`, or the inbox was closed.
     std::optional<Message> Take(std::optional<Clock::time_point> until) {
         std::unique_lock lock(mutex);
         const auto due = [this] { return closed || exhausted || !messages.empty(); };
@@ -109,7 +109,7 @@ private:
 
 namespace {
 
-// The course of one scan: tells the table what happened, and the others what the table wants done.
+// The course of one scan: passes events to the table, and carries out the table's work.
 class Course {
 public:
     explicit Course(AvahiSilence& avahiSilence) : silence(avahiSilence) {}
@@ -123,7 +123,7 @@ public:
         return Take(std::get<DnssdEvent>(message), now);
     }
 
-    // The result for an Avahi that has not answered yet, or nothing.
+    // The result if Avahi has not answered in time, or nothing.
     std::optional<int> Overdue(Clock::time_point now) {
         silence.TellDuringScan(now);
         const bool overdue = !silence.HasAnswered() && now >= silence.Begin() + kPatienceForAvahi;
@@ -209,7 +209,7 @@ private:
         return std::nullopt;
     }
 
-    // A host that is on no network may still have printers of its own announced to it.
+    // A host without a network may still announce its own printers to itself.
     std::optional<int> Settled() const {
         if (!table.IsEmpty() || IsOnNetwork()) {
             return std::nullopt;

@@ -31,8 +31,8 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kPatienceAtExit{200};
 
-// What is asked for takes 2 KiB. The rest is room for printers that answer with everything that
-// they have, with long lists of media.
+// The requested attributes take 2 KiB. The rest is room for printers that send all their
+// attributes, with long lists of media.
 constexpr Base::IppLimits kLimits{
     .bytes = std::size_t{256} * 1024, .attributes = 2048, .values = 16384};
 
@@ -40,7 +40,7 @@ constexpr std::string_view kWifiName = "printer-wifi-ssid";
 constexpr std::string_view kWifiPassword = "printer-wifi-password";
 constexpr std::int32_t kPrinterStopped = 5;
 
-// Who uses TLS at this moment. Never destroyed: queries run until the process is gone.
+// Counts the running uses of TLS. Never destroyed: queries run until the process is gone.
 struct TlsUse {
     std::mutex mutex;
     std::condition_variable changed;
@@ -74,7 +74,7 @@ private:
     bool admitted = false;
 };
 
-// Only an address that needs no name service: that could take any time.
+// Accepts only numeric addresses: a name service could take any time.
 std::optional<sockaddr_in> NumericAddress(const Printer& printer) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -135,7 +135,7 @@ bool HasTlsUri(const Base::IppGroup& group) {
                        [](const std::string& uri) { return uri.starts_with("ipps:"); });
 }
 
-// Of the printer's own group: in another one an attribute is about something else.
+// Reads the printer group only: in other groups an attribute has another meaning.
 PrinterAttributes AttributesOf(const Base::IppMessage& answer) {
     PrinterAttributes attributes;
     const auto group = answer.Group(Base::kIppPrinterGroup);
@@ -156,14 +156,15 @@ PrinterAttributes AttributesOf(const Base::IppMessage& answer) {
     return attributes;
 }
 
-// What the printer says of its refusal, which may quote the secret, else the name of its status.
+// The printer's reason for its refusal, without the secret, which it may quote; else the name of
+// its status.
 std::string ReasonOf(const Base::IppMessage& answer, const Base::Secret& secret) {
     const auto group = answer.Group(Base::kIppOperationGroup);
     const std::string_view message = group ? group->TextView("status-message") : std::string_view();
     return message.empty() ? IppStatusName(answer.Status()) : secret.MaskedIn(message);
 }
 
-// Of an HTTP server that gave no IPP answer.
+// The kind for an HTTP server that sent no IPP answer.
 IppAnswer::Kind KindOfHttp(int status) {
     constexpr std::array kDenied{401, 403, 426};
     if (std::find(kDenied.begin(), kDenied.end(), status) != kDenied.end()) {
@@ -213,7 +214,7 @@ IppAnswer IppQuery::State::Run() {
     return answer;
 }
 
-// One request over a connection of its own, and its answer; nothing when there is no connection.
+// Sends one request over a new connection and returns its answer; nothing without a connection.
 std::optional<Base::IppReply> IppQuery::State::Exchange(IppRequest::Version version) {
     const auto address = NumericAddress(printer);
     if (!address || !ConnectTo(stream, *address)) {
@@ -243,7 +244,7 @@ IppAnswer IppQuery::State::AnswerFrom(const Base::IppReply& reply) const {
     return {IppAnswer::Kind::Granted, AttributesOf(*reply.message), {}};
 }
 
-// A printer that ignores an attribute that was to be set says that all went well, too.
+// A printer that ignores an attribute to be set also reports success, with a remark.
 bool IppQuery::State::IsGranted(std::uint16_t status) const {
     return status <=
            (question.kind == IppQuestion::Kind::Set ? IppStatus::kOk : IppStatus::kLastOk);

@@ -15,7 +15,7 @@ struct Name {
     const char* text;
 };
 
-// Those by which printers refuse what is asked here.
+// The statuses with which printers refuse our requests.
 constexpr std::array kNames{
     Name{0x0000, "successful-ok"},
     Name{0x0001, "successful-ok-ignored-or-substituted-attributes"},

@@ -29,7 +29,7 @@ std::string Joined(const std::string& maker, const std::string& model) {
     return maker.empty() || model.empty() ? maker + model : maker + " " + model;
 }
 
-// "(Acme Laser)", as the "product" key has it.
+// The "product" key has the form "(Acme Laser)".
 std::string WithoutParentheses(const std::string& text) {
     const bool enclosed = text.size() >= 2 && text.front() == '(' && text.back() == ')';
     return enclosed ? text.substr(1, text.size() - 2) : text;
@@ -59,7 +59,7 @@ bool IsPath(const std::string& text) {
            });
 }
 
-// A field's worth of `text`: what will come back in a record.
+// The part of `text` that fits into a record's field.
 template <std::size_t size>
 std::string AsInField(const char (&)[size], const std::string& text) {
     return std::string(CutText(text, size - 1));
@@ -136,7 +136,7 @@ VendorSdk::DeviceInfo ToRecord(const Printer& printer) {
     PutText(record.modelID, kModelId);
     PutText(record.extra1, printer.makeAndModel);
     PutText(record.extra2, printer.address);
-    // A path that was cut would name another printer, or none.
+    // A truncated path would name another printer, or none.
     if (printer.resource.size() < sizeof record.extra3 && IsPath(printer.resource)) {
         PutText(record.extra3, printer.resource);
     }

@@ -19,14 +19,13 @@ namespace {
 
 constexpr std::uint16_t kIppPort = 631;
 
-// How long plain IPP is waited for alone. Of a printer that speaks TLS only some wait for it in
-// silence.
+// How long to wait for plain IPP alone. Some printers that speak only TLS never answer plain IPP.
 constexpr std::chrono::milliseconds kPatienceForPlainIpp{500};
-// How long it has been asked for before an answer over TLS is taken that came earlier.
+// How long plain IPP is preferred: an earlier answer over TLS is used only after this.
 constexpr std::chrono::milliseconds kPreferenceForPlainIpp{1200};
-// While both are waited for.
+// How often to check for an answer while waiting for both.
 constexpr std::chrono::milliseconds kLookAgain{20};
-// Between a question and the next one.
+// The pause between two queries.
 constexpr std::chrono::milliseconds kAskAgain{250};
 
 std::chrono::milliseconds Until(Clock::time_point deadline) {
@@ -34,7 +33,7 @@ std::chrono::milliseconds Until(Clock::time_point deadline) {
     return std::max(left, std::chrono::milliseconds(0));
 }
 
-// The printer that would be at that address, as far as it is known without asking it.
+// The printer assumed at an address, as far as known without a query.
 struct Candidate {
     ServiceId id;
     Service service;
@@ -49,7 +48,7 @@ Printer DescribeCandidate(const Candidate& candidate,
     return Describe(candidate.id, candidate.service, attributes);
 }
 
-// The one who answered, and what; or the reason why nobody did.
+// The answer and the printer that sent it; or the reason for no answer.
 struct Reply {
     Candidate candidate;
     IppAnswer answer;
@@ -59,7 +58,7 @@ bool IsGranted(const IppAsking& asking) {
     return asking.IsOver(Clock::now()) && asking.Answer().kind == IppAnswer::Kind::Granted;
 }
 
-// Comes back when it is clear which of the two to take, or plain IPP brings nothing any more.
+// Returns when it is clear which answer to use, or when plain IPP has ended without one.
 void AwaitEither(const IppAsking& overPlain, const IppAsking& overTls, Clock::time_point preferred,
                  Clock::time_point deadline) {
     auto now = Clock::now();
@@ -71,7 +70,7 @@ void AwaitEither(const IppAsking& overPlain, const IppAsking& overTls, Clock::ti
     }
 }
 
-// Asks over plain IPP and, where that brings nothing soon, over TLS too.
+// Queries over plain IPP and, if no answer comes soon, over TLS too.
 Reply AskAt(const std::string& network, const std::string& address, Clock::time_point deadline) {
     const auto start = Clock::now();
     const IppQuestion question{IppQuestion::Kind::AttributesWithWifi, {}};
@@ -97,13 +96,13 @@ AccessPointSearch Nothing(int result, const std::string& detail) {
     return {result, std::nullopt};
 }
 
-// How long the first question in a network is asked again, from the environment variable
+// How long the first query in a network is repeated, from the environment variable
 // DRIVERLESS_FIRST_SECONDS.
 std::chrono::seconds FirstPatience() {
     return ReadSeconds("DRIVERLESS_FIRST_SECONDS", 10, 60);
 }
 
-// FirstQuestions for all threads. Never destroyed: they run until the process is gone.
+// FirstQuestions for all threads. Never destroyed: threads run until the process is gone.
 class Questions {
 public:
     AskedAgain Begin(const std::string& network) {
@@ -126,7 +125,7 @@ Questions& TheQuestions() {
     return questions;
 }
 
-// Asks the network's gateway once, and tells `asking` what came of it.
+// Queries the network's gateway once, and reports the outcome to `asking`.
 AccessPointSearch SearchIn(const HostNetwork& network, Clock::time_point deadline,
                            AskedAgain& asking) {
     const std::string address = GatewayOf(network.interface);

@@ -22,7 +22,7 @@ std::optional<AskedAgain::Time> AskedAgain::Next(Time now) {
     }
     isOver = isOnce;
     const Time end = now + std::max(patience, now - start);
-    // What would be left for another is too short for an answer.
+    // The remaining time would be too short for another answer.
     return deadline - end < patience ? deadline : end;
 }
 

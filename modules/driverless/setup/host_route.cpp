@@ -29,7 +29,7 @@ struct Route {
 
     bool IsDefault() const { return (flags & kGateway) != 0 && destination == 0 && mask == 0; }
 
-    // To hosts that need no gateway, other than groups of hosts and single ones.
+    // A route to a directly connected network, not multicast and not a single host.
     bool IsNetwork() const {
         return (flags & kGateway) == 0 && mask != 0 && mask < 0xFFFFFFFEU &&
                (destination >> 28U) != 0xE;
@@ -51,7 +51,7 @@ std::optional<Route> Parse(const std::string& line) {
     return route;
 }
 
-// The one that the system would prefer.
+// Keeps the route that the system would prefer.
 void TakeBetter(std::optional<Route>& best, const Route& route) {
     if (!best || route.metric < best->metric) {
         best = route;

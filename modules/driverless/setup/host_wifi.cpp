@@ -26,17 +26,16 @@ using PrinterDiscoverAPI::PrinterWifiAPI;
 
 constexpr std::chrono::milliseconds kPatienceAtExit{300};
 
-// Who uses the library at this moment. Never destroyed: threads run until the process is gone.
+// Counts the running uses of the library. Never destroyed: threads run until the process is gone.
 class WifiUse {
 public:
-    // Calls `function`, unless the process is about to end, which takes down what the library
-    // stands on.
+    // Calls `function` unless the process is ending, which destroys objects that the library needs.
     template <typename Function>
     void With(Function function) {
         if (Enter()) {
             const Leaving leaving{*this};
-            // The end of the process takes things down in the reverse order of their making: what
-            // was made when the library was loaded, and what its first use makes.
+            // Process exit destroys objects in reverse order of creation: those from the library's
+            // first use, and those from its loading.
             static const int afterLoading = std::atexit(EndUse);
             function();
             static const int afterFirstUse = std::atexit(EndUse);
@@ -69,7 +68,7 @@ private:
         changed.notify_all();
     }
 
-    // From here on nobody begins to use it, and those that do have a moment to come to their end.
+    // From now on no use begins, and running uses get a short time to end.
     void End() {
         std::unique_lock lock(mutex);
         over = true;
@@ -82,13 +81,13 @@ private:
     bool over = false;
 };
 
-// A function that another library in the place of the application's need not have.
+// An optional function of the library; a replacement may lack it.
 template <class Function>
 Function* Optional(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_DEFAULT, name));
 }
 
-// What stood in the way of this thread's last question, and the reason in words.
+// The kind of problem of this thread's last request, and the reason in words.
 int LastProblem(std::string* reason = nullptr) {
     const auto problem = Optional<decltype(PrinterWifiProblem)>("PrinterWifiProblem");
     if (problem == nullptr) {
@@ -102,7 +101,7 @@ int LastProblem(std::string* reason = nullptr) {
     return kind;
 }
 
-// What the system takes longer for is left behind.
+// A visit that takes this much longer is abandoned.
 constexpr std::chrono::seconds kMoreForVisits{3};
 constexpr std::chrono::seconds kPatienceWithReturn{3};
 
@@ -119,7 +118,7 @@ std::optional<Result> InTime(std::function<Result()> work, std::chrono::millisec
                                                                   : std::nullopt;
 }
 
-// Whether a host about which there was that problem is known to be joined to nothing.
+// Whether a host with this problem is certainly not joined to a network.
 bool IsJoinedToNone(int problem) {
     return problem == PRINTER_WIFI_NO_ADAPTER ||
            (problem == PRINTER_WIFI_NOT_RUNNING && !IsOnWifi());

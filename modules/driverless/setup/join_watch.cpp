@@ -27,7 +27,7 @@ std::optional<int> JoinWatch::Answered(const PrinterAttributes& attributes, Time
 std::optional<int> JoinWatch::Outcome(const PrinterAttributes& attributes) const {
     switch (*attributes.wifiState) {
         case WifiState::On:
-            // A printer on another network has not changed over yet.
+            // A printer that names another network has not joined the new one yet.
             return attributes.wifiName.empty() || attributes.wifiName == name ? std::optional(kOk)
                                                                               : std::nullopt;
         case WifiState::NotVisible:

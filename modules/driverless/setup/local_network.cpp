@@ -25,12 +25,12 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{5};
 
-// Who is looked for.
+// The wanted printer.
 struct Wanted {
     std::string serialNumber;
     std::string uuid;
 
-    // Others may have its serial number, too.
+    // Other printers may have the same serial number.
     bool Is(const Printer& printer) const {
         if (!uuid.empty() && !printer.uuid.empty()) {
             return printer.uuid == uuid;
@@ -44,7 +44,7 @@ Wanted WantedBy(const Printer& printer) {
     return {printer.serialNumber, known ? known->uuid : printer.uuid};
 }
 
-// What the scan's thread and the one that waits for it have in common.
+// The state shared by the scan's thread and the waiting thread.
 class Search {
 public:
     explicit Search(Wanted looked) : wanted(std::move(looked)) {}
@@ -63,7 +63,8 @@ public:
         changed.notify_all();
     }
 
-    // The next printer that may be the one; nothing when none came in time or the scan ended.
+    // The next printer that may be the wanted one; nothing when none arrived in time or the scan
+    // ended.
     std::optional<Printer> Next(Clock::time_point deadline) {
         std::unique_lock lock(mutex);
         changed.wait_until(lock, deadline, [this] { return ended || !candidates.empty(); });
@@ -89,7 +90,7 @@ private:
     std::optional<int> ended;
 };
 
-// A scan on a thread of its own; it ends with this object.
+// A scan on a separate thread; it ends with this object.
 class Looking {
 public:
     explicit Looking(const std::shared_ptr<Search>& search)

@@ -19,13 +19,14 @@ namespace Driverless {
 
 namespace {
 
-// Between the end of one look and the beginning of the next.
+// The pause between two scans.
 constexpr std::chrono::milliseconds kPause{3000};
 constexpr std::chrono::milliseconds kPatienceForCurrent{1000};
 
 }  // namespace
 
-// What a look gave, for the thread in Run. Outlives the scan while a look is left behind.
+// Passes the found networks to the thread in Run. Outlives the scan while an abandoned request uses
+// it.
 class NetworkScan::Inbox {
 public:
     void Put(std::future<NetworksFound> found) {
@@ -34,7 +35,7 @@ public:
         changed.notify_all();
     }
 
-    // What the look gave; nothing when the inbox was closed. Throws what the look threw.
+    // The found networks; nothing when the inbox was closed. Throws the exception of the request.
     std::optional<NetworksFound> Take() {
         std::unique_lock lock(mutex);
         changed.wait(lock, [this] { return closed || networks.valid(); });
@@ -67,7 +68,7 @@ NetworkScan::~NetworkScan() = default;
 
 int NetworkScan::Run() {
     OfferedNetworks offered;
-    std::string current;  // the last that was known
+    std::string current;  // the last known
     bool hasLooked = false;
     for (Look look = Look::Known;; look = Look::Fresh) {
         if (auto network = CurrentNetwork(kPatienceForCurrent)) {
@@ -103,7 +104,7 @@ std::optional<NetworksFound> NetworkScan::TakeLook(Look look) {
 void NetworkScan::Report(const NetworkInRange& network) {
     ReportDetail("in range: " + network.name);
     const VendorSdk::WifiConfigInfo record = ToRecord(network);
-    // The application may register anew at any time.
+    // The application may change its registration at any time.
     const auto callback = std::atomic_ref(info->callback).load();
     if (callback != nullptr) {
         gate.Pass([&] { callback(&record); });

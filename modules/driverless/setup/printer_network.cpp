@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::array<std::string_view, 2> kWords{"print", "setup"};
 
-// Whether "*" in the pattern can stand for what the name has in its place.
+// Whether the name matches the pattern, in which "*" matches any text.
 bool Matches(std::string_view name, std::string_view pattern) {
     std::size_t at = 0;
     std::size_t tried = 0;

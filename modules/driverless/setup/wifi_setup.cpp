@@ -28,27 +28,27 @@ namespace {
 
 constexpr std::chrono::milliseconds kLookAgain{250};
 constexpr std::chrono::milliseconds kStatePatience{1000};
-// Small printers compute for a while before they speak TLS.
+// Small printers need a while to compute before they answer over TLS.
 constexpr std::chrono::milliseconds kStatePatienceWithTls{2000};
-// A fresh look at what is in range takes its time.
+// A new scan takes some seconds.
 constexpr std::chrono::milliseconds kScanPatience{12000};
 constexpr std::chrono::seconds kVisitPatience{10};
 
-// How long a printer has to join, from the environment variable DRIVERLESS_JOIN_SECONDS.
+// The time that a printer has to join, from the environment variable DRIVERLESS_JOIN_SECONDS.
 std::chrono::seconds JoinLimit() {
     return ReadSeconds("DRIVERLESS_JOIN_SECONDS", 30, 600);
 }
 
-// A printer that takes Wi-Fi settings, and the way to it.
+// A printer that accepts Wi-Fi settings, and how to reach it.
 struct Recipient {
     Printer printer;
-    WifiState state;   // before it is given anything
-    Printer onSecret;  // how it is asked to take a pass phrase
-    // Its own network, through which it is reached; empty for one on USB.
+    WifiState state;   // before the settings are sent
+    Printer onSecret;  // where the pass phrase is sent
+    // The printer's own network, through which it is reached; empty for a printer on USB.
     std::string network;
 };
 
-// The pass phrase goes encrypted wherever the printer can take it so.
+// The pass phrase is sent encrypted if the printer supports it.
 Recipient InItsNetwork(const AccessPoint& accessPoint) {
     Recipient recipient{accessPoint.printer, *accessPoint.attributes.wifiState, accessPoint.printer,
                         accessPoint.network};
@@ -62,19 +62,19 @@ bool IsOnUsb(const Recipient& recipient) {
     return recipient.network.empty();
 }
 
-// A bridge takes what it passes on as it is: it stays on this host and the cable.
+// A bridge gets the pass phrase unencrypted: it stays on this host and the cable.
 Recipient OnUsb(const BridgedPrinter& bridged) {
     return {bridged.printer, *bridged.attributes.wifiState, bridged.printer, {}};
 }
 
-// Where the host is, seen from the printer's own network.
+// The host's position relative to the printer's own network.
 struct Whereabouts {
-    bool hasLeft = false;    // it is known to be out of that network
-    bool elsewhere = false;  // and on another one
-    bool inRange = false;    // and receives that network
+    bool hasLeft = false;    // the host has certainly left that network
+    bool elsewhere = false;  // and is on another network
+    bool inRange = false;    // and sees that network
 };
 
-// A host whose Wi-Fi is off or has ended is joined to nothing, too, but sees nothing either.
+// A host whose Wi-Fi is off is not joined either, but it sees no networks.
 Whereabouts WhereaboutsOf(const Recipient& recipient) {
     if (IsOnUsb(recipient)) {
         return {};
@@ -91,15 +91,15 @@ Whereabouts WhereaboutsOf(const Recipient& recipient) {
     return {elsewhere || !networks.empty(), elsewhere, inRange};
 }
 
-// One that closes its network at once, before its answer is through, took the settings too.
+// A printer that closes its network before its answer has arrived has accepted the settings, too.
 bool IsTaken(const IppAnswer& answer, const Recipient& recipient) {
     return answer.kind == IppAnswer::Kind::Granted ||
            (answer.kind == IppAnswer::Kind::NoAnswer && answer.sent &&
             WhereaboutsOf(recipient).hasLeft);
 }
 
-// On the network it may be known by its UUID only. It is where its bridge has it, and where the
-// record says; another one that was there before is not any more.
+// Remembers the printer under the record's serial number, at both its bridge address and its USB
+// place, replacing any other printer there. On the network it may be known only by its UUID.
 void RememberAs(const VendorSdk::DeviceInfo& record, Printer printer) {
     printer.serialNumber = FieldText(record.deviceSN);
     Printer onUsb = printer;
@@ -113,7 +113,7 @@ std::string PlaceOf(const Printer& printer) {
     return printer.address + ":" + std::to_string(printer.port);
 }
 
-// The result of a refusal; nothing when the printer took the settings.
+// The result of a refusal; nothing when the printer has accepted the settings.
 std::optional<int> Send(const Recipient& recipient, const WifiSettings& settings) {
     const IppAnswer answer =
         AskInTime(recipient.onSecret, kSettingPatience, {IppQuestion::Kind::Set, settings});
@@ -132,8 +132,9 @@ std::optional<int> Send(const Recipient& recipient, const WifiSettings& settings
     }
 }
 
-// Follows a printer that has taken its settings to the outcome. A host that was thrown out of the
-// printer's network goes back to ask, and in the end to where it was before.
+// Waits for the outcome of a printer that has accepted its settings. A host that has lost the
+// printer's network goes back to query the printer, and in the end returns to its former
+// connection.
 class PrinterFollower {
 public:
     PrinterFollower(const Recipient& followed, JoinWatch joinWatch)
@@ -162,7 +163,7 @@ private:
         const IppAnswer answer =
             AskInTime(recipient.printer, tls ? kStatePatienceWithTls : kStatePatience,
                       {IppQuestion::Kind::AttributesWithWifi, {}});
-        // Where the host is elsewhere, another printer may have that address.
+        // On another network, another printer may have that address.
         if (answer.kind == IppAnswer::Kind::Granted && IsThePrinter(answer.attributes)) {
             return watch.Answered(answer.attributes, Clock::now());
         }
@@ -189,7 +190,7 @@ private:
                                   : IsSamePrinter(recipient.printer, attributes);
     }
 
-    // What is announced in the printer's own network shows nothing.
+    // An announcement in the printer's own network proves nothing.
     void GoBack() {
         arrival.reset();
         visited = true;
@@ -227,7 +228,7 @@ int Give(const Recipient& recipient, const WifiSettings& settings) {
                                                             Clock::now(), JoinLimit()))
                            .AwaitOutcome();
     ReportDetail("it ended with " + std::to_string(result));
-    // Over USB the result does not get as far as the user.
+    // Over USB the broker does not pass the result on to the user.
     if (result != kOk && IsOnUsb(recipient)) {
         ReportProblem(recipient.printer.makeAndModel + " on USB" + Outcome(result) + settings.name);
     }

@@ -16,8 +16,8 @@ namespace {
 
 constexpr const char* kListening = "0A";
 
-// 127.0.0.1 and any address, in IPv4 and in IPv6, as the tables write them on a little-endian
-// system.
+// Whether this is 127.0.0.1 or the wildcard address, in IPv4 or IPv6, in the tables' form on a
+// little-endian system.
 bool TakesLocalConnections(const std::string& address) {
     constexpr std::array<const char*, 4> wanted{"0100007F", "00000000",
                                                 "0000000000000000FFFF00000100007F",
@@ -25,8 +25,8 @@ bool TakesLocalConnections(const std::string& address) {
     return std::find(wanted.begin(), wanted.end(), address) != wanted.end();
 }
 
-// A row: number, local address and port, remote ones, state, two pairs of counters, one counter,
-// owner, and more.
+// Parses a row: number, local address and port, remote address and port, state, two pairs of
+// counters, one counter, owner, and more.
 std::optional<ListeningPort> PortIn(const std::string& row) {
     std::istringstream words(row);
     std::string number;

@@ -19,7 +19,7 @@ namespace Driverless {
 
 namespace {
 
-// A host has no more printers on USB than this.
+// The limit of bridges; no host has more printers on USB.
 constexpr std::size_t kMaxBridges = 64;
 
 constexpr const char* kRangeVariable = "DRIVERLESS_USB_BRIDGE_PORTS";
@@ -63,7 +63,7 @@ std::vector<BridgedPrinter> AskAll(const std::vector<std::uint16_t>& ports,
     return printers;
 }
 
-// Whether the printer itself says its serial number over IPP.
+// Whether the printer itself reports its serial number over IPP.
 bool SaysSerialNumber(const BridgedPrinter& bridged) {
     return !SerialNumber(bridged.attributes).empty();
 }
@@ -74,8 +74,8 @@ bool IsSame(const BridgedPrinter& bridged, const std::string& serialNumber) {
            (!uuid.empty() && bridged.printer.uuid == uuid);
 }
 
-// What a printer is called over USB need not be what it is called over IPP, unless that gives the
-// device id too.
+// A printer's make and model over USB may differ from that over IPP, unless IPP also returns the
+// device id.
 bool IsSameModel(const BridgedPrinter& bridged, const VendorSdk::DeviceInfo& record) {
     PrinterAttributes deviceIdOnly;
     deviceIdOnly.deviceId = bridged.attributes.deviceId;
@@ -142,8 +142,8 @@ BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
         isShared = other.isShared && !likely.empty();
     }
     if (likely.empty()) {
-        // Where one side says no serial number, the model tells, as long as there is only one of
-        // it.
+        // If one side has no serial number, the model decides, provided there is only one printer
+        // of it.
         likely = Those(printers, [&](const BridgedPrinter& one) {
             return !(HasSerialNumber(record) && SaysSerialNumber(one)) && IsSameModel(one, record);
         });

@@ -20,7 +20,7 @@ constexpr std::uint8_t kPrinterRequest = static_cast<std::uint8_t>(LIBUSB_ENDPOI
                                          static_cast<std::uint8_t>(LIBUSB_RECIPIENT_INTERFACE);
 constexpr std::uint8_t kDeviceRequest = LIBUSB_ENDPOINT_IN;
 
-// More than any device id needs.
+// Longer than any device id.
 constexpr std::size_t kLongestAnswer = 4096;
 
 struct FreeConfiguration {
@@ -63,7 +63,8 @@ unsigned ByteAt(std::string_view bytes, std::size_t at) {
     return static_cast<std::uint8_t>(bytes[at]);
 }
 
-// A device's text without its head of `headSize` bytes, of which it says the length itself.
+// A device's text without its header of `headSize` bytes. `length` is the length that the device
+// reports.
 std::string_view Body(std::string_view answer, std::size_t length, std::size_t headSize) {
     const std::size_t size = std::clamp(length, headSize, std::max(answer.size(), headSize));
     return answer.size() < headSize ? std::string_view() : answer.substr(headSize, size - headSize);
@@ -148,8 +149,7 @@ UsbDevice::Answer UsbDevice::Ask(std::uint8_t type, std::uint8_t request, std::u
     if (left.count() <= 0) {
         return {LIBUSB_ERROR_TIMEOUT, {}};
     }
-    // Strings have one byte for their length, and some devices take a longer question for a wrong
-    // one.
+    // A string's length is one byte, and some devices refuse a request for more.
     const std::size_t room = type == kDeviceRequest ? 255 : kLongestAnswer;
     std::array<unsigned char, kLongestAnswer> answer{};
     const int size = libusb_control_transfer(handle.get(), type, request, value, index,
@@ -161,8 +161,8 @@ UsbDevice::Answer UsbDevice::Ask(std::uint8_t type, std::uint8_t request, std::u
     return {LIBUSB_SUCCESS, std::string(answer.begin(), answer.begin() + size)};
 }
 
-// The system lets this question pass whoever has the interface; where it does not, the interface
-// must be claimed first.
+// The system usually allows this request even if another program has claimed the interface;
+// otherwise the interface must be claimed first.
 UsbDevice::Answer UsbDevice::AskForDeviceId(const PrinterInterface& one) {
     const auto index = static_cast<std::uint16_t>(one.number << 8U | one.setting);
     Answer answer = Ask(kPrinterRequest, kGetDeviceId, one.configuration, index);
@@ -197,7 +197,7 @@ std::string UsbDevice::Text(std::uint8_t index) {
     return isText ? FromUtf16(Body(answer.bytes, ByteAt(answer.bytes, 0), 2)) : std::string();
 }
 
-// A device lists its languages as its string 0; the first is as good as any.
+// A device lists its languages in string 0; the first is used.
 bool UsbDevice::KnowsLanguage() {
     if (language == 0) {
         const Answer answer = AskForString(0, 0);

@@ -78,9 +78,9 @@ const char* Advice(int result) {
     }
 }
 
-// What came of asking one device.
+// The outcome of querying one device.
 struct Description {
-    int error = LIBUSB_ERROR_TIMEOUT;  // stays so for one that was not asked any more
+    int error = LIBUSB_ERROR_TIMEOUT;  // unchanged for a device that was not queried in time
     UsbPrinter printer;
 };
 

@@ -11,7 +11,7 @@ namespace Driverless {
 
 namespace {
 
-// A host has no more models of printers on USB than this.
+// The limit of remembered models; no host has more on USB.
 constexpr std::size_t kMaxModels = 64;
 
 }  // namespace

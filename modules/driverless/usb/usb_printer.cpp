@@ -28,7 +28,7 @@ std::string NameOf(const UsbPrinter& usb) {
     return text.data();
 }
 
-// What the printer would say of itself over IPP, as far as it says it over USB.
+// The attributes that the printer would report over IPP, as far as known over USB.
 PrinterAttributes AttributesOf(const UsbPrinter& usb) {
     PrinterAttributes attributes;
     attributes.deviceId = usb.deviceId;
