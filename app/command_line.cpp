@@ -32,11 +32,11 @@ namespace {
 constexpr double kShortest = 0.1;
 constexpr double kLongest = 86400;
 
-// What is wrong with a number of seconds; nothing when it is fine.
+// Why the text is not a valid number of seconds; empty when it is.
 std::string CheckSeconds(const std::string& text) {
     double seconds = 0;
     const bool isNumber = CLI::detail::lexical_cast(text, seconds);
-    // Written so that it refuses what is no number at all.
+    // Written so that it also refuses NaN.
     if (isNumber && seconds >= kShortest && seconds <= kLongest) {
         return {};
     }
@@ -55,7 +55,7 @@ void AddSeconds(CLI::App& command, const std::string& name, std::chrono::duratio
         ->check(CheckSeconds);
 }
 
-// A flag that is there or not: a value, but for a needless `true`, is refused.
+// A flag without a value: refuses any value except a redundant `true`.
 CLI::Option* AddFlag(CLI::App& command, const std::string& name, bool& value,
                      const std::string& use) {
     return command.add_flag(name, value, use)->disable_flag_override();
@@ -66,7 +66,7 @@ void AddScanOptions(CLI::App& command, ScanOptions& options) {
     AddFlag(command, "--watch", options.watch, "Look until Ctrl-C")->excludes("--seconds");
 }
 
-// An empty name is most often a variable of the shell that is not set.
+// An empty name usually comes from an unset shell variable.
 std::string CheckFileName(const std::string& name) {
     return name.empty() ? "the file name is empty; leave the option out for the default" : "";
 }
@@ -118,12 +118,12 @@ void AddPassPhrase(CLI::App& command, PassPhraseOptions& options) {
     AddFlag(command, "--open", options.open, "The network has no pass phrase")->excludes(file);
 }
 
-// What a user might have meant as a pass phrase is not repeated.
+// Whether an argument may be meant as a pass phrase: error messages must not repeat it.
 bool TakesPassPhrase(const CLI::App& command) {
     return command.get_option_no_throw("--pass-phrase-file") != nullptr;
 }
 
-// The commands of the program, and what each does.
+// The commands of the program and their actions.
 class Commands {
 public:
     Commands(CLI::App& application, Settings& appSettings)
@@ -145,7 +145,7 @@ public:
         return command;
     }
 
-    // Runs the command that was named.
+    // Runs the selected command.
     ExitStatus Run() const {
         const auto chosen = std::find_if(commands.begin(), commands.end(), [](const auto& command) {
             return command.first->parsed();
@@ -333,7 +333,7 @@ void AddSetupCommand(CLI::App& app, Commands& commands, Options& all) {
     setup.get_option("--seconds")->excludes("--usb");
 }
 
-// The innermost command that was named, and the words that name it.
+// The innermost selected command, and the words that name it.
 std::pair<const CLI::App*, std::string> Chosen(const CLI::App& app) {
     const CLI::App* command = &app;
     std::string words;
@@ -357,7 +357,7 @@ std::string SubcommandsOf(const CLI::App& command) {
     return text;
 }
 
-// The argument without what it gives an option, which may be a pass phrase: "--name" or "-x".
+// The option's name without its value, which may be a pass phrase: "--name" or "-x".
 std::string WithoutValue(const std::string& argument) {
     if (!argument.starts_with('-')) {
         return argument;
@@ -394,7 +394,7 @@ std::string AboutMismatch(const std::string& text) {
                : text;
 }
 
-// Never repeats what may be a pass phrase.
+// Never repeats an argument that may be a pass phrase.
 std::string Explanation(const CLI::App& app, const CLI::ParseError& error) {
     const auto [command, words] = Chosen(app);
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError)) {
@@ -419,7 +419,8 @@ ExitStatus WrongArguments(const CLI::App& app, const std::string& explanation) {
     return kUsage;
 }
 
-// Tells why the command could not run; with --json to its reader too, when there still is one.
+// Reports why the command could not run; with --json also on standard output, if it still has a
+// reader.
 ExitStatus CouldNotRun(const Settings& settings, const std::string& problem) {
     Complain(problem);
     if (settings.json) {

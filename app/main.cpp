@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
     App::ReportCrashes();
     const int status = RunProgram(argc, argv);
     if (App::Cancellation::GetInstance().LeavesWorkBehind() || App::AnyVendorIsCalled()) {
-        App::EndProcess(status);  // a vendor is at work still
+        App::EndProcess(status);  // a vendor is still running
     }
     App::EndIsOwn();
     App::EndProcessSoon(status);

@@ -44,7 +44,7 @@ DeviceInfo RecordOf(const std::string& serialNumber, const std::string& vendor) 
     return record;
 }
 
-// The printers to ask about: one, or one a vendor.
+// The printers to check: one, or one for each vendor.
 std::vector<DeviceInfo> Candidates(const CheckOptions& options) {
     if (!options.vendor.empty()) {
         return {RecordOf(options.serialNumber, options.vendor)};
@@ -56,7 +56,7 @@ std::vector<DeviceInfo> Candidates(const CheckOptions& options) {
     return records;
 }
 
-// Of a scan in which nobody looks any more. Throws Problem unless what was found before counts.
+// Reports the failures of an ended scan. Throws Problem unless earlier results count.
 void TellFailures(const std::vector<std::string>& failures, bool counts) {
     if (!counts) {
         throw Problem("nobody looks for networks; whether there are more is not known" +

@@ -17,7 +17,7 @@ namespace {
 using PrinterDiscoverAPI::PingOutcome;
 using PrinterDiscoverAPI::PingReport;
 
-// The library tells only that nobody answered. One more ping tells whether anybody was asked.
+// The library reports only that no answer came. Another ping shows whether a request could be sent.
 PingReport Ask(const std::string& address) {
     constexpr std::uint32_t milliseconds = 100;
     if (DeviceDiscover::PrinterNetInterface::GetInstance().CheckPing(address)) {

@@ -40,7 +40,7 @@ std::string PlacesOf(const std::vector<Printer>& printers) {
     return fmt::format("{}", fmt::join(places, " and "));
 }
 
-// `found` are those of the printer's serial number.
+// `found`: the printers with the printer's serial number.
 std::string IsOn(const std::string& network, const Printer& printer,
                  const std::vector<Printer>& found) {
     if (found.empty()) {
@@ -56,7 +56,7 @@ std::string IsOn(const std::string& network, const Printer& printer,
                              network, places);
 }
 
-// One journey, a step after the other.
+// Runs one set-up, step by step.
 class Journey {
 public:
     Journey(const Settings& appSettings, const SetupOptions& setupOptions)
@@ -87,8 +87,8 @@ private:
     const SetupOptions& options;
     SetupProgress progress;
     const std::unique_ptr<SetupRoute> route;
-    bool unconfirmed = false;  // whether the printer joined shows only on the network
-    std::string leftFor;       // the network for which this computer leaves the one it was on
+    bool unconfirmed = false;  // only the network shows whether the printer joined
+    std::string leftFor;       // the network for which this computer leaves its own
 };
 
 ExitStatus Journey::Run() {
@@ -112,7 +112,7 @@ ExitStatus Journey::Run() {
     }
 }
 
-// Sends this computer back to the network that it left for this one, and says so.
+// Starts this computer's return to the network that it left, and says so.
 std::string Journey::WayBack() const {
     if (leftFor.empty() || !GoBackFrom(leftFor)) {
         return {};

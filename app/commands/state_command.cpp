@@ -28,7 +28,7 @@ using Clock = PrinterList::Clock;
 constexpr int kReady = 1;
 constexpr auto kPatienceWithOthers = std::chrono::milliseconds(500);
 
-// What is given may have been copied from the table.
+// The user may have copied the text from the table.
 bool IsText(const std::string& text, const std::string& given) {
     return text == given || DisplayText(text) == given;
 }
@@ -54,7 +54,7 @@ void WaitForOne(ScanSession& session, const StateOptions& options) {
              Clock::now() < end);
 }
 
-// Others that have the serial number, too, are mostly found at once.
+// Waits a moment: other printers with the serial number are usually found at once.
 void WaitForOthers(PrinterList& list) {
     const auto end = Clock::now() + kPatienceWithOthers;
     while (!list.IsCancelled() && Clock::now() < end) {
@@ -62,8 +62,8 @@ void WaitForOthers(PrinterList& list) {
     }
 }
 
-// Throws when the printer's vendor has no way to tell the state. A vendor may also answer with the
-// broker's own result for that.
+// Throws when the printer's vendor cannot tell the state. A vendor may also return the broker's own
+// result for that.
 void RequireAnswer(const Printer& printer) {
     const auto vendors = PrinterUtil::DescribeVendorList().vendors;
     const auto vendor = std::find_if(vendors.begin(), vendors.end(), [&](const VendorInfo& known) {

@@ -19,7 +19,7 @@ ExitStatus Failed(const std::string& what) {
     return kNoneFound;
 }
 
-// Runs `work` on the printer when it is plugged in.
+// Runs `work` on the printer if it is plugged in.
 template <class Work>
 ExitStatus With(const Settings& settings, const std::string& serialNumber, Work work) {
     try {
@@ -62,7 +62,7 @@ ExitStatus Configure(const Settings& settings, const UsbPrinter& printer,
                                 UsbExplanation(printer, result, "PrinterUSBNetConfigEvent"));
 }
 
-// So that nobody waits for one of them.
+// Says that printers already plugged in are not reported, so that the user does not wait for them.
 void TellWhatIsThere(std::size_t count) {
     if (count > 0) {
         Complain(CountOf<Printer>(count) + (count == 1 ? " is" : " are") +

@@ -47,8 +47,8 @@ std::string VendorText(const VendorInfo& vendor, const std::vector<ModuleSurvey>
                   "DEVICEDISCOVER_VENDORS.");
 }
 
-// A line for each module that exports nothing of what it is asked for, with what may be the reason.
-// A module that the list names for both uses may serve one of them only.
+// One line for each module that exports none of its entry points, with a possible reason. A module
+// listed for both uses may serve only one.
 void AddUseless(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modules,
                 std::vector<std::string>& lines) {
     for (const ModuleSurvey& module : modules) {

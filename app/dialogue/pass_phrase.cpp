@@ -29,10 +29,10 @@ constexpr const char* kStandardInput = "-";
 constexpr const char* kAdvice =
     "\nGive it with --pass-phrase-file FILE, or --pass-phrase-file - from standard input; --open "
     "is for\na network without one.";
-// No pass phrase is longer; a wrong file may be.
+// Longer than any pass phrase, but a wrong file may be longer.
 constexpr std::size_t kLongestLine = 4096;
 
-// The name of a file that does not exist may be the pass phrase itself: it is not repeated.
+// Does not repeat the name of a missing file: it may be the pass phrase itself.
 [[noreturn]] void ThrowCannotRead(const std::string& name, const std::filesystem::path& path,
                                   int error) {
     std::error_code unknown;
@@ -43,10 +43,10 @@ constexpr std::size_t kLongestLine = 4096;
                   "\nName a file with the pass phrase as its one line.");
 }
 
-// Reads the file's one line. Its end may be missing.
+// Reads the file's only line. Its line end may be missing.
 Line ReadFile(const std::string& name) {
     std::filebuf file;
-    file.pubsetbuf(nullptr, 0);  // no buffer that would keep a copy
+    file.pubsetbuf(nullptr, 0);  // no buffer, which would keep a copy
     const std::filesystem::path path(std::u8string(name.begin(), name.end()));
     std::error_code unknown;
     errno = 0;
@@ -128,7 +128,7 @@ std::shared_ptr<Base::Secret> GetPassPhrase(const Settings& settings,
     if (options.open) {
         return std::make_shared<Base::Secret>();
     }
-    // Typing never shows, whether or not the prompt can be seen.
+    // Hide typed text, whether or not the prompt can be seen.
     const bool ask = options.file.empty() || (options.file == kStandardInput && InputIsTerminal());
     Line line = ask ? Ask(settings, network) : Read(options);
     RequireText(*line);

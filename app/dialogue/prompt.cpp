@@ -19,7 +19,7 @@ bool AsksOnOutput(const Settings& settings) {
     return !settings.json && OutputScreen();
 }
 
-// Null when there is no more input.
+// Null at the end of the input.
 std::shared_ptr<Base::Secret> ReadLineInterruptibly() {
     using Line = std::shared_ptr<Base::Secret>;
     const std::function<Line()> read = [] {
@@ -29,7 +29,7 @@ std::shared_ptr<Base::Secret> ReadLineInterruptibly() {
     };
     Line line = AwaitInterruptibly(read, [] {});
     if (line == nullptr) {
-        // Some systems end the input at Ctrl-C a moment before they tell of it.
+        // Some systems end the input at Ctrl-C a moment before they report Ctrl-C.
         constexpr auto moment = std::chrono::milliseconds(300);
         Cancellation::GetInstance().WaitUntil(Clock::now() + moment, [] { return false; });
     }
@@ -68,11 +68,11 @@ std::optional<std::string> AskLine(const Settings& settings, const std::string& 
 }
 
 std::shared_ptr<Base::Secret> AskSecret(const Settings& settings, const std::string& question) {
-    // First of all: nobody else would show typing again.
+    // Do this first: no other code would show typed text again.
     CancelOnInterrupt();
     const HiddenTyping hidden;
     WritePrompt(settings, question);
-    // The end of the line does not show either.
+    // The typed end of the line is hidden, too.
     try {
         std::shared_ptr<Base::Secret> line = ReadLineInterruptibly();
         WritePrompt(settings, "\n");

@@ -51,7 +51,7 @@ Network::Network(const WifiConfigInfo& network)
       signal(network.rssi) {}
 
 bool Network::operator==(const Network& other) const {
-    // Bit for bit: a vendor's value need not be a number.
+    // Compare bit by bit: a vendor's value may be NaN.
     return name == other.name &&
            std::bit_cast<std::uint32_t>(signal) == std::bit_cast<std::uint32_t>(other.signal);
 }

@@ -10,7 +10,7 @@ PrinterRow RowOf(const Printer& printer) {
 }
 
 Table TableOf(const std::vector<Printer>& printers) {
-    // By serial number, address and port a printer is told from others, and reached.
+    // Serial number, address and port identify a printer and tell how to reach it.
     Table table{{{"SERIAL NUMBER", Column::Whole},
                  {"MAKE AND MODEL", Column::Yielding},
                  {"ADDRESS", Column::Whole},

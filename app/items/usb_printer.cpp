@@ -15,7 +15,7 @@ std::string Text(const char (&field)[Width]) {
     return {field, std::find(field, field + Width, '\0')};
 }
 
-// By serial number and place a printer is told from others.
+// Serial number and place identify a printer.
 constexpr Heading kSerialNumber{"SERIAL NUMBER", Column::Whole};
 constexpr Heading kMakeAndModel{"MAKE AND MODEL", Column::Yielding};
 constexpr Heading kPlace{"PLACE", Column::Whole};

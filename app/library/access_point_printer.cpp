@@ -26,10 +26,10 @@ using PrinterDeviceDiscoverSdk::DiscoverNetConnInterface;
 struct KnownResult {
     int result;
     const char* meaning;
-    bool isAnswer = true;  // as against: it could not be found out
+    bool isAnswer = true;  // false: the vendor could not find out
 };
 
-// Results are each vendor's own affair; these are known of one.
+// Each vendor defines its own results; these are known for one vendor.
 constexpr const char* kKnownVendor = "driverless";
 constexpr int kNotConfirmed = 26;
 constexpr KnownResult kKnownResults[] = {
@@ -100,7 +100,7 @@ int OnNetwork(const PrinterDeviceDiscoverSdk::WifiConfigInfo* network) {
 
 std::vector<std::string> NeededFor(const std::string& entryPoint) {
     if (entryPoint == "IsLocalAreaNetworkOK") {
-        return {entryPoint};  // this one goes by the printer's record
+        return {entryPoint};  // uses the printer's record
     }
     return {"IsConnectCurrentWifiAP", entryPoint};
 }
@@ -171,7 +171,7 @@ std::string Explanation(const Settings& settings, int result, const std::string&
     if (result != kNothingToCall && result != kNotInitialised) {
         return VendorsResult(result, vendor);
     }
-    // A vendor may also answer with the broker's own results.
+    // A vendor may also return the broker's own results.
     const ServiceSurvey survey = SurveyConfiguration(NeededFor(entryPoint));
     if (!survey.anyVendorServes) {
         throw NoVendor("no vendor can do this" + Lines(survey.problems) +

@@ -6,7 +6,7 @@
 
 namespace App {
 
-// The libraries are loaded with the program, and their names for it are all different.
+// The libraries are loaded with the program, and all their function names differ.
 void* HostFunction(const char*, const char* name) {
     return dlsym(RTLD_DEFAULT, name);
 }

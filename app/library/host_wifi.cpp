@@ -25,7 +25,7 @@ HostNetworks Scan(const Settings& settings, void (PrinterWifiInterface::*scan)(N
     return Await(settings, "Looking for networks", work);
 }
 
-// How long the host's Wi-Fi service has for what the program itself could do without.
+// The time limit for the Wi-Fi service where the program can do without its result.
 constexpr std::chrono::seconds kPatienceWithUndoing{3};
 
 }  // namespace
@@ -57,7 +57,7 @@ JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
     const std::function<JoinOutcome()> work = [network, passPhrase] {
         std::wstring wide = Widen(passPhrase->View()).value_or(L"");
         const Base::WipeAtEnd wiped(wide);
-        // Handed over, not copied: what takes it wipes it.
+        // Passed on without a copy: the receiver wipes it.
         const bool joined = PrinterWifiInterface::GetInstance().ConnectAP(
             Widen(network).value_or(L""), std::move(wide));
         return JoinOutcome{joined, LastHostWifiProblem()};
@@ -73,7 +73,7 @@ void RememberNetwork(const Settings& settings) {
     try {
         Await(settings, "Asking for this computer's network", work, kPatienceWithUndoing);
     } catch (const TimedOut&) {
-        return;  // then there is no way back
+        return;  // a return is then not possible
     }
 }
 

@@ -19,7 +19,7 @@ Function* Find(const char* name) {
     return reinterpret_cast<Function*>(HostFunction("PrinterDiscoverAPI", name));
 }
 
-// What the work gives; false when that takes too long: then it is left behind.
+// Returns the result of `work`; false, and abandons the work, when it takes too long.
 bool InTime(std::function<bool()> work, std::chrono::milliseconds patience) {
     try {
         return AwaitRegardless<bool>(
@@ -54,7 +54,7 @@ bool GoBackWithHostWifi(const std::string& network, std::chrono::milliseconds pa
 }
 
 void BreakOffHostWifi() {
-    // The library gives the system's service 8 s for what is being joined.
+    // The library gives the system's service 8 s to undo a join.
     constexpr std::chrono::seconds patience{10};
     const auto breakOff = Find<decltype(PrinterWifiBreakOff)>("PrinterWifiBreakOff");
     const auto work = [breakOff] {

@@ -19,7 +19,7 @@ constexpr std::size_t kMaxSections = 4096;
 constexpr std::size_t kLongestExport = 512;
 constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 40;
 
-// A file of little-endian numbers at any place. Beyond its end there is nothing.
+// Reads little-endian numbers at any position of a file; nothing beyond its end.
 class Image {
 public:
     explicit Image(std::istream& stream) : file(stream) {}
@@ -36,7 +36,7 @@ public:
         return number;
     }
 
-    // For what may be missing like what is 0.
+    // The same, with 0 for a missing number.
     std::uint64_t NumberOr0(std::uint64_t at, std::size_t size) {
         return Number(at, size).value_or(0);
     }
@@ -46,7 +46,7 @@ public:
         return Read(at, found.data(), found.size()) == found.size() && found == text;
     }
 
-    // The text up to its terminator; empty when it has none, or is too long for a name.
+    // The text up to its terminator; empty when it has none or is too long for a name.
     std::string Text(std::uint64_t at) {
         std::string text(kLongestExport, '\0');
         text.resize(Read(at, text.data(), text.size()));
@@ -68,7 +68,7 @@ private:
     std::istream& file;
 };
 
-// A 64-bit ELF library: the symbols that it defines for others.
+// A 64-bit ELF library: the symbols that it exports.
 class ElfLibrary {
 public:
     explicit ElfLibrary(Image& file)
@@ -152,7 +152,7 @@ public:
     }
 
 private:
-    // Where in the file stands what is at that address once the library is loaded.
+    // The position in the file of an address of the loaded library.
     std::optional<std::uint64_t> PlaceOf(std::uint64_t address) {
         constexpr std::uint64_t headerSize = 40;
         for (std::uint64_t index = 0; address != 0 && index < count; ++index) {
@@ -178,15 +178,15 @@ bool IsSameButForCase(const std::string& one, const std::string& other) {
         [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
 }
 
-// The names of C++ functions in the two decorations there are.
+// Whether this is the entry point's name with one of the two C++ decorations.
 bool IsDecorated(const std::string& name, const std::string& entryPoint) {
     return (name.starts_with("_Z") &&
             name.find(std::to_string(entryPoint.size()) + entryPoint) != std::string::npos) ||
            name.starts_with("?" + entryPoint + "@");
 }
 
-// A leading underscore, or the size of the arguments behind an @, as a calling convention adds
-// them.
+// Whether the name has the additions of a calling convention: a leading underscore, or the size of
+// the arguments after an @.
 bool HasConvention(const std::string& name, const std::string& entryPoint) {
     const std::string plain = name.starts_with('_') ? name.substr(1) : name;
     return name != entryPoint && plain.substr(0, plain.find('@')) == entryPoint;

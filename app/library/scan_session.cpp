@@ -25,7 +25,7 @@ int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 }  // namespace
 
 ScanSession::ScanSession(const Settings& settings) {
-    // It loads the vendors' modules, which may take long, or for ever.
+    // The call loads the vendors' modules, which may take long or hang.
     const ScanSurvey survey =
         Await<ScanSurvey>(settings, "Loading the vendors' modules", SurveyScans);
     knownVendors = survey.listed;
@@ -34,7 +34,8 @@ ScanSession::ScanSession(const Settings& settings) {
     const std::function<int()> start = [&discovery] {
         return discovery.StartDeviceScan({OnDevice, 0});
     };
-    // A request to end that comes while it starts stops it properly, unless it takes too long.
+    // A request to end the program during the start stops the scan properly, unless the start takes
+    // too long.
     constexpr int ticksOfGrace = 15;
     int ticks = 0;
     const auto onWait = [&ticks] {

@@ -103,7 +103,7 @@ ScanSurvey SurveyScans() {
     for (const VendorInfo& vendor : list.vendors) {
         survey.listed.insert(vendor.productId);
         if (vendor.scanModuleName.empty()) {
-            continue;  // a vendor for other things than scans
+            continue;  // a vendor without a scan module
         }
         const ModuleSurvey module = SurveyScanModule(vendor);
         if (!module.IsLoaded()) {

@@ -17,7 +17,7 @@ std::string JsonLine(const Json& object) {
     return object.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
-// The kind of service. What its number stands for is each vendor's own affair; it is known of one.
+// The kind of service. Each vendor defines its own numbers; they are known for one vendor.
 Json Service(const Printer& printer) {
     constexpr std::array names{"ipp", "ipps", "pdl-datastream", "printer", "usb"};
     const bool named =

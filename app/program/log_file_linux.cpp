@@ -13,7 +13,7 @@ namespace App {
 
 std::string PrepareLogFile(const std::string& file) {
     struct stat status {};
-    // Log files are moved aside when they have grown: nothing but a file may be one.
+    // A full log file is renamed, so only a regular file can be the log.
     if (stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         return "it is no regular file";
     }

@@ -21,7 +21,7 @@ StatusLine::~StatusLine() {
     try {
         Redraw(1, {""});
     } catch (const std::exception&) {
-        drawn.clear();  // whoever writes next finds out
+        drawn.clear();  // the next write reports the error
     } catch (const OutputClosed&) {
         drawn.clear();
     }
@@ -38,7 +38,7 @@ void StatusLine::Draw(const std::string& text) {
         return;
     }
     const std::size_t columns = OutputScreen().value_or(ScreenSize{80, 24}).columns;
-    // A line that fills the terminal would wrap on some.
+    // A line that fills the whole width would wrap on some terminals.
     Redraw(1, {std::string(CutToWidth(DisplayText(text), columns - 1))});
     drawn = text;
 }

@@ -9,7 +9,7 @@ namespace App {
 
 std::string AwaitedVendors(std::uint64_t began) {
     const std::string names = NamesOf(AwaitedCalls(began));
-    // It may wait for a call that began before, and holds a lock.
+    // The work may wait for an earlier call that holds a lock.
     const std::string any = names.empty() ? NamesOf(AwaitedCalls()) : names;
     const std::string module = any.empty() ? PrinterUtil::ModuleBeingLoaded() : "";
     return module.empty() ? any : "module " + module + ", which is being loaded,";

@@ -18,7 +18,7 @@ std::string StoppingText() {
 }
 
 void SayThatItStops() {
-    // Mostly the program has ended by then, which says it better.
+    // Usually the program has ended by then, and no message is needed.
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     if (!TableDrawing::IsOnTerminal()) {
         Complain(StoppingText());

@@ -26,7 +26,7 @@ namespace {
 using Clock = NetworkList::Clock;
 using NetworkSource = std::function<std::vector<Network>()>;
 
-// Whether the printer's vendor looks for networks; otherwise this computer's own list will do.
+// Whether the printer's vendor looks for networks; otherwise this computer's own list is used.
 bool Start(const Settings& settings, std::optional<NetworkScanSession>& session) {
     try {
         session.emplace(settings);
@@ -38,7 +38,7 @@ bool Start(const Settings& settings, std::optional<NetworkScanSession>& session)
     }
 }
 
-// The names, in the order of the networks, each once.
+// The names in the order of the networks, without duplicates.
 std::vector<std::string> NamesToOffer(const Settings& settings, const NetworkSource& seenByPrinter,
                                       const std::string& leftOut) {
     std::vector<std::string> names;
@@ -76,7 +76,7 @@ void WriteList(const Settings& settings, const std::vector<std::string>& names) 
     WritePrompt(settings, text);
 }
 
-// The name with that number, from 1; null when it is no such number.
+// The name with the number in `answer`, counted from 1; null when there is none.
 const std::string* Numbered(const std::vector<std::string>& names, const std::string& answer) {
     std::size_t number = 0;
     const char* const end = answer.data() + answer.size();
@@ -85,7 +85,7 @@ const std::string* Numbered(const std::vector<std::string>& names, const std::st
     return isNumber && number >= 1 && number <= names.size() ? &names[number - 1] : nullptr;
 }
 
-// Nothing: look again.
+// Returns nothing when the user wants a new list.
 std::optional<std::string> Pick(const Settings& settings, const std::vector<std::string>& names) {
     const std::string question = names.empty()
                                      ? "No network was found. Its name, or Enter to look again: "

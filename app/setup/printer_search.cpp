@@ -18,7 +18,7 @@ namespace {
 using Clock = PrinterList::Clock;
 
 constexpr auto kTick = std::chrono::milliseconds(200);
-constexpr auto kPause = std::chrono::seconds(1);  // between two questions to the vendor
+constexpr auto kPause = std::chrono::seconds(1);  // between two requests to the vendor
 constexpr auto kSettling = std::chrono::seconds(1);
 constexpr auto kLongestToPlace = std::chrono::seconds(5);
 
@@ -30,12 +30,13 @@ bool CanBeAsked(const std::string& productId) {
     });
 }
 
-// A printer on this computer's USB may be announced by this computer itself.
+// False for a printer that this computer announces itself: it may be on USB.
 bool IsElsewhere(const Printer& printer) {
     return !printer.address.starts_with("127.");
 }
 
-// Where it may be: a printer may move, and others may have its serial number.
+// The found printers that may be the wanted one: it may move, and others may have its serial
+// number.
 std::vector<Printer> Candidates(const Printer& wanted) {
     std::vector<Printer> printers = PrinterList::GetInstance().GetLatestFirst();
     const auto others =
@@ -53,7 +54,8 @@ void Wait(StatusLine& status, Clock::time_point until) {
     status.Draw();
 }
 
-// The vendor may have seen the printer before the scan did, which so far found another, or none.
+// Waits for the scan: the vendor may have found the printer first, while the scan has found
+// another, or none.
 void Settle(StatusLine& status, const Printer& wanted, Clock::time_point latest) {
     while (Candidates(wanted).empty() && Clock::now() < latest) {
         Wait(status, std::min(latest, Clock::now() + kTick));
@@ -78,11 +80,12 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
         Wait(status, std::min(end, Clock::now() + kTick));
         hasEnded = session.HasEnded();
         outcome.printers = Candidates(wanted);
-        // Once nobody looks any more, the vendor is asked for the last time.
+        // When all scans have failed, ask the vendor for the last time.
         if ((outcome.printers.empty() && !ask) || (Clock::now() < nextQuestion && !hasEnded)) {
             continue;
         }
-        // About the printer as it was set up: what was found may be another of its serial number.
+        // Ask about the printer as it was set up: a found printer may be another with its serial
+        // number.
         outcome.vendorsResult = ask ? CheckLocalNetwork(settings, wanted.record) : 0;
         outcome.isOnNetwork = outcome.vendorsResult == 0;
         nextQuestion = Clock::now() + kPause;
@@ -93,7 +96,7 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
     if (outcome.isOnNetwork) {
         Settle(status, wanted, std::min(end, Clock::now() + kLongestToPlace));
     }
-    // The vendor may have taken its time over the last question.
+    // The vendor's last answer may have taken long.
     outcome.printers = Candidates(wanted);
     outcome.isOnNetwork = outcome.isOnNetwork || (!ask && !outcome.printers.empty());
     return outcome;

@@ -27,7 +27,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// The program's own way to standard output, once vendors' is another; -1: it was closed.
+// The program's own descriptor of standard output, after vendors' output was redirected; -1: it was
+// closed.
 int output = STDOUT_FILENO;
 
 std::atomic<bool> isWriteBrokenOff = false;  // or under way
@@ -37,9 +38,9 @@ constexpr int kStalled = ETIMEDOUT;
 constexpr auto kPatience = std::chrono::seconds(1);
 constexpr int kPollMilliseconds = 100;
 
-// The stream as a descriptor of our own whose writes do not wait, so that Ctrl-C is seen while a
-// reader stalls. The stream itself is shared with other programs and stays as it is; it serves
-// where the system has no second one, as for sockets. Files never stall.
+// Opens the stream again for non-blocking writes, so that Ctrl-C works while a reader stalls. The
+// stream itself is shared with other programs and stays unchanged; it is used if it cannot be
+// opened again, like a socket. Files never stall.
 int WithoutWaiting(int stream) {
     struct stat status {};
     if (fstat(stream, &status) != 0 || !(S_ISFIFO(status.st_mode) || isatty(stream) == 1)) {
@@ -55,8 +56,8 @@ bool IsReady(int stream) {
     return poll(&place, 1, kPollMilliseconds) > 0;
 }
 
-// The system's error number; 0 when all was written, kStalled when the program is to end and the
-// reader takes nothing.
+// Returns 0 when all was written, kStalled when the program is to end and the reader takes nothing,
+// else the system's error number.
 int WriteTo(int stream, std::string_view text) {
     Clock::time_point patienceEnds = Clock::now() + kPatience;
     while (!text.empty()) {
@@ -80,8 +81,8 @@ int WriteTo(int stream, std::string_view text) {
     return 0;
 }
 
-// Whether the stream is open. The number of one that is not goes to a file that holds nothing: the
-// next pipe or file to be opened would get it, and be taken for the stream.
+// Whether the stream is open. A closed stream's number is occupied with an empty file: otherwise
+// the next opened file would get the number and be used as the stream.
 bool Hold(int stream) {
     if (fcntl(stream, F_GETFD) >= 0) {
         return true;
@@ -94,7 +95,7 @@ bool Hold(int stream) {
     return false;
 }
 
-// A vendor's prints would spoil what is written for a program to read.
+// Vendors' prints would corrupt output that a program reads.
 void KeepOutputToOurselves() {
     output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     if (output >= 0) {
@@ -117,9 +118,9 @@ void PrepareConsole() {
     } else {
         output = -1;
     }
-    // A reader that goes away is seen where the writing fails.
+    // A closed reader is detected when a write fails.
     std::signal(SIGPIPE, SIG_IGN);
-    // The width of characters is known in a UTF-8 locale only, and UTF-8 is what is written.
+    // Only a UTF-8 locale knows the width of characters, and the output is UTF-8.
     if (std::setlocale(LC_CTYPE, "") == nullptr ||
         std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) {
         std::setlocale(LC_CTYPE, "C.UTF-8");
@@ -150,14 +151,14 @@ void WriteLastLine(std::string_view line) {
 }
 
 bool OutputReaderIsGone() {
-    pollfd stream{output, 0, 0};  // the system passes over -1
+    pollfd stream{output, 0, 0};  // poll ignores -1
     return poll(&stream, 1, 0) > 0 && (stream.revents & POLLERR) != 0;
 }
 
 void WriteError(std::string_view text) {
     static const int errors = WithoutWaiting(STDERR_FILENO);
     static std::atomic<bool> isStalled = false;
-    // A program that is to end does not wait for each line anew.
+    // A program that is to end does not wait again for each line.
     if (!isStalled) {
         isStalled = WriteTo(errors, text) == kStalled;
     }
@@ -180,7 +181,7 @@ std::optional<ScreenSize> OutputScreen() {
 }
 
 void Redraw(std::size_t rowsBefore, const std::vector<std::string>& lines) {
-    // The whole picture in one write, each line cleared behind its text: nothing flickers.
+    // Draw everything in one write and clear each line after its text, to avoid flicker.
     std::string picture = "\r";
     if (rowsBefore > 1) {
         picture += "\x1b[" + std::to_string(rowsBefore - 1) + "A";

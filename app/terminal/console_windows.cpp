@@ -3,7 +3,7 @@
 #include "app/terminal/console.h"
 
 #include "platform/os.h"
-// After the system's main header, on which it stands.
+// Needs windows.h before it.
 #include <io.h>
 #include <shellapi.h>
 
@@ -24,7 +24,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// The program's own way to standard output, once vendors' is another.
+// The program's own handle of standard output, after vendors' output was redirected.
 HANDLE output = nullptr;
 
 std::atomic<bool> isWriteBrokenOff = false;  // or under way
@@ -56,16 +56,16 @@ bool IsConsole(HANDLE stream) {
     return GetConsoleMode(stream, &mode) != 0;
 }
 
-// Writes to a stream from a thread of its own, so that Ctrl-C is seen while a reader stalls. The
-// thread serves until the process ends.
+// Writes to a stream on a separate thread, so that Ctrl-C works while a reader stalls. The thread
+// runs until the process ends.
 class Writer {
 public:
     explicit Writer(HANDLE place) : stream(place) {
         std::thread([this] { Run(); }).detach();
     }
 
-    // The system's error number; 0 when all was written, kStalled when the program is to end and
-    // the reader takes nothing.
+    // Returns 0 when all was written, kStalled when the program is to end and the reader takes
+    // nothing, else the system's error number.
     DWORD Write(std::string_view text) {
         std::unique_lock lock(mutex);
         pending.append(text);
@@ -107,7 +107,7 @@ private:
         return WriteFile(stream, part.data(), size, &written, nullptr) == 0 ? GetLastError() : 0;
     }
 
-    // A console takes wide text, so that no code page comes between.
+    // Writes wide text to a console, to avoid code pages.
     DWORD ToConsole(const std::string& text) const {
         const std::wstring wide = Widen(text);
         for (std::size_t done = 0; done < wide.size();) {
@@ -122,7 +122,7 @@ private:
     }
 
     const HANDLE stream;
-    std::mutex mutex;  // guards what follows
+    std::mutex mutex;  // guards the members below
     std::condition_variable changed;
     std::string pending;
     DWORD error = 0;
@@ -145,11 +145,11 @@ void PrepareConsole() {
     const HANDLE process = GetCurrentProcess();
     const HANDLE stream = GetStdHandle(STD_OUTPUT_HANDLE);
     if (DuplicateHandle(process, stream, process, &output, 0, FALSE, DUPLICATE_SAME_ACCESS) == 0) {
-        output = nullptr;  // it is closed
+        output = nullptr;  // standard output is closed
         return;
     }
-    // A vendor's prints would spoil what is written for a program to read. A module asks the
-    // run-time library or the system.
+    // Vendors' prints would corrupt output that a program reads. A module gets the handle from the
+    // run-time library or from the system.
     _dup2(_fileno(stderr), _fileno(stdout));
     SetStdHandle(STD_OUTPUT_HANDLE, GetStdHandle(STD_ERROR_HANDLE));
 }
@@ -177,7 +177,7 @@ void WriteLastLine(std::string_view line) {
 }
 
 bool OutputReaderIsGone() {
-    // The system tells only who writes.
+    // The system reports a closed reader only to a writer.
     return false;
 }
 

@@ -37,7 +37,7 @@ pid_t process = 0;
 std::atomic<bool> told = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler uses it");
 
-// A reader of standard error that takes nothing must not keep the process.
+// A stalled reader of standard error must not block the process.
 void WriteToStandardError(const char* text, std::size_t length) {
     constexpr int milliseconds = 1000;
     pollfd errors{STDERR_FILENO, POLLOUT, 0};
@@ -52,19 +52,19 @@ void OnCrash(int signal, siginfo_t* info, void*) {
         std::find_if(std::begin(kCrashes), std::end(kCrashes),
                      [signal](const Crash& known) { return known.signal == signal; });
     if (told) {
-        sleep(1);  // another thread, or this one, is telling
+        sleep(1);  // another thread, or this one, is writing the report
     }
     TellEnd(CrashText(crash->text).View());
-    // What stood there before does the rest: the fault comes again when this returns.
+    // The former handler does the rest: the fault occurs again when this returns.
     sigaction(signal, &before[crash - std::begin(kCrashes)], nullptr);
     if (info->si_code <= 0) {
-        raise(signal);  // it was sent, by abort() for one, and would not
+        raise(signal);  // it was sent, for example by abort(), and would not occur again
     }
     errno = error;
 }
 
-// A stack for the handler, since the thread's own may be used up. One that a sanitizer has made
-// serves as well.
+// A separate stack for the handler, because the thread's own may be used up. A stack from a
+// sanitizer is used if present.
 class HandlersStack {
 public:
     HandlersStack() {

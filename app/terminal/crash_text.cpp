@@ -27,7 +27,7 @@ CrashText::CrashText(std::string_view end) {
 
 void CrashText::Append(std::string_view more) {
     for (const char character : more.substr(0, text.size() - length)) {
-        // A vendor's name may hold anything.
+        // A vendor's name may contain any bytes.
         text[length++] = character >= ' ' && character <= '~' ? character : '?';
     }
 }

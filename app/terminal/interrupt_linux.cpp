@@ -23,7 +23,7 @@ namespace App {
 
 namespace {
 
-// A sanitizer may take its time at the end.
+// A sanitizer may need some time at process exit.
 constexpr std::chrono::seconds kPatienceWithLibraries{10};
 
 constexpr int kRequests[]{SIGINT, SIGTERM, SIGHUP};
@@ -60,7 +60,7 @@ void NotifyOnInterrupt(void (*notify)()) {
     if (pipe2(wakeUp, O_CLOEXEC) != 0) {
         throw Problem(std::string("cannot watch for Ctrl-C: ") + std::strerror(errno));
     }
-    // A handler may do next to nothing; the thread that it wakes may do everything.
+    // A signal handler may do very little, so it wakes a thread.
     std::thread([notify] {
         LeaveInterruptsToOthers();
         char byte;
@@ -95,7 +95,7 @@ void EndProcessSoon(int status) {
             EndProcess(status);
         }).detach();
     } catch (const std::system_error&) {
-        return;  // then it ends when they let it
+        return;  // then it ends when the libraries let it
     }
 }
 

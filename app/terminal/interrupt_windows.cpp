@@ -14,23 +14,23 @@ namespace App {
 
 namespace {
 
-constexpr UINT kEndedByControlC = 0xC000013A;  // as the system reports it
+constexpr UINT kEndedByControlC = 0xC000013A;  // the system's own status
 
 std::atomic<void (*)()> notifier = nullptr;
 std::atomic<bool> interrupted = false;
 
-// The system calls this on a thread of its own.
+// The system calls this on a separate thread.
 BOOL WINAPI OnConsoleEvent(DWORD event) {
     const auto notify = notifier.exchange(nullptr);
     if (notify == nullptr) {
-        // Not the default's orderly exit, which waits for what may hang.
+        // Not the default orderly exit, which may hang.
         TerminateProcess(GetCurrentProcess(), kEndedByControlC);
         return TRUE;
     }
     interrupted = true;
     notify();
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
-        // The process ends when this returns: leave it the time to stop.
+        // The process ends when this returns: give it the time to stop.
         Sleep(INFINITE);
     }
     return TRUE;
@@ -43,7 +43,7 @@ void NotifyOnInterrupt(void (*notify)()) {
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 }
 
-// The system tells of them on a thread of its own.
+// The system reports requests on a separate thread.
 void LeaveInterruptsToOthers() {}
 
 bool IsInterrupted() {

@@ -20,7 +20,7 @@ std::size_t WidthOfLine(const Widths& widths) {
     return std::accumulate(widths.begin(), widths.end(), kGap * (widths.size() - 1));
 }
 
-// The columns that may give way do, always the widest of them, until the line fits.
+// Shrinks the widest of the columns that may yield, again and again, until the line fits.
 template <class MayYield>
 void Shrink(Widths& widths, std::size_t columns, MayYield mayYield) {
     while (WidthOfLine(widths) > columns) {
@@ -37,7 +37,7 @@ void Shrink(Widths& widths, std::size_t columns, MayYield mayYield) {
     }
 }
 
-// What is needed whole gives way last.
+// Shrinks the whole columns last.
 Widths Fit(Widths widths, const std::vector<Heading>& headings, std::size_t columns) {
     Shrink(widths, columns,
            [&](std::size_t column) { return headings[column].kind == Column::Yielding; });
@@ -67,7 +67,7 @@ std::string Line(const TableRow& row, const std::vector<Heading>& headings, cons
     return line;
 }
 
-// Takes from each cell what fits into one line.
+// Takes from each cell the text that fits into one line.
 TableRow TakeLine(TableRow& rest, const Widths& widths) {
     TableRow line(rest.size());
     for (std::size_t column = 0; column < rest.size(); ++column) {
@@ -82,7 +82,7 @@ bool IsEmpty(const TableRow& row) {
                        [](const std::string& cell) { return cell.empty(); });
 }
 
-// Drops what is left of the cells that may be cut.
+// Drops the rest of the cells that may be cut.
 void CutYielding(TableRow& rest, const std::vector<Heading>& headings) {
     for (std::size_t column = 0; column < rest.size(); ++column) {
         if (headings[column].kind == Column::Yielding) {

@@ -17,8 +17,8 @@ ScreenSize Screen() {
     return OutputScreen().value_or(ScreenSize{80, 24});
 }
 
-// How many rows of the terminal the lines take: a line drawn before the terminal became narrower is
-// wrapped.
+// The number of terminal rows of the lines: a line is wrapped if the terminal has become narrower
+// since.
 std::size_t RowsOf(const std::vector<std::string>& lines, std::size_t columns) {
     std::size_t rows = 0;
     for (const std::string& line : lines) {
@@ -30,11 +30,11 @@ std::size_t RowsOf(const std::vector<std::string>& lines, std::size_t columns) {
 
 std::vector<std::string> Picture(Table table, const std::vector<std::string>& below,
                                  const ScreenSize& screen) {
-    // What has scrolled off the terminal cannot be drawn over: the latest rows that fit are shown
-    // until the scan ends.
+    // Rows that have scrolled off the terminal cannot be redrawn: until the scan ends, show only
+    // the latest rows that fit.
     const std::size_t otherLines = 2 + below.size();
     const std::size_t room = screen.rows > otherLines ? screen.rows - otherLines : 1;
-    // A line that fills the terminal would wrap on some.
+    // A line that fills the whole width would wrap on some terminals.
     const std::size_t columns = screen.columns - 1;
     std::vector<std::string> lines;
     std::size_t hidden = table.rows.size() - std::min(table.rows.size(), room);
@@ -65,7 +65,7 @@ std::atomic<bool> TableDrawing::isOnTerminal = false;
 void TableDrawing::Show(const Table& table, bool hasNews, const std::vector<std::string>& remarks,
                         const std::string& status) {
     const auto now = std::chrono::steady_clock::now();
-    // A flood of news is drawn with the next call.
+    // When news arrives too fast, a later call draws it.
     if (hasNews && now - lastDrawn < kShortestInterval) {
         return;
     }

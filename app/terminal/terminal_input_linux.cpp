@@ -16,7 +16,7 @@ bool InputIsTerminal() {
 bool ReadInputLine(Base::Secret& line) {
     bool any = false;
     char character = '\0';
-    // Byte by byte: what follows the line is not taken, and no buffer keeps a copy.
+    // Read byte by byte: this leaves the text after the line, and no buffer keeps a copy.
     for (;;) {
         const ssize_t count = read(STDIN_FILENO, &character, 1);
         if (count < 0 && errno == EINTR) {
@@ -48,7 +48,7 @@ HiddenTyping::HiddenTyping() : before(nullptr) {
     }
     before = new Mode{settings};
     settings.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    // Nobody would bring the echo back after these.
+    // After these signals no code would restore the echo.
     settings.c_cc[VSUSP] = _POSIX_VDISABLE;
     settings.c_cc[VQUIT] = _POSIX_VDISABLE;
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &settings);

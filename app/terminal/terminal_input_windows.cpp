@@ -39,7 +39,7 @@ bool IsLeading(wchar_t unit) {
     return unit >= 0xD800 && unit < 0xDC00;
 }
 
-// A console gives wide text, so that no code page comes between.
+// Reads wide text from a console, to avoid code pages.
 bool ReadConsoleLine(Base::Secret& line) {
     bool any = false;
     std::array<wchar_t, 2> units{};

@@ -19,7 +19,7 @@ struct Character {
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr std::string_view kReplacementText = "\xEF\xBF\xBD";
 
-// The character at the beginning of `text`, which must not be empty.
+// The first character of `text`, which must not be empty.
 Character FirstCharacter(std::string_view text) {
     const auto byte = [&](std::size_t at) {
         return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
@@ -58,7 +58,7 @@ bool IsIn(const std::array<Range, Count>& ranges, char32_t value) {
 }
 
 // Control characters, line and paragraph separators, marks and overrides of direction, and other
-// characters that have no picture of their own.
+// invisible characters.
 constexpr std::array kSteering{Range{0x00, 0x1F},     Range{0x7F, 0x9F},     Range{0x061C, 0x061C},
                                Range{0x200B, 0x200F}, Range{0x2028, 0x202E}, Range{0x2060, 0x206F},
                                Range{0xFEFF, 0xFEFF}, Range{0xFFF9, 0xFFFB}};
@@ -72,7 +72,7 @@ constexpr std::array kWide{Range{0x1100, 0x115F},   Range{0x2E80, 0xA4CF},  Rang
                            Range{0xFF01, 0xFF60},   Range{0xFFE0, 0xFFE6},  Range{0x1F300, 0x1F64F},
                            Range{0x1F900, 0x1F9FF}, Range{0x20000, 0x3FFFD}};
 
-// As UTF-16 where wide characters have 16 bits.
+// Appends UTF-16 if wide characters have 16 bits.
 void AppendWide(std::wstring& wide, char32_t value) {
     constexpr char32_t firstBeyond = 0x10000;
     if (sizeof(wchar_t) == 2 && value >= firstBeyond) {
@@ -120,7 +120,7 @@ std::optional<std::wstring> Widen(std::string_view text) {
         return std::nullopt;
     }
     std::wstring wide;
-    wide.reserve(text.size());  // it is never copied on the way: a pass phrase leaves no trace
+    wide.reserve(text.size());  // no reallocation: it would leave a copy of a pass phrase
     while (!text.empty()) {
         const Character character = FirstCharacter(text);
         AppendWide(wide, character.value);

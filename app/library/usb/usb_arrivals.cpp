@@ -93,7 +93,7 @@ void UsbArrivals::Start(ArrivalQueue::Duration vendorsPatience) {
         queue.SetPatience(patience);
         asker = std::thread([this] { AskInTurn(); });
     }
-    // The device manager may hold on to it.
+    // The device manager may keep a reference to it.
     static const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo registration{OnChange, 0};
     if (PrinterUsbDeviceManager::GetInstance().StartMonitor(registration) != 0) {
         const std::string problem = LastUsbProblem();

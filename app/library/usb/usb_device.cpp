@@ -27,7 +27,7 @@ using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
 
-// How a vendor reaches printers on USB, and its results, are its own affair; they are known of one.
+// Each vendor defines its own results and its own access to USB; they are known for one vendor.
 constexpr const char* kKnownVendor = "driverless";
 constexpr const char* kMeaningsOfConfiguration =
     " Of driverless:"
@@ -46,7 +46,7 @@ constexpr const char* kAdvice =
     "\nPlug it in, switch it on, and wait a moment; `devicediscover usb watch` shows when it is "
     "there.";
 
-// Throws Problem when the system cannot say.
+// Throws Problem when the system cannot list the ports.
 UsbPortMap PortsNow() {
     UsbPortMap ports;
     PrinterDiscoverAPI::PrinterUsbDeviceManager::GetInstance().GetCurrentPrinterPorts(ports);
@@ -57,8 +57,8 @@ UsbPortMap PortsNow() {
     return ports;
 }
 
-// Each vendor is asked about each of its models once: what it has to say of a printer that does not
-// answer is said once, too.
+// Asks each vendor once about each of its models, so that a problem with a printer is reported only
+// once.
 PluggedPrinters Ask() {
     const UsbPortMap ports = PortsNow();
     std::vector<std::wstring> deviceIds;
@@ -78,7 +78,7 @@ PluggedPrinters Ask() {
     return {std::move(printers), UnreportedPorts(ports, answers)};
 }
 
-// What is given may have been copied from the table.
+// The user may have copied the text from the table.
 bool IsText(const std::string& text, const std::string& given) {
     return text == given || DisplayText(text) == given;
 }
@@ -93,8 +93,8 @@ std::size_t CountCalled(const std::vector<UsbPrinter>& printers, const std::stri
                       [&](const UsbPrinter& printer) { return IsCalled(printer, name); }));
 }
 
-// By what each can be named: the serial number, with the place where others have it too. Nothing
-// for one that neither of them tells from the others.
+// How the user can name the printer: its serial number or, if others share it, its place. Empty if
+// neither identifies the printer.
 std::string NameAmong(const std::vector<UsbPrinter>& printers, const UsbPrinter& printer) {
     for (const std::string& name : {printer.serialNumber, printer.address}) {
         if (!name.empty() && CountCalled(printers, name) == 1) {

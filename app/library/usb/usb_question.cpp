@@ -18,14 +18,14 @@ namespace App {
 
 namespace {
 
-// Whoever waits for the answers has a limit of his own.
+// Each caller that waits for the answers has its own limit.
 constexpr Base::SideBySideLimits kLimits{32, std::chrono::hours(1)};
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
 
-// Whether the broker may be asked, or may learn new identifiers. Never destroyed: questions may be
-// under way while the process ends.
+// Controls requests to the broker and updates of its identifiers. Never destroyed: requests may run
+// while the process ends.
 class Desk {
 public:
     static Desk& GetInstance() {
@@ -45,8 +45,8 @@ public:
         changed.notify_all();
     }
 
-    // Lets the broker learn the identifiers that vendors list now, once for each that is missed.
-    // False when there was nothing to learn, or no chance to.
+    // Updates the broker's identifiers from the vendors' current lists, once for each missing
+    // identifier. False when there was nothing to update, or no chance to.
     bool Learn(const std::wstring& deviceId) {
         std::unique_lock lock(mutex);
         if (!changed.wait_for(lock, kPatience, [this] { return questions == 0 && !isLearning; }) ||
@@ -73,7 +73,7 @@ public:
 private:
     static constexpr std::chrono::seconds kPatience{30};
 
-    // One that was unplugged in the middle may have been overlooked.
+    // A printer that was unplugged meanwhile may have been missed.
     static bool LearnNow(const std::wstring& deviceId) {
         try {
             UsbConnInterface::GetInstance().Init();
@@ -90,7 +90,7 @@ private:
     std::set<std::wstring> learned;
 };
 
-// While it lives, the broker's tables stay as they are.
+// The broker's tables do not change during this object's lifetime.
 class Question {
 public:
     Question() { Desk::GetInstance().BeginQuestion(); }

@@ -23,10 +23,10 @@ namespace {
 
 using PrinterUtil::WStringToString;
 
-// What a vendor lists that has no printer on USB.
+// The entry of a vendor without printers on USB.
 constexpr const char* kNoUsbIdentifier = "-";
 
-// As the broker reads them: only blanks separate.
+// Splits like the broker: only blanks separate.
 std::vector<std::string> UsbIdsOf(const VendorInfo& vendor) {
     std::vector<std::string> usbIds;
     std::istringstream text(vendor.usbIdList);
@@ -51,7 +51,7 @@ std::string PluggedIn(const UsbPortMap& ports) {
     return text.empty() ? "" : "\nPlugged in now:" + text;
 }
 
-// A printer's port whose vendor is known, and what the vendor said.
+// A printer's port with a known vendor, and the vendor's answer.
 struct ServedPort {
     std::string usbId;
     std::string vendor;
@@ -59,7 +59,7 @@ struct ServedPort {
     const UsbAnswer* answer;
 };
 
-// Why there is no answer of use from that vendor; empty when there is one.
+// Why the vendor gave no usable answer; empty when it did.
 std::string Failure(const std::string& usbId, const std::string& vendor, int result) {
     if (result == 0) {
         return {};
@@ -70,7 +70,7 @@ std::string Failure(const std::string& usbId, const std::string& vendor, int res
                              VendorsResult(result, vendor));
 }
 
-// Empty when the vendor reports all that is plugged in.
+// Empty when the vendor reports all plugged-in printers of the port.
 std::string NotReported(const ServedPort& port) {
     const auto& [usbId, vendor, plugged, answer] = port;
     const std::string failure = Failure(usbId, vendor, answer->result);
@@ -113,7 +113,7 @@ std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const 
                   "`devicediscover vendors` shows what is there.");
 }
 
-// The list's first for the identifier counts.
+// The first vendor in the list with the identifier counts.
 std::optional<std::string> UsbVendorOf(const std::string& usbId) {
     for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
         const std::vector<std::string> usbIds = UsbIdsOf(vendor);
