@@ -180,9 +180,9 @@ public:
 
     // Takes one change from the device manager and returns at once. Always 0. Only arrivals are
     // processed. If the records cannot be read, the arrival's thread logs the reason and reports
-    // nothing. An identifier that a vendor lists but that is too short to contain both ids is
-    // logged as "deviceId is too short, err:" and then as failure -1. If memory runs out the
-    // arrival is dropped, perhaps without a log line; later arrivals are unaffected.
+    // nothing. An identifier of fewer than 13 characters that a vendor lists is logged as "deviceId
+    // is too short, err:" and then as failure -1. If memory runs out the arrival is dropped,
+    // perhaps without a log line; later arrivals are unaffected.
     int CallBackFunc(const GUID& deviceClass, PrinterUsbApiStruct::EmDeviceState state,
                      const std::wstring& deviceId);
 

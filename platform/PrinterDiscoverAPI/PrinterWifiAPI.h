@@ -52,9 +52,9 @@ public:
     // Requests a new scan, waits up to 10 seconds for it, and appends the networks in range to
     // `networks`, the strongest first: one entry for each name, with the attributes of the
     // strongest access point, and one entry for each access point without a name. If the system
-    // refuses a new scan so soon after the last, or a policy forbids only the scan, the results of
-    // the last scan are used without waiting. A forbidden scan is logged once until it is allowed
-    // again.
+    // refuses a new scan so soon after the last, the results of the last scan are used. If a policy
+    // forbids only the scan, the last results are used without waiting, and this is logged once
+    // until scans are allowed again.
     void ScanWifiAPBySsid(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks);
 
     // Returns the access point that the host is joined to: the network's name, as in a scan; the

@@ -38,7 +38,7 @@ PRINTERDISCOVERAPI_API void PrinterWifiKnownNetworks(
 PRINTERDISCOVERAPI_API int PrinterWifiVisit(const char* network, int seconds);
 
 // Ends the visit: starts the host's return to the connection that it left, without waiting for the
-// outcome. Does nothing if the host had no connection, or has joined another network since.
+// outcome. The host stays where it is if it had no connection, or has joined another network since.
 PRINTERDISCOVERAPI_API void PrinterWifiEndVisit();
 
 // Remembers the host's current connection for PrinterWifiGoBack.

@@ -55,7 +55,7 @@ constexpr std::chrono::milliseconds kLookAgain{100};
 // How long, and how often at most, a hidden network is searched for.
 constexpr std::chrono::seconds kSearchLimit{15};
 constexpr std::chrono::milliseconds kAskAgain{500};
-// The results of a scan are used for this long instead of a new scan.
+// If the service is busy, the results of a scan that ended this recently are used.
 constexpr std::chrono::seconds kFresh{10};
 constexpr std::int64_t kNoScanTime = -2;
 
