@@ -13,13 +13,13 @@ import sys
 import tempfile
 import time
 
-from lab import PATIENCE, lab
+from lab import Lines, lab
 from office import Bridge, announced, new_printer
 from set_up_demo import INTERRUPTED, LAST_STEP, NETWORK, PASS_PHRASE, PROGRAM, say
 from usb_bed import UsbBed
 
 PLACE, SERIAL = "1-1", "RADIO1"
-STARTED, REPORTED = "Start usb Monitor", "callback ok"
+MOST_TRIES, PATIENCE_FOR_REPORT = 5, 5
 
 
 class Demo:
@@ -46,30 +46,22 @@ class Demo:
         printer.await_line("ready")
         self.running.append(Bridge())
 
-    def await_log(self, line, seconds):
-        log = os.path.join(self.folder, "DeviceDiscover", "DeviceDiscover.log")
-        deadline = time.monotonic() + seconds
-        while time.monotonic() < deadline:
-            if os.path.exists(log):
-                with open(log, encoding="utf-8") as file:
-                    if line in file.read():
-                        return True
-            time.sleep(0.05)
-        return False
-
     def watch(self):
         """Until a printer has come. One that came before the watch looked is plugged in again."""
-        process = self.start("usb", "watch")
-        self.await_log(STARTED, PATIENCE)
-        time.sleep(0.5)
+        say("$ devicediscover usb watch")
+        watch = Lines(self.usb.seen_by([PROGRAM, "usb", "watch"]), os.environ, stderr=None)
+        time.sleep(1)
         say(f"(a printer is plugged in at {PLACE})")
-        self.usb.plug(PLACE, SERIAL)
-        while not self.await_log(REPORTED, 4) and process.poll() is None:
-            self.usb.unplug(PLACE)
+        for _ in range(MOST_TRIES):
             self.usb.plug(PLACE, SERIAL)
+            line = watch.next(PATIENCE_FOR_REPORT)
+            if line:
+                say(line)
+                break
+            self.usb.unplug(PLACE)
         say("(Ctrl-C)")
-        process.send_signal(signal.SIGINT)
-        return process.wait()
+        watch.process.send_signal(signal.SIGINT)
+        return watch.process.wait()
 
     def run(self, *arguments):
         return self.start(*arguments).wait()
