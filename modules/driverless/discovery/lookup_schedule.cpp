@@ -49,7 +49,7 @@ void LookupSchedule::Gone(const ServiceId& id, Time now) {
     if (source != answered.end() && source->second == id) {
         answered.erase(source);
         for (const ServiceId& other : sameName->second) {
-            if (services.at(other).state == State::Later) {
+            if (services.at(other).state == State::Later && handedBack.count(other) == 0) {
                 PutOff(other, now + kDelayWithoutIpp);
             }
         }

@@ -169,6 +169,30 @@ TEST_F(LookupScheduleTest, WhenTheServiceThatAnsweredGoes_TheOthersAreLookedUp) 
     EXPECT_EQ(BegunAfter(kDelayWithoutIpp), Ids{Id(ServiceKind::Ipps)});
 }
 
+TEST_F(LookupScheduleTest, WhenTheServiceThatAnsweredGoes_OnesHandedBackStillPause) {
+    const ServiceId secure = Id(ServiceKind::Ipps, "Secure 0");
+    Announce(secure);
+    for (int number = 1; number < 300; ++number) {
+        Announce(Id(ServiceKind::Ipps, "Secure " + std::to_string(number)));
+    }
+    ASSERT_TRUE(IsBegunWithin(milliseconds(200), secure));
+    bool handedBack = false;
+    while (!handedBack) {
+        const Ids ended = After(milliseconds(10)).end;
+        handedBack = std::find(ended.begin(), ended.end(), secure) != ended.end();
+        ASSERT_LT(now, LookupSchedule::Time{} + milliseconds(10000));
+    }
+    const ServiceId plain = Id(ServiceKind::Ipp, "Secure 0");
+    Announce(plain);
+    schedule.Answered(plain);
+    schedule.Gone(plain, now);
+    for (int number = 1; number < 300; ++number) {
+        schedule.Gone(Id(ServiceKind::Ipps, "Secure " + std::to_string(number)), now);
+    }
+    EXPECT_FALSE(IsBegunWithin(kDelayAfterSlice - milliseconds(10), secure));
+    EXPECT_TRUE(IsBegunWithin(milliseconds(1000), secure));
+}
+
 TEST_F(LookupScheduleTest, WhatIsGone_IsNotLookedUp) {
     Announce(Id(ServiceKind::Ipp));
     Announce(Id(ServiceKind::Ipps));
