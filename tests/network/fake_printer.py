@@ -4,7 +4,7 @@
 usage: fake_printer.py --name NAME --type TYPE --port PORT [--txt KEY=VALUE ...]
                        [--behaviour BEHAVIOUR] [--attribute NAME=VALUE ...] [--count COUNT]
 
-behaviours: answers (default), silent (accepts, says nothing), drips (one byte a moment, for ever),
+behaviours: answers (default), late (after 1.3 s), silent (accepts, says nothing), drips (one byte a moment, for ever),
 redirects, wants-password, garbage, refuses (IPP error), old (only IPP 1.1), closed (no server),
 other-group (its attributes are not in the printer's group), and those of `hostile`
 
@@ -118,6 +118,8 @@ def serve(connection, options):
         return
     while (request := read_request(connection)) is not None:
         version, request_id = request[0:2], request[4:8]
+        if options.behaviour == "late":
+            time.sleep(1.3)
         if options.behaviour == "redirects":
             reply = http_response(b"", "302 Found", ["Location: /elsewhere"])
         elif options.behaviour == "wants-password":

@@ -1170,6 +1170,15 @@ class State(NetworkTest):
             event = probe.await_event("state")
             self.assertEqual(event["result"], states[latest], place)
             self.assertLess(event["took"], 2.2 * SLACK, place)
+        # A slow printer's own place counts, although the other one answers before it.
+        self.assertEqual(probe.ask("stop"), 0)
+        probe.await_event("ended")
+        late = NOT_READY if states[latest] == READY else READY
+        announcer.announce(name="Late", host="late", address="10.99.0.82", port=9000, serve="late",
+                           attributes=["printer-serial-number=S8", f"printer-uuid=urn:uuid:{UUID}8",
+                                       f"printer-state={5 if late == NOT_READY else 3}"])
+        probe.tell("edit S8 address 10.99.0.82")
+        self.assertEqual(probe.ask("state", "S8"), late)
 
     def test_the_record_alone_is_enough(self):
         probe = self.known()

@@ -12,7 +12,7 @@ namespace Driverless {
 
 namespace {
 
-// How long the first of two places is asked alone.
+// How long the first of two places is asked alone; a connection counts only within this time.
 constexpr std::chrono::milliseconds kPatienceForFirstPlace{1000};
 
 int StateFrom(const Printer& printer, const IppAnswer& answer) {
@@ -85,10 +85,12 @@ int ConnectState(const Printer& first, const Printer& second) {
         return state;
     }
     const int other = StateBy(second, deadline);
-    if (other == kReady || other == kNotReady) {
-        return other;
+    // The first place has until the deadline, and counts when it answers meanwhile.
+    if (asking) {
+        state = StateFrom(first, asking->Answer());
     }
-    return asking ? StateFrom(first, asking->Answer()) : state;
+    const bool counts = !IsFinal(state, first) && (other == kReady || other == kNotReady);
+    return counts ? other : state;
 }
 
 }  // namespace Driverless
