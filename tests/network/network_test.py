@@ -652,6 +652,17 @@ class WithoutServices(NetworkTest):
         self.assertEqual(ended["result"], 0)
         self.assertLess(ended["seconds"] - stopped, 1.5 * SLACK)
 
+    def test_a_scan_that_is_stopped_while_avahi_hangs_did_not_find_everything(self):
+        probe = self.probe()
+        probe.start()
+        self.have_printers(1)
+        probe.await_printers(1)
+        daemon = self.frozen("avahi")
+        self.await_diagnostics(probe, "Avahi has stopped answering")
+        self.assertEqual(probe.ask("stop"), 0)
+        self.assertEqual(probe.await_event("ended")["result"], NO_BROWSING)
+        os.kill(daemon, signal.SIGCONT)
+
 
 class Stopping(NetworkTest):
     def assert_stops_at_once(self, probe):

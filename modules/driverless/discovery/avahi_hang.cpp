@@ -21,7 +21,9 @@ AvahiHang::Finding AvahiHang::Look(std::optional<Time> waitsSince, Time now) {
     if (silence >= kSilenceToTell) {
         return std::exchange(told, true) ? Finding::None : Finding::Hangs;
     }
-    return !waited && std::exchange(told, false) ? Finding::Recovers : Finding::None;
+    // What was waited for has come.
+    const bool progress = !waited || silence == silence.zero();
+    return progress && std::exchange(told, false) ? Finding::Recovers : Finding::None;
 }
 
 }  // namespace Driverless

@@ -25,6 +25,9 @@ public:
     // Avahi's is waited for, or nothing when none is.
     Finding Look(std::optional<Time> waitsSince, Time now);
 
+    // Whether Hangs was found last, and not Recovers.
+    bool IsTold() const { return told; }
+
 private:
     std::optional<Time> waited;  // the one that is waited for
     Time last;

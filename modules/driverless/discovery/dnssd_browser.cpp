@@ -182,6 +182,8 @@ private:
 
     template <typename Function>
     void Guard(Function function) noexcept;
+    template <typename Call>
+    auto Asking(Call call);
     void WatchOn(AvahiSimplePoll* poll);
     void WatchUntilClosed(AvahiSimplePoll* poll);
     bool Iterate(AvahiSimplePoll* poll);
@@ -228,6 +230,7 @@ private:
 
     const Alarm alarm;
     std::atomic<Clock::duration> waitsSince{};  // zero: does not
+    int askings = 0;                            // under way, one within the other
     std::mutex mutex;
     std::condition_variable changed;
     Signal signal = Signal::None;
@@ -248,6 +251,23 @@ void DnssdBrowser::Watch::Guard(Function function) noexcept {
     } catch (const std::exception& exception) {
         ReportExhausted(exception);
     }
+}
+
+// Makes a call that may wait for Avahi. Each one is awaited on its own: one turn can make many, and
+// an Avahi that answers each of them does not hang.
+template <typename Call>
+auto DnssdBrowser::Watch::Asking(Call call) {
+    struct End {
+        Watch& watch;
+        ~End() {
+            const bool within = --watch.askings > 0;
+            watch.waitsSince = within ? Clock::now().time_since_epoch() : Clock::duration::zero();
+        }
+    };
+    ++askings;
+    const End end{*this};
+    waitsSince = Clock::now().time_since_epoch();
+    return call();
 }
 
 void DnssdBrowser::Watch::Run() {
@@ -294,10 +314,7 @@ bool DnssdBrowser::Watch::Iterate(AvahiSimplePoll* poll) {
     if (avahi_simple_poll_prepare(poll, -1) < 0 || avahi_simple_poll_run(poll) < 0) {
         return errno == EINTR;
     }
-    waitsSince = Clock::now().time_since_epoch();
-    const int result = avahi_simple_poll_dispatch(poll);
-    waitsSince = Clock::duration::zero();
-    return result >= 0;
+    return Asking([poll] { return avahi_simple_poll_dispatch(poll); }) >= 0;
 }
 
 std::optional<Clock::time_point> DnssdBrowser::Watch::WaitsSince() const {
@@ -335,10 +352,12 @@ void DnssdBrowser::Watch::SetPing() {
 // Avahi tells nothing while nothing happens on the network, which is how it looks when it hangs. An
 // entry group is the least that it can be asked for; whatever it answers will do.
 void DnssdBrowser::Watch::Ping() {
-    AvahiEntryGroup* const group = avahi_entry_group_new(
-        client.get(), [](AvahiEntryGroup*, AvahiEntryGroupState, void*) {}, nullptr);
+    AvahiEntryGroup* const group = Asking([this] {
+        return avahi_entry_group_new(
+            client.get(), [](AvahiEntryGroup*, AvahiEntryGroupState, void*) {}, nullptr);
+    });
     if (group != nullptr) {
-        avahi_entry_group_free(group);
+        Asking([group] { return avahi_entry_group_free(group); });
     }
 }
 
@@ -359,7 +378,8 @@ void DnssdBrowser::Watch::Disconnect() {
 
 bool DnssdBrowser::Watch::Connect(AvahiClientFlags flags) {
     int error = 0;
-    client.reset(avahi_client_new(events, flags, ClientChanged, this, &error));
+    client.reset(
+        Asking([&] { return avahi_client_new(events, flags, ClientChanged, this, &error); }));
     if (client != nullptr) {
         return true;
     }
@@ -390,8 +410,11 @@ void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
     }
     unsettled = kServiceTypes.size();
     for (const ServiceType& type : kServiceTypes) {
-        if (avahi_service_browser_new(ofClient, AVAHI_IF_UNSPEC, AVAHI_PROTO_INET, type.name,
-                                      nullptr, AvahiLookupFlags{}, Browsed, this) == nullptr) {
+        const auto* const browser = Asking([&] {
+            return avahi_service_browser_new(ofClient, AVAHI_IF_UNSPEC, AVAHI_PROTO_INET, type.name,
+                                             nullptr, AvahiLookupFlags{}, Browsed, this);
+        });
+        if (browser == nullptr) {
             listener(AvahiFailure(avahi_client_errno(ofClient)));
             return;
         }
@@ -498,9 +521,11 @@ void DnssdBrowser::Watch::Begin(const std::vector<ServiceId>& ids) {
 // False when Avahi refuses the look-up for now.
 bool DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id) {
     ForgetResolver(id);
-    AvahiServiceResolver* const resolver = avahi_service_resolver_new(
-        ofClient, id.interface, AVAHI_PROTO_INET, id.name.c_str(), TypeName(id.kind),
-        id.domain.c_str(), AVAHI_PROTO_INET, AvahiLookupFlags{}, ResolvedService, this);
+    AvahiServiceResolver* const resolver = Asking([&] {
+        return avahi_service_resolver_new(ofClient, id.interface, AVAHI_PROTO_INET, id.name.c_str(),
+                                          TypeName(id.kind), id.domain.c_str(), AVAHI_PROTO_INET,
+                                          AvahiLookupFlags{}, ResolvedService, this);
+    });
     if (resolver == nullptr) {
         return false;
     }
@@ -581,7 +606,7 @@ bool DnssdBrowser::Watch::IsAsked(const ServiceId& id, const std::string& addres
 void DnssdBrowser::Watch::ForgetResolver(const ServiceId& id) {
     const auto resolver = resolvers.find(id);
     if (resolver != resolvers.end()) {
-        avahi_service_resolver_free(resolver->second);
+        Asking([&] { return avahi_service_resolver_free(resolver->second); });
         resolvers.erase(resolver);
     }
 }

@@ -130,8 +130,12 @@ public:
         return overdue ? std::optional(kNoBrowsing) : std::nullopt;
     }
 
-    // The result for an Avahi that has stopped answering since then, or nothing.
+    // The result for an Avahi that has stopped answering since then, or nothing. Before it has
+    // answered at all, Overdue tells.
     std::optional<int> Hanging(std::optional<Clock::time_point> since, Clock::time_point now) {
+        if (!silence.HasAnswered()) {
+            return std::nullopt;
+        }
         switch (hang.Look(since, now)) {
             case AvahiHang::Finding::Hangs:
                 ReportProblem("Avahi has stopped answering: printers that come are not found");
@@ -147,10 +151,13 @@ public:
         return std::nullopt;
     }
 
-    // With room for so many questions under way.
+    // Avahi stopped answering, and has not answered since.
+    bool IsHanging() const { return hang.IsTold(); }
+
     // Something is there at the place of a question that was overdue just now.
     void WasSilent(PrinterTable::QueryId query) { table.Refused(query); }
 
+    // With room for so many questions under way.
     PrinterTable::Work Advance(Clock::time_point now, std::size_t room) {
         table.LimitQuestions(room);
         PrinterTable::Work work = table.Advance(now);
@@ -247,7 +254,7 @@ int ScanSession::Run() {
     while (true) {
         const std::optional<Message> message = inbox->Take(next);
         if (inbox->IsClosed()) {
-            return silence.IsTold() ? kNoBrowsing : kOk;
+            return silence.IsTold() || course.IsHanging() ? kNoBrowsing : kOk;
         }
         const auto now = Clock::now();
         auto result = message ? course.Take(*message, now) : course.Overdue(now);

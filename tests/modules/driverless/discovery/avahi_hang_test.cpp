@@ -39,10 +39,19 @@ TEST_F(AvahiHangTest, OneThatDoesNotAnswer_IsToldOnceAndThenNotWaitedForAnyLonge
 }
 
 TEST_F(AvahiHangTest, OneThatAnswersAfterThat_RecoversOnce) {
+    EXPECT_FALSE(hang.IsTold());
     EXPECT_EQ(After(milliseconds(60000), now), Finding::Hangs);
+    EXPECT_TRUE(hang.IsTold());
     EXPECT_EQ(After(milliseconds(60000), std::nullopt), Finding::Recovers);
+    EXPECT_FALSE(hang.IsTold());
     EXPECT_EQ(After(milliseconds(60000), std::nullopt), Finding::None);
     EXPECT_EQ(After(milliseconds(60000), now), Finding::Hangs) << "again";
+}
+
+TEST_F(AvahiHangTest, OneThatIsWaitedForAnew_HasRecovered) {
+    const auto begin = now;
+    EXPECT_EQ(After(milliseconds(60000), begin), Finding::Hangs);
+    EXPECT_EQ(After(milliseconds(60000), begin + milliseconds(1)), Finding::Recovers);
 }
 
 TEST_F(AvahiHangTest, OneThatIsAlwaysBusyButAnswers_DoesNotHang) {
