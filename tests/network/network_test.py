@@ -1053,10 +1053,11 @@ class HostileHosts(NetworkTest):
         wanted = {f"HONEST{number}" for number in range(1, 21)}
         # A busy machine's printers may take longer for an answer than the module waits. None is
         # hidden, and who is starved of questions is so in every scan.
-        for _ in range(3):
+        for turn in range(3):
             serials = self.honest_serials(probe, len(wanted))
             self.assertEqual(len(serials), len(wanted), serials)
             answered = serials & wanted
+            self.assertGreaterEqual(len(answered), 15 if turn == 0 else 0, "in the first scan")
             if answered == wanted:
                 break
             probe.start()
