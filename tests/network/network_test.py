@@ -2,7 +2,7 @@
 """The driverless module on a real network: real printers, Avahi and D-Bus in namespaces.
 
 Runs inside scripts/lab-network, on the browsing side. The environment names what is tested:
-DEVICEDISCOVER_PROGRAM, SCAN_PROBE, DRIVERLESS_MODULE, LAB_NETWORK.
+DEVICEDISCOVER_PROGRAM, SCAN_PROBE, SLOW_AVAHI, DRIVERLESS_MODULE, LAB_NETWORK.
 """
 
 import contextlib
@@ -41,6 +41,14 @@ SLACK = float(os.environ.get("NETWORK_TEST_SLACK", "1"))
 IPP, IPPS, PDL_DATASTREAM, LPD = 1, 2, 3, 4
 READY, NOT_READY, NO_ANSWER, UNKNOWN, NO_PRINTER, OTHER_PRINTER = 1, 2, 3, 4, 5, 6
 NO_BUS, NO_AVAHI, NO_NETWORK, NO_BROWSING, BUS_LOST = 2, 3, 4, 5, 6
+
+
+def slow_avahi(**milliseconds):
+    """The environment of a program for which Avahi takes its time; see slow_avahi.cpp."""
+    # The address sanitizer wants to be the first library; nothing of its own is in this one.
+    options = filter(None, [os.environ.get("ASAN_OPTIONS"), "verify_asan_link_order=0"])
+    return {"LD_PRELOAD": os.environ["SLOW_AVAHI"], "ASAN_OPTIONS": ":".join(options),
+            **{"SLOW_AVAHI_" + what.upper(): str(time) for what, time in milliseconds.items()}}
 
 
 def serial_of(number):
@@ -622,6 +630,15 @@ class WithoutServices(NetworkTest):
         os.kill(daemon, signal.SIGSTOP)
         self.assertEqual(probe.await_event("ended")["result"], NO_BROWSING)
         self.assertRegex(probe.diagnostics(), "(?s)stopped.*again.*stopped.*the scan ends")
+
+    def test_an_avahi_that_hangs_when_it_is_back_is_told(self):
+        self.have_printers(1)
+        probe = self.probe(environment=slow_avahi(reconnect=4000))
+        probe.start()
+        probe.await_printers(1)
+        lab("cold")
+        self.await_diagnostics(probe, "Avahi answers again")
+        self.assertRegex(probe.diagnostics(), "(?s)Avahi ended.*stopped answering.*again")
 
     def test_a_scan_without_threads_says_so(self):
         self.have_printers(1)
