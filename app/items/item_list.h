@@ -49,15 +49,19 @@ public:
     std::vector<Item> GetLatestFirst() const;
 
 private:
+    struct Row {
+        Item item;
+        std::uint64_t reported;  // the number of its latest report
+    };
+
     ItemList() = default;
 
     mutable std::mutex mutex;
     std::condition_variable changed;
-    std::vector<Item> items;
-    std::unordered_map<std::string, std::size_t> known;  // indices into `items`, by key
-    std::vector<std::uint64_t> reported;  // of each item: the number of its latest report
+    std::vector<Row> rows;
+    std::unordered_map<std::string, std::size_t> known;  // indices into `rows`, by key
     std::uint64_t reports = 0;
-    std::set<std::size_t> news;  // indices into `items`
+    std::set<std::size_t> news;  // indices into `rows`
     bool cancelled = false;
 };
 
@@ -65,17 +69,19 @@ template <class Item>
 void ItemList<Item>::Add(const Item& item) {
     const std::lock_guard lock(mutex);
     const std::optional<std::string> key = item.Key();
-    const std::size_t index =
-        key ? known.try_emplace(*key, items.size()).first->second : items.size();
-    if (index == items.size()) {
-        items.push_back(item);
-        reported.push_back(++reports);
+    const auto found = key ? known.find(*key) : known.end();
+    const std::size_t index = found == known.end() ? rows.size() : found->second;
+    if (index == rows.size()) {
+        rows.push_back({item, ++reports});
+        if (key) {
+            known.emplace(*key, index);  // last: a key leads to a row also when memory runs out
+        }
     } else {
-        reported[index] = ++reports;
-        if (items[index] == item) {
+        rows[index].reported = ++reports;
+        if (rows[index].item == item) {
             return;
         }
-        items[index] = item;
+        rows[index].item = item;
     }
     news.insert(index);
     changed.notify_all();
@@ -100,7 +106,7 @@ std::vector<Item> ItemList<Item>::WaitForNews(Clock::time_point until) {
     changed.wait_until(lock, until, [this] { return cancelled || !news.empty(); });
     std::vector<Item> found;
     for (const std::size_t index : std::exchange(news, {})) {
-        found.push_back(items[index]);
+        found.push_back(rows[index].item);
     }
     return found;
 }
@@ -108,20 +114,25 @@ std::vector<Item> ItemList<Item>::WaitForNews(Clock::time_point until) {
 template <class Item>
 std::vector<Item> ItemList<Item>::GetItems() const {
     const std::lock_guard lock(mutex);
+    std::vector<Item> items;
+    items.reserve(rows.size());
+    for (const Row& row : rows) {
+        items.push_back(row.item);
+    }
     return items;
 }
 
 template <class Item>
 std::vector<Item> ItemList<Item>::GetLatestFirst() const {
     const std::lock_guard lock(mutex);
-    std::vector<std::size_t> order(items.size());
+    std::vector<std::size_t> order(rows.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::sort(order.begin(), order.end(), [this](std::size_t one, std::size_t other) {
-        return reported[one] > reported[other];
+        return rows[one].reported > rows[other].reported;
     });
     std::vector<Item> latest;
     for (const std::size_t index : order) {
-        latest.push_back(items[index]);
+        latest.push_back(rows[index].item);
     }
     return latest;
 }

@@ -26,7 +26,7 @@ struct Printer {
     std::uint16_t port;
     std::uint16_t service;
 
-    // Whether both are the same device, maybe with news about it.
+    // The same for each record of one device, also when there is news about it.
     std::optional<std::string> Key() const;
     bool operator==(const Printer& other) const;
 };

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <new>
+
 namespace App {
 
 namespace {
@@ -51,6 +53,38 @@ TEST(ItemListTest, KeepsItemsByKeyInOrderAndTheLatestFirst) {
     EXPECT_THAT(States(list.WaitForNews(now)), ElementsAre(4));
     EXPECT_THAT(States(list.GetItems()), ElementsAre(1, 4, 3, 3));
     EXPECT_THAT(States(list.GetLatestFirst()), ElementsAre(4, 1, 3, 3));
+}
+
+// Cannot be copied while memory is short.
+struct Heavy {
+    std::string name;
+    int state;
+
+    Heavy(std::string ofName, int ofState) : name(std::move(ofName)), state(ofState) {}
+    Heavy(const Heavy& other) : name(other.name), state(other.state) {
+        if (isMemoryShort) {
+            throw std::bad_alloc();
+        }
+    }
+    Heavy(Heavy&&) = default;
+    Heavy& operator=(const Heavy&) = default;
+    std::optional<std::string> Key() const { return name; }
+    bool operator==(const Heavy& other) const { return state == other.state; }
+    static inline bool isMemoryShort = false;
+};
+
+TEST(ItemListTest, AnItemThatDoesNotFitIsNotTakenForTheNextOne) {
+    auto& list = ItemList<Heavy>::GetInstance();
+    Heavy::isMemoryShort = true;
+    EXPECT_THROW(list.Add({"a", 1}), std::bad_alloc);
+    Heavy::isMemoryShort = false;
+    list.Add({"b", 2});
+    list.Add({"a", 3});
+    std::vector<int> states;
+    for (const Heavy& item : list.GetItems()) {
+        states.push_back(item.state);
+    }
+    EXPECT_THAT(states, ElementsAre(2, 3));
 }
 
 TEST(ItemListTest, LooksAtNoOtherItemToAddOne) {
