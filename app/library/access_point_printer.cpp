@@ -218,6 +218,9 @@ void NetworkScanSession::Stop(const std::function<void()>& onWait) {
     scans.Update();
     scans.Freeze();
     scan->Stop(onWait);
+    if (NetworkList::GetInstance().GetItems().empty()) {
+        scans.AwaitReturns();
+    }
 }
 
 bool NetworkScanSession::HasEnded() {

@@ -92,6 +92,9 @@ void VendorScans::AwaitReturns() {
         const std::optional<VendorCall> latest = LatestOf(vendor);
         return latest && latest->state == VendorCallState::kUnderWay;
     };
+    if (!isGiven) {
+        AddThoseThatBegan();
+    }
     const auto end = std::chrono::steady_clock::now() + kMoment;
     while (std::any_of(vendors.begin(), vendors.end(), isUnderWay) &&
            std::chrono::steady_clock::now() < end) {

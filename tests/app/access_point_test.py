@@ -104,6 +104,12 @@ class AccessPointScan(HostTest):
         self.assert_status(result, NONE_FOUND)
         self.assertNotIn("result 9", result.errors)
 
+    def test_a_scan_that_is_stopped_before_it_says_that_it_could_not_look_has_not_looked(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
+        self.script("until-stopped", "result StartAPWifiScan 8")
+        self.assert_nobody_looks(self.run_app("ap", "scan", "--seconds", "0.5"),
+                                 "vendor driverless does not look", "the vendor's result 8")
+
     def test_a_terminal_gets_a_table_that_grows(self):
         self.script("interval 1000", "until-stopped", reported("Office"), reported("Guests", 7))
         terminal = Terminal(self, "ap", "scan", "--seconds", "3")
