@@ -23,7 +23,10 @@ std::atomic<bool> isForJson = false;
 
 void OnExit() {
     if (!endIsOwn && IsOwnProcess()) {
-        TellEnd(CrashText("the program was ended by a call of exit()").View());
+        const CrashText text("the program was ended by a call of exit()");
+        if (TellEnd(text.View())) {
+            TellEndToReader(text.View());
+        }
         EndProcess(kCouldNotRun);
     }
 }

@@ -8,7 +8,7 @@ namespace App {
 
 // What ReportCrashes needs of each system.
 
-// Calls TellEnd when the program crashes.
+// Calls TellEnd when the program crashes, and then TellEndToReader.
 void CatchCrashes();
 
 // Calls `handler` where the process is being ended by what std::atexit does not see: by
@@ -16,11 +16,12 @@ void CatchCrashes();
 // library ends. Not after TellEnd.
 void CatchOtherExits(void (*handler)());
 
-// Writes the line to standard error and to the log, without memory and without waiting long, and
-// then calls TellEndToReader. Only the first call of the process does.
-void TellEnd(std::string_view text);
+// Writes the line to standard error and to the log, without memory and without waiting long. Only
+// the first call of the process does, and returns true.
+bool TellEnd(std::string_view text);
 
-// Tells it whoever reads standard output, where that is wanted.
+// Tells it whoever reads standard output, where that is wanted: after TellEnd, and only of an end
+// that makes the status one of failure.
 void TellEndToReader(std::string_view text);
 
 // Whether this is the process that CatchCrashes was called in, not a copy of it.

@@ -54,7 +54,10 @@ void OnCrash(int signal, siginfo_t* info, void*) {
     if (told) {
         sleep(1);  // another thread, or this one, is writing the report
     }
-    TellEnd(CrashText(crash->text).View());
+    const CrashText text(crash->text);
+    if (TellEnd(text.View())) {
+        TellEndToReader(text.View());
+    }
     // The former handler does the rest: the fault occurs again when this returns.
     sigaction(signal, &before[crash - std::begin(kCrashes)], nullptr);
     if (info->si_code <= 0) {
@@ -119,9 +122,9 @@ void CatchOtherExits(void (*handler)()) {
     static_cast<void>(std::at_quick_exit(handler));
 }
 
-void TellEnd(std::string_view text) {
+bool TellEnd(std::string_view text) {
     if (told.exchange(true)) {
-        return;
+        return false;
     }
     constexpr std::string_view name = "devicediscover: ";
     char line[2048];
@@ -131,7 +134,7 @@ void TellEnd(std::string_view text) {
     line[name.size() + length] = '\n';
     WriteToStandardError(line, name.size() + length + 1);
     LogHelper::WriteInSignalHandler(text);
-    TellEndToReader(text);
+    return true;
 }
 
 bool IsOwnProcess() {

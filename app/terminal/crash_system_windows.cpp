@@ -33,14 +33,21 @@ const char* TextOf(DWORD code) {
     }
 }
 
+void TellCrash(const char* what) {
+    const CrashText text(what);
+    if (TellEnd(text.View())) {
+        TellEndToReader(text.View());
+    }
+}
+
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
-    TellEnd(CrashText(TextOf(exception->ExceptionRecord->ExceptionCode)).View());
+    TellCrash(TextOf(exception->ExceptionRecord->ExceptionCode));
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
 // The run-time library ends the program when this returns.
 void OnAbort(int) {
-    TellEnd(CrashText("the program was aborted").View());
+    TellCrash("the program was aborted");
 }
 
 // The system calls this at the end of each thread that has a value in this place, and first of all
@@ -68,9 +75,9 @@ void CatchOtherExits(void (*handler)()) {
     exitHandler = handler;
 }
 
-void TellEnd(std::string_view text) {
+bool TellEnd(std::string_view text) {
     if (told.exchange(true)) {
-        return;
+        return false;
     }
     const HANDLE errors = GetStdHandle(STD_ERROR_HANDLE);
     for (const std::string_view part :
@@ -79,7 +86,7 @@ void TellEnd(std::string_view text) {
         WriteFile(errors, part.data(), static_cast<DWORD>(part.size()), &written, nullptr);
     }
     LogHelper::WriteInSignalHandler(text);
-    TellEndToReader(text);
+    return true;
 }
 
 bool IsOwnProcess() {

@@ -255,9 +255,11 @@ class Hanging(AppTest):
     @on_linux
     def test_a_module_that_hangs_when_the_program_ends_does_not_keep_it(self):
         self.list_file = self.vendor_list([("one", "scripted_hangs_at_end")])
-        result = self.run_app("vendors")
+        result = self.run_app("vendors", "--json")
         self.assert_status(result, NONE_FOUND)
         self.assert_mentions(result.errors, "a module does not let the program end")
+        self.assertEqual([one for one in json_lines(result.output) if "problem" in one], [],
+                         "what was asked has its answer")
 
     def test_a_vendor_that_does_not_answer_is_named_and_left_behind(self):
         questions = [name for name in COMMANDS if not name.startswith(("Start", "Stop"))]
