@@ -57,6 +57,16 @@ TEST_F(ArrivalQueueTest, SoManyAreAskedAtATimeAndTheOthersWait) {
     EXPECT_EQ(queue.Unasked(now), 0U);
 }
 
+TEST_F(ArrivalQueueTest, WhatIsDueWhileThereIsRoomIsNotCountedAsUnasked) {
+    Come(L"a");
+    now += 1s;
+    EXPECT_EQ(queue.Unasked(now), 0U);
+    Begun();
+    Come(L"b");
+    now += 1s;
+    EXPECT_EQ(queue.Unasked(now), 0U);
+}
+
 TEST_F(ArrivalQueueTest, AQuestionThatIsLateIsToldOnceAndMakesRoomUpToATotal) {
     Come(L"a");
     Come(L"b");

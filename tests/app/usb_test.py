@@ -2,6 +2,7 @@
 """`devicediscover usb`."""
 
 import datetime
+import json
 import os
 import re
 import signal
@@ -295,13 +296,22 @@ class UsbPorts(UsbTest):
 
 
 class UsbWatch(UsbTest):
+    def watch_until(self, count, *arguments):
+        """Watches until that many arrivals are shown; the lines, and what came on standard error."""
+        process = self.start_app("usb", "watch", *arguments)
+        lines = [process.stdout.readline().decode().replace("\r\n", "\n") for _ in range(count)]
+        process.send_signal(signal.SIGINT)
+        output, errors = process.communicate(timeout=app_test.PATIENCE)
+        self.assertEqual((process.returncode, output), (FOUND, b""), errors)
+        return lines, errors.decode().replace("\r\n", "\n")
+
     def test_each_arrival_is_a_line_also_the_same_printer_s_again(self):
         self.script(usb_device("SN1", "Fake 1"))
         self.host(change(), change(after=300), change(state=0))
-        result = self.run_app("usb", "watch", "--seconds", "3")
-        self.assert_status(result, FOUND)
-        self.assertRegex(result.output, r"^(\d\d:\d\d:\d\d\tSN1\tFake 1\tusb:1-4\tscripted\n){2}$")
-        self.assertEqual(result.errors, "")
+        lines, errors = self.watch_until(2)
+        for line in lines:
+            self.assertRegex(line, r"^\d\d:\d\d:\d\d\tSN1\tFake 1\tusb:1-4\tscripted\n$")
+        self.assertEqual(errors, "")
         self.assertEqual(self.host_calls("St"), ["StartMonitor", "StopMonitor"])
 
     def test_json_comes_as_it_happens_and_tells_the_time(self):
@@ -346,7 +356,7 @@ class UsbWatch(UsbTest):
         self.list_file = self.vendor_list([vendor(product_id=vendor_id, usb_ids="*")])
         self.script(usb_device("SN1", vendor=vendor_id))
         self.host(*host)
-        return self.run_app("usb", "watch", "--json", "--seconds", "4")
+        return self.run_app("usb", "watch", "--json", "--seconds", "5")
 
     def test_one_that_went_and_came_in_its_first_second_is_shown(self):
         there_and_gone = [appear(after=50), change(after=0), appear(devices=0, after=150),
@@ -368,10 +378,9 @@ class UsbWatch(UsbTest):
     def test_one_that_comes_between_the_count_and_the_start_is_shown(self):
         self.script(usb_device("SN1"))
         self.host(appear())
-        result = self.run_app("usb", "watch", "--json", "--seconds", "2")
-        self.assert_status(result, FOUND)
-        self.assertEqual([one["serialNumber"] for one in json_lines(result.output)], ["SN1"])
-        self.assertEqual(result.errors, "")
+        [line], errors = self.watch_until(1, "--json")
+        self.assertEqual(json.loads(line)["serialNumber"], "SN1")
+        self.assertEqual(errors, "")
 
     def test_one_that_comes_meanwhile_and_is_told_is_shown_once(self):
         self.script(usb_device("SN1"))
@@ -389,7 +398,7 @@ class UsbWatch(UsbTest):
     def test_a_printer_that_its_vendor_does_not_report_is_named_and_asked_about_once(self):
         self.script("result GetDeviceInfoByUsb 77")
         self.host(appear(after=10), change(after=0))
-        result = self.run_app("usb", "watch", "--seconds", "2.5")
+        result = self.run_app("usb", "watch", "--seconds", "4")
         self.assert_status(result, NONE_FOUND)
         self.assert_mentions(result.errors, f"warning: {USB_ID}: vendor scripted does not report it: "
                                             "the vendor's result 77\n")
@@ -398,7 +407,7 @@ class UsbWatch(UsbTest):
     def test_a_vendor_that_does_not_answer_is_named_at_the_end(self):
         self.script(usb_device("SN1"), "delay GetDeviceInfoByUsb 60000")
         self.host(appear(after=10), change(after=0))
-        result = self.run_app("usb", "watch", "--seconds", "2.5")
+        result = self.run_app("usb", "watch", "--seconds", "4")
         self.assert_status(result, COULD_NOT_RUN)
         self.assert_mentions(result.errors, "it is not known which printers were plugged in\n"
                              f"  {USB_ID}: its vendor scripted has not answered yet\n")
@@ -406,7 +415,7 @@ class UsbWatch(UsbTest):
     def test_a_vendor_that_never_answers_costs_vendor_seconds_and_is_no_no(self):
         self.script("misbehave GetDeviceInfoByUsb hang")
         self.host(change(after=0), change(after=0))
-        result = self.run_app("usb", "watch", "--seconds", "3", "--vendor-seconds", "0.5", "--json")
+        result = self.run_app("usb", "watch", "--seconds", "5", "--vendor-seconds", "0.5", "--json")
         self.assert_status(result, COULD_NOT_RUN)
         said = f"{USB_ID}: no answer from vendor scripted (GetDeviceInfoByUsb) within 0.5 s"
         self.assertEqual(result.errors.count(f"warning: {said}\n"), 1)
@@ -420,7 +429,7 @@ class UsbWatch(UsbTest):
             with self.subTest(how):
                 self.script(f"misbehave GetDeviceInfoByUsb {how}")
                 self.host(change(after=0))
-                result = self.run_app("usb", "watch", "--seconds", "2")
+                result = self.run_app("usb", "watch", "--seconds", "4")
                 self.assert_status(result, COULD_NOT_RUN)
                 self.assert_mentions(result.errors, f"\n  {USB_ID}: {saying}\n")
 
@@ -429,15 +438,24 @@ class UsbWatch(UsbTest):
         self.script("[scripted_all]", "misbehave GetDeviceInfoByUsb hang",
                     "[scripted_all_b]", usb_device("SN1", vendor="b"))
         self.host(*(40 * [change(after=0)]), change(OTHER_USB_ID, after=0))
-        result = self.run_app("usb", "watch", "--seconds", "3", "--vendor-seconds", "0.5", "--json")
-        self.assert_status(result, FOUND)
-        self.assertEqual([one["serialNumber"] for one in json_lines(result.output)], ["SN1"])
+        [line], _ = self.watch_until(1, "--vendor-seconds", "0.5", "--json")
+        self.assertEqual(json.loads(line)["serialNumber"], "SN1")
+
+    def test_of_many_that_nobody_answers_about_the_first_are_named(self):
+        models = [f"VID_1234&PID_{number:04X}" for number in range(25)]
+        self.list_file = self.vendor_list([vendor(usb_ids=" ".join(models))])
+        self.script("misbehave GetDeviceInfoByUsb hang")
+        self.host(*[change(model, after=0) for model in models])
+        result = self.run_app("usb", "watch", "--seconds", "5", "--vendor-seconds", "0.5")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assertEqual(result.errors.count("warning: VID_1234"), 20)
+        self.assert_mentions(result.errors, "warning: and 5 more without an answer in time\n")
 
     @unittest.skipIf(ON_WINDOWS, "its threads are counted by the Linux kernel")
     def test_arrivals_that_nobody_answers_about_are_bounded(self):
         self.script("misbehave GetDeviceInfoByUsb hang")
         self.host(*(1500 * [change(after=0)]))
-        process = self.start_app("usb", "watch", "--seconds", "4", "--vendor-seconds", "0.5")
+        process = self.start_app("usb", "watch", "--seconds", "8", "--vendor-seconds", "0.5")
         most = 0
         while process.poll() is None:
             try:
@@ -528,9 +546,8 @@ class UsbWatch(UsbTest):
         self.list_file = self.vendor_list([vendor(), vendor("scripted_none", "b", OTHER_USB_ID)])
         self.script(usb_device("SN1"))
         self.host(change(after=0))
-        result = self.run_app("usb", "watch", "--seconds", "2")
-        self.assert_status(result, FOUND)
-        self.assert_mentions(result.errors, "warning: vendor b", "GetDeviceInfoByUsb")
+        _, errors = self.watch_until(1)
+        self.assert_mentions(errors, "warning: vendor b", "GetDeviceInfoByUsb")
 
     def test_without_a_vendor_that_could_it_could_not_run(self):
         for vendors, saying in (([vendor("scripted_none")], "no vendor can do this"),

@@ -51,6 +51,9 @@ std::optional<ArrivalQueue::Time> ArrivalQueue::Next() const {
 }
 
 std::size_t ArrivalQueue::Unasked(Time now) const {
+    if (HasRoom()) {
+        return missed;  // what is due is asked about at once
+    }
     const auto due = std::count_if(arrivals.begin(), arrivals.end(),
                                    [now](const Waiting& waiting) { return waiting.due <= now; });
     return missed + static_cast<std::size_t>(due);

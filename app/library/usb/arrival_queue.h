@@ -58,7 +58,7 @@ public:
     // before; nothing when only those matter.
     std::optional<Time> Next() const;
 
-    // The arrivals that were missed, and those that wait though they are due.
+    // The arrivals that were missed, and those that are due and wait for room.
     std::size_t Unasked(Time now) const;
     bool HasMissed() const { return missed != 0; }
 

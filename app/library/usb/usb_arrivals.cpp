@@ -86,13 +86,6 @@ UsbArrivals& UsbArrivals::GetInstance() {
 }
 
 void UsbArrivals::Start(ArrivalQueue::Duration vendorsPatience) {
-    {
-        const std::lock_guard lock(mutex);
-        isOpen = true;
-        patience = vendorsPatience;
-        queue.SetPatience(patience);
-        asker = std::thread([this] { AskInTurn(); });
-    }
     // The device manager may keep a reference to it.
     static const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo registration{OnChange, 0};
     if (PrinterUsbDeviceManager::GetInstance().StartMonitor(registration) != 0) {
@@ -100,12 +93,24 @@ void UsbArrivals::Start(ArrivalQueue::Duration vendorsPatience) {
         throw Problem("printers that are plugged in cannot be watched" +
                       (problem.empty() ? "." : ": " + problem + "."));
     }
+    try {
+        const std::lock_guard lock(mutex);
+        patience = vendorsPatience;
+        queue.SetPatience(patience);
+        asker = std::thread([this] { AskInTurn(); });
+        isOpen = true;  // it waits for the lock
+    } catch (const std::system_error&) {
+        PrinterUsbDeviceManager::GetInstance().StopMonitor();
+        throw Problem(
+            "printers that are plugged in cannot be watched: no thread could be started.");
+    }
 }
 
 int UsbArrivals::Stop() {
     {
         const std::lock_guard lock(mutex);
         isOpen = false;
+        unasked = queue.Unasked(Clock::now());
         changed.notify_all();
     }
     PrinterUsbDeviceManager::GetInstance().StopMonitor();
@@ -157,7 +162,13 @@ void UsbArrivals::Add(const std::wstring& deviceId, std::size_t unlessTold) {
 void UsbArrivals::AskInTurn() {
     std::unique_lock lock(mutex);
     while (isOpen) {
-        BeginQuestions();
+        try {
+            BeginQuestions();
+        } catch (const std::exception&) {  // no memory
+            queue.Miss();
+            changed.wait_for(lock, kSettleTime);
+            continue;
+        }
         if (const auto next = queue.Next()) {
             changed.wait_until(lock, *next);
         } else {
@@ -172,20 +183,27 @@ void UsbArrivals::BeginQuestions() {
         RemarkLate(deviceId);
     }
     while (const auto question = queue.Begin(now)) {
-        Model* const model = ModelOf(question->arrival.deviceId);
-        if (model == nullptr || model->told >= question->arrival.unlessTold) {
-            queue.End(question->number);
-            continue;
-        }
         try {
-            // Under the lock: it does not end before it is detached.
-            std::thread([this, one = *question] { Ask(one); }).detach();
-            ++model->asked;
-        } catch (const std::system_error&) {
+            if (!IsBegun(*question)) {
+                queue.End(question->number);
+            }
+        } catch (const std::exception&) {  // no thread, or no memory
             queue.End(question->number);
             queue.Miss();
         }
     }
+}
+
+// False when it need not be asked.
+bool UsbArrivals::IsBegun(const ArrivalQueue::Question& question) {
+    Model* const model = ModelOf(question.arrival.deviceId);
+    if (model == nullptr || model->told >= question.arrival.unlessTold) {
+        return false;
+    }
+    // Under the lock: it does not end before it is detached.
+    std::thread([this, question] { Ask(question); }).detach();
+    ++model->asked;
+    return true;
 }
 
 // Each model once, until its vendor answers.
@@ -233,19 +251,20 @@ void UsbArrivals::Report(const ArrivalQueue::Question& question, const Outcome& 
 }
 
 std::vector<std::string> UsbArrivals::TakeRemarks() {
-    std::vector<std::wstring> deviceIds;
     std::vector<std::string> remarks;
-    {
-        const std::lock_guard lock(mutex);
-        deviceIds = std::exchange(late, {});
-        if (queue.HasMissed() && !std::exchange(isMissingRemarked, true)) {
-            remarks.emplace_back(
-                "more printers are plugged in than the vendors answer about; some of them are "
-                "not asked about");
+    const std::lock_guard lock(mutex);
+    for (const std::wstring& deviceId : std::exchange(late, {})) {
+        if (lateLines.Admits()) {
+            remarks.push_back(NoAnswer(WStringToString(deviceId), patience));
         }
     }
-    for (const std::wstring& deviceId : deviceIds) {
-        remarks.push_back(NoAnswer(WStringToString(deviceId), patience));
+    if (const std::size_t rest = isOpen ? 0 : lateLines.TakeRest(); rest != 0) {
+        remarks.push_back(fmt::format("and {} more without an answer in time", rest));
+    }
+    if (queue.HasMissed() && !std::exchange(isMissingRemarked, true)) {
+        remarks.emplace_back(
+            "more printers are plugged in than the vendors answer about; some of them are "
+            "not asked about");
     }
     return remarks;
 }
@@ -282,7 +301,7 @@ std::vector<std::string> UsbArrivals::Unanswered(bool alsoRemarked) const {
             lines.push_back(usbId + ": its vendor " + VendorOf(usbId) + " has not answered yet");
         }
     }
-    if (const std::size_t unasked = queue.Unasked(Clock::now()); unasked != 0) {
+    if (unasked != 0) {
         lines.push_back(fmt::format("{} {} not asked about: too many vendors' answers are awaited",
                                     CountOf<Arrival>(unasked), unasked == 1 ? "was" : "were"));
     }

@@ -15,6 +15,7 @@
 #include "app/library/usb/arrival_queue.h"
 #include "app/library/usb/usb_question.h"
 #include "app/library/usb/usb_vendors.h"
+#include "base/first_lines.h"
 
 namespace App {
 
@@ -44,7 +45,7 @@ public:
     std::vector<std::string> Unreported(const UsbPortMap& before, const UsbPortMap& now) const;
 
     // A line for each model whose vendor has not answered, and one for arrivals that no vendor was
-    // asked about; those that were remarked only on request.
+    // asked about before Stop; those that were remarked only on request.
     std::vector<std::string> Unanswered(bool alsoRemarked) const;
 
     UsbArrivals(const UsbArrivals&) = delete;
@@ -80,6 +81,7 @@ private:
     Model* ModelOf(const std::wstring& deviceId);
     void AskInTurn();
     void BeginQuestions();
+    bool IsBegun(const ArrivalQueue::Question& question);
     void Ask(const ArrivalQueue::Question& question);
     void Report(const ArrivalQueue::Question& question, const Outcome& outcome);
     void RemarkLate(const std::wstring& deviceId);
@@ -90,7 +92,9 @@ private:
     ArrivalQueue queue;
     std::map<std::wstring, Model> models;
     std::vector<std::wstring> late;  // models to remark
+    Base::LineLimit lateLines;
     bool isMissingRemarked = false;
+    std::size_t unasked = 0;  // arrivals, at Stop
 
     std::condition_variable changed;
     std::thread asker;  // starts the questions
