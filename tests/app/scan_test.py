@@ -317,7 +317,7 @@ class Floods(AppTest):
 
     def test_of_models_that_are_no_product_of_the_list(self):
         self.script(*(device(f"SN{number}", vendor=f"acme{number}") for number in range(1000)))
-        result = self.run_app("scan", "--seconds", "2")
+        result = self.run_app("scan", "--seconds", "6")
         self.assert_status(result, FOUND)
         self.assertEqual(len(result.output.splitlines()), 1000)
         self.assertEqual(result.errors.count("with the modelID"), 20)

@@ -301,7 +301,7 @@ class Memory(UsbSetupTest):
 
     def test_a_pass_phrase_is_gone_once_the_printer_has_it(self):
         self.script("forgetful", "[scripted_all]", usb_device("SN1"),
-                    "delay PrinterUSBNetConfigEvent 2000", "[scripted_all_b]",
+                    "delay PrinterUSBNetConfigEvent 10000", "[scripted_all_b]",
                     "until-stopped")
         # A run-time linker that looks functions up at their first call leaves registers on stacks.
         self.environment["LD_BIND_NOW"] = "1"
