@@ -7,8 +7,8 @@ namespace App {
 // From now on an end of the program that is none of its own is told on standard error and in the
 // log, with the vendors that are being called: a crash, an abort, an exception that nobody catches,
 // and exit() by somebody else, after which the status is kCouldNotRun. Then the program ends as it
-// would have. What cannot be seen is _exit() and its like, TerminateProcess, and the signal
-// SIGKILL.
+// would have. What cannot be seen is _exit() and its like, TerminateProcess, __fastfail, and
+// the signal SIGKILL.
 void ReportCrashes();
 
 // The same when the calling thread runs out of stack or, on Windows, calls ExitProcess; for the
