@@ -19,7 +19,7 @@ namespace App {
 namespace {
 
 // Each caller that waits for the answers has its own limit.
-constexpr Base::SideBySideLimits kLimits{32, std::chrono::hours(1)};
+constexpr Base::SideBySideLimits kAskingLimits{32, std::chrono::hours(1)};
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
@@ -121,7 +121,7 @@ UsbAnswer AskUsbVendor(const std::wstring& deviceId) {
 
 std::vector<UsbAnswer> AskUsbVendors(const std::vector<std::wstring>& deviceIds) {
     std::vector<UsbAnswer> answers(deviceIds.size());
-    Base::AskSideBySide(deviceIds.size(), kLimits, [&](std::size_t number) {
+    Base::AskSideBySide(deviceIds.size(), kAskingLimits, [&](std::size_t number) {
         ReportCrashesOfThisThread();
         answers[number] = Ask(deviceIds[number]);
     });
