@@ -27,15 +27,26 @@ struct CloseFile {
 };
 using File = std::unique_ptr<HANDLE, CloseFile>;
 
-struct FreeLocal {
+struct FreeDescriptor {
     void operator()(void* memory) const { LocalFree(memory); }
 };
 
-// Opens a file or folder, following all links. It cannot be replaced while it is open.
+// Opens a file or folder, following all links.
 File Open(const fs::path& path, DWORD access, DWORD share) {
     const HANDLE file = CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
+}
+
+// Opens a folder, which nobody can rename or remove while it is open. The system holds it only for
+// one who may list it; where this process may not, it is open to be judged.
+File OpenDirectory(const fs::path& path) {
+    constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE;
+    File folder = Open(path, FILE_LIST_DIRECTORY | READ_CONTROL, share);
+    if (!folder && GetLastError() == ERROR_ACCESS_DENIED) {
+        folder = Open(path, READ_CONTROL, share);
+    }
+    return folder;
 }
 
 // Where a file is, behind all links: a path that starts with "\\?\"; empty where the system does
@@ -82,7 +93,7 @@ std::string WhyNotTrusted(HANDLE file, PathPart part) {
     const DWORD error = GetSecurityInfo(file, SE_FILE_OBJECT,
                                         OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION,
                                         nullptr, nullptr, nullptr, nullptr, &descriptor);
-    const std::unique_ptr<void, FreeLocal> owned(descriptor);
+    const std::unique_ptr<void, FreeDescriptor> owned(descriptor);
     return error == ERROR_SUCCESS ? WhyOthersMayChange(descriptor, part) : SystemMessage(error);
 }
 
@@ -145,7 +156,7 @@ std::string TrustedFile::Handle::OpenFolders() {
 
 std::string TrustedFile::Handle::OpenFolder(const std::wstring& folder) {
     const PathPart part = folders.empty() ? PathPart::kFileFolder : PathPart::kFolderAbove;
-    folders.push_back(PrinterUtil::Open(folder, READ_CONTROL, FILE_SHARE_READ | FILE_SHARE_WRITE));
+    folders.push_back(OpenDirectory(folder));
     const std::string reason =
         folders.back() ? WhyNotTrusted(folders.back().get(), part) : SystemMessage(GetLastError());
     return reason.empty() ? reason

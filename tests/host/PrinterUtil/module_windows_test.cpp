@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "host/PrinterUtil/modules/trusted_file.h"
 #include "host/PrinterUtil/modules/write_access_windows.h"
 #include "tests/host/PrinterUtil/printer_util_fixture.h"
 
@@ -168,6 +169,26 @@ protected:
         return module != nullptr && FreeLibrary(module) != 0;
     }
 };
+
+TEST_F(ModuleOnWindows, IsHeldWithItsFoldersWhileItIsTrusted) {
+    const std::filesystem::path file = ModuleFolder() / ModuleFileName("plain_module");
+    const std::filesystem::path folders[] = {ModuleFolder(), user.Folder()};
+    const auto moved = [](const std::filesystem::path& path) {
+        return MoveFileW(path.c_str(), (path.wstring() + L".moved").c_str()) != 0;
+    };
+    {
+        const auto trusted = PrinterUtil::TrustedFile::Open(file);
+        ASSERT_EQ(trusted.Problem(), "");
+        for (const std::filesystem::path& folder : folders) {
+            EXPECT_FALSE(moved(folder)) << folder;
+        }
+        EXPECT_FALSE(moved(file));
+    }
+    for (const std::filesystem::path& folder : folders) {
+        EXPECT_TRUE(moved(folder)) << folder;
+        std::filesystem::rename(folder.wstring() + L".moved", folder);
+    }
+}
 
 TEST_F(ModuleOnWindows, BelowAFolderThatAnyoneMayChangeIsRefused) {
     HostTest::LetAnyoneWrite(user.Folder());
