@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "app/outcome/problem.h"
+#include "app/terminal/bounded_write_windows.h"
 #include "app/terminal/interrupt.h"
 
 namespace App {
@@ -170,9 +171,8 @@ void WriteOutput(std::string_view text) {
 }
 
 void WriteLastLine(std::string_view line) {
-    DWORD written = 0;
     if (output != nullptr && !isWriteBrokenOff.exchange(true)) {
-        WriteFile(output, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+        WriteInTime(output, line);
     }
 }
 

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <csignal>
 
+#include "app/terminal/bounded_write_windows.h"
 #include "app/terminal/crash_report.h"
 #include "app/terminal/crash_system.h"
 #include "app/terminal/crash_text.h"
@@ -82,8 +83,7 @@ bool TellEnd(std::string_view text) {
     const HANDLE errors = GetStdHandle(STD_ERROR_HANDLE);
     for (const std::string_view part :
          {std::string_view("devicediscover: "), text, std::string_view("\r\n")}) {
-        DWORD written = 0;
-        WriteFile(errors, part.data(), static_cast<DWORD>(part.size()), &written, nullptr);
+        WriteInTime(errors, part);
     }
     LogHelper::WriteInSignalHandler(text);
     return true;
