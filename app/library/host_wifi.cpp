@@ -27,6 +27,8 @@ HostNetworks Scan(const Settings& settings, void (PrinterWifiInterface::*scan)(N
 
 // The time limit for the Wi-Fi service where the program can do without its result.
 constexpr std::chrono::seconds kPatienceWithUndoing{3};
+// For the return to a network, which the service may have to look for.
+constexpr std::chrono::seconds kPatienceWithReturning{8};
 
 }  // namespace
 
@@ -78,7 +80,7 @@ void RememberNetwork(const Settings& settings) {
 }
 
 bool GoBackFrom(const std::string& network) {
-    return GoBackWithHostWifi(network, kPatienceWithUndoing);
+    return GoBackWithHostWifi(network, kPatienceWithReturning);
 }
 
 }  // namespace App

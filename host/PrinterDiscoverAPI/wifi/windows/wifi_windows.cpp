@@ -30,13 +30,14 @@ using Clock = WlanClient::Clock;
 // How often the service is checked while a scan runs.
 constexpr std::chrono::milliseconds kLookAgain{500};
 
+// Drivers have 4 s for a scan; the end of the program may be waiting for this one.
+constexpr std::chrono::seconds kScanLimitOnTheWayBack{5};
+
 // A bit of the capabilities that an access point broadcasts.
 constexpr unsigned kPrivacy = 0x10;
 
 // A flag of a network in the service's list: the system has a saved profile.
 constexpr DWORD kHasProfile = 2;
-// Asks for the networks that hide their names and are saved, too, in range or not.
-constexpr DWORD kHiddenOnesToo = 2;
 
 std::string BytesOf(const GUID& guid) {
     return {reinterpret_cast<const char*>(&guid), sizeof guid};
@@ -124,8 +125,7 @@ public:
 
     void Scan(const std::string& name) override {
         RequireRadio();
-        WlanNotifications notifications(client);
-        AwaitScans(notifications, RequestScans(name));
+        ScanFor(name, kScanLimit);
     }
 
     std::vector<AccessPoint> AccessPoints() override {
@@ -237,21 +237,43 @@ private:
         }
     }
 
-    // The service would leave the present network for one that is not there.
     void ConnectAsBefore(const HostConnection& connection) const {
-        const auto point = InRange(connection);
+        const GUID adapter = GuidOf(connection.adapter);
+        if (IsSaved(adapter, connection.profile)) {
+            // The service looks for the network itself, and sees more than the last scan did.
+            AccessPoint point;
+            point.name = connection.network;
+            WlanAttempt(client, adapter, point).StartSaved(FromUtf8(connection.profile));
+            return;
+        }
+        const auto point = Sought(connection);
         if (!point) {
             throw WifiProblem("the network " + connection.network + " is not in range");
         }
-        const GUID adapter = GuidOf(connection.adapter);
-        WlanAttempt attempt(client, adapter, *point);
-        if (IsSaved(adapter, connection.profile)) {
-            attempt.StartSaved(FromUtf8(connection.profile));
-        } else if (IsOpen(*point)) {
-            attempt.StartNew(WlanProfile(*point, {}));
-        } else {
+        if (!IsOpen(*point)) {
             throw WifiProblem("the network " + connection.network + " is not saved");
         }
+        WlanAttempt(client, adapter, *point).StartNew(WlanProfile(*point, {}));
+    }
+
+    // What an adapter last saw may be old: it has been on another network meanwhile.
+    std::optional<AccessPoint> Sought(const HostConnection& connection) const {
+        auto point = InRange(connection);
+        if (!point) {
+            try {
+                ScanFor(connection.network, kScanLimitOnTheWayBack);
+            } catch (const WifiProblem&) {
+                return std::nullopt;
+            }
+            point = InRange(connection);
+        }
+        return point;
+    }
+
+    void ScanFor(const std::string& name, std::chrono::seconds limit) const {
+        const auto deadline = Clock::now() + limit;
+        WlanNotifications notifications(client);
+        AwaitScans(notifications, RequestScans(name), deadline);
     }
 
     // The access point of a connection; one that hides its name may be any of those without, and
@@ -272,14 +294,16 @@ private:
         return hidden;
     }
 
+    // In range or not.
     bool IsSaved(const GUID& adapter, const std::string& profile) const {
-        const auto list = AvailableNetworks(adapter, kHiddenOnesToo);
+        WLAN_PROFILE_INFO_LIST* list = nullptr;
+        RequireWlan("WlanGetProfileList",
+                    TheWlanLibrary().getProfileList(client.Handle(), &adapter, nullptr, &list));
+        const WlanMemory<WLAN_PROFILE_INFO_LIST> owner(list);
         const std::wstring name = FromUtf8(profile);
-        return std::any_of(list->Network, list->Network + list->dwNumberOfItems,
-                           [&name](const WLAN_AVAILABLE_NETWORK& network) {
-                               return (network.dwFlags & kHasProfile) != 0 &&
-                                      network.strProfileName == name;
-                           });
+        return std::any_of(
+            list->ProfileInfo, list->ProfileInfo + list->dwNumberOfItems,
+            [&name](const WLAN_PROFILE_INFO& saved) { return saved.strProfileName == name; });
     }
 
     static bool IsReady(const WLAN_INTERFACE_INFO& adapter) {
@@ -335,8 +359,8 @@ private:
                notification.code == wlan_notification_acm_interface_removal;
     }
 
-    void AwaitScans(WlanNotifications& notifications, std::vector<GUID> scanning) const {
-        const auto deadline = Clock::now() + kScanLimit;
+    void AwaitScans(WlanNotifications& notifications, std::vector<GUID> scanning,
+                    Clock::time_point deadline) const {
         while (!scanning.empty() && Clock::now() < deadline) {
             Undertaking::GoOn();
             const auto notification =
@@ -366,17 +390,16 @@ private:
         }
     }
 
-    WlanMemory<WLAN_AVAILABLE_NETWORK_LIST> AvailableNetworks(const GUID& adapter,
-                                                              DWORD flags) const {
+    WlanMemory<WLAN_AVAILABLE_NETWORK_LIST> AvailableNetworks(const GUID& adapter) const {
         WLAN_AVAILABLE_NETWORK_LIST* list = nullptr;
-        RequireWlan("WlanGetAvailableNetworkList",
-                    TheWlanLibrary().getAvailableNetworkList(client.Handle(), &adapter, flags,
-                                                             nullptr, &list));
+        RequireWlan(
+            "WlanGetAvailableNetworkList",
+            TheWlanLibrary().getAvailableNetworkList(client.Handle(), &adapter, 0, nullptr, &list));
         return WlanMemory<WLAN_AVAILABLE_NETWORK_LIST>(list);
     }
 
     std::wstring SavedProfile(const GUID& adapter, const std::string& name) const {
-        const auto list = AvailableNetworks(adapter, 0);
+        const auto list = AvailableNetworks(adapter);
         for (DWORD index = 0; index < list->dwNumberOfItems; ++index) {
             const WLAN_AVAILABLE_NETWORK& network = list->Network[index];
             if ((network.dwFlags & kHasProfile) != 0 && NameOf(network.dot11Ssid) == name) {

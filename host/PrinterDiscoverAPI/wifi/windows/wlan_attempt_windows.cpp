@@ -64,7 +64,7 @@ void WlanAttempt::Start(WLAN_CONNECTION_MODE mode, const std::wstring& profile) 
     WLAN_CONNECTION_PARAMETERS parameters{};
     parameters.wlanConnectionMode = mode;
     parameters.strProfile = profile.c_str();
-    parameters.pDot11Ssid = &ssid;
+    parameters.pDot11Ssid = name.empty() ? nullptr : &ssid;  // without one, the profile's
     parameters.dot11BssType = dot11_BSS_type_infrastructure;
     RequireWlan("WlanConnect",
                 TheWlanLibrary().connect(client.Handle(), &adapter, &parameters, nullptr));

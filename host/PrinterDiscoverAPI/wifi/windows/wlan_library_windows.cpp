@@ -52,6 +52,7 @@ WlanLibrary Load() {
     Find(module, "WlanScan", library.scan);
     Find(module, "WlanGetNetworkBssList", library.getNetworkBssList);
     Find(module, "WlanGetAvailableNetworkList", library.getAvailableNetworkList);
+    Find(module, "WlanGetProfileList", library.getProfileList);
     Find(module, "WlanConnect", library.connect);
     Find(module, "WlanDisconnect", library.disconnect);
     Find(module, "WlanReasonCodeToString", library.reasonCodeToString);

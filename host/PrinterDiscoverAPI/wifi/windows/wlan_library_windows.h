@@ -22,6 +22,7 @@ struct WlanLibrary {
     decltype(&WlanScan) scan;
     decltype(&WlanGetNetworkBssList) getNetworkBssList;
     decltype(&WlanGetAvailableNetworkList) getAvailableNetworkList;
+    decltype(&WlanGetProfileList) getProfileList;
     decltype(&WlanConnect) connect;
     decltype(&WlanDisconnect) disconnect;
     decltype(&WlanReasonCodeToString) reasonCodeToString;

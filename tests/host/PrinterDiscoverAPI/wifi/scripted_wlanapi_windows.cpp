@@ -196,7 +196,7 @@ void Conclude(const GUID& guid, const Connection& connection) {
 std::vector<const Point*> VisiblePoints(const Adapter& adapter) {
     std::vector<const Point*> visible;
     for (const Point& point : adapter.points) {
-        if (point.seen != Seen::afterScan) {
+        if (point.seen != Seen::afterScan && point.seen != Seen::never) {
             visible.push_back(&point);
         }
     }
@@ -429,6 +429,28 @@ DWORD WINAPI ScriptedGetAvailableNetworkList(HANDLE, const GUID* guid, DWORD, PV
         network.dot11Ssid = SsidOf(ShownName(*point));
         std::wcsncpy(network.strProfileName, point->savedAs.c_str(), 255);
         network.dwFlags = point->savedAs.empty() ? 0 : kHasProfile;
+    }
+    *result = list;
+    return ERROR_SUCCESS;
+}
+
+DWORD WINAPI ScriptedGetProfileList(HANDLE, const GUID* guid, PVOID,
+                                    PWLAN_PROFILE_INFO_LIST* result) {
+    if (const DWORD error = NextError()) {
+        return error;
+    }
+    const Lock lock(service.mutex);
+    const Adapter* adapter = Find(*guid);
+    if (adapter == nullptr) {
+        return ERROR_NOT_FOUND;
+    }
+    auto* list = Allocate<WLAN_PROFILE_INFO_LIST>(
+        sizeof(WLAN_PROFILE_INFO_LIST) + adapter->points.size() * sizeof(WLAN_PROFILE_INFO));
+    for (const Point& point : adapter->points) {
+        if (!point.savedAs.empty()) {
+            std::wcsncpy(list->ProfileInfo[list->dwNumberOfItems++].strProfileName,
+                         point.savedAs.c_str(), 255);
+        }
     }
     *result = list;
     return ERROR_SUCCESS;

@@ -29,7 +29,7 @@ enum class Join {
 };
 
 // When an access point is seen.
-enum class Seen { atOnce, afterScan, whenAsked };
+enum class Seen { atOnce, afterScan, whenAsked, never };
 
 struct Point {
     std::string name;

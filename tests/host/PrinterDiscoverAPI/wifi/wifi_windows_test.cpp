@@ -402,6 +402,27 @@ TEST_F(Wifi, AnAttemptThatFails_TakesTheHostBackToASavedNetworkThatHidesItsName)
     EXPECT_TRUE(Arrives(L"Home"));
 }
 
+// What the system last saw is old after minutes on another network.
+TEST_F(Wifi, AnAttemptThatFails_LooksForANetworkThatWasNotSeenLately) {
+    Add({.name = "Cafe"});
+    AddProtected("Other").passPhrase = "another one";
+    ASSERT_TRUE(Connect(L"Cafe", L""));
+    Adapter().points[0].seen = Seen::afterScan;
+    ExpectNotJoined(L"Other", kSecret, L"the pass phrase is wrong");
+    EXPECT_EQ(service.scans, 1);
+    EXPECT_TRUE(Arrives(L"Cafe"));
+}
+
+TEST_F(Wifi, AnAttemptThatFails_TakesTheHostBackToASavedNetworkThatNoScanShows) {
+    AddProtected("Home", L"My Home");
+    AddProtected("Other").passPhrase = "another one";
+    ASSERT_TRUE(Connect(L"Home", L""));
+    Adapter().points[0].seen = Seen::never;
+    ExpectNotJoined(L"Other", kSecret, L"the pass phrase is wrong");
+    EXPECT_TRUE(Arrives(L"Home"));
+    EXPECT_EQ(service.scans, 0);
+}
+
 TEST_F(Wifi, AnAttemptThatFails_SaysItWhenThereIsNoWayBack) {
     AddProtected("Home");
     AddProtected("Other").passPhrase = "another one";
@@ -409,7 +430,7 @@ TEST_F(Wifi, AnAttemptThatFails_SaysItWhenThereIsNoWayBack) {
         Adapter().points[0].seen = Seen::atOnce;
         ASSERT_TRUE(Connect(L"Home", kSecret));
         Adapter().points[0].seen =
-            std::wstring_view(why).ends_with(L"saved") ? Seen::atOnce : Seen::afterScan;
+            std::wstring_view(why).ends_with(L"saved") ? Seen::atOnce : Seen::never;
         EXPECT_FALSE(Connect(L"Other", kSecret));
         EXPECT_THAT(
             TakeLines(),
