@@ -1074,7 +1074,9 @@ class HostileHosts(NetworkTest):
             serials = self.honest_serials(probe, len(wanted))
             self.assertEqual(len(serials), len(wanted), serials)
             answered = serials & wanted
-            self.assertGreaterEqual(len(answered), 15 if turn == 0 else 0, "in the first scan")
+            # Nor does a sanitizer leave the players much of the machine.
+            if turn == 0 and SLACK == 1:
+                self.assertGreaterEqual(len(answered), 15, "in the first scan")
             if answered == wanted:
                 break
             probe.start()
