@@ -3,13 +3,14 @@
 #include "platform/os_calls.h"
 #include "platform/process_end.h"
 
+// No header declares it. Linked, not looked up at run time: while a module's load hangs, a look-up
+// waits for the loader.
+extern "C" BOOLEAN WINAPI RtlDllShutdownInProgress();
+
 namespace Platform {
 
 bool OtherThreadsAreGone() noexcept {
-    using Question = BOOLEAN(WINAPI*)();
-    static const auto question = reinterpret_cast<Question>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
-    return question != nullptr && question() != 0;
+    return RtlDllShutdownInProgress() != 0;
 }
 
 }  // namespace Platform

@@ -58,11 +58,14 @@ bool IsConsole(HANDLE stream) {
 }
 
 // Writes to a stream on a separate thread, so that Ctrl-C works while a reader stalls. The thread
-// runs until the process ends.
+// runs until the process ends, and has begun when the constructor returns: while the load of a
+// module hangs, no thread can begin.
 class Writer {
 public:
     explicit Writer(HANDLE place) : stream(place) {
+        std::unique_lock lock(mutex);
         std::thread([this] { Run(); }).detach();
+        changed.wait(lock, [this] { return hasBegun; });
     }
 
     // Returns 0 when all was written, kStalled when the program is to end and the reader takes
@@ -89,6 +92,8 @@ public:
 private:
     [[noreturn]] void Run() {
         std::unique_lock lock(mutex);
+        hasBegun = true;
+        changed.notify_all();
         for (;;) {
             changed.wait(lock, [this] { return !pending.empty(); });
             const bool console = IsConsole(stream);
@@ -127,7 +132,18 @@ private:
     std::condition_variable changed;
     std::string pending;
     DWORD error = 0;
+    bool hasBegun = false;
 };
+
+Writer& OutputWriter() {
+    static Writer& writer = *new Writer(output);
+    return writer;
+}
+
+Writer& ErrorWriter() {
+    static Writer& writer = *new Writer(GetStdHandle(STD_ERROR_HANDLE));
+    return writer;
+}
 
 }  // namespace
 
@@ -143,12 +159,14 @@ std::vector<std::string> Arguments(int, char**) {
 }
 
 void PrepareConsole() {
+    ErrorWriter();
     const HANDLE process = GetCurrentProcess();
     const HANDLE stream = GetStdHandle(STD_OUTPUT_HANDLE);
     if (DuplicateHandle(process, stream, process, &output, 0, FALSE, DUPLICATE_SAME_ACCESS) == 0) {
         output = nullptr;  // standard output is closed
         return;
     }
+    OutputWriter();
     // Vendors' prints would corrupt output that a program reads. A module gets the handle from the
     // run-time library or from the system.
     _dup2(_fileno(stderr), _fileno(stdout));
@@ -156,9 +174,8 @@ void PrepareConsole() {
 }
 
 void WriteOutput(std::string_view text) {
-    static Writer& writer = *new Writer(output);
     isWriteBrokenOff = true;
-    const DWORD error = writer.Write(text);
+    const DWORD error = OutputWriter().Write(text);
     isWriteBrokenOff = error != 0;
     if (error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE || error == ERROR_PIPE_NOT_CONNECTED ||
         error == kStalled) {
@@ -182,8 +199,7 @@ bool OutputReaderIsGone() {
 }
 
 void WriteError(std::string_view text) {
-    static Writer& writer = *new Writer(GetStdHandle(STD_ERROR_HANDLE));
-    writer.Write(text);
+    ErrorWriter().Write(text);
 }
 
 bool ErrorIsTerminal() {
