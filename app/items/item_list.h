@@ -131,6 +131,7 @@ std::vector<Item> ItemList<Item>::GetLatestFirst() const {
         return rows[one].reported > rows[other].reported;
     });
     std::vector<Item> latest;
+    latest.reserve(rows.size());
     for (const std::size_t index : order) {
         latest.push_back(rows[index].item);
     }

@@ -22,7 +22,7 @@ AvahiHang::Finding AvahiHang::Look(std::optional<Time> waitsSince, Time now) {
         return std::exchange(told, true) ? Finding::None : Finding::Hangs;
     }
     // What was waited for has come.
-    const bool progress = !waited || silence == silence.zero();
+    const bool progress = !waited || silence == std::chrono::steady_clock::duration::zero();
     return progress && std::exchange(told, false) ? Finding::Recovers : Finding::None;
 }
 
