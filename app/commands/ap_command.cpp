@@ -81,7 +81,7 @@ ExitStatus AccessPointScan(const Settings& settings, const ScanOptions& options)
         NetworkScanSession session(settings);
         const auto view = ViewFor<Network>(settings, NetworkJson);
         const bool isAnyFound = RunScan(session, *view, options);
-        if (session.HasEnded() && !OutputReaderIsGone()) {
+        if (session.HasEnded()) {
             TellFailures(session.Failures(), isAnyFound && !options.watch);
         }
         return isAnyFound ? kFound : Failed("no network was reported.");

@@ -13,7 +13,7 @@ ExitStatus Scan(const Settings& settings, const ScanOptions& options) {
     ScanSession session(settings);
     const auto view = ViewFor<Printer>(settings, PrinterJson);
     const bool isAnyFound = RunScan(session, *view, options);
-    if (session.HasEnded() && !OutputReaderIsGone()) {
+    if (session.HasEnded()) {
         if (!isAnyFound || options.watch) {
             ThrowNobodyLooks(session);
         }

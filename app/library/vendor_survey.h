@@ -40,8 +40,8 @@ void AddHints(ModuleSurvey& survey);
 // Which vendors' configuration modules export all of `entryPoints`.
 struct ServiceSurvey {
     bool anyVendorServes = false;
-    std::vector<std::string>
-        problems;  // one line for each vendor that does not, and for each problem of the list
+    // One line for each vendor that does not, and for each problem of the list.
+    std::vector<std::string> problems;
 };
 ServiceSurvey SurveyConfiguration(const std::vector<std::string>& entryPoints);
 

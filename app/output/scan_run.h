@@ -94,16 +94,20 @@ void ShowScan(Session& session, ScanView<Item>& view, const ScanOptions& options
     view.Finish();
 }
 
-// ShowScan, but ends quietly when the reader of the output has gone. Returns whether an item was
-// found or the reader has gone.
+// ShowScan. Returns whether an item was found. Throws OutputClosed, after the session has stopped,
+// when the reader of the output has gone.
 template <class Item, class Session>
 bool RunScan(Session& session, ScanView<Item>& view, const ScanOptions& options) {
     try {
         ShowScan(session, view, options);
     } catch (const OutputClosed&) {
         session.Stop();
+        throw;
     }
-    return !ItemList<Item>::GetInstance().GetItems().empty() || OutputReaderIsGone();
+    if (OutputReaderIsGone()) {
+        throw OutputClosed();
+    }
+    return !ItemList<Item>::GetInstance().GetItems().empty();
 }
 
 }  // namespace App

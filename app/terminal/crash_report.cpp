@@ -23,10 +23,7 @@ std::atomic<bool> isForJson = false;
 
 void OnExit() {
     if (!endIsOwn && IsOwnProcess()) {
-        const CrashText text("the program was ended by a call of exit()");
-        if (TellEnd(text.View())) {
-            TellEndToReader(text.View());
-        }
+        TellFailure("the program was ended by a call of exit()");
         EndProcess(kCouldNotRun);
     }
 }
@@ -45,7 +42,9 @@ void ReportCrashesInJson() {
     isForJson = true;
 }
 
-void TellEndToReader(std::string_view text) {
+namespace {
+
+void TellReader(std::string_view text) {
     constexpr std::string_view lead = R"({"problem":")";
     constexpr std::string_view end = "\"}\n";
     if (!isForJson) {
@@ -61,6 +60,15 @@ void TellEndToReader(std::string_view text) {
     }
     length += end.copy(line.data() + length, end.size());
     WriteLastLine({line.data(), length});
+}
+
+}  // namespace
+
+void TellFailure(const char* what) {
+    const CrashText text(what);
+    if (TellEnd(text.View())) {
+        TellReader(text.View());
+    }
 }
 
 void EndIsOwn() {

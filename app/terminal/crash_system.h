@@ -8,7 +8,7 @@ namespace App {
 
 // What ReportCrashes needs of each system.
 
-// Calls TellEnd when the program crashes, and then TellEndToReader.
+// Calls TellFailure when the program crashes.
 void CatchCrashes();
 
 // Calls `handler` where the process is being ended by what std::atexit does not see: by
@@ -20,9 +20,9 @@ void CatchOtherExits(void (*handler)());
 // the first call of the process does, and returns true.
 bool TellEnd(std::string_view text);
 
-// Tells it whoever reads standard output, where that is wanted: after TellEnd, and only of an end
-// that makes the status one of failure.
-void TellEndToReader(std::string_view text);
+// TellEnd for an end that makes the status one of failure. `what` is followed by the vendors'
+// calls; with --json the line also goes to standard output.
+void TellFailure(const char* what);
 
 // Whether this is the process that CatchCrashes was called in, not a copy of it.
 bool IsOwnProcess();

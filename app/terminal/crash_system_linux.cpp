@@ -14,7 +14,6 @@
 
 #include "app/terminal/crash_report.h"
 #include "app/terminal/crash_system.h"
-#include "app/terminal/crash_text.h"
 #include "host/LogHelper/log_settings.h"
 
 namespace App {
@@ -54,10 +53,7 @@ void OnCrash(int signal, siginfo_t* info, void*) {
     if (told) {
         sleep(1);  // another thread, or this one, is writing the report
     }
-    const CrashText text(crash->text);
-    if (TellEnd(text.View())) {
-        TellEndToReader(text.View());
-    }
+    TellFailure(crash->text);
     // The former handler does the rest: the fault occurs again when this returns.
     sigaction(signal, &before[crash - std::begin(kCrashes)], nullptr);
     if (info->si_code <= 0) {

@@ -6,7 +6,6 @@
 #include "app/terminal/bounded_write_windows.h"
 #include "app/terminal/crash_report.h"
 #include "app/terminal/crash_system.h"
-#include "app/terminal/crash_text.h"
 #include "host/LogHelper/log_settings.h"
 #include "platform/os.h"
 #include "platform/process_end.h"
@@ -34,21 +33,14 @@ const char* TextOf(DWORD code) {
     }
 }
 
-void TellCrash(const char* what) {
-    const CrashText text(what);
-    if (TellEnd(text.View())) {
-        TellEndToReader(text.View());
-    }
-}
-
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
-    TellCrash(TextOf(exception->ExceptionRecord->ExceptionCode));
+    TellFailure(TextOf(exception->ExceptionRecord->ExceptionCode));
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
 // The run-time library ends the program when this returns.
 void OnAbort(int) {
-    TellCrash("the program was aborted");
+    TellFailure("the program was aborted");
 }
 
 // The system calls this at the end of each thread that has a value in this place, and first of all

@@ -94,8 +94,8 @@ private:
 
     LogFile file;
     LineQueue queue;
-    RawFile alone =
-        kNoFile;  // where lines go after the writing thread was terminated during a write
+    // Where lines go after the writing thread was terminated during a write.
+    RawFile alone = kNoFile;
 };
 
 }  // namespace LogHelper

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include "host/PrinterUtil/modules/local_memory_windows.h"
 #include "host/PrinterUtil/modules/system_message_windows.h"
 #include "host/PrinterUtil/modules/trusted_file.h"
 #include "host/PrinterUtil/modules/vouched_folders_windows.h"
@@ -26,10 +27,6 @@ struct CloseFile {
     void operator()(HANDLE file) const { CloseHandle(file); }
 };
 using File = std::unique_ptr<HANDLE, CloseFile>;
-
-struct FreeDescriptor {
-    void operator()(void* memory) const { LocalFree(memory); }
-};
 
 // Opens a file or folder, following all links.
 File Open(const fs::path& path, DWORD access, DWORD share) {
@@ -93,7 +90,7 @@ std::string WhyNotTrusted(HANDLE file, PathPart part) {
     const DWORD error = GetSecurityInfo(file, SE_FILE_OBJECT,
                                         OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION,
                                         nullptr, nullptr, nullptr, nullptr, &descriptor);
-    const std::unique_ptr<void, FreeDescriptor> owned(descriptor);
+    const LocalMemory owned(descriptor);
     return error == ERROR_SUCCESS ? WhyOthersMayChange(descriptor, part) : SystemMessage(error);
 }
 

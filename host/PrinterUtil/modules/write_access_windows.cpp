@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "host/PrinterUtil/modules/write_access_windows.h"
+#include "host/PrinterUtil/modules/local_memory_windows.h"
 
 // After the system's own header, which they need.
 #include <aclapi.h>
@@ -22,11 +23,6 @@ namespace {
 // Of the service that owns what belongs to Windows itself.
 constexpr const wchar_t* kTrustedInstaller =
     L"S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464";
-
-struct FreeLocal {
-    void operator()(void* memory) const { LocalFree(memory); }
-};
-using LocalMemory = std::unique_ptr<void, FreeLocal>;
 
 template <std::size_t count>
 bool IsOneOf(PSID account, const std::array<WELL_KNOWN_SID_TYPE, count>& types) {

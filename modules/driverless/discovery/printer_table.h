@@ -118,8 +118,8 @@ private:
         std::size_t asked = 0;   // the number of queried chances
         std::set<QueryId> open;  // its waiting and running queries
         Time since;
-        std::optional<Time>
-            deadline;  // of its first query: then the place is reported without an answer
+        // Of its first query: then the place is reported without an answer.
+        std::optional<Time> deadline;
         std::optional<Time> alarm;
         std::optional<Time> answeredAt;
         std::optional<PrinterAttributes> attributes;

@@ -390,16 +390,12 @@ private:
         }
     }
 
-    WlanMemory<WLAN_AVAILABLE_NETWORK_LIST> AvailableNetworks(const GUID& adapter) const {
+    std::wstring SavedProfile(const GUID& adapter, const std::string& name) const {
         WLAN_AVAILABLE_NETWORK_LIST* list = nullptr;
         RequireWlan(
             "WlanGetAvailableNetworkList",
             TheWlanLibrary().getAvailableNetworkList(client.Handle(), &adapter, 0, nullptr, &list));
-        return WlanMemory<WLAN_AVAILABLE_NETWORK_LIST>(list);
-    }
-
-    std::wstring SavedProfile(const GUID& adapter, const std::string& name) const {
-        const auto list = AvailableNetworks(adapter);
+        const WlanMemory<WLAN_AVAILABLE_NETWORK_LIST> owner(list);
         for (DWORD index = 0; index < list->dwNumberOfItems; ++index) {
             const WLAN_AVAILABLE_NETWORK& network = list->Network[index];
             if ((network.dwFlags & kHasProfile) != 0 && NameOf(network.dot11Ssid) == name) {
