@@ -34,7 +34,7 @@ VendorScans::VendorScans(const Kind& whatKind, std::vector<std::string> startedV
     : kind(whatKind),
       isGiven(!startedVendors.empty()),
       vendors(std::move(startedVendors)),
-      start(CallClockNow()) {}
+      start(VendorCallClock()) {}
 
 void VendorScans::AddThoseThatBegan() {
     for (const VendorCall& call : CallsOf(kind.entryPoint, start)) {

@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <chrono>
 #include <string_view>
 
 namespace App {
@@ -18,12 +17,6 @@ bool IsScan(const VendorCall& call) {
 }
 
 }  // namespace
-
-std::uint64_t CallClockNow() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<std::uint64_t>(
-        std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
-}
 
 std::vector<VendorCall> VendorCalls() {
     std::vector<VendorCall> calls;

@@ -11,16 +11,14 @@
 namespace App {
 
 using PrinterDeviceDiscoverSdk::VendorCall;
+using PrinterDeviceDiscoverSdk::VendorCallClock;
 using PrinterDeviceDiscoverSdk::VendorCallState;
-
-// The current time, on the clock of VendorCall::began.
-std::uint64_t CallClockNow();
 
 // The broker's record of the vendors' calls: at least the latest of each entry point.
 std::vector<VendorCall> VendorCalls();
 
-// The running calls that began at `since` or later, except scans: they run until they are stopped,
-// and the program does not wait for them.
+// The running calls that began at `since` (by VendorCallClock) or later, except scans: they run
+// until they are stopped, and the program does not wait for them.
 std::vector<VendorCall> AwaitedCalls(std::uint64_t since = 0);
 
 // Whether any call of a vendor is running, also a scan.

@@ -57,7 +57,7 @@ private:
 
     static void Run(std::packaged_task<Result()>& work, Outcome& outcome);
 
-    const std::uint64_t began = CallClockNow();
+    const std::uint64_t began = VendorCallClock();
     const std::shared_ptr<Outcome> outcome = std::make_shared<Outcome>();
     std::thread thread;
 };

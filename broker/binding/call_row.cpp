@@ -3,20 +3,14 @@
 #include "broker/binding/call_row.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 
+#include "broker/binding/call_clock.h"
 #include "broker/binding/current_thread.h"
 
 namespace Broker {
 
 namespace {
-
-std::uint64_t Now() {
-    using std::chrono::nanoseconds;
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<std::uint64_t>(std::chrono::duration_cast<nanoseconds>(now).count());
-}
 
 // The vendor's name, truncated to what the row keeps.
 std::string_view Kept(std::string_view productId) {
@@ -49,7 +43,7 @@ bool CallRow::Take(std::string_view productId, const char* entryPoint) {
         Own(productId, entryPoint);
     }
     // Each store is a release: a reader that sees one of them sees that the call before is over.
-    began.store(Now(), std::memory_order_release);
+    began.store(CallClock(), std::memory_order_release);
     thread.store(CurrentThread(), std::memory_order_release);
     progress.store(call << kPhaseBits | kUnderWay, std::memory_order_release);
     return true;

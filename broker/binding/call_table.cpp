@@ -4,6 +4,8 @@
 
 #include <functional>
 
+#include "broker/binding/call_clock.h"
+
 namespace Broker {
 
 namespace {
@@ -43,6 +45,10 @@ namespace PrinterDeviceDiscoverSdk {
 
 std::size_t VendorCallRows() {
     return Broker::CallTable::kRows;
+}
+
+std::uint64_t VendorCallClock() {
+    return Broker::CallClock();
 }
 
 bool ReadVendorCall(std::size_t row, VendorCall& call) {

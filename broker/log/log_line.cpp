@@ -181,7 +181,12 @@ private:
 void LogLine(Line& line, LOG_MESSAGE_LEVEL level, const Location& where,
              std::initializer_list<LogPiece> pieces) {
     for (const LogPiece& piece : pieces) {
-        std::visit([&line](auto value) { line.Add(value); }, piece);
+        // Nearly every piece is narrow text; a branch is cheaper than the jump of a visit.
+        if (const auto* text = std::get_if<std::string_view>(&piece)) {
+            line.Add(*text);
+        } else {
+            std::visit([&line](auto value) { line.Add(value); }, piece);
+        }
     }
     line.Add(L'(');
     line.Add(where.function);

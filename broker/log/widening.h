@@ -30,9 +30,10 @@ public:
         const char* from = narrow.data();
         const char* const end = from + narrow.size();
         if (keepsAscii) {
-            for (; end - from >= kBlock && WidenAscii(from, wide); from += kBlock) {
-                wide += kBlock;
+            while (WidenAscii<std::uint64_t, 2>(from, end, wide)) {
             }
+            WidenAscii<std::uint64_t, 1>(from, end, wide);
+            WidenAscii<std::uint32_t, 1>(from, end, wide);
             for (; from != end && static_cast<unsigned char>(*from) < 0x80; ++from) {
                 *wide++ = static_cast<wchar_t>(*from);
             }
@@ -47,7 +48,6 @@ public:
 private:
     enum class Ascii { Unknown, MayBeKept };
 
-    static constexpr std::ptrdiff_t kBlock = 16;
     static constexpr std::uint64_t kBeyondAscii = 0x8080808080808080;
 
     Widening(const std::locale& locale, Ascii ascii)
@@ -62,20 +62,31 @@ private:
         return kept;
     }
 
-    // Widens one block. False, with nothing written, when the block is not all ASCII. Compilers
-    // vectorise the loop because it runs over a copy of fixed size.
-    static bool WidenAscii(const char* narrow, wchar_t* wide) {
-        std::uint64_t halves[2];
-        static_assert(sizeof halves == kBlock);
-        std::memcpy(halves, narrow, kBlock);
-        if (((halves[0] | halves[1]) & kBeyondAscii) != 0) {
+    // Widens a block of Count words and passes both texts over it. False, with nothing done, when
+    // so much is not left or is not all ASCII. Compilers vectorise the loop because it runs over a
+    // copy of fixed size.
+    template <class Word, std::size_t Count>
+    static bool WidenAscii(const char*& narrow, const char* end, wchar_t*& wide) {
+        Word words[Count];
+        constexpr std::size_t size = sizeof words;
+        if (end - narrow < static_cast<std::ptrdiff_t>(size)) {
             return false;
         }
-        unsigned char block[kBlock];
-        std::memcpy(block, narrow, kBlock);
-        for (std::ptrdiff_t at = 0; at < kBlock; ++at) {
+        std::memcpy(words, narrow, size);
+        Word all = 0;
+        for (const Word word : words) {
+            all |= word;
+        }
+        if ((all & static_cast<Word>(kBeyondAscii)) != 0) {
+            return false;
+        }
+        unsigned char block[size];
+        std::memcpy(block, narrow, size);
+        for (std::size_t at = 0; at < size; ++at) {
             wide[at] = block[at];
         }
+        narrow += size;
+        wide += size;
         return true;
     }
 

@@ -30,7 +30,7 @@ enum class VendorCallState : std::int32_t {
 struct VendorCall {
     char productId[64];     // the vendor; truncated if longer
     char entryPoint[32];    // the exported name
-    std::uint64_t began;    // nanoseconds on the clock of std::chrono::steady_clock
+    std::uint64_t began;    // by VendorCallClock
     VendorCallState state;  // decides what the next two fields mean
     std::int32_t result;    // the vendor's result; 0 unless the call has returned
     bool isOnThisThread;    // running on the thread that reads this
@@ -39,6 +39,10 @@ static_assert(sizeof(VendorCall) == 120 && alignof(VendorCall) == 8);
 static_assert(offsetof(VendorCall, productId) == 0 && offsetof(VendorCall, entryPoint) == 64);
 static_assert(offsetof(VendorCall, began) == 96 && offsetof(VendorCall, state) == 104);
 static_assert(offsetof(VendorCall, result) == 108 && offsetof(VendorCall, isOnThisThread) == 112);
+
+// The present time for VendorCall::began: nanoseconds on a clock that never goes back. It advances
+// every few milliseconds (at most 16). A call that begins later has at least this time.
+DEVICEDISCOVER_API std::uint64_t VendorCallClock();
 
 // The number of rows of the table. It never changes.
 DEVICEDISCOVER_API std::size_t VendorCallRows();

@@ -49,12 +49,6 @@ Lines ActivityText() {
     return texts;
 }
 
-std::uint64_t Now() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<std::uint64_t>(
-        std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
-}
-
 class VendorActivityTest : public BrokerTest {
 protected:
     void SetUp() override {
@@ -126,7 +120,7 @@ TEST_F(VendorActivityTest, ACallIsUnderWayUntilTheVendorReturns) {
     const ScriptedModule alpha("scripted_all");
     alpha.Script("result GetDeviceConnectState 7");
     alpha.Block("GetDeviceConnectState");
-    const std::uint64_t before = Now();
+    const std::uint64_t before = VendorCallClock();
     auto state = std::async(std::launch::async,
                             [] { return Scan().GetDeviceConnectState(DeviceOf("alpha")); });
     alpha.AwaitCalls("GetDeviceConnectState", 1);
@@ -136,10 +130,16 @@ TEST_F(VendorActivityTest, ACallIsUnderWayUntilTheVendorReturns) {
     EXPECT_EQ(calls[0].result, 0);
     EXPECT_FALSE(calls[0].isOnThisThread);
     EXPECT_GE(calls[0].began, before);
-    EXPECT_LE(calls[0].began, Now());
+    EXPECT_LE(calls[0].began, VendorCallClock());
     alpha.Unblock("GetDeviceConnectState");
     state.get();
     EXPECT_THAT(ActivityText(), ElementsAre("alpha GetDeviceConnectState: 7"));
+}
+
+TEST_F(VendorActivityTest, TheClockOfTheCallsGoesOnAtLeastEverySixteenMilliseconds) {
+    const std::uint64_t before = VendorCallClock();
+    std::this_thread::sleep_for(std::chrono::milliseconds(48));
+    EXPECT_GE(VendorCallClock() - before, 32'000'000u);
 }
 
 TEST_F(VendorActivityTest, ACallbackSeesTheCallThatItIsMadeFromOnItsOwnThread) {
