@@ -5,7 +5,7 @@
 # tests/hardening/check_hardening.py looks for it in what was built.
 
 if(MSVC)
-    add_compile_options(/GS /guard:cf)
+    house_compile_options(/GS /guard:cf)
     add_link_options(/guard:cf /DYNAMICBASE /NXCOMPAT)
     return()
 endif()
@@ -14,10 +14,10 @@ if(DEVICEDISCOVER_SANITIZE)
     return()
 endif()
 
-add_compile_options(-fstack-protector-strong)
+house_compile_options(-fstack-protector-strong)
 # Checked copies need an optimiser.
 if(CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
-    add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    house_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 endif()
 if(WIN32)
     # MinGW-w64's C library has no guard: the option brings the library that has it.
@@ -27,8 +27,8 @@ endif()
 
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
-add_compile_options(-fstack-clash-protection)
+house_compile_options(-fstack-clash-protection)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i.86)$")
-    add_compile_options(-fcf-protection)
+    house_compile_options(-fcf-protection)
 endif()
 add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)

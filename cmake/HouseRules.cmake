@@ -26,34 +26,63 @@ endif()
 find_package(Threads REQUIRED)
 link_libraries(Threads::Threads)
 
+# house_compile_options(OPTION...): for the compilers; that of Windows resources has none of these.
+macro(house_compile_options)
+    add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:${ARGN}>")
+endmacro()
+
 if(MSVC)
-    add_compile_options(/W4 /WX /permissive- /utf-8 /Zc:__cplusplus)
+    house_compile_options(/W4 /WX /permissive- /utf-8 /Zc:__cplusplus)
 else()
-    add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
-                        -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+    house_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
+                          -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-        add_compile_options(-Wmismatched-tags)
+        house_compile_options(-Wmismatched-tags)
     elseif(CMAKE_UNITY_BUILD)
         # In a file made of several sources GCC takes each of them for a header.
-        add_compile_options(-Wno-subobject-linkage)
+        house_compile_options(-Wno-subobject-linkage)
     endif()
 endif()
 if(WIN32)
     add_compile_definitions(UNICODE _UNICODE)
 endif()
+if(MINGW)
+    # The same sources make the same bytes.
+    add_link_options(-Wl,--no-insert-timestamp)
+endif()
 if(DEVICEDISCOVER_SANITIZE)
     # The end of a cancelled thread reaches its handler as a reference to nothing; a pointer to nothing
     # that is used crashes anyway.
-    add_compile_options(-fsanitize=${DEVICEDISCOVER_SANITIZE} -fno-sanitize=null
-                        -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    house_compile_options(-fsanitize=${DEVICEDISCOVER_SANITIZE} -fno-sanitize=null
+                          -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${DEVICEDISCOVER_SANITIZE})
 endif()
 
-# house_shared_library(TARGET BUILDING MACRO): a library that others find by its plain name.
+# house_description(TARGET TEXT): what Windows says about the file, beside its version.
+function(house_description version_target version_description)
+    if(NOT WIN32)
+        return()
+    endif()
+    get_target_property(kind ${version_target} TYPE)
+    if(kind STREQUAL "EXECUTABLE")
+        set(version_type VFT_APP)
+        set(version_suffix .exe)
+    else()
+        set(version_type VFT_DLL)
+        set(version_suffix .dll)
+    endif()
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${version_target}.rc @ONLY)
+    target_sources(${version_target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${version_target}.rc)
+endfunction()
+
+# house_shared_library(TARGET BUILDING MACRO [DESCRIPTION TEXT]): a library that others find by its plain name.
 function(house_shared_library target)
-    cmake_parse_arguments(ARG "" "BUILDING" "" ${ARGN})
+    cmake_parse_arguments(ARG "" "BUILDING;DESCRIPTION" "" ${ARGN})
     target_compile_definitions(${target} PRIVATE ${ARG_BUILDING})
     set_target_properties(${target} PROPERTIES DEFINE_SYMBOL "")
+    if(ARG_DESCRIPTION)
+        house_description(${target} "${ARG_DESCRIPTION}")
+    endif()
     if(WIN32)
         set_target_properties(${target} PROPERTIES PREFIX "")
     else()

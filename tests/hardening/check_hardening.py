@@ -59,6 +59,8 @@ def compiled_without(build, options):
     with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
         commands = json.load(file)
     for entry in commands:
+        if entry["file"].endswith(".rc"):
+            continue
         source = os.path.relpath(entry["file"], TOP)
         words = entry["command"].split()
         product = words[words.index("-o") + 1]
