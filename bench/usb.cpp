@@ -116,7 +116,7 @@ void EnumerateByHand() {
     const std::int32_t vendorId = NumberAt(id, kVendorIdAt);
     const std::int32_t productId = NumberAt(id, kProductIdAt);
     log(LOG_LEVEL_DEBUG, "pid:", std::hex, productId, "vid", vendorId);
-    VendorSdk::DeviceInfo found[64];
+    VendorSdk::DeviceInfo found[VendorSdk::kMaxDevices];
     std::int32_t count = 0;
     log(LOG_LEVEL_WARNING, "STEP4");
     enumeration->second(static_cast<std::uint16_t>(productId), static_cast<std::uint16_t>(vendorId),
@@ -150,7 +150,7 @@ void ScanByHand() {
     log(LOG_LEVEL_DEBUG, "modeid:", model.c_str());
     const auto scan = byHand.scans.find(model);
     log(LOG_LEVEL_WARNING, "STEP3");
-    VendorSdk::WifiConfigInfo found[128];
+    VendorSdk::WifiConfigInfo found[VendorSdk::kMaxNetworks];
     std::int32_t count = 0;
     log(LOG_LEVEL_WARNING, "STEP4");
     VendorSdk::DeviceInfo vendorDevice;

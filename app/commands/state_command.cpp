@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "DeviceDiscover/results.h"
 #include "app/items/printer_table.h"
-#include "app/library/broker_result.h"
 #include "app/library/scan_session.h"
 #include "app/library/vendor_survey.h"
 #include "app/outcome/problem.h"
@@ -145,7 +145,7 @@ ExitStatus State(const Settings& settings, const StateOptions& options) {
         return discovery.GetDeviceConnectState(device);
     };
     const int state = Await(settings, "Asking the printer's vendor for its state", work);
-    if (state == kNothingToCall) {
+    if (state == PrinterDeviceDiscoverSdk::kNothingToCall) {
         RequireAnswer(printer);
     }
     const std::string line = settings.json ? StateJson(printer, state) : StateLine(printer, state);

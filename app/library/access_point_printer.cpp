@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "app/library/broker_result.h"
+#include "DeviceDiscover/results.h"
 #include "app/library/host_wifi.h"
 #include "app/library/vendor_survey.h"
 #include "app/outcome/problem.h"
@@ -21,6 +21,8 @@ namespace {
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::DiscoverNetConnInterface;
+using PrinterDeviceDiscoverSdk::kNothingToCall;
+using PrinterDeviceDiscoverSdk::kNotInitialised;
 
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the order in which a row is read.
 struct KnownResult {

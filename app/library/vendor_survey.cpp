@@ -15,7 +15,7 @@ namespace App {
 
 namespace {
 
-#define APP_EXPORT_NAME(slot, name, message) #name,
+#define APP_EXPORT_NAME(name) #name,
 
 const std::vector<std::string> kScanExports{VENDORSDK_SCAN_ENTRY_POINTS(APP_EXPORT_NAME)};
 const std::vector<std::string> kConfigurationExports{

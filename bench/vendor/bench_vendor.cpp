@@ -27,13 +27,13 @@ VENDORSDK_EXPORT(PrinterUSBNetConfigEvent);
 namespace {
 
 // As many as there is room for.
-const std::array<VendorSdk::DeviceInfo, 64> devices = [] {
-    std::array<VendorSdk::DeviceInfo, 64> list{};
+const std::array<VendorSdk::DeviceInfo, VendorSdk::kMaxDevices> devices = [] {
+    std::array<VendorSdk::DeviceInfo, VendorSdk::kMaxDevices> list{};
     list.fill({1, 2, "VNB3K12345", "bench", "Example LaserPrinter 4000 series", "", ""});
     return list;
 }();
-const std::array<VendorSdk::WifiConfigInfo, 128> networks = [] {
-    std::array<VendorSdk::WifiConfigInfo, 128> list{};
+const std::array<VendorSdk::WifiConfigInfo, VendorSdk::kMaxNetworks> networks = [] {
+    std::array<VendorSdk::WifiConfigInfo, VendorSdk::kMaxNetworks> list{};
     list.fill({-61.5F, "Example Office 5 GHz", ""});
     return list;
 }();

@@ -4,10 +4,54 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 #include <type_traits>
 
 #include "VendorSdk/entry_points.h"
 #include "platform/os_calls.h"
+
+// The entry points of each family, in the order of the slots. X gets the name of the slot, the
+// exported name, and the text that is logged when the export is missing.
+
+#define BROKER_SCAN_ENTRY_POINTS(X)                                                           \
+    X(StartDeviceScan, StartDeviceScan, "startDeviceScan is nullptr, err:")                   \
+    X(StopDeviceScan, StopDeviceScan, "stopDeviceScan is nullptr, err:")                      \
+    X(GetDeviceConnectState, GetDeviceConnectState, "getDeviceConnectState is nullptr, err:") \
+    X(BeforeConnectEventNotify, BeforeConnectEventNotify,                                     \
+      "beforeConnectEventNotify is nullptr, err:")                                            \
+    X(ConnectSuccessNotifyEvent, ConnectSuccessNotifyEvent,                                   \
+      "connectSuccessNotifyEvent is nullptr, err:")                                           \
+    X(ConnectFailNotifyEvent, ConnectFailNotifyEvent, "connectFailNotifyEvent is nullptr, err:")
+
+#define BROKER_NETCONN_ENTRY_POINTS(X)                                                     \
+    X(StartAPWifiScan, StartAPWifiScan, "startApWifiScan is nullptr, err:")                \
+    X(StopAPWifiScan, StopAPWifiScan, "stopApWifiScan is nullptr, err:")                   \
+    X(PrinterAPNetConfigEvent, PrinterAPNetConfigEvent,                                    \
+      "printerApNetConfigEvent is nullptr, err:")                                          \
+    X(IsLocalAreaNetworkOK, IsLocalAreaNetworkOK, "isLocalAreaNetworkOK is nullptr, err:") \
+    X(GetDeviceInfoByNet, GetDeviceInfoByNet, "getDeviceInfoByNet is nullptr, err:")       \
+    X(IsConnectCurrentWifiAP, IsConnectCurrentWifiAP, "isConnectCurrentWifiAp is nullptr, err:")
+
+#define BROKER_USB_ENTRY_POINTS(X)                                                     \
+    X(pGetDeviceInfoByUsb, GetDeviceInfoByUsb, "pGetDeviceInfoByUsb is nullptr, err:") \
+    X(pGetUSBWifiScan, USBWifiScan, "pGetUSBWifiScan is nullptr, err:")                \
+    X(pPrinterUSBNetConfigEvent, PrinterUSBNetConfigEvent,                             \
+      "pPrinterUSBNetConfigEvent is nullptr, err:")
+
+// Declares the slot of one row of a list.
+#define BROKER_SLOT(slot, name, message) VendorSdk::name##Function* slot = nullptr;
+
+// Each list names the entry points that the vendors' header names, in the same order.
+#define BROKER_NAME_OF_ROW(slot, name, message) #name " "
+#define BROKER_NAME(name) #name " "
+static_assert(std::string_view(BROKER_SCAN_ENTRY_POINTS(BROKER_NAME_OF_ROW)) ==
+              VENDORSDK_SCAN_ENTRY_POINTS(BROKER_NAME));
+static_assert(std::string_view(BROKER_NETCONN_ENTRY_POINTS(BROKER_NAME_OF_ROW)) ==
+              VENDORSDK_NETCONN_ENTRY_POINTS(BROKER_NAME));
+static_assert(std::string_view(BROKER_USB_ENTRY_POINTS(BROKER_NAME_OF_ROW)) ==
+              VENDORSDK_USB_ENTRY_POINTS(BROKER_NAME));
+#undef BROKER_NAME
+#undef BROKER_NAME_OF_ROW
 
 namespace Broker {
 
@@ -68,20 +112,20 @@ consteval const char* ExportName(const EntryPointList<Entry, Count>& list) {
     ::Broker::EntryPoint<Entry>{#name, message, &::Broker::Store<Entry, &Entry::slot>, \
                                 ::Broker::kPlace<Entry, &Entry::slot>},
 
-// The lists of the three families. `Entry` is the family's table entry; its slots are made from the
-// same rows.
+// The lists of the three families. `Entry` is the family's table entry, with a member for each
+// slot.
 template <class Entry>
 inline constexpr auto kScanEntryPoints = InSlotOrder(std::array{
-    VENDORSDK_SCAN_ENTRY_POINTS(BROKER_ENTRY_POINT)});
+    BROKER_SCAN_ENTRY_POINTS(BROKER_ENTRY_POINT)});
 
 template <class Entry>
 inline constexpr auto kNetConnEntryPoints = InSlotOrder(std::array{
-    VENDORSDK_NETCONN_ENTRY_POINTS(BROKER_ENTRY_POINT)});
+    BROKER_NETCONN_ENTRY_POINTS(BROKER_ENTRY_POINT)});
 
 // Not looked up in slot order: the Wi-Fi scan comes last.
 template <class Entry>
 inline constexpr EntryPointList<Entry, 3> kUsbEntryPoints{
-    {VENDORSDK_USB_ENTRY_POINTS(BROKER_ENTRY_POINT)}, {0, 2, 1}};
+    {BROKER_USB_ENTRY_POINTS(BROKER_ENTRY_POINT)}, {0, 2, 1}};
 
 #undef BROKER_ENTRY_POINT
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "DeviceDiscover/records.h"
+#include "DeviceDiscover/results.h"
 #include "broker/binding/call_note.h"
 #include "broker/binding/vendor_table.h"
 #include "broker/log/log_line.h"
@@ -14,18 +15,10 @@
 
 namespace Broker {
 
-// The dispatchers' own results; every other value comes from a vendor.
-inline constexpr int kNothingToCall = -1;
-inline constexpr int kNotInitialised = -2;
-inline constexpr int kNoCallback = -3;
-
-// The result for any failure of a vendor, where the application does not get the vendor's own.
-inline constexpr int kVendorFailed = -1;
-
 // Refuses an operation of a dispatcher that has no vendors yet.
 inline int NotInitialised(const Location& where) {
     Log(LOG_LEVEL_ERROR, where, "NOINITOK");
-    return kNotInitialised;
+    return PrinterDeviceDiscoverSdk::kNotInitialised;
 }
 
 // Logs and returns the result of a vendor's entry point; 0 is success.

@@ -98,12 +98,12 @@ int NetConnInterface::StartAPWifiScan(const WifiCallbackInfo& info) {
         // This branch means that there is no callback. The text says otherwise, but applications
         // rely on it.
         Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Enable,please first Stop");
-        return Broker::kNoCallback;
+        return kNoCallback;
     }
     const auto scan = ChosenFunction<&Item::StartAPWifiScan>(
         vendors, GetCurrentNetConnectWifiAPInterface(), "call pFunc is nullptr, err:", HERE);
     if (!scan) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     Broker::RunDetached([scan, registration] {
         const int result = scan(registration);
@@ -124,7 +124,7 @@ int NetConnInterface::StopAPWifiScan() {
     const auto stop = ChosenFunction<&Item::StopAPWifiScan>(
         vendors, GetCurrentNetConnectWifiAPInterface(), "pFunc is nullptr, err:", HERE);
     if (!stop) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     return Broker::Outcome(stop(), "call Func fail, err:", HERE);
 }
@@ -136,7 +136,7 @@ int NetConnInterface::PrinterAPNetConfigEvent(const WifiConfigInfo& network) {
     const auto configure = ChosenFunction<&Item::PrinterAPNetConfigEvent>(
         vendors, GetCurrentNetConnectWifiAPInterface(), "pFunc is nullptr, err:", HERE);
     if (!configure) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     VendorSdk::WifiConfigInfo vendorNetwork;
     const Broker::WipeAtEnd wiped(vendorNetwork);
@@ -151,7 +151,7 @@ int NetConnInterface::GetDeviceInfoByNet(DeviceInfo& device) {
     const auto getDevice = ChosenFunction<&Item::GetDeviceInfoByNet>(
         vendors, GetCurrentNetConnectWifiAPInterface(), "pFunc is nullptr, err:", HERE);
     if (!getDevice) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     VendorSdk::DeviceInfo vendorDevice;
     const int result = Broker::Outcome(getDevice(&vendorDevice), "call Func fail, err:", HERE);
@@ -167,13 +167,13 @@ int NetConnInterface::IsLocalAreaNetworkOK(const DeviceInfo& device) {
     }
     const auto vendor = Broker::FindVendor(vendors, device, HERE);
     if (vendor == vendors.end()) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     const auto isReachable =
         Broker::FunctionOf<&Item::IsLocalAreaNetworkOK, kNetConnEntries>(*vendor);
     if (!isReachable) {
         Broker::Log(LOG_LEVEL_ERROR, HERE, "call pFunc is nullptr - fail:", vendor->first);
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
     return Broker::Outcome(isReachable(&vendorDevice), "call Func Fail", HERE);

@@ -20,7 +20,7 @@ template <auto Slot>
 int Notify(const ScanVendors& vendors, const DeviceInfo& device, const Broker::Location& where) {
     const auto notify = Broker::FindFunction<Slot, kScanEntries>(vendors, device, where);
     if (!notify) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
     return Broker::Outcome(notify(&vendorDevice), "call Func Fail", where);
@@ -65,12 +65,12 @@ int ScanInterface::StartDeviceScan(const DeviceCallbackInfo& info) {
     const std::lock_guard lock(mutex);
     ScanInterfaceListener& listener = ScanInterfaceListener::GetInstance();
     VendorSdk::DeviceCallbackInfo* const registration = listener.SetDeviceCallbackInfo(info);
-    int result = Broker::kNothingToCall;
+    int result = kNothingToCall;
     for (const auto& vendor : vendors) {
         // A stop clears the registration without taking the lock, so it is checked for each vendor.
         if (!listener.GetDeviceCallbackIsEnable()) {
             Broker::Log(LOG_LEVEL_ERROR, HERE, "GetDeviceCallback Is Not Enable");
-            return Broker::kNoCallback;
+            return kNoCallback;
         }
         const auto scan = Broker::FunctionOf<&VendorEntry::StartDeviceScan, kScanEntries>(vendor);
         if (!scan) {
@@ -95,7 +95,7 @@ int ScanInterface::StopDeviceScan() {
     }
     ScanInterfaceListener::GetInstance().ClearDeviceCallbackInfo();
     const std::lock_guard lock(mutex);
-    int result = Broker::kNothingToCall;
+    int result = kNothingToCall;
     for (const auto& vendor : vendors) {
         const auto stop = Broker::FunctionOf<&VendorEntry::StopDeviceScan, kScanEntries>(vendor);
         if (!stop) {
@@ -114,7 +114,7 @@ int ScanInterface::GetDeviceConnectState(const DeviceInfo& device) {
     const auto getState = Broker::FindFunction<&VendorEntry::GetDeviceConnectState, kScanEntries>(
         vendors, device, HERE);
     if (!getState) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
     const int result = getState(&vendorDevice);

@@ -101,7 +101,7 @@ int DiscoverUsbInterface::GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices) {
     std::map<std::wstring, std::pair<int, int>> ports;
     PrinterDiscoverAPI::PrinterUsbDeviceManager::GetInstance().GetCurrentPrinterPorts(ports);
     Broker::Log(LOG_LEVEL_DEBUG, HERE, "Stop GetCurrentPrinterPorts", std::uint64_t{ports.size()});
-    int result = -1;
+    int result = kVendorFailed;
     for (const auto& port : ports) {
         const std::wstring& deviceId = port.first;
         Broker::Log(LOG_LEVEL_DEBUG, HERE, L"deviceId:", deviceId);

@@ -19,9 +19,6 @@ using UsbVendors = Broker::VendorTable<UsbEntry>;
 
 constexpr auto& kUsbEntries = Broker::kUsbEntryPoints<UsbEntry>;
 
-constexpr std::int32_t kMaxDevices = 64;
-constexpr std::int32_t kMaxNetworks = 128;
-
 // The positions of the numbers in a hardware identifier, VID_vvvv&PID_pppp.
 constexpr std::size_t kVendorIdAt = 4;
 constexpr std::size_t kProductIdAt = 13;
@@ -90,7 +87,7 @@ int NoEnumeration(Search search, const Broker::Location& where) {
             Broker::Log(LOG_LEVEL_ERROR, where, "pFunc is nullptr, err:");
             break;
     }
-    return Broker::kNothingToCall;
+    return kNothingToCall;
 }
 
 void AppendDevices(std::vector<DeviceInfo>& devices, const VendorSdk::DeviceInfo* found,
@@ -225,7 +222,7 @@ int UsbConnInterface::GetUSBWifiScan(const DeviceInfo& device,
     const auto scan =
         Broker::FindFunction<&VendorEntry::pGetUSBWifiScan, kUsbEntries>(vendors, device, HERE);
     if (!scan) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     Broker::Log(LOG_LEVEL_WARNING, HERE, "STEP3");
     VendorSdk::WifiConfigInfo found[kMaxNetworks];
@@ -256,7 +253,7 @@ int UsbConnInterface::PrinterUSBNetConfigEvent(const DeviceInfo& device,
         Broker::FindFunction<&VendorEntry::pPrinterUSBNetConfigEvent, kUsbEntries>(vendors, device,
                                                                                    HERE);
     if (!configure) {
-        return Broker::kNothingToCall;
+        return kNothingToCall;
     }
     const VendorSdk::DeviceInfo vendorDevice = Broker::VendorRecord(device);
     VendorSdk::WifiConfigInfo vendorNetwork;
@@ -264,7 +261,7 @@ int UsbConnInterface::PrinterUSBNetConfigEvent(const DeviceInfo& device,
     DiscoverBasic::GetVendorSdkWifoConfigInfo(network, vendorNetwork);
     const int result =
         Broker::Outcome(configure(&vendorDevice, &vendorNetwork), "call Func Fail", HERE);
-    return result == 0 ? 0 : Broker::kVendorFailed;
+    return result == 0 ? 0 : kVendorFailed;
 }
 
 }  // namespace PrinterDeviceDiscoverSdk

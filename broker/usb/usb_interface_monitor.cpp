@@ -31,7 +31,7 @@ int RecordsOf(const std::wstring& deviceId, std::vector<DeviceInfo>& devices,
     } catch (const std::out_of_range& error) {
         Broker::Log(LOG_LEVEL_ERROR, where,
                     "deviceId is too short, err:", std::string_view(error.what()));
-        return -1;
+        return kNothingToCall;
     }
 }
 

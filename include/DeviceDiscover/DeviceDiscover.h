@@ -8,6 +8,7 @@
 #include "DeviceDiscover/netconn.h"
 #include "DeviceDiscover/printer_sdk.h"
 #include "DeviceDiscover/records.h"
+#include "DeviceDiscover/results.h"
 #include "DeviceDiscover/scan.h"
 #include "DeviceDiscover/usb.h"
 #include "DeviceDiscover/vendor_activity.h"

@@ -12,11 +12,11 @@
 // chooses by the device's model id. The first call loads the vendors' modules; all objects live
 // until the process ends.
 //
-// Results, unless said otherwise:
+// Results, unless said otherwise (names in results.h):
 //    0  the vendor's entry point returned 0
-//   -1  no vendor could be chosen, or its module lacks the entry point
-//   -2  not initialised: the application named no vendor (see NetConnInterface::Init)
-//   -3  a scan was started without a callback
+//   -1  kNothingToCall: no vendor could be chosen, or its module lacks the entry point
+//   -2  kNotInitialised: the application named no vendor (see NetConnInterface::Init)
+//   -3  kNoCallback: a scan was started without a callback
 //   any other value is the vendor's own
 // Failures are logged and returned. Operations throw only the standard library's exceptions: out of
 // memory, and std::system_error when a thread cannot be started or a lock cannot be taken.
@@ -29,6 +29,7 @@
 
 #include "DeviceDiscover/export.h"
 #include "DeviceDiscover/records.h"
+#include "DeviceDiscover/results.h"
 #include "VendorSdk/entry_points.h"
 #include "platform/os.h"
 
@@ -59,7 +60,12 @@ private:
 // null.
 struct NetConnInterfaceItem {
     HINSTANCE module = nullptr;
-    VENDORSDK_NETCONN_ENTRY_POINTS(VENDORSDK_SLOT)
+    VendorSdk::StartAPWifiScanFunction* StartAPWifiScan = nullptr;
+    VendorSdk::StopAPWifiScanFunction* StopAPWifiScan = nullptr;
+    VendorSdk::PrinterAPNetConfigEventFunction* PrinterAPNetConfigEvent = nullptr;
+    VendorSdk::IsLocalAreaNetworkOKFunction* IsLocalAreaNetworkOK = nullptr;
+    VendorSdk::GetDeviceInfoByNetFunction* GetDeviceInfoByNet = nullptr;
+    VendorSdk::IsConnectCurrentWifiAPFunction* IsConnectCurrentWifiAP = nullptr;
 };
 
 // Chooses the vendor, converts the record and calls the vendor's entry point.

@@ -8,13 +8,13 @@
 // ScanInterface, which calls the vendors. The free functions call ScanInterface without logging the
 // call. The first call loads the vendors' modules; all objects live until the process ends.
 //
-// Results, unless said otherwise:
+// Results, unless said otherwise (names in results.h):
 //    0  success
-//   -1  nothing could be called: no vendor has a module, none is the device's, or its module
-//       lacks the entry point
-//   -2  not initialised: the application named no vendor (see ScanInterface::Init); nothing
-//       else was done
-//   -3  a scan was started without a callback
+//   -1  kNothingToCall: no vendor has a module, none is the device's, or its module lacks the
+//       entry point
+//   -2  kNotInitialised: the application named no vendor (see ScanInterface::Init); nothing else
+//       was done
+//   -3  kNoCallback: a scan was started without a callback
 //   any other value is the vendor's own
 // Failures are logged and returned. Operations throw only the standard library's exceptions: out of
 // memory, and std::system_error when a thread cannot be started or a lock cannot be taken.
@@ -33,6 +33,7 @@
 
 #include "DeviceDiscover/export.h"
 #include "DeviceDiscover/records.h"
+#include "DeviceDiscover/results.h"
 #include "VendorSdk/entry_points.h"
 #include "platform/os.h"
 
@@ -74,7 +75,12 @@ public:
     // null.
     struct VendorEntry {
         HINSTANCE module = nullptr;
-        VENDORSDK_SCAN_ENTRY_POINTS(VENDORSDK_SLOT)
+        VendorSdk::StartDeviceScanFunction* StartDeviceScan = nullptr;
+        VendorSdk::StopDeviceScanFunction* StopDeviceScan = nullptr;
+        VendorSdk::GetDeviceConnectStateFunction* GetDeviceConnectState = nullptr;
+        VendorSdk::BeforeConnectEventNotifyFunction* BeforeConnectEventNotify = nullptr;
+        VendorSdk::ConnectSuccessNotifyEventFunction* ConnectSuccessNotifyEvent = nullptr;
+        VendorSdk::ConnectFailNotifyEventFunction* ConnectFailNotifyEvent = nullptr;
     };
 
     // The one instance. Its construction, on the first call, loads the vendors' modules.

@@ -10,11 +10,11 @@
 // UsbInterfaceMonitor turns a device arrival into complete records. The first call that needs a
 // vendor loads the vendors' modules; all objects live until the process ends.
 //
-// Results, unless said otherwise:
+// Results, unless said otherwise (names in results.h):
 //    0  success
-//   -1  nothing could be called: no vendor for the identifier or the device, or its module
-//       lacks the entry point
-//   -2  not initialised: the application named no vendor, or one without USB identifiers (see
+//   -1  kNothingToCall: no vendor for the identifier or the device, or its module lacks the
+//       entry point
+//   -2  kNotInitialised: the application named no vendor, or one without USB identifiers (see
 //       UsbConnInterface::Init)
 //   any other value is the vendor's own
 // Failures are logged and returned. Operations throw only the standard library's exceptions: out of
@@ -36,11 +36,16 @@
 
 #include "DeviceDiscover/export.h"
 #include "DeviceDiscover/records.h"
+#include "DeviceDiscover/results.h"
 #include "VendorSdk/entry_points.h"
 #include "platform/PrinterDiscoverAPI/PrinterUsbDeviceManager.h"
 #include "platform/os.h"
 
 namespace PrinterDeviceDiscoverSdk {
+
+// The most records that one call of a vendor returns.
+inline constexpr std::int32_t kMaxDevices = VendorSdk::kMaxDevices;
+inline constexpr std::int32_t kMaxNetworks = VendorSdk::kMaxNetworks;
 
 // A printer on USB: the fields of a DeviceInfo, and whether the printer is already on the network.
 // Text fields are NUL-terminated narrow text. The record is passed between libraries inside a
@@ -89,8 +94,9 @@ public:
     int GetDeviceNoConfigNet(std::vector<DeviceUsbInfo>& devices);
 
     // Appends the records of the printers on the host's USB printer ports, in the order of their
-    // hardware identifiers. 0 when the vendor of at least one port succeeded; -1 otherwise, also
-    // when there is no port. Throws std::out_of_range like UsbConnInterface::GetDeviceInfoByUsb.
+    // hardware identifiers. 0 when the vendor of at least one port succeeded; -1, kVendorFailed,
+    // otherwise, also when there is no port. Throws std::out_of_range like
+    // UsbConnInterface::GetDeviceInfoByUsb.
     int GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices);
 
     // Sends a network's name and pass phrase to the printer and returns the result of
@@ -118,7 +124,9 @@ public:
     // null.
     struct VendorEntry {
         HINSTANCE module = nullptr;
-        VENDORSDK_USB_ENTRY_POINTS(VENDORSDK_SLOT)
+        VendorSdk::GetDeviceInfoByUsbFunction* pGetDeviceInfoByUsb = nullptr;
+        VendorSdk::USBWifiScanFunction* pGetUSBWifiScan = nullptr;
+        VendorSdk::PrinterUSBNetConfigEventFunction* pPrinterUSBNetConfigEvent = nullptr;
     };
 
     // The one instance. Its construction, on the first call, loads the vendors' modules.
@@ -132,18 +140,18 @@ public:
     bool Init();
 
     // Appends the records of the printers with the hardware identifier `deviceId`,
-    // VID_vvvv&PID_pppp exactly as a vendor lists it. If the vendor reports more than 64 records,
-    // none is appended. Throws std::out_of_range when a vendor lists `deviceId` with fewer than 13
-    // characters.
+    // VID_vvvv&PID_pppp exactly as a vendor lists it. If the vendor reports more than kMaxDevices
+    // records, none is appended. Throws std::out_of_range when a vendor lists `deviceId` with fewer
+    // than 13 characters.
     int GetDeviceInfoByUsb(std::vector<DeviceInfo>& devices, std::wstring deviceId);
 
     // Appends the Wi-Fi networks that the printer sees. `option` goes to the vendor unchanged. If
-    // the vendor reports more than 128 networks, none is appended.
+    // the vendor reports more than kMaxNetworks networks, none is appended.
     int GetUSBWifiScan(const DeviceInfo& device, std::vector<WifiConfigInfo>& networks, int option);
 
     // Sends a network's name and pass phrase to the printer. A name of 128 characters or a pass
     // phrase of 32 characters loses its last character. Any failure of the vendor is returned as
-    // -1.
+    // -1, kVendorFailed.
     int PrinterUSBNetConfigEvent(const DeviceInfo& device, const WifiConfigInfo& network);
 
     UsbConnInterface(const UsbConnInterface&) = delete;

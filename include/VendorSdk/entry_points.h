@@ -71,15 +71,19 @@ using IsConnectCurrentWifiAPFunction = int();
 
 // --- USB ----------------------------------------------------------------------------------------
 
+// The most records that one call returns.
+inline constexpr std::int32_t kMaxDevices = 64;
+inline constexpr std::int32_t kMaxNetworks = 128;
+
 // Writes the records of the attached printers with this product and vendor id to `devices`, which
-// has room for 64, and their number to `count`, which is 0 on entry. Must write every field of a
-// record. A count above 64 is treated as 0. 0: success, also without a printer.
+// has room for kMaxDevices, and their number to `count`, which is 0 on entry. Must write every
+// field of a record. A count above kMaxDevices is treated as 0. 0: success, also without a printer.
 using GetDeviceInfoByUsbFunction = int(std::uint16_t productId, std::uint16_t vendorId,
                                        DeviceInfo* devices, std::int32_t* count);
 
-// Writes the Wi-Fi networks that the printer sees to `networks`, which has room for 128, and their
-// number to `count`, which is 0 on entry. A count above 128 is treated as 0. `option` is the
-// application's value, unchanged. 0: success, also without a network.
+// Writes the Wi-Fi networks that the printer sees to `networks`, which has room for
+// kMaxNetworks, and their number to `count`, which is 0 on entry. A count above kMaxNetworks is
+// treated as 0. `option` is the application's value, unchanged. 0: success, also without a network.
 using USBWifiScanFunction = int(const DeviceInfo* device, std::int32_t option,
                                 WifiConfigInfo* networks, std::int32_t* count);
 
@@ -90,36 +94,28 @@ using PrinterUSBNetConfigEventFunction = int(const DeviceInfo* device,
 
 }  // namespace VendorSdk
 
-// The entry points of each family, in the order of the broker's slots. X gets the name of the
-// broker's slot, the exported name, and the text that the broker logs when the export is missing.
+// The names of each family's entry points: X is called with one name at a time.
 
-#define VENDORSDK_SCAN_ENTRY_POINTS(X)                                                        \
-    X(StartDeviceScan, StartDeviceScan, "startDeviceScan is nullptr, err:")                   \
-    X(StopDeviceScan, StopDeviceScan, "stopDeviceScan is nullptr, err:")                      \
-    X(GetDeviceConnectState, GetDeviceConnectState, "getDeviceConnectState is nullptr, err:") \
-    X(BeforeConnectEventNotify, BeforeConnectEventNotify,                                     \
-      "beforeConnectEventNotify is nullptr, err:")                                            \
-    X(ConnectSuccessNotifyEvent, ConnectSuccessNotifyEvent,                                   \
-      "connectSuccessNotifyEvent is nullptr, err:")                                           \
-    X(ConnectFailNotifyEvent, ConnectFailNotifyEvent, "connectFailNotifyEvent is nullptr, err:")
+#define VENDORSDK_SCAN_ENTRY_POINTS(X) \
+    X(StartDeviceScan)                 \
+    X(StopDeviceScan)                  \
+    X(GetDeviceConnectState)           \
+    X(BeforeConnectEventNotify)        \
+    X(ConnectSuccessNotifyEvent)       \
+    X(ConnectFailNotifyEvent)
 
-#define VENDORSDK_NETCONN_ENTRY_POINTS(X)                                                  \
-    X(StartAPWifiScan, StartAPWifiScan, "startApWifiScan is nullptr, err:")                \
-    X(StopAPWifiScan, StopAPWifiScan, "stopApWifiScan is nullptr, err:")                   \
-    X(PrinterAPNetConfigEvent, PrinterAPNetConfigEvent,                                    \
-      "printerApNetConfigEvent is nullptr, err:")                                          \
-    X(IsLocalAreaNetworkOK, IsLocalAreaNetworkOK, "isLocalAreaNetworkOK is nullptr, err:") \
-    X(GetDeviceInfoByNet, GetDeviceInfoByNet, "getDeviceInfoByNet is nullptr, err:")       \
-    X(IsConnectCurrentWifiAP, IsConnectCurrentWifiAP, "isConnectCurrentWifiAp is nullptr, err:")
+#define VENDORSDK_NETCONN_ENTRY_POINTS(X) \
+    X(StartAPWifiScan)                    \
+    X(StopAPWifiScan)                     \
+    X(PrinterAPNetConfigEvent)            \
+    X(IsLocalAreaNetworkOK)               \
+    X(GetDeviceInfoByNet)                 \
+    X(IsConnectCurrentWifiAP)
 
-#define VENDORSDK_USB_ENTRY_POINTS(X)                                                  \
-    X(pGetDeviceInfoByUsb, GetDeviceInfoByUsb, "pGetDeviceInfoByUsb is nullptr, err:") \
-    X(pGetUSBWifiScan, USBWifiScan, "pGetUSBWifiScan is nullptr, err:")                \
-    X(pPrinterUSBNetConfigEvent, PrinterUSBNetConfigEvent,                             \
-      "pPrinterUSBNetConfigEvent is nullptr, err:")
-
-// Declares the broker's slot for one row of a list.
-#define VENDORSDK_SLOT(slot, name, message) VendorSdk::name##Function* slot = nullptr;
+#define VENDORSDK_USB_ENTRY_POINTS(X) \
+    X(GetDeviceInfoByUsb)             \
+    X(USBWifiScan)                    \
+    X(PrinterUSBNetConfigEvent)
 
 #if defined(_WIN32)
 #define VENDORSDK_EXPORT(name) extern "C" __declspec(dllexport) VendorSdk::name##Function name

@@ -27,9 +27,6 @@ namespace {
 
 using namespace Driverless;
 
-constexpr std::size_t kRoomForDevices = 64;
-constexpr std::size_t kRoomForNetworks = 128;
-
 // A new scan takes some seconds.
 constexpr std::chrono::milliseconds kPatienceForNetworks{12000};
 constexpr std::chrono::milliseconds kPatienceForCurrent{1000};
@@ -43,7 +40,7 @@ void Write(const Things& things, Record* records, std::int32_t& count) {
 
 int DescribePrinters(std::uint16_t productId, std::uint16_t vendorId,
                      VendorSdk::DeviceInfo* devices, std::int32_t& count) {
-    const UsbLook look = LookForUsbPrinters(productId, vendorId, kRoomForDevices);
+    const UsbLook look = LookForUsbPrinters(productId, vendorId, VendorSdk::kMaxDevices);
     KnownUsbNames().Remember(vendorId, productId, look.printers);
     Write(look.printers, devices, count);
     return look.result;
@@ -58,7 +55,7 @@ int DescribeNetworks(int weakest, VendorSdk::WifiConfigInfo* networks, std::int3
         return kNoWifiAnswer;
     }
     const auto offered = OfferedNetworks().Take(*inRange, current ? current->name : std::string());
-    Write(StrongestOf(offered, weakest, kRoomForNetworks), networks, count);
+    Write(StrongestOf(offered, weakest, VendorSdk::kMaxNetworks), networks, count);
     return kOk;
 }
 

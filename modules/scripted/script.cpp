@@ -16,7 +16,7 @@ namespace ScriptedVendor {
 
 namespace {
 
-#define ENTRY_POINT_NAME(slot, name, message) #name,
+#define ENTRY_POINT_NAME(name) #name,
 constexpr std::string_view kEntryPoints[] = {VENDORSDK_SCAN_ENTRY_POINTS(ENTRY_POINT_NAME)
                                                  VENDORSDK_NETCONN_ENTRY_POINTS(ENTRY_POINT_NAME)
                                                      VENDORSDK_USB_ENTRY_POINTS(ENTRY_POINT_NAME)};

@@ -18,8 +18,6 @@ namespace ScriptedVendor {
 namespace {
 
 constexpr std::size_t kKeptCallbackResults = 10000;
-constexpr std::size_t kRoomForDevices = 64;
-constexpr std::size_t kRoomForNetworks = 128;
 
 std::string Environment(const char* name) {
     const char* const value = std::getenv(name);
@@ -211,14 +209,14 @@ int Vendor::FillDevice(VendorSdk::DeviceInfo* device) {
 int Vendor::ListDevices(const UsbEnumeration& question, VendorSdk::DeviceInfo* devices,
                         std::int32_t* count) {
     const int result = Answer("GetDeviceInfoByUsb", devices, nullptr, &question, sizeof question);
-    List("GetDeviceInfoByUsb", &Script::devices, kRoomForDevices, devices, count);
+    List("GetDeviceInfoByUsb", &Script::devices, VendorSdk::kMaxDevices, devices, count);
     return result;
 }
 
 int Vendor::ListNetworks(const UsbWifiScan& question, const VendorSdk::DeviceInfo* device,
                          VendorSdk::WifiConfigInfo* networks, std::int32_t* count) {
     const int result = Answer("USBWifiScan", device, nullptr, &question, sizeof question);
-    List("USBWifiScan", &Script::networks, kRoomForNetworks, networks, count);
+    List("USBWifiScan", &Script::networks, VendorSdk::kMaxNetworks, networks, count);
     return result;
 }
 

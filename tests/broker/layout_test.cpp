@@ -244,16 +244,26 @@ TEST_F(UsbInside, KeepsItsIdentifiersAndItsFlagWhenTheModulesAreGivenBack) {
     EXPECT_THAT(TakeLines(), testing::IsEmpty());
     // Whatever looks for a vendor now finds none.
     std::vector<DeviceInfo> devices;
-    EXPECT_EQ(dispatcher.GetDeviceInfoByUsb(devices, L"VID_1234&PID_ABCD"), -1);
+    EXPECT_EQ(dispatcher.GetDeviceInfoByUsb(devices, L"VID_1234&PID_ABCD"), kNothingToCall);
     EXPECT_EQ(TakeLines().back(),
               LineIs(4, "call Func map find fail, err:", "UsbConnInterface::GetDeviceInfoByUsb"));
     std::vector<WifiConfigInfo> networks;
-    EXPECT_EQ(dispatcher.GetUSBWifiScan(DeviceOf("alpha"), networks, 0), -1);
+    EXPECT_EQ(dispatcher.GetUSBWifiScan(DeviceOf("alpha"), networks, 0), kNothingToCall);
     EXPECT_EQ(TakeLines().back(),
               LineIs(4, "call Func map find fail:", "UsbConnInterface::GetUSBWifiScan"));
-    EXPECT_EQ(dispatcher.PrinterUSBNetConfigEvent(DeviceOf("alpha"), NetworkOf("office")), -1);
+    EXPECT_EQ(dispatcher.PrinterUSBNetConfigEvent(DeviceOf("alpha"), NetworkOf("office")),
+              kNothingToCall);
     EXPECT_EQ(TakeLines().back(),
               LineIs(4, "call Func map find fail:", "UsbConnInterface::PrinterUSBNetConfigEvent"));
+}
+
+TEST_F(Layout, NamesForResultsAndLimitsHaveTheNumbersThatAreKnownOutside) {
+    EXPECT_EQ(kNothingToCall, -1);
+    EXPECT_EQ(kNotInitialised, -2);
+    EXPECT_EQ(kNoCallback, -3);
+    EXPECT_EQ(kVendorFailed, -1);
+    EXPECT_EQ(kMaxDevices, 64);
+    EXPECT_EQ(kMaxNetworks, 128);
 }
 
 TEST_F(Layout, OfTheUsbMonitorIsTheApplicationsRegistration) {

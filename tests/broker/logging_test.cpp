@@ -35,10 +35,10 @@ protected:
         module.AwaitRunningScans(0);
         EXPECT_EQ(facade.GetDeviceConnectState(DeviceOf("alpha")), 1);
         EXPECT_EQ(facade.BeforeConnectEventNotify(DeviceOf("alpha")), 6);
-        EXPECT_EQ(facade.ConnectSuccessNotifyEvent(DeviceOf("beta")), -1);
-        EXPECT_EQ(facade.ConnectFailNotifyEvent(DeviceOf("gamma")), -1);
+        EXPECT_EQ(facade.ConnectSuccessNotifyEvent(DeviceOf("beta")), kNothingToCall);
+        EXPECT_EQ(facade.ConnectFailNotifyEvent(DeviceOf("gamma")), kNothingToCall);
         EXPECT_EQ(facade.StopDeviceScan(), 5);
-        EXPECT_EQ(facade.StartDeviceScan({nullptr, 1}), -3);
+        EXPECT_EQ(facade.StartDeviceScan({nullptr, 1}), kNoCallback);
         VendorSdk::WifiConfigInfo from{};
         SetField(from.ssid, "network");
         WifiConfigInfo to;
@@ -97,7 +97,8 @@ TEST_F(Logging, ALoggerMayCallOperationsOnDevices) {
     RecordingLog::OnLine([](const RecordingLog::Line& line) {
         if (line.text.starts_with(L"call Func OK(") || line.text.starts_with(L"callback(")) {
             ++calls;
-            EXPECT_EQ(ScanInterface::GetInstance().ConnectFailNotifyEvent(DeviceOf("nobody")), -1);
+            EXPECT_EQ(ScanInterface::GetInstance().ConnectFailNotifyEvent(DeviceOf("nobody")),
+                      kNothingToCall);
         }
     });
     EveryOperationWorks();

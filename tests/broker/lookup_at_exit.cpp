@@ -18,8 +18,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kNotInitialised = -2;
-
 std::wstring slowLine;
 std::atomic<bool> begins{false};
 std::atomic<bool> isGone{false};
@@ -41,7 +39,7 @@ void OnLine(const RecordingLog::Line& line) {
 
 void JudgeTheEnd() {
     isGone = true;
-    std::_Exit(!Becomes(isOver) ? 2 : result == kNotInitialised ? 0 : 1);
+    std::_Exit(!Becomes(isOver) ? 2 : result == PrinterDeviceDiscoverSdk::kNotInitialised ? 0 : 1);
 }
 
 }  // namespace

@@ -162,7 +162,7 @@ TEST_F(Memory, ThatRunsOutDuringTheStartOfAWifiScanFreesTheLock) {
 TEST_F(Memory, ThatRunsOutDuringInitLeavesTheDispatcherUsable) {
     Support({});
     ScanInterface& scan = ScanInterface::GetInstance();
-    ASSERT_EQ(scan.StopDeviceScan(), -2);
+    ASSERT_EQ(scan.StopDeviceScan(), kNotInitialised);
     Support({Vendor(kAlpha, kModules[0]), Vendor(kBeta, kModules[1])});
     bool bound = false;
     const long failures = FailEach(
@@ -269,7 +269,7 @@ TEST_F(UsbMemory, ThatRunsOutOnTheFirstUseLeavesTheNextOneToBeginAnew) {
 TEST_F(UsbMemory, ThatRunsOutDuringInitLeavesTheDispatcherUsable) {
     Support({});
     UsbConnInterface& dispatcher = UsbConnInterface::GetInstance();
-    ASSERT_EQ(Enumerate(), -2);
+    ASSERT_EQ(Enumerate(), kNotInitialised);
     Support({WithIds(Vendor(kAlpha, kModules[0]), kIds[0]),
              WithIds(Vendor(kBeta, kModules[1]), kIds[1])});
     bool bound = false;

@@ -87,7 +87,7 @@ TEST_F(RealVendors, WithoutAModuleArePassedOverByTheBrokerAndNamedByPrinterUtil)
     EXPECT_THAT(LineText(lines[0]), HasSubstr("no_such_module"));
     EXPECT_THAT(LineText(lines[1]), HasSubstr("scripted_broken"));
     EXPECT_EQ(TakeBrokersLines(), BindingLines("gamma"));
-    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), -1);
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), kNothingToCall);
     EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("gamma")), 1);
 }
 
@@ -129,7 +129,7 @@ TEST_F(RealVendors, ComeWithALaterInitWhenTheListComesLater) {
     ScanInterface& scan = ScanInterface::GetInstance();
     EXPECT_THAT(TakeBrokersLines(), ElementsAre(LineIs(4, "vendorList is empty. DeleteAllVendor",
                                                        "ScanInterface::GetDeviceFunc")));
-    EXPECT_EQ(scan.StopDeviceScan(), -2);
+    EXPECT_EQ(scan.StopDeviceScan(), kNotInitialised);
     TakeLines();
     Write({{"alpha", "scripted_all"}});
     EXPECT_TRUE(scan.Init());

@@ -7,8 +7,8 @@
 #include <numeric>
 #include <stdexcept>
 
+#include "DeviceDiscover/results.h"
 #include "app/library/access_point_printer.h"
-#include "app/library/broker_result.h"
 #include "app/library/usb/host_usb_problem.h"
 #include "app/library/usb/usb_question.h"
 #include "app/library/usb/usb_vendors.h"
@@ -25,6 +25,8 @@ namespace {
 
 using PrinterDeviceDiscoverSdk::DeviceUsbInfo;
 using PrinterDeviceDiscoverSdk::DiscoverUsbInterface;
+using PrinterDeviceDiscoverSdk::kNothingToCall;
+using PrinterDeviceDiscoverSdk::kNotInitialised;
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
 
 // Each vendor defines its own results and its own access to USB; they are known for one vendor.

@@ -8,7 +8,7 @@
 #include <mutex>
 #include <set>
 
-#include "app/library/broker_result.h"
+#include "DeviceDiscover/results.h"
 #include "app/library/usb/usb_vendors.h"
 #include "app/terminal/crash_report.h"
 #include "base/side_by_side.h"
@@ -22,6 +22,8 @@ namespace {
 constexpr Base::SideBySideLimits kAskingLimits{32, std::chrono::hours(1)};
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
+using PrinterDeviceDiscoverSdk::kNothingToCall;
+using PrinterDeviceDiscoverSdk::kNotInitialised;
 using PrinterDeviceDiscoverSdk::UsbConnInterface;
 
 // Controls requests to the broker and updates of its identifiers. Never destroyed: requests may run

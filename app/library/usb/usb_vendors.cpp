@@ -10,7 +10,6 @@
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "app/library/access_point_printer.h"
-#include "app/library/broker_result.h"
 #include "app/library/vendor_survey.h"
 #include "app/outcome/problem.h"
 #include "app/program/messages.h"
@@ -21,6 +20,8 @@ namespace App {
 
 namespace {
 
+using PrinterDeviceDiscoverSdk::kNothingToCall;
+using PrinterDeviceDiscoverSdk::kNotInitialised;
 using PrinterUtil::WStringToString;
 
 // The entry of a vendor without printers on USB.

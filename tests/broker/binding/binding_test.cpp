@@ -100,7 +100,8 @@ TEST_F(Binding, LogsEveryEntryPointThatAModuleLacksAndKeepsTheVendor) {
     Support({Vendor("alpha", "scripted_none")});
     ScanInterface::GetInstance();
     EXPECT_EQ(TakeLines(), BindingLinesWithoutAnything("alpha"));
-    EXPECT_EQ(ScanInterface::GetInstance().GetDeviceConnectState(DeviceOf("alpha")), -1);
+    EXPECT_EQ(ScanInterface::GetInstance().GetDeviceConnectState(DeviceOf("alpha")),
+              kNothingToCall);
     EXPECT_THAT(TakeLines(), ElementsAre(LineIs(4, "call pFunc is nullptr - fail:",
                                                 "ScanInterface::GetDeviceConnectState")));
 }
@@ -131,7 +132,7 @@ TEST_P(BindingWithout, OneEntryPointLogsThatOneAndBindsTheOthers) {
     const auto expect = [](const std::string& name, int result) {
         return GetParam().name == name ? -1 : result;
     };
-    EXPECT_EQ(scan.StartDeviceScan({nullptr, 0}), -3);
+    EXPECT_EQ(scan.StartDeviceScan({nullptr, 0}), kNoCallback);
     EXPECT_EQ(scan.StopDeviceScan(), expect("StopDeviceScan", 11));
     EXPECT_EQ(scan.GetDeviceConnectState(device), expect("GetDeviceConnectState", 12));
     EXPECT_EQ(scan.BeforeConnectEventNotify(device), expect("BeforeConnectEventNotify", 13));
@@ -163,8 +164,8 @@ TEST_F(Binding, PassesOverAVendorWithoutAModuleAndLogsNothingOfIt) {
              Vendor("gamma", "scripted_all")});
     ScanInterface& scan = ScanInterface::GetInstance();
     EXPECT_EQ(TakeLines(), BindingLines("gamma"));
-    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), -1);
-    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("beta")), -1);
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), kNothingToCall);
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("beta")), kNothingToCall);
     EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("gamma")), 1);
 }
 
@@ -172,7 +173,7 @@ TEST_F(Binding, OfAListWhoseVendorsAreAllPassedOverStillCounts) {
     Support({Vendor("alpha", "no_such_module")});
     ScanInterface& scan = ScanInterface::GetInstance();
     EXPECT_THAT(TakeLines(), IsEmpty());
-    EXPECT_EQ(scan.StopDeviceScan(), -1);
+    EXPECT_EQ(scan.StopDeviceScan(), kNothingToCall);
     EXPECT_THAT(
         TakeLines(),
         ElementsAre(LineIs(1, "Clear info", "ScanInterfaceListener::ClearDeviceCallbackInfo"),
@@ -207,12 +208,12 @@ TEST_F(Binding, WithoutAnyVendorLeavesEveryOperationRefused) {
     ScanInterface& scan = ScanInterface::GetInstance();
     TakeLines();
     const DeviceInfo device = DeviceOf("alpha");
-    EXPECT_EQ(scan.StartDeviceScan({nullptr, 1}), -2);
-    EXPECT_EQ(scan.StopDeviceScan(), -2);
-    EXPECT_EQ(scan.GetDeviceConnectState(device), -2);
-    EXPECT_EQ(scan.BeforeConnectEventNotify(device), -2);
-    EXPECT_EQ(scan.ConnectSuccessNotifyEvent(device), -2);
-    EXPECT_EQ(scan.ConnectFailNotifyEvent(device), -2);
+    EXPECT_EQ(scan.StartDeviceScan({nullptr, 1}), kNotInitialised);
+    EXPECT_EQ(scan.StopDeviceScan(), kNotInitialised);
+    EXPECT_EQ(scan.GetDeviceConnectState(device), kNotInitialised);
+    EXPECT_EQ(scan.BeforeConnectEventNotify(device), kNotInitialised);
+    EXPECT_EQ(scan.ConnectSuccessNotifyEvent(device), kNotInitialised);
+    EXPECT_EQ(scan.ConnectFailNotifyEvent(device), kNotInitialised);
     EXPECT_THAT(TakeLines(),
                 ElementsAre(LineIs(4, "NOINITOK", "ScanInterface::StartDeviceScan"),
                             LineIs(4, "NOINITOK", "ScanInterface::StopDeviceScan"),
@@ -225,10 +226,10 @@ TEST_F(Binding, WithoutAnyVendorLeavesEveryOperationRefused) {
 TEST_F(Binding, WithoutAnyVendorLeavesTheListenerAlone) {
     ScanInterface& scan = ScanInterface::GetInstance();
     ScanInterfaceListener& listener = ScanInterfaceListener::GetInstance();
-    EXPECT_EQ(scan.StartDeviceScan({[](const DeviceInfo*) { return 0; }, 1}), -2);
+    EXPECT_EQ(scan.StartDeviceScan({[](const DeviceInfo*) { return 0; }, 1}), kNotInitialised);
     EXPECT_FALSE(listener.GetDeviceCallbackIsEnable());
     listener.SetDeviceCallbackInfo({[](const DeviceInfo*) { return 0; }, 1});
-    EXPECT_EQ(scan.StopDeviceScan(), -2);
+    EXPECT_EQ(scan.StopDeviceScan(), kNotInitialised);
     EXPECT_TRUE(listener.GetDeviceCallbackIsEnable());
 }
 
@@ -236,7 +237,7 @@ TEST_F(Binding, IsTriedAgainByInit) {
     ScanInterface& scan = ScanInterface::GetInstance();
     EXPECT_FALSE(scan.Init());
     EXPECT_EQ(TakeLines(), EmptyListLines() + EmptyListLines());
-    EXPECT_EQ(scan.StopDeviceScan(), -2);
+    EXPECT_EQ(scan.StopDeviceScan(), kNotInitialised);
     TakeLines();
     Support({Vendor("alpha", "scripted_all")});
     EXPECT_TRUE(scan.Init());
@@ -246,14 +247,14 @@ TEST_F(Binding, IsTriedAgainByInit) {
 
 TEST_F(Binding, ByInitOfAListWhoseVendorsAreAllPassedOverCountsToo) {
     ScanInterface& scan = ScanInterface::GetInstance();
-    EXPECT_EQ(scan.StopDeviceScan(), -2);
+    EXPECT_EQ(scan.StopDeviceScan(), kNotInitialised);
     Support({Vendor("alpha", "no_such_module"), Vendor("beta", "scripted_broken")});
     TakeLines();
     EXPECT_TRUE(scan.Init());
     EXPECT_THAT(TakeLines(), IsEmpty());
-    EXPECT_EQ(scan.StopDeviceScan(), -1);
-    EXPECT_EQ(scan.StartDeviceScan({[](const DeviceInfo*) { return 0; }, 1}), -1);
-    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), -1);
+    EXPECT_EQ(scan.StopDeviceScan(), kNothingToCall);
+    EXPECT_EQ(scan.StartDeviceScan({[](const DeviceInfo*) { return 0; }, 1}), kNothingToCall);
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), kNothingToCall);
 }
 
 TEST_F(Binding, OfAModuleWithoutAHandleFindsNoEntryPoint) {
@@ -261,7 +262,7 @@ TEST_F(Binding, OfAModuleWithoutAHandleFindsNoEntryPoint) {
     Support({Vendor("alpha", "scripted_all"), Vendor("beta", "scripted_all_b")});
     ScanInterface& scan = ScanInterface::GetInstance();
     EXPECT_EQ(TakeLines(), BindingLinesWithoutAnything("alpha") + BindingLines("beta"));
-    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), -1);
+    EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("alpha")), kNothingToCall);
     EXPECT_EQ(scan.GetDeviceConnectState(DeviceOf("beta")), 1);
     EXPECT_EQ(scan.StopDeviceScan(), 0);
 }

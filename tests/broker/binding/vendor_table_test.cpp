@@ -39,7 +39,7 @@ using testing::IsEmpty;
 
 struct ScanEntry {
     HINSTANCE module = nullptr;
-    VENDORSDK_SCAN_ENTRY_POINTS(VENDORSDK_SLOT)
+    BROKER_SCAN_ENTRY_POINTS(BROKER_SLOT)
 };
 static_assert(sizeof(ScanEntry) == 56);
 static_assert(offsetof(ScanEntry, module) == 0 && offsetof(ScanEntry, StartDeviceScan) == 8);
@@ -56,7 +56,7 @@ static_assert(offsetof(ExportedEntry, ConnectFailNotifyEvent) == 48);
 
 struct NetConnEntry {
     HINSTANCE module = nullptr;
-    VENDORSDK_NETCONN_ENTRY_POINTS(VENDORSDK_SLOT)
+    BROKER_NETCONN_ENTRY_POINTS(BROKER_SLOT)
 };
 static_assert(sizeof(NetConnEntry) == 56);
 static_assert(offsetof(NetConnEntry, StartAPWifiScan) == 8);
@@ -68,7 +68,7 @@ static_assert(offsetof(NetConnEntry, IsConnectCurrentWifiAP) == 48);
 
 struct UsbEntry {
     HINSTANCE module = nullptr;
-    VENDORSDK_USB_ENTRY_POINTS(VENDORSDK_SLOT)
+    BROKER_USB_ENTRY_POINTS(BROKER_SLOT)
 };
 static_assert(sizeof(UsbEntry) == 32);
 static_assert(offsetof(UsbEntry, pGetDeviceInfoByUsb) == 8);

@@ -82,7 +82,7 @@ TEST_P(Choice, OfNobodyWhenAllSayNo) {
     NetConnInterface& dispatcher = With({Alpha(), Beta()});
     Answer("scripted_all", 1);
     Answer("scripted_all_b", -2147483647 - 1);
-    EXPECT_EQ(Call(dispatcher), -1);
+    EXPECT_EQ(Call(dispatcher), kNothingToCall);
     EXPECT_EQ(TakeOwnLines(), Beginning() +
                                   Lines({ChooserSaid(3, "call Func ret =1"),
                                          ChooserSaid(3, "call Func ret =-2147483648"),
@@ -92,7 +92,7 @@ TEST_P(Choice, OfNobodyWhenAllSayNo) {
 
 TEST_P(Choice, OfNobodyWhenNobodyCanBeAsked) {
     NetConnInterface& dispatcher = With({Vendor("alpha", "scripted_none")});
-    EXPECT_EQ(Call(dispatcher), -1);
+    EXPECT_EQ(Call(dispatcher), kNothingToCall);
     EXPECT_EQ(TakeOwnLines(), Beginning() +
                                   Lines({ChooserSaid(3, "pFunc is nullptr, err:"),
                                          ChooserSaid(4, "call Func all fail, err:")}) +
@@ -101,7 +101,7 @@ TEST_P(Choice, OfNobodyWhenNobodyCanBeAsked) {
 
 TEST_P(Choice, OfNobodyInAnEmptyTable) {
     NetConnInterface& dispatcher = With({Vendor("alpha", "no_such_module")});
-    EXPECT_EQ(Call(dispatcher), -1);
+    EXPECT_EQ(Call(dispatcher), kNothingToCall);
     EXPECT_EQ(TakeOwnLines(),
               Beginning() + Lines({ChooserSaid(4, "call Func all fail, err:")}) + None());
 }
@@ -125,14 +125,14 @@ TEST_P(Choice, IsMadeAnewEachTime) {
 // The start's line has words of its own for it, and so has IsLocalAreaNetworkOK.
 TEST_P(Choice, OfAVendorThatLacksTheOperation) {
     NetConnInterface& dispatcher = With({AlphaWithout(Name()), Beta()});
-    EXPECT_EQ(Call(dispatcher), -1);
+    EXPECT_EQ(Call(dispatcher), kNothingToCall);
     EXPECT_EQ(TakeOwnLines(), Beginning() + Lines({Said(3, GetParam().missing, Name())}));
     EXPECT_THAT(ScriptedModule("scripted_all_b").Calls(), IsEmpty());
 }
 
 TEST_P(Choice, IsNotMadeWithoutVendors) {
     NetConnInterface& dispatcher = With({});
-    EXPECT_EQ(Call(dispatcher), -2);
+    EXPECT_EQ(Call(dispatcher), kNotInitialised);
     EXPECT_THAT(TakeOwnLines(), ElementsAre(Said(4, "NOINITOK", Name())));
 }
 
@@ -190,7 +190,7 @@ TEST_F(Binding, LogsEachEntryPointThatAVendorLacks) {
 
 TEST_F(Binding, AgainWithInit) {
     NetConnInterface& dispatcher = With({});
-    EXPECT_EQ(dispatcher.StopAPWifiScan(), -2);
+    EXPECT_EQ(dispatcher.StopAPWifiScan(), kNotInitialised);
     EXPECT_FALSE(dispatcher.Init());
     ScriptedVendors::Support({Alpha()});
     EXPECT_TRUE(dispatcher.Init());
@@ -204,7 +204,7 @@ TEST_F(Binding, AgainWithInit) {
 TEST_F(Binding, SharesNothingWithTheScan) {
     With({Alpha()});
     ScriptedVendors::Support({});
-    EXPECT_EQ(ScanInterface::GetInstance().StopDeviceScan(), -2);
+    EXPECT_EQ(ScanInterface::GetInstance().StopDeviceScan(), kNotInitialised);
 }
 
 }  // namespace

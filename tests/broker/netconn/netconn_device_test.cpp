@@ -107,12 +107,12 @@ TEST_F(GetDeviceInfoByNetTest, LeavesTheCallersRecordUntouchedWithoutAVendor) {
     DeviceInfo device;
     std::memset(&device, 0x5A, sizeof device);
     NetConnInterface& dispatcher = With({});
-    EXPECT_EQ(dispatcher.GetDeviceInfoByNet(device), -2);
+    EXPECT_EQ(dispatcher.GetDeviceInfoByNet(device), kNotInitialised);
     ScriptedVendors::Support({AlphaWithout(kName)});
     ASSERT_TRUE(dispatcher.Init());
-    EXPECT_EQ(dispatcher.GetDeviceInfoByNet(device), -1);
+    EXPECT_EQ(dispatcher.GetDeviceInfoByNet(device), kNothingToCall);
     ScriptedModule("scripted_without_GetDeviceInfoByNet").Script("result IsConnectCurrentWifiAP 1");
-    EXPECT_EQ(dispatcher.GetDeviceInfoByNet(device), -1);
+    EXPECT_EQ(dispatcher.GetDeviceInfoByNet(device), kNothingToCall);
     EXPECT_EQ(BytesOf(device), std::string(sizeof device, 0x5A));
 }
 
@@ -146,7 +146,7 @@ TEST_F(IsLocalAreaNetworkOKTest, ReturnsTheVendorsResultUnchanged) {
 TEST_F(IsLocalAreaNetworkOKTest, WithoutAVendorForTheModelAsksNobody) {
     NetConnInterface& dispatcher = With({Alpha()});
     for (const char* model : {"beta", "Alpha", "alph", "alphab", " alpha", ""}) {
-        EXPECT_EQ(dispatcher.IsLocalAreaNetworkOK(DeviceOf(model)), -1) << model;
+        EXPECT_EQ(dispatcher.IsLocalAreaNetworkOK(DeviceOf(model)), kNothingToCall) << model;
         EXPECT_THAT(TakeLines(), ElementsAre(Said(4, "call Func map find fail:", kName)));
     }
     EXPECT_THAT(ScriptedModule("scripted_all").Calls(), IsEmpty());
@@ -154,7 +154,7 @@ TEST_F(IsLocalAreaNetworkOKTest, WithoutAVendorForTheModelAsksNobody) {
 
 TEST_F(IsLocalAreaNetworkOKTest, NamesTheVendorThatLacksIt) {
     NetConnInterface& dispatcher = With({AlphaWithout(kName)});
-    EXPECT_EQ(dispatcher.IsLocalAreaNetworkOK(DeviceOf("alpha")), -1);
+    EXPECT_EQ(dispatcher.IsLocalAreaNetworkOK(DeviceOf("alpha")), kNothingToCall);
     EXPECT_THAT(TakeLines(), ElementsAre(Said(4, "call pFunc is nullptr - fail:alpha", kName)));
 }
 
@@ -183,7 +183,7 @@ TEST_F(IsLocalAreaNetworkOKTest, ReadsNoTextBeyondTheRecord) {
 
 TEST_F(IsLocalAreaNetworkOKTest, WithoutVendorsIsRefused) {
     NetConnInterface& dispatcher = With({});
-    EXPECT_EQ(dispatcher.IsLocalAreaNetworkOK(DeviceOf("alpha")), -2);
+    EXPECT_EQ(dispatcher.IsLocalAreaNetworkOK(DeviceOf("alpha")), kNotInitialised);
     EXPECT_THAT(TakeLines(), ElementsAre(Said(4, "NOINITOK", kName)));
 }
 

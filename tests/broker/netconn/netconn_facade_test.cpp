@@ -91,7 +91,7 @@ TEST_F(NetConnFacade, LogsTheDeviceAndForwardsIt) {
 
 TEST_F(NetConnFacade, SaysItsLinesBeforeTheVendorsAreBound) {
     const char* const name = "IsLocalAreaNetworkOK";
-    EXPECT_EQ(It().IsLocalAreaNetworkOK(DeviceOf("alpha")), -2);
+    EXPECT_EQ(It().IsLocalAreaNetworkOK(DeviceOf("alpha")), kNotInitialised);
     EXPECT_THAT(TakeLines(),
                 ElementsAre(FacadeSaid("deviceSNA1B2C3", name), FacadeSaid("modelIDalpha", name),
                             Said(4, "vendorList is empty. DeleteAllVendor", "GetDeviceFunc"),
@@ -100,11 +100,11 @@ TEST_F(NetConnFacade, SaysItsLinesBeforeTheVendorsAreBound) {
 
 TEST_F(NetConnFacade, IsRefusedWithoutVendorsInEveryOperation) {
     DeviceInfo device{};
-    EXPECT_EQ(It().StartAPWifiScan({Application::OnNetwork, 1}), -2);
-    EXPECT_EQ(It().StopAPWifiScan(), -2);
-    EXPECT_EQ(It().PrinterAPNetConfigEvent(NetworkOf("office")), -2);
-    EXPECT_EQ(It().GetDeviceInfoByNet(device), -2);
-    EXPECT_EQ(It().IsLocalAreaNetworkOK(device), -2);
+    EXPECT_EQ(It().StartAPWifiScan({Application::OnNetwork, 1}), kNotInitialised);
+    EXPECT_EQ(It().StopAPWifiScan(), kNotInitialised);
+    EXPECT_EQ(It().PrinterAPNetConfigEvent(NetworkOf("office")), kNotInitialised);
+    EXPECT_EQ(It().GetDeviceInfoByNet(device), kNotInitialised);
+    EXPECT_EQ(It().IsLocalAreaNetworkOK(device), kNotInitialised);
     const Lines lines = TakeLines();
     EXPECT_EQ(lines.front(), FacadeSaid("StartAPWifiScan", "StartAPWifiScan"));
     EXPECT_EQ(lines.size(), 1u + 1 + 1 + 2 + 3 + 3 + 3);

@@ -64,7 +64,7 @@ TEST_F(StartAPWifiScanTest, DoesNotWaitForTheScan) {
 // Nobody listens, yet the text says that somebody does. A scan that runs is never refused.
 TEST_F(StartAPWifiScanTest, WithoutACallbackSaysThatOneIsEnabled) {
     NetConnInterface& dispatcher = With({Alpha()});
-    EXPECT_EQ(dispatcher.StartAPWifiScan({nullptr, 5}), -3);
+    EXPECT_EQ(dispatcher.StartAPWifiScan({nullptr, 5}), kNoCallback);
     EXPECT_THAT(TakeLines(),
                 ElementsAre(SetLine("5"),
                             Said(4, "GetDeviceCallback Is Enable,please first Stop", kStart)));
@@ -73,14 +73,14 @@ TEST_F(StartAPWifiScanTest, WithoutACallbackSaysThatOneIsEnabled) {
 
 TEST_F(StartAPWifiScanTest, WithoutACallbackIsRefusedBeforeAnyVendorIsAsked) {
     NetConnInterface& dispatcher = With({Vendor("alpha", "no_such_module")});
-    EXPECT_EQ(dispatcher.StartAPWifiScan({nullptr, 5}), -3);
+    EXPECT_EQ(dispatcher.StartAPWifiScan({nullptr, 5}), kNoCallback);
 }
 
 TEST_F(StartAPWifiScanTest, WithoutACallbackLeavesTheNullRegistrationInPlace) {
     NetConnInterface& dispatcher = With({Alpha()});
     ASSERT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 1}), 0);
     ScriptedModule("scripted_all").AwaitCalls(kStart, 1);
-    ASSERT_EQ(dispatcher.StartAPWifiScan({nullptr, 5}), -3);
+    ASSERT_EQ(dispatcher.StartAPWifiScan({nullptr, 5}), kNoCallback);
     EXPECT_FALSE(NetConnInterfaceListener::GetInstance().GetDeviceCallbackIsEnable());
     const VendorSdk::WifiConfigInfo network = VendorNetworkOf("office");
     EXPECT_EQ(ScriptedModule("scripted_all").ReportNetworkNow(&network), 0);
@@ -90,19 +90,19 @@ TEST_F(StartAPWifiScanTest, WithoutACallbackLeavesTheNullRegistrationInPlace) {
 TEST_F(StartAPWifiScanTest, LeavesTheRegistrationInPlaceWhenThereIsNoVendor) {
     NetConnInterface& dispatcher = With({Alpha()});
     Answer("scripted_all", 1);
-    EXPECT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 5}), -1);
+    EXPECT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 5}), kNothingToCall);
     EXPECT_TRUE(NetConnInterfaceListener::GetInstance().GetDeviceCallbackIsEnable());
 }
 
 TEST_F(StartAPWifiScanTest, LeavesTheRegistrationInPlaceWhenTheVendorHasNoScan) {
     NetConnInterface& dispatcher = With({AlphaWithout(kStart)});
-    EXPECT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 5}), -1);
+    EXPECT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 5}), kNothingToCall);
     EXPECT_TRUE(NetConnInterfaceListener::GetInstance().GetDeviceCallbackIsEnable());
 }
 
 TEST_F(StartAPWifiScanTest, WithoutVendorsDoesNotRegister) {
     NetConnInterface& dispatcher = With({});
-    EXPECT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 5}), -2);
+    EXPECT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 5}), kNotInitialised);
     EXPECT_FALSE(NetConnInterfaceListener::GetInstance().GetDeviceCallbackIsEnable());
 }
 
@@ -167,7 +167,7 @@ TEST_F(StopAPWifiScanTest, DropsTheRegistrationEvenWhenItFails) {
     NetConnInterface& dispatcher = With({Alpha()});
     ASSERT_EQ(dispatcher.StartAPWifiScan({Application::OnNetwork, 1}), 0);
     Answer("scripted_all", 1);
-    EXPECT_EQ(dispatcher.StopAPWifiScan(), -1);
+    EXPECT_EQ(dispatcher.StopAPWifiScan(), kNothingToCall);
     EXPECT_FALSE(NetConnInterfaceListener::GetInstance().GetDeviceCallbackIsEnable());
 }
 
@@ -176,7 +176,7 @@ TEST_F(StopAPWifiScanTest, WithoutVendorsLeavesTheRegistrationAlone) {
     NetConnInterfaceListener& listener = NetConnInterfaceListener::GetInstance();
     listener.SetDeviceCallbackInfo({Application::OnNetwork, 1});
     TakeLines();
-    EXPECT_EQ(dispatcher.StopAPWifiScan(), -2);
+    EXPECT_EQ(dispatcher.StopAPWifiScan(), kNotInitialised);
     EXPECT_TRUE(listener.GetDeviceCallbackIsEnable());
     EXPECT_THAT(TakeLines(), ElementsAre(Said(4, "NOINITOK", kStop)));
 }

@@ -89,7 +89,7 @@ TEST_P(DeviceOperation, GoesToTheDevicesVendorAndToNobodyElse) {
 TEST_P(DeviceOperation, WithoutAVendorForTheModelHasNothingToCall) {
     Bind({Vendor("alpha", "scripted_all")});
     for (const char* model : {"beta", "Alpha", "ALPHA", "alph", "alphab", " alpha", "alpha ", ""}) {
-        EXPECT_EQ(Call(DeviceOf(model)), -1) << model;
+        EXPECT_EQ(Call(DeviceOf(model)), kNothingToCall) << model;
         EXPECT_THAT(TakeLines(), ElementsAre(LineIs(4, "call Func map find fail:", Location())));
     }
     EXPECT_THAT(ScriptedModule("scripted_all").Calls(), IsEmpty());
@@ -97,7 +97,7 @@ TEST_P(DeviceOperation, WithoutAVendorForTheModelHasNothingToCall) {
 
 TEST_P(DeviceOperation, ThatTheVendorLacksHasNothingToCall) {
     Bind({Vendor("alpha", "scripted_without_" + Name()), Vendor("beta", "scripted_all")});
-    EXPECT_EQ(Call(DeviceOf("alpha")), -1);
+    EXPECT_EQ(Call(DeviceOf("alpha")), kNothingToCall);
     EXPECT_THAT(TakeLines(), ElementsAre(LineIs(4, "call pFunc is nullptr - fail:", Location())));
     EXPECT_THAT(ScriptedModule("scripted_all").Calls(), IsEmpty());
 }
@@ -170,13 +170,13 @@ TEST_P(DeviceOperation, OfTheFacadeLogsTheDeviceBeforeVendorsAreBound) {
 
 TEST_P(DeviceOperation, OfTheFacadeLogsEmptyTextsToo) {
     Bind({Vendor("alpha", "scripted_all")});
-    EXPECT_EQ(CallFacade(DeviceInfo{}), -1);
+    EXPECT_EQ(CallFacade(DeviceInfo{}), kNothingToCall);
     EXPECT_EQ(TakeLines(),
               FacadeLines("", "") + Lines({LineIs(4, "call Func map find fail:", Location())}));
 }
 
 TEST_P(DeviceOperation, OfTheFacadeIsRefusedLikeTheDispatchers) {
-    EXPECT_EQ(CallFacade(DeviceOf("alpha")), -2);
+    EXPECT_EQ(CallFacade(DeviceOf("alpha")), kNotInitialised);
     EXPECT_EQ(TakeLines(), FacadeLines("A1B2C3", "alpha") +
                                Lines({LineIs(4, "vendorList is empty. DeleteAllVendor",
                                              "ScanInterface::GetDeviceFunc"),
@@ -208,7 +208,7 @@ TEST_P(DeviceOperation, OfTheFreeFunctionsLogsNoLineOfItsOwn) {
         EXPECT_EQ(CallFree(DeviceOf("alpha")), result);
         EXPECT_EQ(TakeLines(), ResultLines(result));
     }
-    EXPECT_EQ(CallFree(DeviceOf("nobody")), -1);
+    EXPECT_EQ(CallFree(DeviceOf("nobody")), kNothingToCall);
 }
 
 TEST_P(DeviceOperation, OfTheFreeFunctionsBindsTheVendors) {

@@ -63,13 +63,13 @@ TEST_F(Facade, MayBeCalledForAStartFirst) {
 
 TEST_F(Facade, ReturnsTheDispatchersRefusals) {
     DiscoverScanInterface& facade = DiscoverScanInterface::GetInstance();
-    EXPECT_EQ(facade.StartDeviceScan({Application::OnDevice, 3}), -2);
-    EXPECT_EQ(facade.StopDeviceScan(), -2);
+    EXPECT_EQ(facade.StartDeviceScan({Application::OnDevice, 3}), kNotInitialised);
+    EXPECT_EQ(facade.StopDeviceScan(), kNotInitialised);
     Support({Vendor("alpha", "scripted_none")});
     ASSERT_TRUE(ScanInterface::GetInstance().Init());
-    EXPECT_EQ(facade.StartDeviceScan({Application::OnDevice, 3}), -1);
-    EXPECT_EQ(facade.StartDeviceScan({nullptr, 3}), -3);
-    EXPECT_EQ(facade.StopDeviceScan(), -1);
+    EXPECT_EQ(facade.StartDeviceScan({Application::OnDevice, 3}), kNothingToCall);
+    EXPECT_EQ(facade.StartDeviceScan({nullptr, 3}), kNoCallback);
+    EXPECT_EQ(facade.StopDeviceScan(), kNothingToCall);
 }
 
 TEST_F(Facade, IsAlwaysTheSame) {
@@ -101,12 +101,12 @@ TEST_F(FreeFunctions, MayBeCalledForAStartFirst) {
 
 TEST_F(FreeFunctions, ReturnWhatTheFacadeReturns) {
     const DeviceCallbackInfo nobody{nullptr, 0};
-    EXPECT_EQ(StartDeviceScan(&nobody), -2);
-    EXPECT_EQ(StopDeviceScan(), -2);
+    EXPECT_EQ(StartDeviceScan(&nobody), kNotInitialised);
+    EXPECT_EQ(StopDeviceScan(), kNotInitialised);
     Support({Vendor("alpha", "scripted_none")});
     ASSERT_TRUE(ScanInterface::GetInstance().Init());
-    EXPECT_EQ(StartDeviceScan(&nobody), -3);
-    EXPECT_EQ(StopDeviceScan(), -1);
+    EXPECT_EQ(StartDeviceScan(&nobody), kNoCallback);
+    EXPECT_EQ(StopDeviceScan(), kNothingToCall);
 }
 
 TEST_F(FreeFunctions, AndTheFacadeServeTheSameScan) {

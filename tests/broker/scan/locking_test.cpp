@@ -98,7 +98,7 @@ TEST_F(Locking, AStopWaitsForAStart) {
     EXPECT_FALSE(IsDone(start));
     release.set_value();
     // The stop has cleared the registration already: the start finds it gone.
-    EXPECT_EQ(start.get(), -3);
+    EXPECT_EQ(start.get(), kNoCallback);
     EXPECT_EQ(stop.get(), 0);
     RecordingLog::OnLine({});
     alpha.AwaitCalls("StartDeviceScan", 1);

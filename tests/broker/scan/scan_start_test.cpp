@@ -115,7 +115,7 @@ TEST_F(StartDeviceScanTest, PassesOverAVendorThatHasNoScan) {
 TEST_F(StartDeviceScanTest, WithoutAnyVendorThatScansRegistersAllTheSame) {
     ScanInterface& scan = ScanWith(
         {Vendor("alpha", "scripted_without_StartDeviceScan"), Vendor("beta", "scripted_none")});
-    EXPECT_EQ(scan.StartDeviceScan({Application::OnDevice, 9}), -1);
+    EXPECT_EQ(scan.StartDeviceScan({Application::OnDevice, 9}), kNothingToCall);
     EXPECT_THAT(TakeLines(),
                 ElementsAre(ClearLine(), SetLine("9"), LineIs(3, "pFunc is nullptr, err:", kStart),
                             LineIs(3, "pFunc is nullptr, err:", kStart)));
@@ -124,7 +124,7 @@ TEST_F(StartDeviceScanTest, WithoutAnyVendorThatScansRegistersAllTheSame) {
 
 TEST_F(StartDeviceScanTest, WithAnEmptyTableRegistersAllTheSame) {
     ScanInterface& scan = ScanWith({Vendor("alpha", "no_such_module")});
-    EXPECT_EQ(scan.StartDeviceScan({Application::OnDevice, 9}), -1);
+    EXPECT_EQ(scan.StartDeviceScan({Application::OnDevice, 9}), kNothingToCall);
     EXPECT_THAT(TakeLines(), ElementsAre(ClearLine(), SetLine("9")));
     EXPECT_TRUE(ScanInterfaceListener::GetInstance().GetDeviceCallbackIsEnable());
 }
@@ -132,7 +132,7 @@ TEST_F(StartDeviceScanTest, WithAnEmptyTableRegistersAllTheSame) {
 TEST_F(StartDeviceScanTest, WithoutACallbackStartsNobody) {
     ScanInterface& scan =
         ScanWith({Vendor("alpha", "scripted_all"), Vendor("beta", "scripted_all_b")});
-    EXPECT_EQ(scan.StartDeviceScan({nullptr, 5}), -3);
+    EXPECT_EQ(scan.StartDeviceScan({nullptr, 5}), kNoCallback);
     EXPECT_THAT(TakeLines(), ElementsAre(ClearLine(), SetLine("5"),
                                          LineIs(4, "GetDeviceCallback Is Not Enable", kStart)));
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -142,19 +142,19 @@ TEST_F(StartDeviceScanTest, WithoutACallbackStartsNobody) {
 
 TEST_F(StartDeviceScanTest, WithoutACallbackIsRefusedEvenWhenNoVendorScans) {
     ScanInterface& scan = ScanWith({Vendor("alpha", "scripted_none")});
-    EXPECT_EQ(scan.StartDeviceScan({nullptr, 5}), -3);
+    EXPECT_EQ(scan.StartDeviceScan({nullptr, 5}), kNoCallback);
 }
 
 TEST_F(StartDeviceScanTest, WithoutACallbackAndWithAnEmptyTableHasNothingToCall) {
     ScanInterface& scan = ScanWith({Vendor("alpha", "no_such_module")});
-    EXPECT_EQ(scan.StartDeviceScan({nullptr, 5}), -1);
+    EXPECT_EQ(scan.StartDeviceScan({nullptr, 5}), kNothingToCall);
     EXPECT_THAT(TakeLines(), ElementsAre(ClearLine(), SetLine("5")));
 }
 
 TEST_F(StartDeviceScanTest, WithoutACallbackReplacesAnEarlierOne) {
     ScanInterface& scan = ScanWith({Vendor("alpha", "scripted_all")});
     ASSERT_EQ(scan.StartDeviceScan({Application::OnDevice, 1}), 0);
-    ASSERT_EQ(scan.StartDeviceScan({nullptr, 1}), -3);
+    ASSERT_EQ(scan.StartDeviceScan({nullptr, 1}), kNoCallback);
     const ScriptedModule module("scripted_all");
     module.AwaitCalls("StartDeviceScan", 1);
     const VendorSdk::DeviceInfo device = VendorDeviceOf("alpha");
@@ -174,7 +174,7 @@ TEST_F(StartDeviceScanTest, EndsWhenTheCallbackGoesBetweenTwoVendors) {
             ScanInterfaceListener::GetInstance().ClearDeviceCallbackInfo();
         }
     });
-    EXPECT_EQ(scan.StartDeviceScan({Application::OnDevice, 1}), -3);
+    EXPECT_EQ(scan.StartDeviceScan({Application::OnDevice, 1}), kNoCallback);
     RecordingLog::OnLine({});
     EXPECT_THAT(TakeOwnLines(),
                 ElementsAre(ClearLine(), SetLine("1"), LineIs(1, "call Func OK", kStart),

@@ -96,15 +96,15 @@ TEST_F(StopDeviceScanTest, KeepsTheResultOfTheLastVendorThatHasAStop) {
 
 TEST_F(StopDeviceScanTest, WithoutAnyVendorThatStopsHasNothingToCall) {
     ScanInterface& scan = ScanWith({Vendor("alpha", "scripted_without_StopDeviceScan")});
-    EXPECT_EQ(scan.StopDeviceScan(), -1);
+    EXPECT_EQ(scan.StopDeviceScan(), kNothingToCall);
     EXPECT_THAT(TakeLines(), ElementsAre(ClearLine(), LineIs(3, "pFunc is nullptr, err:", kStop)));
 }
 
 TEST_F(StopDeviceScanTest, WithAnEmptyTableClearsAllTheSame) {
     ScanInterface& scan = ScanWith({Vendor("alpha", "no_such_module")});
-    ASSERT_EQ(scan.StartDeviceScan({Application::OnDevice, 1}), -1);
+    ASSERT_EQ(scan.StartDeviceScan({Application::OnDevice, 1}), kNothingToCall);
     TakeLines();
-    EXPECT_EQ(scan.StopDeviceScan(), -1);
+    EXPECT_EQ(scan.StopDeviceScan(), kNothingToCall);
     EXPECT_THAT(TakeLines(), ElementsAre(ClearLine()));
     EXPECT_FALSE(ScanInterfaceListener::GetInstance().GetDeviceCallbackIsEnable());
 }

@@ -80,7 +80,7 @@ TEST_F(UsbBinding, LooksForTheWifiScanLast) {
     ScriptedVendors::Support({Vendor("alpha", "scripted_none", kId)});
     It();
     EXPECT_EQ(TakeLines(), NothingBound("alpha"));
-    EXPECT_THAT(EveryResult(), ElementsAre(-1, -1, -1));
+    EXPECT_THAT(EveryResult(), ElementsAre(kNothingToCall, kNothingToCall, kNothingToCall));
 }
 
 struct Missing {
@@ -109,15 +109,15 @@ INSTANTIATE_TEST_SUITE_P(
     Each, UsbBindingWithout,
     testing::Values(
         Missing{"GetDeviceInfoByUsb", "pGetDeviceInfoByUsb is nullptr, err:", {-1, 12, 0}},
-        Missing{"USBWifiScan", "pGetUSBWifiScan is nullptr, err:", {11, -1, 0}},
+        Missing{"USBWifiScan", "pGetUSBWifiScan is nullptr, err:", {11, kNothingToCall, 0}},
         Missing{"PrinterUSBNetConfigEvent",
                 "pPrinterUSBNetConfigEvent is nullptr, err:",
-                {11, 12, -1}}),
+                {11, 12, kNothingToCall}}),
     [](const auto& instance) { return instance.param.name; });
 
 TEST_F(UsbBinding, PassesOverAVendorWithoutAModuleButNotItsIdentifiers) {
     With({Vendor("alpha", "no_such_module", kId), Beta()});
-    EXPECT_EQ(Enumerate(kId), -1);
+    EXPECT_EQ(Enumerate(kId), kNothingToCall);
     EXPECT_EQ(TakeLines().back(), EnumerationSaid(4, "call Func map find fail, err:"));
     EXPECT_EQ(Enumerate(kOtherId), 0);
 }
@@ -126,7 +126,7 @@ TEST_F(UsbBinding, OfAListWhoseVendorsAreAllPassedOverStillCounts) {
     ScriptedVendors::Support({Vendor("alpha", "no_such_module", kId)});
     It();
     EXPECT_THAT(TakeLines(), IsEmpty());
-    EXPECT_THAT(EveryResult(), ElementsAre(-1, -1, -1));
+    EXPECT_THAT(EveryResult(), ElementsAre(kNothingToCall, kNothingToCall, kNothingToCall));
     EXPECT_TRUE(It().Init());
 }
 
@@ -153,7 +153,7 @@ TEST_F(UsbBinding, CutsTheListAtBlanksHoweverManyThereAre) {
     EXPECT_EQ(Enumerate("VID_1234&PID_0002"), 0);
     for (const char* none : {"", " ", "VID_1234&PID_0002 ", " VID_1234&PID_0001",
                              "  VID_1234&PID_0001  VID_1234&PID_0002 "}) {
-        EXPECT_EQ(Enumerate(none), -1) << none;
+        EXPECT_EQ(Enumerate(none), kNothingToCall) << none;
     }
 }
 
@@ -162,7 +162,7 @@ TEST_F(UsbBinding, CutsAtNothingButTheBlank) {
     With({Vendor("alpha", "scripted_all", withOther + " VID_1234&PID_0003")});
     EXPECT_EQ(Enumerate(withOther), 0);
     EXPECT_EQ(Enumerate("VID_1234&PID_0003"), 0);
-    EXPECT_EQ(Enumerate("VID_1234&PID_0001"), -1);
+    EXPECT_EQ(Enumerate("VID_1234&PID_0001"), kNothingToCall);
 }
 
 TEST_F(UsbBinding, TellsIdentifiersApartByteForByte) {
@@ -174,14 +174,14 @@ TEST_F(UsbBinding, TellsIdentifiersApartByteForByte) {
     EXPECT_EQ(Enumerate("VID_1234&PID_ABCD"), 0);
     EXPECT_EQ(Enumerate("VID_1234&PID_ABC"), 0);
     EXPECT_EQ(CallsOf("scripted_all_b"), 2u);
-    EXPECT_EQ(Enumerate("vid_1234&pid_abcd"), -1);
+    EXPECT_EQ(Enumerate("vid_1234&pid_abcd"), kNothingToCall);
 }
 
 TEST_F(UsbBinding, WithoutAnyVendorIsLoggedOnce) {
     It();
     EXPECT_EQ(TakeLines(), Empty("GetDeviceFunc"));
     EXPECT_THAT(ScriptedVendors::Requests(), ElementsAre("GetCurrentSupportList"));
-    EXPECT_THAT(EveryResult(), ElementsAre(-2, -2, -2));
+    EXPECT_THAT(EveryResult(), ElementsAre(kNotInitialised, kNotInitialised, kNotInitialised));
 }
 
 // How a list that has no identifiers looks.
@@ -193,9 +193,10 @@ TEST_P(UsbBindingWithoutIdentifiers, LeavesEveryOperationRefusedAndSaysNothingOf
                               Vendor("gamma", "scripted_all_c", kOtherId)});
     It();
     EXPECT_EQ(TakeLines(), BindingLines("alpha") + BindingLines("beta") + BindingLines("gamma"));
-    EXPECT_THAT(EveryResult(), ElementsAre(-2, -2, -2));
+    EXPECT_THAT(EveryResult(), ElementsAre(kNotInitialised, kNotInitialised, kNotInitialised));
     EXPECT_FALSE(It().Init());
-    EXPECT_THAT(EveryResult("gamma"), ElementsAre(-2, -2, -2));
+    EXPECT_THAT(EveryResult("gamma"),
+                ElementsAre(kNotInitialised, kNotInitialised, kNotInitialised));
     EXPECT_EQ(CallsOf("scripted_all"), 0u);
 }
 
@@ -220,7 +221,7 @@ INSTANTIATE_TEST_SUITE_P(Each, UsbBindingWithoutIdentifiers, testing::Values("",
 TEST_F(UsbBinding, IsTriedAgainByInit) {
     EXPECT_FALSE(It().Init());
     EXPECT_EQ(TakeLines(), Empty("GetDeviceFunc") + Empty("GetDeviceFunc"));
-    EXPECT_EQ(Enumerate(kId), -2);
+    EXPECT_EQ(Enumerate(kId), kNotInitialised);
     TakeLines();
     ScriptedVendors::Support({Alpha()});
     EXPECT_TRUE(It().Init());
@@ -267,7 +268,7 @@ TEST_F(UsbBinding, OfAListThatEmptiesInBetweenIsLoggedUnderTheIdentifiers) {
     It();
     RecordingLog::OnLine({});
     EXPECT_EQ(TakeLines(), BindingLines("alpha") + Empty("GetUsbItemMap"));
-    EXPECT_THAT(EveryResult(), ElementsAre(-2, -2, -2));
+    EXPECT_THAT(EveryResult(), ElementsAre(kNotInitialised, kNotInitialised, kNotInitialised));
 }
 
 TEST_F(UsbBinding, OfTenThousandIdentifiersFindsEach) {
@@ -281,7 +282,7 @@ TEST_F(UsbBinding, OfTenThousandIdentifiersFindsEach) {
     for (const char* id : {"VID_1234&PID_0000", "VID_1234&PID_1388", "VID_1234&PID_270F"}) {
         EXPECT_EQ(Enumerate(id), 0) << id;
     }
-    EXPECT_EQ(Enumerate("VID_1234&PID_2710"), -1);
+    EXPECT_EQ(Enumerate("VID_1234&PID_2710"), kNothingToCall);
 }
 
 }  // namespace

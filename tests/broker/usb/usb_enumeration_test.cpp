@@ -160,14 +160,14 @@ TEST_F(UsbEnumeration, ReturnsTheVendorsFailureUnchangedAndTakesNothing) {
 
 TEST_F(UsbEnumeration, WithoutVendorsIsRefused) {
     With({});
-    EXPECT_EQ(Enumerate(kId), -2);
+    EXPECT_EQ(Enumerate(kId), kNotInitialised);
     EXPECT_THAT(TakeLines(),
                 ElementsAre(EnumerationSaid(3, "STEP1"), EnumerationSaid(4, "NOINITOK")));
 }
 
 TEST_F(UsbEnumeration, OfAnIdentifierThatNobodyListsAsksNobody) {
     With({Alpha()});
-    EXPECT_EQ(Enumerate("VID_1234&PID_abcd"), -1);
+    EXPECT_EQ(Enumerate("VID_1234&PID_abcd"), kNothingToCall);
     EXPECT_THAT(TakeLines(), ElementsAre(EnumerationSaid(3, "STEP1"), EnumerationSaid(3, "STEP2"),
                                          EnumerationSaid(3, "deviceID:VID_1234&PID_abcd"),
                                          EnumerationSaid(1, "usbId:VID_1234&PID_abcd"),
@@ -177,7 +177,7 @@ TEST_F(UsbEnumeration, OfAnIdentifierThatNobodyListsAsksNobody) {
 
 TEST_F(UsbEnumeration, WithoutTheVendorsModuleAsksNobody) {
     With({Vendor("alpha", "no_such_module", kId)});
-    EXPECT_EQ(Enumerate(kId), -1);
+    EXPECT_EQ(Enumerate(kId), kNothingToCall);
     const Lines lines = TakeLines();
     ASSERT_THAT(lines, SizeIs(5));
     EXPECT_EQ(lines[4], EnumerationSaid(4, "call Func map find fail, err:"));
@@ -185,7 +185,7 @@ TEST_F(UsbEnumeration, WithoutTheVendorsModuleAsksNobody) {
 
 TEST_F(UsbEnumeration, WithoutTheVendorsEntryPointAsksNobody) {
     With({AlphaWithout("GetDeviceInfoByUsb")});
-    EXPECT_EQ(Enumerate(kId), -1);
+    EXPECT_EQ(Enumerate(kId), kNothingToCall);
     const Lines lines = TakeLines();
     ASSERT_THAT(lines, SizeIs(5));
     EXPECT_EQ(lines[4], EnumerationSaid(4, "pFunc is nullptr, err:"));
@@ -196,7 +196,7 @@ TEST_F(UsbEnumeration, FailsBeforeAnythingIsAppended) {
         With({Vendor("alpha", "no_such_module", kId), Vendor("beta", "scripted_none", kOtherId)});
     for (const char* id : {"VID_0000&PID_0000", kId, kOtherId}) {
         std::vector<DeviceInfo> devices{DeviceOf("one")};
-        EXPECT_EQ(dispatcher.GetDeviceInfoByUsb(devices, Wide(id)), -1);
+        EXPECT_EQ(dispatcher.GetDeviceInfoByUsb(devices, Wide(id)), kNothingToCall);
         EXPECT_THAT(devices, SizeIs(1));
     }
 }

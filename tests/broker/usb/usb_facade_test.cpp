@@ -281,13 +281,13 @@ TEST_F(UsbPorts, OfWhichNoneSucceedsAreAFailure) {
     ScriptedModule("scripted_all").Script("result GetDeviceInfoByUsb 3");
     ScriptedHost::Plugged({{Wide(kId), {1, 1}}, {Wide(kOtherId), {1, 1}}});
     std::vector<DeviceInfo> devices{DeviceOf("one")};
-    EXPECT_EQ(It().GetDeviceInfoByUsb(devices), -1);
+    EXPECT_EQ(It().GetDeviceInfoByUsb(devices), kVendorFailed);
     EXPECT_THAT(devices, SizeIs(1));
 }
 
 TEST_F(UsbPorts, WithoutAnyAreAFailureForWhichNobodyIsAsked) {
     std::vector<DeviceInfo> devices;
-    EXPECT_EQ(It().GetDeviceInfoByUsb(devices), -1);
+    EXPECT_EQ(It().GetDeviceInfoByUsb(devices), kVendorFailed);
     EXPECT_EQ(TakeLines(), Begins(0));
     EXPECT_THAT(ScriptedVendors::Requests(), IsEmpty());
 }
@@ -296,7 +296,7 @@ TEST_F(UsbPorts, WithoutVendorsAreAFailure) {
     With({});
     ScriptedHost::Plugged({{Wide(kId), {1, 1}}});
     std::vector<DeviceInfo> devices;
-    EXPECT_EQ(It().GetDeviceInfoByUsb(devices), -1);
+    EXPECT_EQ(It().GetDeviceInfoByUsb(devices), kVendorFailed);
     EXPECT_EQ(TakeLines(),
               Begins(1) + Lines({Step("deviceId:" + std::string(kId)), EnumerationSaid(3, "STEP1"),
                                  EnumerationSaid(4, "NOINITOK")}));
@@ -333,11 +333,13 @@ TEST_F(UsbFacade, LogsThePassPhraseInClearAndBeforeTheName) {
 TEST_F(UsbFacade, ReturnsTheResultsOfTheDispatcherUnchanged) {
     With({Alpha()});
     std::vector<WifiConfigInfo> networks;
-    EXPECT_EQ(It().SetDeviceAPNetConfigByUsb(DeviceOf("beta"), NetworkOf("office")), -1);
-    EXPECT_EQ(It().GetUSBWifiScan(DeviceOf("beta"), networks, 0), -1);
+    EXPECT_EQ(It().SetDeviceAPNetConfigByUsb(DeviceOf("beta"), NetworkOf("office")),
+              kNothingToCall);
+    EXPECT_EQ(It().GetUSBWifiScan(DeviceOf("beta"), networks, 0), kNothingToCall);
     ScriptedModule("scripted_all")
         .Script("result PrinterUSBNetConfigEvent 5\nresult USBWifiScan 5");
-    EXPECT_EQ(It().SetDeviceAPNetConfigByUsb(DeviceOf("alpha"), NetworkOf("office")), -1);
+    EXPECT_EQ(It().SetDeviceAPNetConfigByUsb(DeviceOf("alpha"), NetworkOf("office")),
+              kVendorFailed);
     EXPECT_EQ(It().GetUSBWifiScan(DeviceOf("alpha"), networks, 0), 5);
 }
 
@@ -364,7 +366,7 @@ TEST_F(UsbFacade, ReadsTextsWithoutATerminatorNoFurtherThanTheirRecord) {
     Guarded<WifiConfigInfo> network;
     std::memset(&*device, 'd', sizeof *device);
     std::memset(&*network, 'n', sizeof *network);
-    EXPECT_EQ(It().SetDeviceAPNetConfigByUsb(*device, *network), -1);
+    EXPECT_EQ(It().SetDeviceAPNetConfigByUsb(*device, *network), kNothingToCall);
     const Lines lines = TakeLines();
     const char* const name = "SetDeviceAPNetConfigByUsb";
     EXPECT_EQ(lines.at(0), FacadeSaid("deviceSN" + std::string(64 + 32 + 128, 'd'), name));
@@ -375,7 +377,7 @@ TEST_F(UsbFacade, ReadsTextsWithoutATerminatorNoFurtherThanTheirRecord) {
 
 TEST_F(UsbFacade, SaysItsLinesBeforeTheVendorsAreBound) {
     std::vector<WifiConfigInfo> networks;
-    EXPECT_EQ(It().GetUSBWifiScan(DeviceOf("alpha"), networks, 0), -2);
+    EXPECT_EQ(It().GetUSBWifiScan(DeviceOf("alpha"), networks, 0), kNotInitialised);
     EXPECT_THAT(
         TakeLines(),
         ElementsAre(FacadeSaid("deviceSNA1B2C3", "GetUSBWifiScan"),

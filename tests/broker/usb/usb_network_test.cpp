@@ -184,7 +184,7 @@ TEST_F(UsbWifiScan, WithoutAVendorForTheModelAsksNobody) {
     With({Alpha()});
     for (const char* model : {"beta", "Alpha", "alph", "alphab", "alpha ", ""}) {
         std::vector<WifiConfigInfo> networks{NetworkOf("one")};
-        EXPECT_EQ(Scan(networks, model), -1) << model;
+        EXPECT_EQ(Scan(networks, model), kNothingToCall) << model;
         EXPECT_THAT(networks, SizeIs(1));
         EXPECT_THAT(TakeLines(), ElementsAre(Step(3, "STEP1"), Step(3, "STEP2"),
                                              Step(1, std::string("modeid:") + model),
@@ -195,7 +195,7 @@ TEST_F(UsbWifiScan, WithoutAVendorForTheModelAsksNobody) {
 
 TEST_F(UsbWifiScan, WithoutTheVendorsEntryPointAsksNobody) {
     With({AlphaWithout("USBWifiScan")});
-    EXPECT_EQ(Scan(), -1);
+    EXPECT_EQ(Scan(), kNothingToCall);
     EXPECT_THAT(TakeLines(),
                 ElementsAre(Step(3, "STEP1"), Step(3, "STEP2"), Step(1, "modeid:alpha"),
                             Step(4, "call pFunc is nullptr - fail:")));
@@ -204,7 +204,7 @@ TEST_F(UsbWifiScan, WithoutTheVendorsEntryPointAsksNobody) {
 
 TEST_F(UsbWifiScan, WithoutVendorsIsRefused) {
     With({});
-    EXPECT_EQ(Scan(), -2);
+    EXPECT_EQ(Scan(), kNotInitialised);
     EXPECT_THAT(TakeLines(), ElementsAre(Step(3, "STEP1"), Step(4, "NOINITOK")));
 }
 
@@ -276,7 +276,7 @@ TEST_F(UsbNetConfig, FoldsEveryFailureOfTheVendorsIntoOne) {
     for (const int result : {5, 1, -1, -2, -3, 2147483647, -2147483647 - 1}) {
         ScriptedModule("scripted_all")
             .Script("result PrinterUSBNetConfigEvent " + std::to_string(result));
-        EXPECT_EQ(Configure(), -1);
+        EXPECT_EQ(Configure(), kVendorFailed);
         EXPECT_THAT(TakeLines(), ElementsAre(Step(1, "modeid:alpha"),
                                              Step(4, "call Func Fail" + std::to_string(result))));
     }
@@ -293,7 +293,7 @@ TEST_F(UsbNetConfig, GoesToTheVendorOfTheModel) {
 TEST_F(UsbNetConfig, WithoutAVendorForTheModelAsksNobody) {
     With({Alpha()});
     for (const char* model : {"beta", "Alpha", "alph", "alphab", ""}) {
-        EXPECT_EQ(Configure(model), -1) << model;
+        EXPECT_EQ(Configure(model), kNothingToCall) << model;
         EXPECT_THAT(TakeLines(), ElementsAre(Step(1, std::string("modeid:") + model),
                                              Step(4, "call Func map find fail:")));
     }
@@ -302,14 +302,14 @@ TEST_F(UsbNetConfig, WithoutAVendorForTheModelAsksNobody) {
 
 TEST_F(UsbNetConfig, WithoutTheVendorsEntryPointAsksNobody) {
     With({AlphaWithout("PrinterUSBNetConfigEvent")});
-    EXPECT_EQ(Configure(), -1);
+    EXPECT_EQ(Configure(), kNothingToCall);
     EXPECT_THAT(TakeLines(),
                 ElementsAre(Step(1, "modeid:alpha"), Step(4, "call pFunc is nullptr - fail:")));
 }
 
 TEST_F(UsbNetConfig, WithoutVendorsIsRefusedAndSaysNothingElse) {
     With({});
-    EXPECT_EQ(Configure(), -2);
+    EXPECT_EQ(Configure(), kNotInitialised);
     EXPECT_THAT(TakeLines(), ElementsAre(Step(4, "NOINITOK")));
 }
 

@@ -112,7 +112,7 @@ TEST_F(WithoutMemory, AWatchOfAnnouncementsFailsAndSaysSo) {
 
 TEST_F(WithoutMemory, NoNetworksForUsbAreFoundAndTheCallerIsToldWhy) {
     const VendorSdk::DeviceInfo device{};
-    std::vector<VendorSdk::WifiConfigInfo> networks(128);
+    std::vector<VendorSdk::WifiConfigInfo> networks(VendorSdk::kMaxNetworks);
     std::int32_t count = -1;
     const FailingMemory::FailsForOthers memory;
     EXPECT_EQ(USBWifiScan(&device, 0, networks.data(), &count), kNoResources);

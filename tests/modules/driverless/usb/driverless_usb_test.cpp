@@ -38,7 +38,7 @@ using testing::IsEmpty;
 
 constexpr std::uint16_t kVendorId = 0x1209;
 constexpr std::uint16_t kProductId = 0x0001;
-constexpr std::size_t kRoom = 64;
+constexpr std::size_t kRoom = VendorSdk::kMaxDevices;
 constexpr uid_t kNobody = 65534;
 
 struct Look {
