@@ -5,8 +5,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
+#include "app/commands/common_options.h"
 #include "app/items/printer_table.h"
 #include "app/library/access_point_printer.h"
 #include "app/outcome/problem.h"
@@ -23,10 +25,15 @@ namespace {
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 
-ExitStatus Failed(const std::string& what) {
-    Complain(what + "\n" + AdviceToReadLog());
-    return kNoneFound;
-}
+struct ApConfigureOptions {
+    std::string network;
+    PassPhraseOptions passPhrase;
+};
+
+struct ApCheckOptions {
+    std::string serialNumber;  // empty: the printer whose access point the host is joined to
+    std::string vendor;        // empty: all, one after the other
+};
 
 template <std::size_t Size>
 void Fill(char (&field)[Size], const std::string& text, const char* name) {
@@ -45,7 +52,7 @@ DeviceInfo RecordOf(const std::string& serialNumber, const std::string& vendor) 
 }
 
 // The printers to check: one, or one for each vendor.
-std::vector<DeviceInfo> Candidates(const CheckOptions& options) {
+std::vector<DeviceInfo> Candidates(const ApCheckOptions& options) {
     if (!options.vendor.empty()) {
         return {RecordOf(options.serialNumber, options.vendor)};
     }
@@ -74,9 +81,7 @@ void WriteCheck(const Settings& settings, const Printer& printer, int result) {
     }
 }
 
-}  // namespace
-
-ExitStatus AccessPointScan(const Settings& settings, const ScanOptions& options) {
+ExitStatus ScanNetworks(const Settings& settings, const ScanOptions& options) {
     try {
         NetworkScanSession session(settings);
         const auto view = ViewFor<Network>(settings, NetworkJson);
@@ -84,16 +89,17 @@ ExitStatus AccessPointScan(const Settings& settings, const ScanOptions& options)
         if (session.HasEnded()) {
             TellFailures(session.Failures(), isAnyFound && !options.watch);
         }
-        return isAnyFound ? kFound : Failed("no network was reported.");
+        return isAnyFound ? kFound : FailedSeeLog("no network was reported.");
     } catch (const NoScan& noScan) {
-        return Failed("no scan was started: " + noScan.reason);
+        return FailedSeeLog("no scan was started: " + noScan.reason);
     }
 }
 
-ExitStatus AccessPointConfigure(const Settings& settings, const std::string& network,
-                                const PassPhraseOptions& options) {
-    options.Require(settings);
-    const std::shared_ptr<Base::Secret> passPhrase = GetPassPhrase(settings, options, network);
+ExitStatus Configure(const Settings& settings, const ApConfigureOptions& options) {
+    const std::string& network = options.network;
+    options.passPhrase.Require(settings);
+    const std::shared_ptr<Base::Secret> passPhrase =
+        GetPassPhrase(settings, options.passPhrase, network);
     RequirePrinterPassPhrase(*passPhrase);
     const int result = ConfigureNetwork(settings, network, passPhrase);
     if (settings.json) {
@@ -107,26 +113,27 @@ ExitStatus AccessPointConfigure(const Settings& settings, const std::string& net
     const std::string known = IsUnconfirmed(result, {})
                                   ? "it is not known whether the printer is on "
                                   : "the printer was not put on ";
-    return Failed(known + network + ": " +
-                  Explanation(settings, result, "PrinterAPNetConfigEvent"));
+    return FailedSeeLog(known + network + ": " +
+                        Explanation(settings, result, "PrinterAPNetConfigEvent"));
 }
 
-ExitStatus AccessPointInfo(const Settings& settings) {
+ExitStatus ShowApPrinter(const Settings& settings) {
     const DeviceAnswer answer = AskForDevice(settings);
     if (answer.result != 0) {
-        return Failed("no printer: " + Explanation(settings, answer.result, "GetDeviceInfoByNet"));
+        return FailedSeeLog("no printer: " +
+                            Explanation(settings, answer.result, "GetDeviceInfoByNet"));
     }
     WriteItems(settings, std::vector<Printer>{Printer(answer.device)}, PrinterJson);
     return kFound;
 }
 
-ExitStatus AccessPointCheck(const Settings& settings, const CheckOptions& options) {
+ExitStatus CheckPrinter(const Settings& settings, const ApCheckOptions& options) {
     std::vector<DeviceInfo> candidates;
     if (options.serialNumber.empty()) {
         const DeviceAnswer answer = AskForDevice(settings);
         if (answer.result != 0) {
-            return Failed("no printer to ask about: " +
-                          Explanation(settings, answer.result, "GetDeviceInfoByNet"));
+            return FailedSeeLog("no printer to ask about: " +
+                                Explanation(settings, answer.result, "GetDeviceInfoByNet"));
         }
         candidates = {answer.device};
     } else {
@@ -152,7 +159,84 @@ ExitStatus AccessPointCheck(const Settings& settings, const CheckOptions& option
     if (!allAnswered) {
         throw Problem("could not look for the printer on the local network:" + reasons);
     }
-    return Failed("the printer is not on the local network:" + reasons);
+    return FailedSeeLog("the printer is not on the local network:" + reasons);
+}
+
+constexpr const char* kJoinFirst = "This computer must be joined to the printer's own network.";
+
+Command ApScanCommand() {
+    const auto options = std::make_shared<ScanOptions>();
+    Command command{
+        .name = "scan",
+        .summary = "Show the networks that the printer can be put on.",
+        .examples = {{"ap scan", "a live table for 5 seconds"},
+                     {"ap scan --json --watch", "one JSON object per line, until Ctrl-C"}},
+        .details = std::string(kJoinFirst) + "\nEach vendor measures the signal in its own way.",
+        .exitTexts = ExitTexts("at least one network was found",
+                               "no network, or this computer is not on a printer's own network",
+                               "could not run; the vendor could not look for networks"),
+        .run = [options](const Settings& settings) { return ScanNetworks(settings, *options); }};
+    AddScanOptions(command, *options);
+    return command;
+}
+
+Command ApConfigureCommand() {
+    const auto options = std::make_shared<ApConfigureOptions>();
+    Command command{
+        .name = "configure",
+        .summary = "Put the printer on a network.",
+        .examples = {{"ap configure --network Office"},
+                     {"ap configure --network Office --pass-phrase-file office.txt"}},
+        .details = std::string(kJoinFirst) + kPassPhraseDetails,
+        .exitTexts = ExitTexts("the printer was put on the network",
+                               "it was not; or it closed its own network, and whether it joined "
+                               "the other is not known"),
+        .run = [options](const Settings& settings) { return Configure(settings, *options); }};
+    AddNetwork(command, options->network);
+    AddPassPhrase(command, options->passPhrase);
+    return command;
+}
+
+Command ApInfoCommand() {
+    return {.name = "info",
+            .summary = "Show the printer.",
+            .examples = {{"ap info"}, {"ap info --json"}},
+            .details = "Shows the printer whose own network this computer is joined to.",
+            .exitTexts = ExitTexts("there is one", "there is none"),
+            .run = ShowApPrinter};
+}
+
+Command ApCheckCommand() {
+    const auto options = std::make_shared<ApCheckOptions>();
+    Command command{
+        .name = "check",
+        .summary = "Ask whether a printer is on the local network.",
+        .examples = {{"ap check CN12345678", "asks each vendor in turn"},
+                     {"ap check CN12345678 --vendor acme", "asks this vendor only"},
+                     {"ap check", "the printer whose own network this is"}},
+        .details = "A UUID works in place of the serial number if the vendor knows printers by it.",
+        .exitTexts = ExitTexts("the printer is on the local network", "it is not",
+                               "could not run; no vendor could look for the printer"),
+        .run = [options](const Settings& settings) { return CheckPrinter(settings, *options); }};
+    command.AddText("SERIAL", "", options->serialNumber,
+                    "The printer's serial number, or its UUID");
+    command.AddText("--vendor", "ID", options->vendor, "The productId of the printer's vendor")
+        .needs = {"SERIAL"};
+    return command;
+}
+
+}  // namespace
+
+Command AccessPointCommand() {
+    return {.name = "ap",
+            .summary = "Set up a new printer through the printer's own Wi-Fi network.",
+            .examples = {{"ap info", "whose network is this computer joined to?"},
+                         {"ap scan", "which networks does the printer report?"},
+                         {"ap configure --network Office"},
+                         {"ap check CN12345678", "is it on the local network now?"}},
+            .details = "`devicediscover setup` does all of it in one go.",
+            .exitTexts = ExitTexts("found or done", "not found or not done"),
+            .commands = {ApScanCommand(), ApConfigureCommand(), ApInfoCommand(), ApCheckCommand()}};
 }
 
 }  // namespace App

@@ -2,15 +2,11 @@
 
 #pragma once
 
-#include <string>
-
-#include "app/outcome/exit_status.h"
-#include "app/program/settings.h"
+#include "app/commands/command.h"
 
 namespace App {
 
-// Tells whether a host answers at the address; kNoneFound when none does. Throws Problem when no
-// request could be sent.
-ExitStatus Ping(const Settings& settings, const std::string& address);
+// Asks whether a host answers at an address.
+Command PingCommand();
 
 }  // namespace App

@@ -4,9 +4,13 @@
 
 #include <fmt/format.h>
 
+#include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
+#include "app/commands/common_options.h"
+#include "app/dialogue/pass_phrase.h"
 #include "app/dialogue/prompt.h"
 #include "app/library/access_point_printer.h"
 #include "app/library/host_wifi.h"
@@ -20,6 +24,16 @@
 namespace App {
 
 namespace {
+
+struct SetupOptions {
+    bool usb = false;             // over USB, not through the printer's access point
+    std::string usbSerialNumber;  // empty: the only printer that is plugged in
+    std::string network;          // empty: the user picks from a list
+    PassPhraseOptions passPhrase;
+    bool noRejoin = false;  // the host does not join the network
+    Seconds listTime{5};    // how long to look for networks to offer
+    Seconds timeout{60};    // how long to look for the printer afterwards
+};
 
 constexpr int kJoinAttempts = 3;
 constexpr auto kJoinPause = std::chrono::seconds(2);
@@ -289,8 +303,6 @@ void RequirePick(const Settings& settings) {
     }
 }
 
-}  // namespace
-
 ExitStatus Setup(const Settings& settings, const SetupOptions& options) {
     options.passPhrase.Require(settings);
     if (options.network.empty()) {
@@ -298,6 +310,67 @@ ExitStatus Setup(const Settings& settings, const SetupOptions& options) {
     }
     CancelOnInterrupt();
     return Journey(settings, options).Run();
+}
+
+constexpr const char* kSetupDetails =
+    R"(First join this computer to the new printer's own network: `devicediscover wifi
+list` shows it, `devicediscover wifi join NAME` joins it. With --usb plug the
+printer in instead; this computer stays on its network, which should be the one
+that the printer will use.
+
+The steps are: which printer; which network, picked from a list on a terminal;
+its pass phrase; putting the printer on it; joining this computer to it; finding
+the printer there. A step that fails says what to do. Ctrl-C stops at any step.
+If one of the last two steps fails, this computer returns to the network it was
+on, provided that network is open or saved, and in range.
+
+With --json each step is an object when it starts and when it ends, and questions
+go to standard error.
+
+Printers may share a serial number. The vendor decides whether this printer is on
+the network. If several with its number were found, all their places are shown;
+the JSON key is then "printers" instead of "printer". A printer may have another
+serial number on the network than on USB: then the vendor's answer is enough, no
+place is shown, and JSON has neither key.)";
+
+}  // namespace
+
+Command SetupCommand() {
+    const auto options = std::make_shared<SetupOptions>();
+    Command command{
+        .name = "setup",
+        .summary = "Put a new printer on a Wi-Fi network, and find it there.",
+        .examples = {{"setup", "asks for network and pass phrase"},
+                     {"setup --network Office --pass-phrase-file office.txt --json"},
+                     {"setup --no-rejoin", "this computer does not change its network"},
+                     {"setup --usb", "the printer is on a USB cable"},
+                     {"setup --usb CN12345678", "one of several on USB"}},
+        .details = std::string(kSetupDetails) + kPassPhraseDetails,
+        .exitTexts = {{kFound, "the printer was found on the network"},
+                      {kNoneFound, "a step failed or was interrupted"},
+                      {kUsage, "wrong arguments, or a pass phrase too long for a printer"},
+                      {kCouldNotRun,
+                       "could not run: no vendor can do it, no vendor looks for the "
+                       "printer any more, or a file cannot be read"}},
+        .run = [options](const Settings& settings) { return Setup(settings, *options); }};
+    Option usb{"--usb", "SERIAL",
+               "The printer is on USB, not on Wi-Fi; its serial number or place, if several are "
+               "plugged in",
+               [options](const std::string& serialNumber) -> std::string {
+                   options->usb = true;
+                   options->usbSerialNumber = serialNumber;
+                   return {};
+               }};
+    usb.isValueOptional = true;
+    command.options.push_back(std::move(usb));
+    command.AddText("--network", "NAME", options->network, "The network to put the printer on",
+                    CheckNetworkName);
+    AddPassPhrase(command, options->passPhrase);
+    command.AddFlag("--no-rejoin", options->noRejoin, "Do not join this computer to that network");
+    command.AddSeconds("--timeout", options->timeout, "How long to look for the printer there");
+    command.AddSeconds("--seconds", options->listTime, "How long to look for networks").excludes = {
+        "--usb"};
+    return command;
 }
 
 }  // namespace App

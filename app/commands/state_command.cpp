@@ -5,9 +5,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "DeviceDiscover/results.h"
+#include "app/commands/common_options.h"
 #include "app/items/printer_table.h"
 #include "app/library/scan_session.h"
 #include "app/library/vendor_survey.h"
@@ -24,6 +28,12 @@ namespace App {
 namespace {
 
 using Clock = PrinterList::Clock;
+
+struct StateOptions {
+    std::string serialNumber;
+    std::string address;  // chooses among printers with this number; empty: any
+    Seconds time{5};      // how long to look for the printer
+};
 
 constexpr int kReady = 1;
 constexpr auto kPatienceWithOthers = std::chrono::milliseconds(500);
@@ -118,8 +128,6 @@ ExitStatus NotClear(const StateOptions& options, const std::vector<Printer>& pri
     return kNoneFound;
 }
 
-}  // namespace
-
 ExitStatus State(const Settings& settings, const StateOptions& options) {
     ScanSession session(settings);
     PrinterList& list = session.Printers();
@@ -151,6 +159,33 @@ ExitStatus State(const Settings& settings, const StateOptions& options) {
     const std::string line = settings.json ? StateJson(printer, state) : StateLine(printer, state);
     WriteOutput(line + "\n");
     return kFound;
+}
+
+constexpr const char* kStateDetails =
+    R"(If several printers share the serial number they are listed and the exit status
+is 1; choose one with --address.)";
+
+}  // namespace
+
+Command StateCommand() {
+    const auto options = std::make_shared<StateOptions>();
+    Command command{
+        .name = "state",
+        .summary = "Find one printer and ask its vendor whether it can take a job.",
+        .examples = {{"state CN12345678", "find it, then ask its vendor"},
+                     {"state CN12345678 --seconds 30 --json"},
+                     {"state CN12345678 --address 192.168.1.20"}},
+        .details = kStateDetails,
+        .exitTexts = ExitTexts("the printer was found, whatever its state",
+                               "not found, or several have the serial number"),
+        .run = [options](const Settings& settings) { return State(settings, *options); }};
+    command.AddText("SERIAL", "", options->serialNumber, "The printer's serial number").isRequired =
+        true;
+    command.AddText("--address", "ADDRESS", options->address,
+                    "The printer's address, if several printers have that serial number: as "
+                    "`devicediscover scan` shows it");
+    command.AddSeconds("--seconds", options->time, "How long to look for it");
+    return command;
 }
 
 }  // namespace App

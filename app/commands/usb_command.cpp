@@ -2,6 +2,11 @@
 
 #include "app/commands/usb_command.h"
 
+#include <memory>
+#include <string>
+
+#include "app/commands/common_options.h"
+#include "app/dialogue/pass_phrase.h"
 #include "app/library/usb/usb_device.h"
 #include "app/library/usb/usb_watch_session.h"
 #include "app/output/item_output.h"
@@ -14,14 +19,20 @@ namespace App {
 
 namespace {
 
-ExitStatus Failed(const std::string& what) {
-    Complain(what + "\n" + AdviceToReadLog());
-    return kNoneFound;
-}
+struct UsbNetworksOptions {
+    std::string serialNumber;  // empty: the only one that is plugged in
+    int option = 0;            // for the printer's vendor
+};
+
+struct UsbConfigureOptions {
+    std::string serialNumber;  // empty: the only one that is plugged in
+    std::string network;
+    PassPhraseOptions passPhrase;
+};
 
 // Runs `work` on the printer if it is plugged in.
 template <class Work>
-ExitStatus With(const Settings& settings, const std::string& serialNumber, Work work) {
+ExitStatus WithPrinter(const Settings& settings, const std::string& serialNumber, Work work) {
     try {
         return work(FindPluggedIn(settings, serialNumber));
     } catch (const NoUsbPrinter& none) {
@@ -30,13 +41,14 @@ ExitStatus With(const Settings& settings, const std::string& serialNumber, Work 
     }
 }
 
-ExitStatus ShowNetworks(const Settings& settings, const UsbPrinter& printer, int option) {
+ExitStatus ShowNetworksOf(const Settings& settings, const UsbPrinter& printer, int option) {
     const NetworksAnswer answer = NetworksSeenBy(settings, printer, option);
     if (answer.result != 0) {
-        return Failed("no networks: " + UsbExplanation(printer, answer.result, "USBWifiScan"));
+        return FailedSeeLog("no networks: " +
+                            UsbExplanation(printer, answer.result, "USBWifiScan"));
     }
     if (answer.networks.empty()) {
-        return Failed(
+        return FailedSeeLog(
             "the printer reports no network.\nName one all the same: `devicediscover usb configure "
             "--network NAME`." +
             AboutNoNetworks(printer));
@@ -45,8 +57,8 @@ ExitStatus ShowNetworks(const Settings& settings, const UsbPrinter& printer, int
     return kFound;
 }
 
-ExitStatus Configure(const Settings& settings, const UsbPrinter& printer,
-                     const UsbConfigureOptions& options) {
+ExitStatus ConfigureOverUsb(const Settings& settings, const UsbPrinter& printer,
+                            const UsbConfigureOptions& options) {
     const std::string& network = options.network;
     const std::shared_ptr<Base::Secret> passPhrase =
         GetPassPhrase(settings, options.passPhrase, network);
@@ -58,12 +70,12 @@ ExitStatus Configure(const Settings& settings, const UsbPrinter& printer,
         WriteOutput("the printer was put on " + DisplayText(network) + "\n");
     }
     return result == 0 ? kFound
-                       : Failed("the printer was not put on " + network + ": " +
-                                UsbExplanation(printer, result, "PrinterUSBNetConfigEvent"));
+                       : FailedSeeLog("the printer was not put on " + network + ": " +
+                                      UsbExplanation(printer, result, "PrinterUSBNetConfigEvent"));
 }
 
 // Says that printers already plugged in are not reported, so that the user does not wait for them.
-void TellWhatIsThere(std::size_t count) {
+void WarnAboutPluggedIn(std::size_t count) {
     if (count > 0) {
         Complain(CountOf<Printer>(count) + (count == 1 ? " is" : " are") +
                  " plugged in already, and not shown; `devicediscover usb ports` shows " +
@@ -83,12 +95,10 @@ void RequireAnswers(const UsbWatchSession& session) {
     WarnOfAll(session.Unanswered(false));
 }
 
-}  // namespace
-
-ExitStatus UsbList(const Settings& settings) {
+ExitStatus ShowInstalled(const Settings& settings) {
     const std::vector<InstalledPrinter> printers = InstalledPrinters(settings);
     if (printers.empty()) {
-        return Failed(
+        return FailedSeeLog(
             "no USB printer is installed on this computer.\n"
             "`devicediscover usb ports` shows those that are plugged in.");
     }
@@ -96,7 +106,7 @@ ExitStatus UsbList(const Settings& settings) {
     return kFound;
 }
 
-ExitStatus UsbPorts(const Settings& settings) {
+ExitStatus ShowPluggedIn(const Settings& settings) {
     const PluggedPrinters plugged = PrintersPluggedIn(settings);
     if (plugged.printers.empty()) {
         Complain(NoneIsPluggedIn(plugged));
@@ -107,9 +117,9 @@ ExitStatus UsbPorts(const Settings& settings) {
     return kFound;
 }
 
-ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options) {
+ExitStatus WatchUsb(const Settings& settings, const ScanOptions& options) {
     UsbWatchSession session(settings);
-    TellWhatIsThere(CountPluggedIn(session.ThereBefore()));
+    WarnAboutPluggedIn(CountPluggedIn(session.ThereBefore()));
     const auto view = ViewFor<Arrival>(settings, ArrivalJson);
     const bool isAnyReported = RunScan(session, *view, options);
     WarnOfAll(session.Unreported());
@@ -118,21 +128,166 @@ ExitStatus UsbWatch(const Settings& settings, const ScanOptions& options) {
         return kFound;
     }
     RequireAnswers(session);
-    return Failed(
+    return FailedSeeLog(
         "no printer was plugged in that a vendor reports.\n`devicediscover usb ports` shows those "
         "that were there already.");
 }
 
-ExitStatus UsbNetworks(const Settings& settings, const UsbNetworksOptions& options) {
-    return With(settings, options.serialNumber, [&](const UsbPrinter& printer) {
-        return ShowNetworks(settings, printer, options.option);
+ExitStatus ShowNetworksSeen(const Settings& settings, const UsbNetworksOptions& options) {
+    return WithPrinter(settings, options.serialNumber, [&](const UsbPrinter& printer) {
+        return ShowNetworksOf(settings, printer, options.option);
     });
 }
 
-ExitStatus UsbConfigure(const Settings& settings, const UsbConfigureOptions& options) {
+ExitStatus ConfigureUsbPrinter(const Settings& settings, const UsbConfigureOptions& options) {
     options.passPhrase.Require(settings);
-    return With(settings, options.serialNumber,
-                [&](const UsbPrinter& printer) { return Configure(settings, printer, options); });
+    return WithPrinter(settings, options.serialNumber, [&](const UsbPrinter& printer) {
+        return ConfigureOverUsb(settings, printer, options);
+    });
+}
+
+void AddUsbSerialNumber(Command& command, std::string& serialNumber) {
+    command.AddText("SERIAL", "", serialNumber,
+                    "The printer's serial number, or its place on USB; not needed if only one "
+                    "printer is plugged in",
+                    [](const std::string& text) {
+                        return text.empty()
+                                   ? "the serial number is empty; leave it out for the only printer"
+                                   : "";
+                    });
+}
+
+Command UsbListCommand() {
+    return {.name = "list",
+            .summary = "Show the USB printers that are installed on this computer.",
+            .examples = {{"usb list"}, {"usb list --json | jq 'select(.onNetwork == false)'"}},
+            .details =
+                R"(Shows the installed USB printers, plugged in or not: serial number, model, and
+whether the printer is installed over the network, too:
+  yes  an installed network printer has the same serial number
+  no   no installed network printer is known to have that serial number
+  -    the USB printer's own serial number is not known (in JSON: null)
+Most print spoolers do not know the serial numbers of network printers; the
+spooler of Windows never does. When the output is not a terminal, columns are
+separated by tabs.)",
+            .exitTexts = ExitTexts("at least one is installed", "none is installed",
+                                   "could not run; the print spooler does not answer"),
+            .run = ShowInstalled};
+}
+
+Command UsbPortsCommand() {
+    return {.name = "ports",
+            .summary = "Show the printers that are plugged in.",
+            .examples = {{"usb ports"}, {"usb ports --json | jq -r .serialNumber"}},
+            .details =
+                R"(Shows serial number, make and model, place on USB, and vendor, as the printer's
+vendor reports them. A printer without a serial number may have its place
+instead, such as usb:1-4, also in JSON; the place changes when the printer is
+plugged in elsewhere.
+
+A warning names each printer that no vendor reports, with the USB identifier to
+put into the vendor list.)",
+            .exitTexts = ExitTexts("at least one is plugged in",
+                                   "no vendor reports a printer that is plugged in",
+                                   "could not run; the system cannot say what is plugged in"),
+            .run = ShowPluggedIn};
+}
+
+Command UsbWatchCommand() {
+    const auto options = std::make_shared<ScanOptions>(ScanOptions{Seconds(0), true});
+    Command command{
+        .name = "watch",
+        .summary = "Show printers as they are plugged in from now on.",
+        .examples = {{"usb watch", "until Ctrl-C"},
+                     {"usb watch --seconds 60"},
+                     {"usb watch --json | jq -r .serialNumber"}},
+        .details =
+            R"(Shows each printer about a second after it is plugged in: time (in JSON: UTC),
+serial number, make and model, place on USB, and vendor. When a printer is
+plugged in again it is shown again, and so are the others of its model. Printers
+that were plugged in before are only counted, on standard error.
+
+Warnings at the end name the models that no vendor reports, and the vendors that
+have not answered within --vendor-seconds. If the system's device service says
+nothing, the kernel's own events are used, and a warning says so.)",
+        .exitTexts = ExitTexts("a printer was plugged in", "none was plugged in",
+                               "could not watch; or nothing was reported, and a vendor has not "
+                               "answered"),
+        .run = [options](const Settings& settings) { return WatchUsb(settings, *options); }};
+    command
+        .AddSeconds(
+            "--seconds",
+            [options](Seconds time) {
+                *options = {time, false};
+            },
+            "How long to watch")
+        .standard = "until Ctrl-C";
+    return command;
+}
+
+Command UsbNetworksCommand() {
+    const auto options = std::make_shared<UsbNetworksOptions>();
+    Command command{
+        .name = "networks",
+        .summary = "Show the networks that a printer on USB can be put on.",
+        .examples = {{"usb networks", "the only printer that is plugged in"},
+                     {"usb networks CN12345678"},
+                     {"usb networks usb:1-4", "the printer at that place"},
+                     {"usb networks --json | jq -r .network"}},
+        .details =
+            R"(Shows name and signal. Each vendor measures the signal in its own way; some
+vendors report the networks in range of this computer. `devicediscover usb ports`
+shows serial numbers and places. When the output is not a terminal, columns are
+separated by tabs.)",
+        .exitTexts = ExitTexts("at least one network", "no network, or no such printer"),
+        .run = [options](const Settings& settings) {
+            return ShowNetworksSeen(settings, *options);
+        }};
+    AddUsbSerialNumber(command, options->serialNumber);
+    command.AddWholeNumber("--option", options->option,
+                           "A whole number for the printer's vendor, which decides what it means");
+    return command;
+}
+
+Command UsbConfigureCommand() {
+    const auto options = std::make_shared<UsbConfigureOptions>();
+    Command command{
+        .name = "configure",
+        .summary = "Put a printer on USB on a network.",
+        .examples = {{"usb configure CN12345678 --network Office"},
+                     {"usb configure --network Office --pass-phrase-file office.txt"},
+                     {"usb configure usb:1-4 --network Guests --open"}},
+        .details =
+            std::string(
+                R"(`devicediscover usb ports` shows serial numbers and places. `devicediscover setup
+--usb` also finds the printer on the network afterwards.)") +
+            kPassPhraseDetails,
+        .exitTexts = ExitTexts("the printer was put on the network",
+                               "it was not, or there is no such printer"),
+        .run = [options](const Settings& settings) {
+            return ConfigureUsbPrinter(settings, *options);
+        }};
+    AddUsbSerialNumber(command, options->serialNumber);
+    AddNetwork(command, options->network);
+    AddPassPhrase(command, options->passPhrase);
+    return command;
+}
+
+}  // namespace
+
+Command UsbCommand() {
+    return {.name = "usb",
+            .summary = "Printers on USB.",
+            .examples = {{"usb list", "which of them is not on the network?"},
+                         {"usb ports", "what is plugged in?"},
+                         {"usb watch", "what is plugged in from now on?"},
+                         {"usb networks CN12345678", "which networks does that printer see?"},
+                         {"usb configure CN12345678 --network Office"}},
+            .details =
+                R"(`devicediscover setup --usb` puts a printer on a network and finds it there.)",
+            .exitTexts = ExitTexts("found or done", "not found or not done"),
+            .commands = {UsbListCommand(), UsbPortsCommand(), UsbWatchCommand(),
+                         UsbNetworksCommand(), UsbConfigureCommand()}};
 }
 
 }  // namespace App

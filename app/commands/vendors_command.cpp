@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "app/commands/common_options.h"
 #include "app/outcome/problem.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
@@ -64,8 +65,6 @@ void AddUseless(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modul
     }
 }
 
-}  // namespace
-
 ExitStatus Vendors(const Settings& settings) {
     const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
     if (list.vendors.empty()) {
@@ -103,6 +102,28 @@ ExitStatus Vendors(const Settings& settings) {
         return kNoneFound;
     }
     return kFound;
+}
+
+constexpr const char* kVendorsDetails =
+    R"(The vendor list is the file of --vendors, else the file that the environment
+variable DEVICEDISCOVER_VENDORS names, else vendors.json in your configuration
+folder, else the list beside the library.
+
+Lines that begin with "hint:" show exports that resemble a missing entry point.)";
+
+}  // namespace
+
+Command VendorsCommand() {
+    return {.name = "vendors",
+            .summary = "Show each supported vendor, its modules and their entry points.",
+            .examples = {{"vendors"},
+                         {"vendors --vendors ./vendors.json"},
+                         {"vendors --json | jq '.modules[].problem'"}},
+            .details = kVendorsDetails,
+            .exitTexts = ExitTexts("at least one module could be loaded",
+                                   "a loaded module exports no entry point",
+                                   "could not run; no module could be loaded"),
+            .run = Vendors};
 }
 
 }  // namespace App

@@ -2,6 +2,10 @@
 
 #include "app/commands/wifi_command.h"
 
+#include <memory>
+#include <string>
+
+#include "app/commands/common_options.h"
 #include "app/library/host_wifi.h"
 #include "app/outcome/problem.h"
 #include "app/output/item_output.h"
@@ -14,7 +18,8 @@ namespace App {
 
 namespace {
 
-ExitStatus Show(const Settings& settings, const HostNetworks& found, const std::string& none) {
+ExitStatus ShowHostNetworks(const Settings& settings, const HostNetworks& found,
+                            const std::string& none) {
     const auto& [networks, problem] = found;
     if (networks.empty() && problem.kind != PRINTER_WIFI_DONE) {
         throw Problem("could not look for networks: " + problem.reason + ".");
@@ -27,20 +32,19 @@ ExitStatus Show(const Settings& settings, const HostNetworks& found, const std::
     return kFound;
 }
 
-}  // namespace
-
-ExitStatus WifiList(const Settings& settings) {
-    return Show(settings, NetworksInRange(settings),
-                "no network is in range, or this computer has no Wi-Fi that could tell.");
+ExitStatus ShowInRange(const Settings& settings) {
+    return ShowHostNetworks(
+        settings, NetworksInRange(settings),
+        "no network is in range, or this computer has no Wi-Fi that could tell.");
 }
 
-ExitStatus WifiOffer(const Settings& settings) {
-    return Show(settings, NetworksToOffer(settings),
-                "no network in range is one that a printer can be put on; "
-                "`devicediscover wifi list` shows all.");
+ExitStatus ShowOffered(const Settings& settings) {
+    return ShowHostNetworks(settings, NetworksToOffer(settings),
+                            "no network in range is one that a printer can be put on; "
+                            "`devicediscover wifi list` shows all.");
 }
 
-ExitStatus WifiCurrent(const Settings& settings) {
+ExitStatus ShowCurrent(const Settings& settings) {
     const AccessPoint joined = CurrentAccessPoint(settings);
     if (joined.problem.HidesTheAnswer()) {
         throw Problem("it is not known which Wi-Fi network this computer is on: " +
@@ -62,7 +66,7 @@ ExitStatus WifiCurrent(const Settings& settings) {
     return kFound;
 }
 
-ExitStatus WifiJoin(const Settings& settings, const std::string& network,
+ExitStatus JoinWifi(const Settings& settings, const std::string& network,
                     const PassPhraseOptions& options) {
     options.Require(settings);
     const auto [joined, problem] =
@@ -79,6 +83,74 @@ ExitStatus WifiJoin(const Settings& settings, const std::string& network,
                  AdviceToReadLog());
     }
     return joined ? kFound : kNoneFound;
+}
+
+struct WifiJoinOptions {
+    std::string network;
+    PassPhraseOptions passPhrase;
+};
+
+Command WifiJoinCommand() {
+    const auto options = std::make_shared<WifiJoinOptions>();
+    Command command{
+        .name = "join",
+        .summary = "JoinWifi this computer to a network.",
+        .examples = {{"wifi join Office"},
+                     {"wifi join Office --pass-phrase-file office.txt"},
+                     {"wifi join Guests --open"}},
+        .details =
+            std::string(
+                R"(If this computer cannot join the network, or you press Ctrl-C, it returns to the
+network it was on, provided that network is open or saved, and in range.)") +
+            kPassPhraseDetails,
+        .exitTexts = ExitTexts("joined", "not joined"),
+        .run = [options](const Settings& settings) {
+            return JoinWifi(settings, options->network, options->passPhrase);
+        }};
+    command.AddText("NAME", "", options->network, "The network's name", CheckHostNetworkName)
+        .isRequired = true;
+    AddPassPhrase(command, options->passPhrase);
+    return command;
+}
+
+}  // namespace
+
+Command WifiCommand() {
+    const Command list{
+        .name = "list",
+        .summary = "ShowHostNetworks the networks in range.",
+        .examples = {{"wifi list"}, {"wifi list --json | jq -r .network"}},
+        .details =
+            R"(Shows each network's name, signal (0 to 100) and protection, and whether a
+printer can be put on it. A network that hides its name is shown as -. When the
+output is not a terminal, columns are separated by tabs.)",
+        .exitTexts = ExitTexts("at least one network is in range", "no network is in range"),
+        .run = ShowInRange};
+    const Command offer{
+        .name = "offer",
+        .summary = "ShowHostNetworks the networks that a printer can be put on.",
+        .examples = {{"wifi offer", "the networks to offer for a printer"}},
+        .details = "Shows those of `devicediscover wifi list` that a printer can be put on.",
+        .exitTexts = ExitTexts("there is at least one", "there is none"),
+        .run = ShowOffered};
+    const Command current{
+        .name = "current",
+        .summary = "ShowHostNetworks the network that this computer is joined to.",
+        .examples = {{"wifi current"}, {"wifi current --json | jq -r .network"}},
+        .details =
+            R"(Shows the network's name, the access point's hardware address and this computer's
+interface, separated by tabs.)",
+        .exitTexts = ExitTexts("joined to a network", "joined to none",
+                               "could not run; the system's Wi-Fi service does not run or does "
+                               "not answer"),
+        .run = ShowCurrent};
+    return {.name = "wifi",
+            .summary = "This computer's own Wi-Fi.",
+            .examples = {{"wifi list", "networks in range of this computer"},
+                         {"wifi current", "which of them it is joined to"},
+                         {"wifi join Office", "asks for the pass phrase"}},
+            .exitTexts = ExitTexts("found or done", "not found or not done"),
+            .commands = {list, offer, current, WifiJoinCommand()}};
 }
 
 }  // namespace App

@@ -55,6 +55,11 @@ std::string AdviceToReadLog() {
                              "); --log-level warning shows it as it happens.";
 }
 
+ExitStatus FailedSeeLog(const std::string& what) {
+    Complain(what + "\n" + AdviceToReadLog());
+    return kNoneFound;
+}
+
 std::string AdviceAfterScan() {
     const std::string log = LogFile();
     return (log.empty() ? "There is no log of what each vendor did"

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "app/outcome/exit_status.h"
+
 namespace App {
 
 // Write to standard error, preceded by the program's name. The text may contain a device's text.
@@ -25,6 +27,9 @@ std::string Lines(const std::vector<std::string>& problems);
 
 // Advice on where the log explains a failure, and how to show it.
 std::string AdviceToReadLog();
+
+// Complains with that advice. Returns kNoneFound.
+ExitStatus FailedSeeLog(const std::string& what);
 
 // Advice for a scan that has found less than expected.
 std::string AdviceAfterScan();

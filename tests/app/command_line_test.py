@@ -25,14 +25,15 @@ class CommandLine(AppTest):
                 self.assert_status(result, FOUND)
                 self.assert_mentions(result.output, "Usage: devicediscover", "Examples:",
                                      "devicediscover " + " ".join(command),
-                                     "Exit status: 0 found, 1 none found, 2 wrong arguments, "
-                                     "3 could not run.")
+                                     "Exit status:\n  0  ", "\n  2  wrong arguments\n",
+                                     "\n  3  could not run")
                 self.assertEqual(result.errors, "")
 
     def test_help_names_each_option(self):
         result = self.run_app("scan", "--help")
-        self.assert_mentions(result.output, "--seconds N", "--watch", "--json", "--vendors FILE",
-                             "--log-level LEVEL", "--log-file FILE")
+        self.assert_mentions(" ".join(result.output.split()), "--seconds N", "--watch", "--json",
+                             "--vendors FILE", "--log-level LEVEL", "--log-file FILE",
+                             "(default 5)", "trace, debug, info, warning, error or off")
 
     def test_version(self):
         result = self.run_app("--version")

@@ -80,7 +80,7 @@ class Scan(AppTest):
         self.assertEqual([line.split("\t")[2] for line in result.output.splitlines()],
                          ["192.0.2.1", "192.0.2.2"])
         self.assert_mentions(self.run_app("scan", "--help", listed=False).output,
-                             "changes its address while the scan goes on is shown at both")
+                             "changes its address during the scan is shown at both")
 
     def test_news_about_a_printer_is_another_line(self):
         self.script("interval 200", device("SN1", model="Fake 1"), device("SN1", model="Fake 1"),

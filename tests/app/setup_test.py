@@ -367,8 +367,8 @@ class SetupArguments(SetupTest):
         self.assert_status(result, FOUND)
         self.assert_mentions(result.output, "--network NAME", "--pass-phrase-file FILE", "--open",
                              "--no-rejoin", "--timeout N", "(default 60)", "Examples:",
-                             "Exit status: 0 the printer was found", "1 a step failed",
-                             "2 wrong arguments", "3 could not")
+                             "Exit status:\n  0  the printer was found", "1  a step failed",
+                             "2  wrong arguments", "3  could not")
 
 
 class SetupOnTerminal(SetupTest):

@@ -78,8 +78,8 @@ class UsbList(UsbTest):
 
     def test_help_says_that_no_means_not_known(self):
         text = " ".join(self.run_app("usb", "list", "--help", listed=False).output.split())
-        self.assert_mentions(text, "no: none of the installed network printers is known to have "
-                                   "that serial number", "that of Windows never does")
+        self.assert_mentions(text, "no no installed network printer is known to have that serial "
+                                   "number", "spooler of Windows never does")
 
     def test_it_needs_no_vendor(self):
         self.list_file = self.vendor_list([])
@@ -223,7 +223,7 @@ class UsbPorts(UsbTest):
 
     def test_help_says_what_stands_where_there_is_no_serial_number(self):
         text = " ".join(self.run_app("usb", "ports", "--help", listed=False).output.split())
-        self.assert_mentions(text, "without a serial number may have its place instead", "in JSON")
+        self.assert_mentions(text, "without a serial number may have its place instead", "also in JSON")
 
     def test_none_at_all(self):
         for script, host, saying in (
@@ -801,7 +801,7 @@ class UsbArguments(UsbTest):
                                   (["--json", "list"], "'--json' stands before the command"),
                                   (["watch", "--seconds", "0"], "0.1 to 86400"),
                                   (["networks", ""], "serial number is empty"),
-                                  (["networks", "--option", "x"], "'x' is no whole number"),
+                                  (["networks", "--option", "x"], "'x' is not a whole number"),
                                   (["configure", "SN1", "--open"], "--network"),
                                   (["configure", "--network", "", "--open"], "empty"),
                                   (["configure", "--network", "n" * 128, "--open"], "128 bytes"),
