@@ -25,9 +25,9 @@ ExitStatus WrongArguments(const ParsedArguments& parsed, const std::string& expl
 
 // Reports why the command could not run; with --json also on standard output, if it still has a
 // reader.
-ExitStatus CouldNotRun(const Settings& settings, const std::string& problem) {
+ExitStatus CouldNotRun(const std::string& problem) {
     Complain(problem);
-    if (settings.json) {
+    if (WritesJson()) {
         try {
             WriteOutput(ProblemJson(problem) + "\n");
         } catch (const OutputClosed&) {
@@ -45,14 +45,14 @@ ExitStatus Run(const ParsedArguments& parsed, const Settings& settings) {
         if (settings.json) {
             ReportCrashesInJson();
         }
-        return parsed.command->run(settings);
+        return parsed.command->run();
     } catch (const Interrupted&) {
         Complain("interrupted.");
         return kNoneFound;
     } catch (const WrongInput& problem) {
         return WrongArguments(parsed, problem.what());
     } catch (const Problem& problem) {
-        return CouldNotRun(settings, problem.what());
+        return CouldNotRun(problem.what());
     }
 }
 

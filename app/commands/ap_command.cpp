@@ -15,6 +15,7 @@
 #include "app/output/item_output.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/terminal/console.h"
 #include "app/terminal/text.h"
 #include "host/PrinterUtil/vendor_list.h"
@@ -72,8 +73,8 @@ void TellFailures(const std::vector<std::string>& failures, bool counts) {
     WarnOfAll(failures);
 }
 
-void WriteCheck(const Settings& settings, const Printer& printer, int result) {
-    if (settings.json) {
+void WriteCheck(const Printer& printer, int result) {
+    if (WritesJson()) {
         WriteOutput(CheckJson(printer, result, IsAnswer(result, printer.vendor)) + "\n");
     } else if (result == 0) {
         WriteOutput(fmt::format("{} is on the local network (vendor {})\n",
@@ -81,10 +82,10 @@ void WriteCheck(const Settings& settings, const Printer& printer, int result) {
     }
 }
 
-ExitStatus ScanNetworks(const Settings& settings, const ScanOptions& options) {
+ExitStatus ScanNetworks(const ScanOptions& options) {
     try {
-        NetworkScanSession session(settings);
-        const auto view = ViewFor<Network>(settings, NetworkJson);
+        NetworkScanSession session;
+        const auto view = ViewFor<Network>(NetworkJson);
         const bool isAnyFound = RunScan(session, *view, options);
         if (session.HasEnded()) {
             TellFailures(session.Failures(), isAnyFound && !options.watch);
@@ -95,14 +96,13 @@ ExitStatus ScanNetworks(const Settings& settings, const ScanOptions& options) {
     }
 }
 
-ExitStatus Configure(const Settings& settings, const ApConfigureOptions& options) {
+ExitStatus Configure(const ApConfigureOptions& options) {
     const std::string& network = options.network;
-    options.passPhrase.Require(settings);
-    const std::shared_ptr<Base::Secret> passPhrase =
-        GetPassPhrase(settings, options.passPhrase, network);
+    options.passPhrase.Require();
+    const std::shared_ptr<Base::Secret> passPhrase = GetPassPhrase(options.passPhrase, network);
     RequirePrinterPassPhrase(*passPhrase);
-    const int result = ConfigureNetwork(settings, network, passPhrase);
-    if (settings.json) {
+    const int result = ConfigureNetwork(network, passPhrase);
+    if (WritesJson()) {
         WriteOutput(ConfigureJson(network, result) + "\n");
     } else if (result == 0) {
         WriteOutput("the printer was put on " + DisplayText(network) + "\n");
@@ -113,27 +113,25 @@ ExitStatus Configure(const Settings& settings, const ApConfigureOptions& options
     const std::string known = IsUnconfirmed(result, {})
                                   ? "it is not known whether the printer is on "
                                   : "the printer was not put on ";
-    return FailedSeeLog(known + network + ": " +
-                        Explanation(settings, result, "PrinterAPNetConfigEvent"));
+    return FailedSeeLog(known + network + ": " + Explanation(result, "PrinterAPNetConfigEvent"));
 }
 
-ExitStatus ShowApPrinter(const Settings& settings) {
-    const DeviceAnswer answer = AskForDevice(settings);
+ExitStatus ShowApPrinter() {
+    const DeviceAnswer answer = AskForDevice();
     if (answer.result != 0) {
-        return FailedSeeLog("no printer: " +
-                            Explanation(settings, answer.result, "GetDeviceInfoByNet"));
+        return FailedSeeLog("no printer: " + Explanation(answer.result, "GetDeviceInfoByNet"));
     }
-    WriteItems(settings, std::vector<Printer>{Printer(answer.device)}, PrinterJson);
+    WriteItems(std::vector<Printer>{Printer(answer.device)}, PrinterJson);
     return kFound;
 }
 
-ExitStatus CheckPrinter(const Settings& settings, const ApCheckOptions& options) {
+ExitStatus CheckPrinter(const ApCheckOptions& options) {
     std::vector<DeviceInfo> candidates;
     if (options.serialNumber.empty()) {
-        const DeviceAnswer answer = AskForDevice(settings);
+        const DeviceAnswer answer = AskForDevice();
         if (answer.result != 0) {
             return FailedSeeLog("no printer to ask about: " +
-                                Explanation(settings, answer.result, "GetDeviceInfoByNet"));
+                                Explanation(answer.result, "GetDeviceInfoByNet"));
         }
         candidates = {answer.device};
     } else {
@@ -143,18 +141,17 @@ ExitStatus CheckPrinter(const Settings& settings, const ApCheckOptions& options)
     bool allAnswered = true;
     for (const DeviceInfo& candidate : candidates) {
         const Printer printer(candidate);
-        const int result = CheckLocalNetwork(settings, candidate);
-        WriteCheck(settings, printer, result);
+        const int result = CheckLocalNetwork(candidate);
+        WriteCheck(printer, result);
         if (result == 0) {
             return kFound;
         }
         allAnswered = allAnswered && IsAnswer(result, printer.vendor);
-        reasons +=
-            fmt::format("\n  vendor {}: {}", printer.vendor,
-                        Explanation(settings, result, "IsLocalAreaNetworkOK", printer.vendor));
+        reasons += fmt::format("\n  vendor {}: {}", printer.vendor,
+                               Explanation(result, "IsLocalAreaNetworkOK", printer.vendor));
     }
     if (candidates.empty()) {
-        Explanation(settings, -1, "IsLocalAreaNetworkOK");
+        Explanation(-1, "IsLocalAreaNetworkOK");
     }
     if (!allAnswered) {
         throw Problem("could not look for the printer on the local network:" + reasons);
@@ -175,7 +172,7 @@ Command ApScanCommand() {
         .exitTexts = ExitTexts("at least one network was found",
                                "no network, or this computer is not on a printer's own network",
                                "could not run; the vendor could not look for networks"),
-        .run = [options](const Settings& settings) { return ScanNetworks(settings, *options); }};
+        .run = [options] { return ScanNetworks(*options); }};
     AddScanOptions(command, *options);
     return command;
 }
@@ -191,7 +188,7 @@ Command ApConfigureCommand() {
         .exitTexts = ExitTexts("the printer was put on the network",
                                "it was not; or it closed its own network, and whether it joined "
                                "the other is not known"),
-        .run = [options](const Settings& settings) { return Configure(settings, *options); }};
+        .run = [options] { return Configure(*options); }};
     AddNetwork(command, options->network);
     AddPassPhrase(command, options->passPhrase);
     return command;
@@ -217,7 +214,7 @@ Command ApCheckCommand() {
         .details = "A UUID works in place of the serial number if the vendor knows printers by it.",
         .exitTexts = ExitTexts("the printer is on the local network", "it is not",
                                "could not run; no vendor could look for the printer"),
-        .run = [options](const Settings& settings) { return CheckPrinter(settings, *options); }};
+        .run = [options] { return CheckPrinter(*options); }};
     command.AddText("SERIAL", "", options->serialNumber,
                     "The printer's serial number, or its UUID");
     command.AddText("--vendor", "ID", options->vendor, "The productId of the printer's vendor")

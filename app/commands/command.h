@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "app/outcome/exit_status.h"
-#include "app/program/settings.h"
 
 namespace App {
 
@@ -56,7 +55,7 @@ struct Command {
     // Paragraphs, in lines of 80 columns at most; lines that begin with a space stay as they are.
     std::string details = {};
     std::vector<ExitText> exitTexts = {};
-    std::function<ExitStatus(const Settings&)> run = {};
+    std::function<ExitStatus()> run = {};
     std::vector<Option> options = {};
     std::vector<Command> commands = {};
 

@@ -3,6 +3,7 @@
 #include "app/commands/common_options.h"
 
 #include "app/items/network.h"
+#include "app/program/settings.h"
 
 namespace App {
 

@@ -12,6 +12,7 @@
 #include "app/outcome/problem.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/running/awaiting.h"
 #include "app/terminal/console.h"
 #include "host/PrinterDiscoverAPI/ping_report.h"
@@ -32,15 +33,15 @@ PingReport Ask(const std::string& address) {
     return PrinterDiscoverAPI::DescribePing(address, milliseconds);
 }
 
-ExitStatus Ping(const Settings& settings, const std::string& address) {
+ExitStatus Ping(const std::string& address) {
     const PingReport report =
-        Await<PingReport>(settings, "Asking " + address, [address] { return Ask(address); });
+        Await<PingReport>("Asking " + address, [address] { return Ask(address); });
     if (report.outcome == PingOutcome::kNotAsked) {
         throw Problem(address + " could not be asked: " + report.problem +
                       "\nWhether a printer is there is not known.");
     }
     const bool answers = report.outcome == PingOutcome::kAnswered;
-    if (settings.json) {
+    if (WritesJson()) {
         WriteOutput(PingJson(address, answers) + "\n");
     } else if (answers) {
         WriteOutput(address + " answers\n");
@@ -82,7 +83,7 @@ Command PingCommand() {
         .details = "Sends a few pings and waits 0.1 seconds for each answer. One answer is enough.",
         .exitTexts = ExitTexts("the address answers", "no answer",
                                "could not run; this computer or this user cannot send pings"),
-        .run = [address](const Settings& settings) { return Ping(settings, *address); }};
+        .run = [address] { return Ping(*address); }};
     command.AddText("ADDRESS", "", *address, "Its IPv4 address, such as 192.168.1.20", CheckAddress)
         .isRequired = true;
     return command;

@@ -14,9 +14,9 @@ namespace App {
 
 namespace {
 
-ExitStatus Scan(const Settings& settings, const ScanOptions& options) {
-    ScanSession session(settings);
-    const auto view = ViewFor<Printer>(settings, PrinterJson);
+ExitStatus Scan(const ScanOptions& options) {
+    ScanSession session;
+    const auto view = ViewFor<Printer>(PrinterJson);
     const bool isAnyFound = RunScan(session, *view, options);
     if (session.HasEnded()) {
         if (!isAnyFound || options.watch) {
@@ -50,18 +50,17 @@ with a warning. A second Ctrl-C ends the program at once.)";
 
 Command ScanCommand() {
     const auto options = std::make_shared<ScanOptions>();
-    Command command{
-        .name = "scan",
-        .summary = "Look for printers and show them as they are found.",
-        .examples = {{"scan", "a live table for 5 seconds"},
-                     {"scan --seconds 30", "give slow printers more time"},
-                     {"scan --watch", "until Ctrl-C"},
-                     {"scan --json | jq .address"},
-                     {"scan --vendors ./vendors.json --log-level debug"}},
-        .details = kScanDetails,
-        .exitTexts = ExitTexts("at least one printer was found", "no printer was found",
-                               "could not run; no vendor could look"),
-        .run = [options](const Settings& settings) { return Scan(settings, *options); }};
+    Command command{.name = "scan",
+                    .summary = "Look for printers and show them as they are found.",
+                    .examples = {{"scan", "a live table for 5 seconds"},
+                                 {"scan --seconds 30", "give slow printers more time"},
+                                 {"scan --watch", "until Ctrl-C"},
+                                 {"scan --json | jq .address"},
+                                 {"scan --vendors ./vendors.json --log-level debug"}},
+                    .details = kScanDetails,
+                    .exitTexts = ExitTexts("at least one printer was found", "no printer was found",
+                                           "could not run; no vendor could look"),
+                    .run = [options] { return Scan(*options); }};
     AddScanOptions(command, *options);
     return command;
 }

@@ -73,12 +73,10 @@ std::string IsOn(const std::string& network, const Printer& printer,
 // Runs one set-up, step by step.
 class Journey {
 public:
-    Journey(const Settings& appSettings, const SetupOptions& setupOptions)
-        : settings(appSettings),
-          options(setupOptions),
-          progress(appSettings),
-          route(setupOptions.usb ? UsbRoute(appSettings, setupOptions.usbSerialNumber)
-                                 : AccessPointRoute(appSettings, setupOptions.listTime)) {}
+    explicit Journey(const SetupOptions& setupOptions)
+        : options(setupOptions),
+          route(setupOptions.usb ? UsbRoute(setupOptions.usbSerialNumber)
+                                 : AccessPointRoute(setupOptions.listTime)) {}
 
     ExitStatus Run();
 
@@ -97,7 +95,6 @@ private:
     std::string WayBack() const;
     const char* WasPutOn() const { return unconfirmed ? "was given" : "was put on"; }
 
-    const Settings& settings;
     const SetupOptions& options;
     SetupProgress progress;
     const std::unique_ptr<SetupRoute> route;
@@ -140,7 +137,7 @@ std::string Journey::WayBack() const {
 void Journey::Steps() {
     const Printer printer = WhichPrinter();
     if (route->LeavesNetwork() && !options.noRejoin) {
-        RememberNetwork(settings);
+        RememberNetwork();
     }
     const std::string network = WhichNetwork();
     std::shared_ptr<Base::Secret> passPhrase = WhichPassPhrase(network);
@@ -176,7 +173,7 @@ std::string Journey::WhichNetwork() {
 
 std::shared_ptr<Base::Secret> Journey::WhichPassPhrase(const std::string& network) {
     progress.Begin(SetupStep::PassPhrase);
-    std::shared_ptr<Base::Secret> passPhrase = GetPassPhrase(settings, options.passPhrase, network);
+    std::shared_ptr<Base::Secret> passPhrase = GetPassPhrase(options.passPhrase, network);
     RequirePrinterPassPhrase(*passPhrase);
     progress.Done(passPhrase->View().empty() ? "None: the network is open" : "Given");
     return passPhrase;
@@ -231,11 +228,11 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Sec
 JoinOutcome Journey::Join(const std::string& network,
                           const std::shared_ptr<Base::Secret>& passPhrase) {
     for (int attempt = 1;; ++attempt) {
-        if (CurrentAccessPoint(settings).network == network) {
+        if (CurrentAccessPoint().network == network) {
             return {true, {}};
         }
         leftFor = network;
-        JoinOutcome outcome = JoinNetwork(settings, network, passPhrase);
+        JoinOutcome outcome = JoinNetwork(network, passPhrase);
         if (outcome.joined || attempt == kJoinAttempts) {
             return outcome;
         }
@@ -247,7 +244,7 @@ JoinOutcome Journey::Join(const std::string& network,
 
 void Journey::Find(const std::string& network, const Printer& printer) {
     progress.Begin(SetupStep::Find);
-    const SearchOutcome outcome = SearchPrinter(settings, printer, options.timeout);
+    const SearchOutcome outcome = SearchPrinter(printer, options.timeout);
     const std::string places = PlacesOf(outcome.printers);
     if (!outcome.isOnNetwork && !outcome.failures.empty()) {
         throw Problem(
@@ -294,8 +291,8 @@ std::string Journey::StateOfThings() const {
         "The printer {} the network: `devicediscover scan` on that network shows it.", WasPutOn());
 }
 
-void RequirePick(const Settings& settings) {
-    const std::string obstacle = ObstacleToAsking(settings);
+void RequirePick() {
+    const std::string obstacle = ObstacleToAsking();
     if (!obstacle.empty()) {
         throw WrongInput("there is no terminal to pick the network on: " + obstacle +
                          "\nName it with --network NAME; `devicediscover ap scan` and "
@@ -303,13 +300,13 @@ void RequirePick(const Settings& settings) {
     }
 }
 
-ExitStatus Setup(const Settings& settings, const SetupOptions& options) {
-    options.passPhrase.Require(settings);
+ExitStatus Setup(const SetupOptions& options) {
+    options.passPhrase.Require();
     if (options.network.empty()) {
-        RequirePick(settings);
+        RequirePick();
     }
     CancelOnInterrupt();
-    return Journey(settings, options).Run();
+    return Journey(options).Run();
 }
 
 constexpr const char* kSetupDetails =
@@ -352,7 +349,7 @@ Command SetupCommand() {
                       {kCouldNotRun,
                        "could not run: no vendor can do it, no vendor looks for the "
                        "printer any more, or a file cannot be read"}},
-        .run = [options](const Settings& settings) { return Setup(settings, *options); }};
+        .run = [options] { return Setup(*options); }};
     Option usb{"--usb", "SERIAL",
                "The printer is on USB, not on Wi-Fi; its serial number or place, if several are "
                "plugged in",

@@ -18,6 +18,7 @@
 #include "app/outcome/problem.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/running/awaiting.h"
 #include "app/terminal/console.h"
 #include "app/terminal/text.h"
@@ -128,8 +129,8 @@ ExitStatus NotClear(const StateOptions& options, const std::vector<Printer>& pri
     return kNoneFound;
 }
 
-ExitStatus State(const Settings& settings, const StateOptions& options) {
-    ScanSession session(settings);
+ExitStatus State(const StateOptions& options) {
+    ScanSession session;
     PrinterList& list = session.Printers();
     WaitForOne(session, options);
     if (options.address.empty() && !Matches(list, options).empty()) {
@@ -152,11 +153,11 @@ ExitStatus State(const Settings& settings, const StateOptions& options) {
         auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
         return discovery.GetDeviceConnectState(device);
     };
-    const int state = Await(settings, "Asking the printer's vendor for its state", work);
+    const int state = Await("Asking the printer's vendor for its state", work);
     if (state == PrinterDeviceDiscoverSdk::kNothingToCall) {
         RequireAnswer(printer);
     }
-    const std::string line = settings.json ? StateJson(printer, state) : StateLine(printer, state);
+    const std::string line = WritesJson() ? StateJson(printer, state) : StateLine(printer, state);
     WriteOutput(line + "\n");
     return kFound;
 }
@@ -169,16 +170,15 @@ is 1; choose one with --address.)";
 
 Command StateCommand() {
     const auto options = std::make_shared<StateOptions>();
-    Command command{
-        .name = "state",
-        .summary = "Find one printer and ask its vendor whether it can take a job.",
-        .examples = {{"state CN12345678", "find it, then ask its vendor"},
-                     {"state CN12345678 --seconds 30 --json"},
-                     {"state CN12345678 --address 192.168.1.20"}},
-        .details = kStateDetails,
-        .exitTexts = ExitTexts("the printer was found, whatever its state",
-                               "not found, or several have the serial number"),
-        .run = [options](const Settings& settings) { return State(settings, *options); }};
+    Command command{.name = "state",
+                    .summary = "Find one printer and ask its vendor whether it can take a job.",
+                    .examples = {{"state CN12345678", "find it, then ask its vendor"},
+                                 {"state CN12345678 --seconds 30 --json"},
+                                 {"state CN12345678 --address 192.168.1.20"}},
+                    .details = kStateDetails,
+                    .exitTexts = ExitTexts("the printer was found, whatever its state",
+                                           "not found, or several have the serial number"),
+                    .run = [options] { return State(*options); }};
     command.AddText("SERIAL", "", options->serialNumber, "The printer's serial number").isRequired =
         true;
     command.AddText("--address", "ADDRESS", options->address,

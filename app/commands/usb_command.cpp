@@ -12,6 +12,7 @@
 #include "app/output/item_output.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/terminal/console.h"
 #include "app/terminal/text.h"
 
@@ -32,17 +33,17 @@ struct UsbConfigureOptions {
 
 // Runs `work` on the printer if it is plugged in.
 template <class Work>
-ExitStatus WithPrinter(const Settings& settings, const std::string& serialNumber, Work work) {
+ExitStatus WithPrinter(const std::string& serialNumber, Work work) {
     try {
-        return work(FindPluggedIn(settings, serialNumber));
+        return work(FindPluggedIn(serialNumber));
     } catch (const NoUsbPrinter& none) {
         Complain(none.reason);
         return kNoneFound;
     }
 }
 
-ExitStatus ShowNetworksOf(const Settings& settings, const UsbPrinter& printer, int option) {
-    const NetworksAnswer answer = NetworksSeenBy(settings, printer, option);
+ExitStatus ShowNetworksOf(const UsbPrinter& printer, int option) {
+    const NetworksAnswer answer = NetworksSeenBy(printer, option);
     if (answer.result != 0) {
         return FailedSeeLog("no networks: " +
                             UsbExplanation(printer, answer.result, "USBWifiScan"));
@@ -53,18 +54,16 @@ ExitStatus ShowNetworksOf(const Settings& settings, const UsbPrinter& printer, i
             "--network NAME`." +
             AboutNoNetworks(printer));
     }
-    WriteItems(settings, answer.networks, NetworkJson);
+    WriteItems(answer.networks, NetworkJson);
     return kFound;
 }
 
-ExitStatus ConfigureOverUsb(const Settings& settings, const UsbPrinter& printer,
-                            const UsbConfigureOptions& options) {
+ExitStatus ConfigureOverUsb(const UsbPrinter& printer, const UsbConfigureOptions& options) {
     const std::string& network = options.network;
-    const std::shared_ptr<Base::Secret> passPhrase =
-        GetPassPhrase(settings, options.passPhrase, network);
+    const std::shared_ptr<Base::Secret> passPhrase = GetPassPhrase(options.passPhrase, network);
     RequirePrinterPassPhrase(*passPhrase);
-    const int result = ConfigureNetwork(settings, printer, network, passPhrase);
-    if (settings.json) {
+    const int result = ConfigureNetwork(printer, network, passPhrase);
+    if (WritesJson()) {
         WriteOutput(UsbConfigureJson(printer, network, result) + "\n");
     } else if (result == 0) {
         WriteOutput("the printer was put on " + DisplayText(network) + "\n");
@@ -95,32 +94,32 @@ void RequireAnswers(const UsbWatchSession& session) {
     WarnOfAll(session.Unanswered(false));
 }
 
-ExitStatus ShowInstalled(const Settings& settings) {
-    const std::vector<InstalledPrinter> printers = InstalledPrinters(settings);
+ExitStatus ShowInstalled() {
+    const std::vector<InstalledPrinter> printers = InstalledPrinters();
     if (printers.empty()) {
         return FailedSeeLog(
             "no USB printer is installed on this computer.\n"
             "`devicediscover usb ports` shows those that are plugged in.");
     }
-    WriteItems(settings, printers, InstalledPrinterJson);
+    WriteItems(printers, InstalledPrinterJson);
     return kFound;
 }
 
-ExitStatus ShowPluggedIn(const Settings& settings) {
-    const PluggedPrinters plugged = PrintersPluggedIn(settings);
+ExitStatus ShowPluggedIn() {
+    const PluggedPrinters plugged = PrintersPluggedIn();
     if (plugged.printers.empty()) {
         Complain(NoneIsPluggedIn(plugged));
         return kNoneFound;
     }
-    WriteItems(settings, plugged.printers, UsbPrinterJson);
+    WriteItems(plugged.printers, UsbPrinterJson);
     WarnOfAll(plugged.problems);
     return kFound;
 }
 
-ExitStatus WatchUsb(const Settings& settings, const ScanOptions& options) {
-    UsbWatchSession session(settings);
+ExitStatus WatchUsb(const ScanOptions& options) {
+    UsbWatchSession session;
     WarnAboutPluggedIn(CountPluggedIn(session.ThereBefore()));
-    const auto view = ViewFor<Arrival>(settings, ArrivalJson);
+    const auto view = ViewFor<Arrival>(ArrivalJson);
     const bool isAnyReported = RunScan(session, *view, options);
     WarnOfAll(session.Unreported());
     if (isAnyReported) {
@@ -133,16 +132,16 @@ ExitStatus WatchUsb(const Settings& settings, const ScanOptions& options) {
         "that were there already.");
 }
 
-ExitStatus ShowNetworksSeen(const Settings& settings, const UsbNetworksOptions& options) {
-    return WithPrinter(settings, options.serialNumber, [&](const UsbPrinter& printer) {
-        return ShowNetworksOf(settings, printer, options.option);
+ExitStatus ShowNetworksSeen(const UsbNetworksOptions& options) {
+    return WithPrinter(options.serialNumber, [&](const UsbPrinter& printer) {
+        return ShowNetworksOf(printer, options.option);
     });
 }
 
-ExitStatus ConfigureUsbPrinter(const Settings& settings, const UsbConfigureOptions& options) {
-    options.passPhrase.Require(settings);
-    return WithPrinter(settings, options.serialNumber, [&](const UsbPrinter& printer) {
-        return ConfigureOverUsb(settings, printer, options);
+ExitStatus ConfigureUsbPrinter(const UsbConfigureOptions& options) {
+    options.passPhrase.Require();
+    return WithPrinter(options.serialNumber, [&](const UsbPrinter& printer) {
+        return ConfigureOverUsb(printer, options);
     });
 }
 
@@ -213,7 +212,7 @@ nothing, the kernel's own events are used, and a warning says so.)",
         .exitTexts = ExitTexts("a printer was plugged in", "none was plugged in",
                                "could not watch; or nothing was reported, and a vendor has not "
                                "answered"),
-        .run = [options](const Settings& settings) { return WatchUsb(settings, *options); }};
+        .run = [options] { return WatchUsb(*options); }};
     command
         .AddSeconds(
             "--seconds",
@@ -240,9 +239,7 @@ vendors report the networks in range of this computer. `devicediscover usb ports
 shows serial numbers and places. When the output is not a terminal, columns are
 separated by tabs.)",
         .exitTexts = ExitTexts("at least one network", "no network, or no such printer"),
-        .run = [options](const Settings& settings) {
-            return ShowNetworksSeen(settings, *options);
-        }};
+        .run = [options] { return ShowNetworksSeen(*options); }};
     AddUsbSerialNumber(command, options->serialNumber);
     command.AddWholeNumber("--option", options->option,
                            "A whole number for the printer's vendor, which decides what it means");
@@ -264,9 +261,7 @@ Command UsbConfigureCommand() {
             kPassPhraseDetails,
         .exitTexts = ExitTexts("the printer was put on the network",
                                "it was not, or there is no such printer"),
-        .run = [options](const Settings& settings) {
-            return ConfigureUsbPrinter(settings, *options);
-        }};
+        .run = [options] { return ConfigureUsbPrinter(*options); }};
     AddUsbSerialNumber(command, options->serialNumber);
     AddNetwork(command, options->network);
     AddPassPhrase(command, options->passPhrase);

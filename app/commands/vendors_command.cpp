@@ -10,6 +10,7 @@
 #include "app/outcome/problem.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/running/awaiting.h"
 #include "app/terminal/console.h"
 #include "app/terminal/text.h"
@@ -65,14 +66,14 @@ void AddUseless(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modul
     }
 }
 
-ExitStatus Vendors(const Settings& settings) {
+ExitStatus Vendors() {
     const PrinterUtil::VendorListReport list = PrinterUtil::DescribeVendorList();
     if (list.vendors.empty()) {
         ThrowNoVendor(list);
     }
     WarnOfAll(list.problems);
     WarnOfAll(list.notes);
-    if (!settings.json) {
+    if (!WritesJson()) {
         WriteOutput("Vendor list  " + DisplayText(list.path) + "\nModules      " +
                     DisplayText(list.moduleFolder) + "\n");
     }
@@ -80,12 +81,12 @@ ExitStatus Vendors(const Settings& settings) {
     std::vector<std::string> useless;
     for (const VendorInfo& vendor : list.vendors) {
         auto modules = Await<std::vector<ModuleSurvey>>(
-            settings, "Loading the modules of vendor " + vendor.productId, [vendor] {
+            "Loading the modules of vendor " + vendor.productId, [vendor] {
                 return std::vector{SurveyScanModule(vendor), SurveyConfigurationModule(vendor)};
             });
         std::for_each(modules.begin(), modules.end(), AddHints);
-        WriteOutput(settings.json ? VendorJson(list, vendor, modules) + "\n"
-                                  : VendorText(vendor, modules));
+        WriteOutput(WritesJson() ? VendorJson(list, vendor, modules) + "\n"
+                                 : VendorText(vendor, modules));
         AddUseless(vendor, modules, useless);
         anyLoaded =
             anyLoaded || std::any_of(modules.begin(), modules.end(),

@@ -11,6 +11,7 @@
 #include "app/output/item_output.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/terminal/console.h"
 #include "app/terminal/text.h"
 
@@ -18,8 +19,7 @@ namespace App {
 
 namespace {
 
-ExitStatus ShowHostNetworks(const Settings& settings, const HostNetworks& found,
-                            const std::string& none) {
+ExitStatus ShowHostNetworks(const HostNetworks& found, const std::string& none) {
     const auto& [networks, problem] = found;
     if (networks.empty() && problem.kind != PRINTER_WIFI_DONE) {
         throw Problem("could not look for networks: " + problem.reason + ".");
@@ -28,24 +28,24 @@ ExitStatus ShowHostNetworks(const Settings& settings, const HostNetworks& found,
         Complain(none + "\n" + AdviceToReadLog());
         return kNoneFound;
     }
-    WriteItems(settings, networks, HostNetworkJson);
+    WriteItems(networks, HostNetworkJson);
     return kFound;
 }
 
-ExitStatus ShowInRange(const Settings& settings) {
+ExitStatus ShowInRange() {
     return ShowHostNetworks(
-        settings, NetworksInRange(settings),
+        NetworksInRange(),
         "no network is in range, or this computer has no Wi-Fi that could tell.");
 }
 
-ExitStatus ShowOffered(const Settings& settings) {
-    return ShowHostNetworks(settings, NetworksToOffer(settings),
+ExitStatus ShowOffered() {
+    return ShowHostNetworks(NetworksToOffer(),
                             "no network in range is one that a printer can be put on; "
                             "`devicediscover wifi list` shows all.");
 }
 
-ExitStatus ShowCurrent(const Settings& settings) {
-    const AccessPoint joined = CurrentAccessPoint(settings);
+ExitStatus ShowCurrent() {
+    const AccessPoint joined = CurrentAccessPoint();
     if (joined.problem.HidesTheAnswer()) {
         throw Problem("it is not known which Wi-Fi network this computer is on: " +
                       joined.problem.reason + ".");
@@ -58,7 +58,7 @@ ExitStatus ShowCurrent(const Settings& settings) {
                  AdviceToReadLog());
         return kNoneFound;
     }
-    const std::string line = settings.json
+    const std::string line = WritesJson()
                                  ? AccessPointJson(joined)
                                  : Cell(joined.network) + "\t" + Cell(joined.hardwareAddress) +
                                        "\t" + Cell(joined.interfaceName);
@@ -66,12 +66,10 @@ ExitStatus ShowCurrent(const Settings& settings) {
     return kFound;
 }
 
-ExitStatus JoinWifi(const Settings& settings, const std::string& network,
-                    const PassPhraseOptions& options) {
-    options.Require(settings);
-    const auto [joined, problem] =
-        JoinNetwork(settings, network, GetPassPhrase(settings, options, network));
-    if (settings.json) {
+ExitStatus JoinWifi(const std::string& network, const PassPhraseOptions& options) {
+    options.Require();
+    const auto [joined, problem] = JoinNetwork(network, GetPassPhrase(options, network));
+    if (WritesJson()) {
         WriteOutput(JoinJson(network, joined, problem.reason) + "\n");
     } else if (joined) {
         WriteOutput("joined " + DisplayText(network) + "\n");
@@ -104,9 +102,7 @@ Command WifiJoinCommand() {
 network it was on, provided that network is open or saved, and in range.)") +
             kPassPhraseDetails,
         .exitTexts = ExitTexts("joined", "not joined"),
-        .run = [options](const Settings& settings) {
-            return JoinWifi(settings, options->network, options->passPhrase);
-        }};
+        .run = [options] { return JoinWifi(options->network, options->passPhrase); }};
     command.AddText("NAME", "", options->network, "The network's name", CheckHostNetworkName)
         .isRequired = true;
     AddPassPhrase(command, options->passPhrase);

@@ -91,9 +91,9 @@ Line Read(const PassPhraseOptions& options) {
     return line;
 }
 
-Line Ask(const Settings& settings, const std::string& network) {
-    Line line = AskSecret(
-        settings, "Pass phrase of " + DisplayText(network) + " (empty for an open network): ");
+Line Ask(const std::string& network) {
+    Line line =
+        AskSecret("Pass phrase of " + DisplayText(network) + " (empty for an open network): ");
     if (line == nullptr) {
         throw WrongInput(std::string("no pass phrase was given") + kAdvice);
     }
@@ -114,23 +114,22 @@ void RequireText(const Base::Secret& passPhrase) {
 const std::size_t kLongestPrinterPassPhrase =
     sizeof PrinterDeviceDiscoverSdk::WifiConfigInfo::pwd - 1;
 
-void PassPhraseOptions::Require(const Settings& settings) const {
-    const std::string obstacle = open || !file.empty() ? "" : ObstacleToAsking(settings);
+void PassPhraseOptions::Require() const {
+    const std::string obstacle = open || !file.empty() ? "" : ObstacleToAsking();
     if (!obstacle.empty()) {
         throw WrongInput("there is no terminal to ask for the pass phrase on: " + obstacle +
                          kAdvice);
     }
 }
 
-std::shared_ptr<Base::Secret> GetPassPhrase(const Settings& settings,
-                                            const PassPhraseOptions& options,
+std::shared_ptr<Base::Secret> GetPassPhrase(const PassPhraseOptions& options,
                                             const std::string& network) {
     if (options.open) {
         return std::make_shared<Base::Secret>();
     }
     // Hide typed text, whether or not the prompt can be seen.
     const bool ask = options.file.empty() || (options.file == kStandardInput && InputIsTerminal());
-    Line line = ask ? Ask(settings, network) : Read(options);
+    Line line = ask ? Ask(network) : Read(options);
     RequireText(*line);
     return line;
 }

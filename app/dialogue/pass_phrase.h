@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 
-#include "app/program/settings.h"
 #include "base/secret.h"
 
 namespace App {
@@ -17,7 +16,7 @@ struct PassPhraseOptions {
     bool open = false;  // the network has no pass phrase
 
     // Throws WrongInput when there is neither a source nor a terminal for the prompt.
-    void Require(const Settings& settings) const;
+    void Require() const;
 };
 
 // The longest pass phrase that can be sent to a printer, in bytes.
@@ -25,8 +24,7 @@ extern const std::size_t kLongestPrinterPassPhrase;
 
 // Returns the network's pass phrase: never null; empty for an open network. Throws WrongInput when
 // it is missing or invalid, Problem when its file cannot be read, and Interrupted.
-std::shared_ptr<Base::Secret> GetPassPhrase(const Settings& settings,
-                                            const PassPhraseOptions& options,
+std::shared_ptr<Base::Secret> GetPassPhrase(const PassPhraseOptions& options,
                                             const std::string& network);
 
 // Throws WrongInput when the pass phrase cannot be sent to a printer.

@@ -2,6 +2,7 @@
 
 #include "app/dialogue/prompt.h"
 
+#include "app/program/settings.h"
 #include "app/running/awaiting.h"
 #include "app/running/cancellation.h"
 #include "app/terminal/console.h"
@@ -15,8 +16,8 @@ namespace {
 
 using Clock = Cancellation::Clock;
 
-bool AsksOnOutput(const Settings& settings) {
-    return !settings.json && OutputScreen();
+bool AsksOnOutput() {
+    return !WritesJson() && OutputScreen();
 }
 
 // Null at the end of the input.
@@ -38,47 +39,47 @@ std::shared_ptr<Base::Secret> ReadLineInterruptibly() {
 
 }  // namespace
 
-std::string ObstacleToAsking(const Settings& settings) {
+std::string ObstacleToAsking() {
     if (!InputIsTerminal()) {
         return "standard input is none";
     }
-    if (!AsksOnOutput(settings) && !ErrorIsTerminal()) {
+    if (!AsksOnOutput() && !ErrorIsTerminal()) {
         return "standard error is none, where the question would be";
     }
     return {};
 }
 
-void WritePrompt(const Settings& settings, const std::string& text) {
-    if (AsksOnOutput(settings)) {
+void WritePrompt(const std::string& text) {
+    if (AsksOnOutput()) {
         WriteOutput(text);
     } else {
         WriteError(text);
     }
 }
 
-std::optional<std::string> AskLine(const Settings& settings, const std::string& question) {
+std::optional<std::string> AskLine(const std::string& question) {
     CancelOnInterrupt();
-    WritePrompt(settings, question);
+    WritePrompt(question);
     const std::shared_ptr<Base::Secret> line = ReadLineInterruptibly();
     if (line == nullptr) {
-        WritePrompt(settings, "\n");
+        WritePrompt("\n");
         return std::nullopt;
     }
     return std::string(line->View());
 }
 
-std::shared_ptr<Base::Secret> AskSecret(const Settings& settings, const std::string& question) {
+std::shared_ptr<Base::Secret> AskSecret(const std::string& question) {
     // Do this first: no other code would show typed text again.
     CancelOnInterrupt();
     const HiddenTyping hidden;
-    WritePrompt(settings, question);
+    WritePrompt(question);
     // The typed end of the line is hidden, too.
     try {
         std::shared_ptr<Base::Secret> line = ReadLineInterruptibly();
-        WritePrompt(settings, "\n");
+        WritePrompt("\n");
         return line;
     } catch (const Interrupted&) {
-        WritePrompt(settings, "\n");
+        WritePrompt("\n");
         throw;
     }
 }

@@ -107,8 +107,8 @@ std::vector<std::string> NeededFor(const std::string& entryPoint) {
     return {"IsConnectCurrentWifiAP", entryPoint};
 }
 
-std::string NoPrinterToAsk(const Settings& settings, const ServiceSurvey& survey) {
-    const AccessPoint joined = CurrentAccessPoint(settings);
+std::string NoPrinterToAsk(const ServiceSurvey& survey) {
+    const AccessPoint joined = CurrentAccessPoint();
     if (joined.problem.HidesTheAnswer()) {
         throw Problem("it is not known which Wi-Fi network this computer is on: " +
                       joined.problem.reason + Lines(survey.problems));
@@ -141,35 +141,32 @@ const KnownResult* KnownAs(int result, const std::string& vendor) {
 
 }  // namespace
 
-DeviceAnswer AskForDevice(const Settings& settings) {
+DeviceAnswer AskForDevice() {
     const std::function<DeviceAnswer()> work = [] {
         DeviceAnswer answer{};
         answer.result = DiscoverNetConnInterface::GetInstance().GetDeviceInfoByNet(answer.device);
         return answer;
     };
-    return Await(settings, "Asking the printer who it is", work);
+    return Await("Asking the printer who it is", work);
 }
 
-int ConfigureNetwork(const Settings& settings, const std::string& network,
-                     const std::shared_ptr<Base::Secret>& passPhrase) {
+int ConfigureNetwork(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase) {
     const std::function<int()> work = [network, passPhrase] {
         auto record = NetworkRecord(network, passPhrase->View());
         const Base::WipeAtEnd wiped(record);
         return DiscoverNetConnInterface::GetInstance().PrinterAPNetConfigEvent(record);
     };
-    return AwaitOrBreakOff(settings, "Waiting for the printer to join " + network, work,
-                           kJoinLimit);
+    return AwaitOrBreakOff("Waiting for the printer to join " + network, work, kJoinLimit);
 }
 
-int CheckLocalNetwork(const Settings& settings, const DeviceInfo& device) {
+int CheckLocalNetwork(const DeviceInfo& device) {
     const std::function<int()> work = [device] {
         return DiscoverNetConnInterface::GetInstance().IsLocalAreaNetworkOK(device);
     };
-    return Await(settings, "Asking whether the printer is on the network", work);
+    return Await("Asking whether the printer is on the network", work);
 }
 
-std::string Explanation(const Settings& settings, int result, const std::string& entryPoint,
-                        const std::string& vendor) {
+std::string Explanation(int result, const std::string& entryPoint, const std::string& vendor) {
     if (result != kNothingToCall && result != kNotInitialised) {
         return VendorsResult(result, vendor);
     }
@@ -184,7 +181,7 @@ std::string Explanation(const Settings& settings, int result, const std::string&
         return "no such vendor, or one that cannot tell" + Lines(survey.problems) +
                "\n`devicediscover vendors` shows what is there.";
     }
-    return NoPrinterToAsk(settings, survey);
+    return NoPrinterToAsk(survey);
 }
 
 std::string VendorsResult(int result, const std::string& vendor) {
@@ -204,13 +201,13 @@ bool IsUnconfirmed(int result, const std::string& vendor) {
     return result == kNotConfirmed && KnownAs(result, vendor) != nullptr;
 }
 
-NetworkScanSession::NetworkScanSession(const Settings& settings) {
+NetworkScanSession::NetworkScanSession() {
     const std::function<int()> work = [] {
         return DiscoverNetConnInterface::GetInstance().StartAPWifiScan({OnNetwork, 0});
     };
-    const int result = Await(settings, "Asking the printer's vendor for a scan", work);
+    const int result = Await("Asking the printer's vendor for a scan", work);
     if (result != 0) {
-        throw NoScan{Explanation(settings, result, "StartAPWifiScan")};
+        throw NoScan{Explanation(result, "StartAPWifiScan")};
     }
     scan.emplace("scan", "the vendor has not stopped its scan",
                  [] { return DiscoverNetConnInterface::GetInstance().StopAPWifiScan(); });

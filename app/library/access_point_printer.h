@@ -12,7 +12,6 @@
 #include "app/items/printer.h"
 #include "app/library/vendor_scans.h"
 #include "app/outcome/problem.h"
-#include "app/program/settings.h"
 #include "app/running/running_work.h"
 #include "base/secret.h"
 
@@ -26,12 +25,11 @@ struct DeviceAnswer {
 
 // Operations on the printer whose access point the host is joined to. Each calls the printer's
 // vendor, may take a while, and throws Interrupted.
-DeviceAnswer AskForDevice(const Settings& settings);
-int ConfigureNetwork(const Settings& settings, const std::string& network,
-                     const std::shared_ptr<Base::Secret>& passPhrase);
+DeviceAnswer AskForDevice();
+int ConfigureNetwork(const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase);
 
 // Asks the vendor whether the printer is on the local network: 0 means yes.
-int CheckLocalNetwork(const Settings& settings, const PrinterDeviceDiscoverSdk::DeviceInfo& device);
+int CheckLocalNetwork(const PrinterDeviceDiscoverSdk::DeviceInfo& device);
 
 // No vendor has the entry point.
 class NoVendor : public Problem {
@@ -42,8 +40,7 @@ public:
 // Explains a result other than 0 of the entry point, with advice if there is any. `vendor` returned
 // the result; empty: any vendor. Throws NoVendor when no vendor has the entry point, and Problem
 // when it is not known which network the host is joined to.
-std::string Explanation(const Settings& settings, int result, const std::string& entryPoint,
-                        const std::string& vendor = {});
+std::string Explanation(int result, const std::string& entryPoint, const std::string& vendor = {});
 
 // "the vendor's result N", with its meaning if known.
 std::string VendorsResult(int result, const std::string& vendor);
@@ -60,7 +57,7 @@ class NetworkScanSession {
 public:
     // Throws NoScan when no scan could be started, NoVendor when no vendor can scan, and
     // Interrupted; a scan that starts after that runs until the process ends.
-    explicit NetworkScanSession(const Settings& settings);
+    NetworkScanSession();
 
     // See RunningWork::Stop.
     void Stop(const std::function<void()>& onWait = [] {});

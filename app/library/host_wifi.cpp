@@ -16,13 +16,13 @@ namespace {
 using DeviceDiscover::PrinterWifiInterface;
 using Networks = std::vector<PrinterWifiApiStruct::WlanInfoData>;
 
-HostNetworks Scan(const Settings& settings, void (PrinterWifiInterface::*scan)(Networks&)) {
+HostNetworks Scan(void (PrinterWifiInterface::*scan)(Networks&)) {
     const std::function<HostNetworks()> work = [scan] {
         Networks networks;
         (PrinterWifiInterface::GetInstance().*scan)(networks);
         return HostNetworks{{networks.begin(), networks.end()}, LastHostWifiProblem()};
     };
-    return Await(settings, "Looking for networks", work);
+    return Await("Looking for networks", work);
 }
 
 // The time limit for the Wi-Fi service where the program can do without its result.
@@ -32,15 +32,15 @@ constexpr std::chrono::seconds kPatienceWithReturning{8};
 
 }  // namespace
 
-HostNetworks NetworksInRange(const Settings& settings) {
-    return Scan(settings, &PrinterWifiInterface::GetSsidList);
+HostNetworks NetworksInRange() {
+    return Scan(&PrinterWifiInterface::GetSsidList);
 }
 
-HostNetworks NetworksToOffer(const Settings& settings) {
-    return Scan(settings, &PrinterWifiInterface::GetSupList);
+HostNetworks NetworksToOffer() {
+    return Scan(&PrinterWifiInterface::GetSupList);
 }
 
-AccessPoint CurrentAccessPoint(const Settings& settings) {
+AccessPoint CurrentAccessPoint() {
     const std::function<AccessPoint()> work = [] {
         std::wstring network;
         std::wstring hardwareAddress;
@@ -51,10 +51,10 @@ AccessPoint CurrentAccessPoint(const Settings& settings) {
         return AccessPoint{WStringToString(network), WStringToString(hardwareAddress),
                            WStringToString(interfaceName), LastHostWifiProblem()};
     };
-    return Await(settings, "Asking for this computer's network", work);
+    return Await("Asking for this computer's network", work);
 }
 
-JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
+JoinOutcome JoinNetwork(const std::string& network,
                         const std::shared_ptr<Base::Secret>& passPhrase) {
     const std::function<JoinOutcome()> work = [network, passPhrase] {
         std::wstring wide = Widen(passPhrase->View()).value_or(L"");
@@ -64,16 +64,16 @@ JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
             Widen(network).value_or(L""), std::move(wide));
         return JoinOutcome{joined, LastHostWifiProblem()};
     };
-    return AwaitOrBreakOff(settings, "Joining " + network, work, kJoinLimit);
+    return AwaitOrBreakOff("Joining " + network, work, kJoinLimit);
 }
 
-void RememberNetwork(const Settings& settings) {
+void RememberNetwork() {
     const std::function<bool()> work = [] {
         RememberHostWifi();
         return true;
     };
     try {
-        Await(settings, "Asking for this computer's network", work, kPatienceWithUndoing);
+        Await("Asking for this computer's network", work, kPatienceWithUndoing);
     } catch (const TimedOut&) {
         return;  // a return is then not possible
     }

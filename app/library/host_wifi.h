@@ -8,7 +8,6 @@
 
 #include "app/items/network.h"
 #include "app/library/host_wifi_control.h"
-#include "app/program/settings.h"
 #include "base/secret.h"
 
 namespace App {
@@ -33,18 +32,18 @@ struct JoinOutcome {
 };
 
 // Operations of the host's own Wi-Fi. Each may take a while and throws Interrupted.
-HostNetworks NetworksInRange(const Settings& settings);
-HostNetworks NetworksToOffer(const Settings& settings);
-AccessPoint CurrentAccessPoint(const Settings& settings);
+HostNetworks NetworksInRange();
+HostNetworks NetworksToOffer();
+AccessPoint CurrentAccessPoint();
 
 // `network` must be UTF-8. An attempt that is interrupted or takes too long is undone.
-JoinOutcome JoinNetwork(const Settings& settings, const std::string& network,
+JoinOutcome JoinNetwork(const std::string& network,
                         const std::shared_ptr<Base::Secret>& passPhrase);
 
 // RememberNetwork remembers the host's current network. GoBackFrom starts the return to it, if the
 // host is joined to `network` now, and returns whether the host is returning; it works even after
 // the user has asked the program to end.
-void RememberNetwork(const Settings& settings);
+void RememberNetwork();
 bool GoBackFrom(const std::string& network);
 
 }  // namespace App

@@ -7,7 +7,6 @@
 #include <string>
 #include <utility>
 
-#include "app/program/settings.h"
 #include "app/running/awaiting.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 
@@ -42,10 +41,10 @@ void BreakOffHostWifi();
 // Await for work that joins the host to a network: undoes the join when the user asks the program
 // to end, or when the work takes too long.
 template <class Result>
-Result AwaitOrBreakOff(const Settings& settings, const std::string& what,
-                       std::function<Result()> work, Cancellation::Clock::duration limit) {
+Result AwaitOrBreakOff(const std::string& what, std::function<Result()> work,
+                       Cancellation::Clock::duration limit) {
     try {
-        return Await(settings, what, std::move(work), limit);
+        return Await(what, std::move(work), limit);
     } catch (const Interrupted&) {
         BreakOffHostWifi();
         throw;

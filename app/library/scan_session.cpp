@@ -5,6 +5,7 @@
 #include "app/library/vendor_survey.h"
 #include "app/outcome/problem.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/running/awaiting.h"
 
 namespace App {
@@ -24,10 +25,9 @@ int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 
 }  // namespace
 
-ScanSession::ScanSession(const Settings& settings) {
+ScanSession::ScanSession() {
     // The call loads the vendors' modules, which may take long or hang.
-    const ScanSurvey survey =
-        Await<ScanSurvey>(settings, "Loading the vendors' modules", SurveyScans);
+    const ScanSurvey survey = Await<ScanSurvey>("Loading the vendors' modules", SurveyScans);
     knownVendors = survey.listed;
     scans.emplace(VendorScans::kForPrinters, survey.vendors);
     auto& discovery = PrinterDeviceDiscoverSdk::DiscoverScanInterface::GetInstance();
@@ -43,7 +43,7 @@ ScanSession::ScanSession(const Settings& settings) {
             throw Interrupted();
         }
     };
-    const bool started = AwaitRegardless(start, onWait, settings.LimitOr(kAnswerLimit)) == 0;
+    const bool started = AwaitRegardless(start, onWait, AnswerLimitOr(kAnswerLimit)) == 0;
     if (started) {
         scan.emplace("scan", "a vendor has not stopped its scan",
                      [&discovery] { return discovery.StopDeviceScan(); });

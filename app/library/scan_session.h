@@ -11,7 +11,6 @@
 
 #include "app/items/printer_list.h"
 #include "app/library/vendor_scans.h"
-#include "app/program/settings.h"
 #include "app/running/running_work.h"
 #include "base/first_lines.h"
 
@@ -23,7 +22,7 @@ class ScanSession {
 public:
     // Starts the scan, and names on standard error each vendor that cannot take part. Throws
     // Problem when none can, and TimedOut when a module is not loaded in time.
-    explicit ScanSession(const Settings& settings);
+    ScanSession();
 
     // See RunningWork::Stop.
     void Stop(const std::function<void()>& onWait = [] {});

@@ -14,17 +14,16 @@ namespace App {
 
 // Writes items: as a table on a terminal, as lines elsewhere, as `json` lines on request.
 template <class Item>
-void WriteItems(const Settings& settings, const std::vector<Item>& items,
-                typename LineView<Item>::Format& json) {
+void WriteItems(const std::vector<Item>& items, typename LineView<Item>::Format& json) {
     std::string text;
-    if (const auto screen = OutputScreen(); screen && !settings.json) {
+    if (const auto screen = OutputScreen(); screen && !WritesJson()) {
         for (const std::string& line :
              TableLines(TableOf(items), screen->columns, Overflow::Wrap)) {
             text += line + "\n";
         }
     } else {
         for (const Item& item : items) {
-            text += (settings.json ? json(item) : TabbedLine(item)) + "\n";
+            text += (WritesJson() ? json(item) : TabbedLine(item)) + "\n";
         }
     }
     WriteOutput(text);

@@ -24,12 +24,11 @@ struct ScanOptions {
 
 // A view as a table on a terminal, as lines elsewhere, as `json` lines on request.
 template <class Item>
-std::unique_ptr<ScanView<Item>> ViewFor(const Settings& settings,
-                                        typename LineView<Item>::Format& json) {
-    if (settings.json) {
+std::unique_ptr<ScanView<Item>> ViewFor(typename LineView<Item>::Format& json) {
+    if (WritesJson()) {
         return std::make_unique<LineView<Item>>(json);
     }
-    if (settings.DrawsOnTerminal()) {
+    if (DrawsOnTerminal()) {
         return std::make_unique<TableView<Item>>();
     }
     return std::make_unique<LineView<Item>>(TabbedLine<Item>);

@@ -22,6 +22,12 @@ const std::map<std::string, LOG_MESSAGE_LEVEL> kLevels{{"trace", LOG_LEVEL_TRACE
                                                        {"warning", LOG_LEVEL_WARNING},
                                                        {"error", LOG_LEVEL_ERROR}};
 
+// Those of this process. Never destroyed: vendors' threads may still run while the process ends.
+Settings& Applied() {
+    static Settings& settings = *new Settings;
+    return settings;
+}
+
 void RequireWritable(const std::string& file) {
     const std::string reason = PrepareLogFile(file);
     if (!reason.empty()) {
@@ -32,21 +38,8 @@ void RequireWritable(const std::string& file) {
 
 }  // namespace
 
-std::chrono::steady_clock::duration Settings::LimitOr(
-    std::chrono::steady_clock::duration limit) const {
-    using std::chrono::steady_clock;
-    return vendorTime ? std::chrono::duration_cast<steady_clock::duration>(*vendorTime) : limit;
-}
-
-bool Settings::LogsToTerminal() const {
-    return !logLevel.empty() && logLevel != kOff;
-}
-
-bool Settings::DrawsOnTerminal() const {
-    return OutputScreen().has_value() && !(LogsToTerminal() && ErrorIsTerminal());
-}
-
 void Apply(const Settings& settings) {
+    Applied() = settings;
     LogHelper::Settings log;
     if (settings.logLevel == kOff) {
         log.file = false;
@@ -62,6 +55,21 @@ void Apply(const Settings& settings) {
     if (!settings.vendorList.empty()) {
         PrinterUtil::UseVendorList(settings.vendorList);
     }
+}
+
+bool WritesJson() {
+    return Applied().json;
+}
+
+bool DrawsOnTerminal() {
+    const std::string& level = Applied().logLevel;
+    const bool logsToError = !level.empty() && level != kOff;
+    return OutputScreen().has_value() && !(logsToError && ErrorIsTerminal());
+}
+
+std::chrono::steady_clock::duration AnswerLimitOr(std::chrono::steady_clock::duration limit) {
+    const auto& time = Applied().vendorTime;
+    return time ? std::chrono::duration_cast<std::chrono::steady_clock::duration>(*time) : limit;
 }
 
 }  // namespace App

@@ -6,8 +6,6 @@
 #include <optional>
 #include <string>
 
-#include "platform/LogHelper/KzLogger.h"
-
 namespace App {
 
 // The options that all commands share.
@@ -17,20 +15,20 @@ struct Settings {
     std::string logLevel;    // empty: all of the broker's lines into the log file
     bool json = false;
     std::optional<std::chrono::duration<double>> vendorTime;  // for each answer
-
-    // The time limit for a vendor's answer, by default `limit`.
-    std::chrono::steady_clock::duration LimitOr(std::chrono::steady_clock::duration limit) const;
-
-    // Whether log lines also go to standard error.
-    bool LogsToTerminal() const;
-
-    // Whether standard output is a terminal on which lines can be redrawn, and no log lines would
-    // break them.
-    bool DrawsOnTerminal() const;
 };
 
-// Passes the settings to the application's libraries, before their first use. Throws Problem when
-// the log file cannot be written.
+// Passes the settings to the application's libraries and to the functions below. Call this once,
+// before the first use of either. Throws Problem when the log file cannot be written.
 void Apply(const Settings& settings);
+
+// Whether results are written as JSON.
+bool WritesJson();
+
+// Whether standard output is a terminal on which lines can be redrawn, and no log lines would break
+// them.
+bool DrawsOnTerminal();
+
+// How long to wait for an answer: as the user has set, by default `limit`.
+std::chrono::steady_clock::duration AnswerLimitOr(std::chrono::steady_clock::duration limit);
 
 }  // namespace App

@@ -4,13 +4,14 @@
 
 #include <utility>
 
+#include "app/program/settings.h"
 #include "app/terminal/console.h"
 #include "app/terminal/text.h"
 
 namespace App {
 
-StatusLine::StatusLine(const Settings& settings, std::string awaited)
-    : enabled(!settings.json && settings.DrawsOnTerminal()),
+StatusLine::StatusLine(std::string awaited)
+    : enabled(!WritesJson() && DrawsOnTerminal()),
       what(std::move(awaited)),
       start(std::chrono::steady_clock::now()) {}
 

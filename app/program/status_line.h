@@ -5,15 +5,13 @@
 #include <chrono>
 #include <string>
 
-#include "app/program/settings.h"
-
 namespace App {
 
 // A line on the terminal that says what the program waits for, and for how long. Shows nothing if
 // lines cannot be redrawn, or if the output is for a program.
 class StatusLine {
 public:
-    StatusLine(const Settings& settings, std::string what);
+    explicit StatusLine(std::string what);
     ~StatusLine();
 
     // Redraws the line.

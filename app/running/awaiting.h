@@ -74,11 +74,11 @@ Result AwaitRegardless(std::function<Result()> work, const std::function<void()>
 
 // Runs `work` like AwaitInterruptibly, with a status line that says what the program waits for.
 template <class Result>
-Result Await(const Settings& settings, const std::string& what, std::function<Result()> work,
+Result Await(const std::string& what, std::function<Result()> work,
              Cancellation::Clock::duration limit = kAnswerLimit) {
-    StatusLine status(settings, what);
+    StatusLine status(what);
     return AwaitInterruptibly<Result>(
-        std::move(work), [&] { status.Draw(); }, settings.LimitOr(limit));
+        std::move(work), [&] { status.Draw(); }, AnswerLimitOr(limit));
 }
 
 }  // namespace App

@@ -11,13 +11,12 @@ namespace {
 
 class Route : public SetupRoute {
 public:
-    Route(const Settings& appSettings, std::chrono::duration<double> time)
-        : settings(appSettings), listTime(time) {}
+    explicit Route(std::chrono::duration<double> time) : listTime(time) {}
 
     Printer FindPrinter() override {
-        const DeviceAnswer answer = AskForDevice(settings);
+        const DeviceAnswer answer = AskForDevice();
         if (answer.result != 0) {
-            throw StepFailed{Explanation(settings, answer.result, "GetDeviceInfoByNet") +
+            throw StepFailed{Explanation(answer.result, "GetDeviceInfoByNet") +
                                  "\nThen start the set-up again; nothing was changed.",
                              answer.result};
         }
@@ -32,18 +31,17 @@ public:
     }
 
     std::string PickNetwork() override {
-        return ChooseNetwork(
-            settings, [this] { return SeenFromAccessPoint(settings, listTime); },
-            CurrentAccessPoint(settings).network);
+        return ChooseNetwork([this] { return SeenFromAccessPoint(listTime); },
+                             CurrentAccessPoint().network);
     }
 
     int Configure(const std::string& network,
                   const std::shared_ptr<Base::Secret>& passPhrase) override {
-        return ConfigureNetwork(settings, network, passPhrase);
+        return ConfigureNetwork(network, passPhrase);
     }
 
     Failure ExplainConfigure(int result) override {
-        return {Explanation(settings, result, "PrinterAPNetConfigEvent"),
+        return {Explanation(result, "PrinterAPNetConfigEvent"),
                 "Check the network's name and pass phrase, join the printer's own network again "
                 "should this computer\nhave left it, and start the set-up again."};
     }
@@ -51,15 +49,13 @@ public:
     bool LeavesNetwork() const override { return true; }
 
 private:
-    const Settings& settings;
     const std::chrono::duration<double> listTime;
 };
 
 }  // namespace
 
-std::unique_ptr<SetupRoute> AccessPointRoute(const Settings& settings,
-                                             std::chrono::duration<double> listTime) {
-    return std::make_unique<Route>(settings, listTime);
+std::unique_ptr<SetupRoute> AccessPointRoute(std::chrono::duration<double> listTime) {
+    return std::make_unique<Route>(listTime);
 }
 
 }  // namespace App

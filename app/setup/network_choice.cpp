@@ -27,9 +27,9 @@ using Clock = NetworkList::Clock;
 using NetworkSource = std::function<std::vector<Network>()>;
 
 // Whether the printer's vendor looks for networks; otherwise this computer's own list is used.
-bool Start(const Settings& settings, std::optional<NetworkScanSession>& session) {
+bool Start(std::optional<NetworkScanSession>& session) {
     try {
-        session.emplace(settings);
+        session.emplace();
         return true;
     } catch (const NoScan&) {
         return false;
@@ -39,7 +39,7 @@ bool Start(const Settings& settings, std::optional<NetworkScanSession>& session)
 }
 
 // The names in the order of the networks, without duplicates.
-std::vector<std::string> NamesToOffer(const Settings& settings, const NetworkSource& seenByPrinter,
+std::vector<std::string> NamesToOffer(const NetworkSource& seenByPrinter,
                                       const std::string& leftOut) {
     std::vector<std::string> names;
     const auto add = [&](const std::string& name) {
@@ -52,7 +52,7 @@ std::vector<std::string> NamesToOffer(const Settings& settings, const NetworkSou
         add(network.name);
     }
     if (names.empty()) {
-        const HostNetworks host = NetworksToOffer(settings);
+        const HostNetworks host = NetworksToOffer();
         for (const HostNetwork& network : host.networks) {
             add(network.name);
         }
@@ -63,7 +63,7 @@ std::vector<std::string> NamesToOffer(const Settings& settings, const NetworkSou
     return names;
 }
 
-void WriteList(const Settings& settings, const std::vector<std::string>& names) {
+void WriteList(const std::vector<std::string>& names) {
     Table table{{{"", Column::Number}, {"NETWORK", Column::Yielding}}, {}};
     for (std::size_t index = 0; index < names.size(); ++index) {
         table.rows.push_back({std::to_string(index + 1), DisplayText(names[index])});
@@ -73,7 +73,7 @@ void WriteList(const Settings& settings, const std::vector<std::string>& names) 
     for (const std::string& line : TableLines(table, columns, Overflow::Wrap)) {
         text += line + "\n";
     }
-    WritePrompt(settings, text);
+    WritePrompt(text);
 }
 
 // The name with the number in `answer`, counted from 1; null when there is none.
@@ -86,12 +86,12 @@ const std::string* Numbered(const std::vector<std::string>& names, const std::st
 }
 
 // Returns nothing when the user wants a new list.
-std::optional<std::string> Pick(const Settings& settings, const std::vector<std::string>& names) {
+std::optional<std::string> Pick(const std::vector<std::string>& names) {
     const std::string question = names.empty()
                                      ? "No network was found. Its name, or Enter to look again: "
                                      : "Its number or name, or Enter to look again: ";
     for (;;) {
-        const std::optional<std::string> answer = AskLine(settings, question);
+        const std::optional<std::string> answer = AskLine(question);
         if (!answer) {
             return "";
         }
@@ -114,27 +114,25 @@ std::optional<std::string> Pick(const Settings& settings, const std::vector<std:
 
 }  // namespace
 
-std::string ChooseNetwork(const Settings& settings, const NetworkSource& seenByPrinter,
-                          const std::string& leftOut) {
+std::string ChooseNetwork(const NetworkSource& seenByPrinter, const std::string& leftOut) {
     for (;;) {
-        const std::vector<std::string> names = NamesToOffer(settings, seenByPrinter, leftOut);
+        const std::vector<std::string> names = NamesToOffer(seenByPrinter, leftOut);
         if (!names.empty()) {
-            WriteList(settings, names);
+            WriteList(names);
         }
-        if (const std::optional<std::string> picked = Pick(settings, names)) {
+        if (const std::optional<std::string> picked = Pick(names)) {
             return *picked;
         }
     }
 }
 
-std::vector<Network> SeenFromAccessPoint(const Settings& settings,
-                                         std::chrono::duration<double> time) {
+std::vector<Network> SeenFromAccessPoint(std::chrono::duration<double> time) {
     NetworkList& list = NetworkList::GetInstance();
     std::optional<NetworkScanSession> session;
-    if (!Start(settings, session)) {
+    if (!Start(session)) {
         return {};
     }
-    StatusLine status(settings, {});
+    StatusLine status("");
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
     constexpr auto tick = std::chrono::milliseconds(200);
     while (Clock::now() < end && !session->HasEnded()) {

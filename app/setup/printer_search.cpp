@@ -67,12 +67,11 @@ void Settle(StatusLine& status, const Printer& wanted, Clock::time_point latest)
 
 }  // namespace
 
-SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
-                            std::chrono::duration<double> time) {
+SearchOutcome SearchPrinter(const Printer& wanted, std::chrono::duration<double> time) {
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
     const bool ask = CanBeAsked(wanted.vendor);
-    ScanSession session(settings);
-    StatusLine status(settings, "Looking for the printer");
+    ScanSession session;
+    StatusLine status("Looking for the printer");
     SearchOutcome outcome;
     Clock::time_point nextQuestion{};
     bool hasEnded = false;
@@ -86,7 +85,7 @@ SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
         }
         // Ask about the printer as it was set up: a found printer may be another with its serial
         // number.
-        outcome.vendorsResult = ask ? CheckLocalNetwork(settings, wanted.record) : 0;
+        outcome.vendorsResult = ask ? CheckLocalNetwork(wanted.record) : 0;
         outcome.isOnNetwork = outcome.vendorsResult == 0;
         nextQuestion = Clock::now() + kPause;
     } while (!outcome.isOnNetwork && !hasEnded && Clock::now() < end);

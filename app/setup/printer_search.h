@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "app/items/printer.h"
-#include "app/program/settings.h"
 
 namespace App {
 
@@ -26,7 +25,6 @@ struct SearchOutcome {
 // is sufficient: on the network the printer may have a different serial number, and then its
 // address is not known. A vendor that cannot be asked is not needed if the scan finds the printer.
 // Throws Interrupted, and Problem when no vendor can scan.
-SearchOutcome SearchPrinter(const Settings& settings, const Printer& wanted,
-                            std::chrono::duration<double> time);
+SearchOutcome SearchPrinter(const Printer& wanted, std::chrono::duration<double> time);
 
 }  // namespace App

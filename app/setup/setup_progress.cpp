@@ -9,6 +9,7 @@
 
 #include "app/outcome/problem.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/terminal/console.h"
 #include "app/terminal/text.h"
 
@@ -52,7 +53,7 @@ void SetupProgress::Skipped(const std::string& text) {
 
 void SetupProgress::Failed(const std::string& state, const std::string& problem, StepEvent event) {
     event.problem = problem;
-    if (settings.json) {
+    if (WritesJson()) {
         Report(state, "", std::move(event));
     }
     Complain(fmt::format("step {} of {}, {}: {}", static_cast<std::size_t>(current) + 1,
@@ -62,7 +63,7 @@ void SetupProgress::Failed(const std::string& state, const std::string& problem,
 void SetupProgress::Report(const std::string& state, const std::string& text, StepEvent event) {
     event.step = NamesOf(current).json;
     event.state = state;
-    Write(settings.json ? StepJson(event) : DisplayText(text));
+    Write(WritesJson() ? StepJson(event) : DisplayText(text));
 }
 
 void SetupProgress::Write(const std::string& line) {

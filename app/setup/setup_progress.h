@@ -6,7 +6,6 @@
 #include <string>
 
 #include "app/output/json_output.h"
-#include "app/program/settings.h"
 
 namespace App {
 
@@ -17,8 +16,6 @@ enum class SetupStep : std::size_t { Printer, Network, PassPhrase, Configure, Re
 // the set-up continues without it.
 class SetupProgress {
 public:
-    explicit SetupProgress(const Settings& appSettings) : settings(appSettings) {}
-
     void Begin(SetupStep step);
     void Done(const std::string& text, StepEvent event = {});
     void Skipped(const std::string& text);
@@ -32,7 +29,6 @@ private:
     void Report(const std::string& state, const std::string& text, StepEvent event);
     void Write(const std::string& line);
 
-    const Settings& settings;
     SetupStep current = SetupStep::Printer;
     bool outputIsLost = false;
 };

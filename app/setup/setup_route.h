@@ -8,7 +8,6 @@
 #include <string>
 
 #include "app/items/printer.h"
-#include "app/program/settings.h"
 #include "base/secret.h"
 
 namespace App {
@@ -48,10 +47,9 @@ public:
 
 // Through the printer's own access point, which the host is joined to. `listTime`: how long to look
 // for networks.
-std::unique_ptr<SetupRoute> AccessPointRoute(const Settings& settings,
-                                             std::chrono::duration<double> listTime);
+std::unique_ptr<SetupRoute> AccessPointRoute(std::chrono::duration<double> listTime);
 
 // Through USB. An empty serial number means the only plugged-in printer.
-std::unique_ptr<SetupRoute> UsbRoute(const Settings& settings, const std::string& serialNumber);
+std::unique_ptr<SetupRoute> UsbRoute(const std::string& serialNumber);
 
 }  // namespace App

@@ -12,12 +12,11 @@ namespace {
 
 class Route : public SetupRoute {
 public:
-    Route(const Settings& appSettings, std::string name)
-        : settings(appSettings), serialNumber(std::move(name)) {}
+    explicit Route(std::string name) : serialNumber(std::move(name)) {}
 
     Printer FindPrinter() override {
         try {
-            printer = FindPluggedIn(settings, serialNumber);
+            printer = FindPluggedIn(serialNumber);
         } catch (const NoUsbPrinter& none) {
             throw StepFailed{none.reason + "\nThen start the set-up again; nothing was changed.",
                              std::nullopt};
@@ -32,13 +31,12 @@ public:
     }
 
     std::string PickNetwork() override {
-        return ChooseNetwork(settings,
-                             [this] { return NetworksSeenBy(settings, *printer, 0).networks; }, {});
+        return ChooseNetwork([this] { return NetworksSeenBy(*printer, 0).networks; }, {});
     }
 
     int Configure(const std::string& network,
                   const std::shared_ptr<Base::Secret>& passPhrase) override {
-        return ConfigureNetwork(settings, *printer, network, passPhrase);
+        return ConfigureNetwork(*printer, network, passPhrase);
     }
 
     Failure ExplainConfigure(int result) override {
@@ -50,15 +48,14 @@ public:
     bool LeavesNetwork() const override { return false; }
 
 private:
-    const Settings& settings;
     const std::string serialNumber;
     std::optional<UsbPrinter> printer;
 };
 
 }  // namespace
 
-std::unique_ptr<SetupRoute> UsbRoute(const Settings& settings, const std::string& serialNumber) {
-    return std::make_unique<Route>(settings, serialNumber);
+std::unique_ptr<SetupRoute> UsbRoute(const std::string& serialNumber) {
+    return std::make_unique<Route>(serialNumber);
 }
 
 }  // namespace App

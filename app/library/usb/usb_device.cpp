@@ -132,7 +132,7 @@ UsbPrinter TheOnlyOne(const std::vector<UsbPrinter>& printers, const std::string
 
 }  // namespace
 
-std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings) {
+std::vector<InstalledPrinter> InstalledPrinters() {
     const std::function<std::vector<DeviceUsbInfo>()> work = [] {
         std::vector<DeviceUsbInfo> devices;
         DiscoverUsbInterface::GetInstance().GetDeviceNoConfigNet(devices);
@@ -144,12 +144,12 @@ std::vector<InstalledPrinter> InstalledPrinters(const Settings& settings) {
         }
         return devices;
     };
-    const auto devices = Await(settings, "Looking for the printers of this computer", work);
+    const auto devices = Await("Looking for the printers of this computer", work);
     return {devices.begin(), devices.end()};
 }
 
-UsbPortMap PortsPluggedIn(const Settings& settings) {
-    return Await<UsbPortMap>(settings, "Looking at what is plugged in", PortsNow);
+UsbPortMap PortsPluggedIn() {
+    return Await<UsbPortMap>("Looking at what is plugged in", PortsNow);
 }
 
 std::size_t CountPluggedIn(const UsbPortMap& ports) {
@@ -169,7 +169,7 @@ UsbPortMap PortsPluggedInAtLast() {
     }
 }
 
-PluggedPrinters PrintersPluggedIn(const Settings& settings) {
+PluggedPrinters PrintersPluggedIn() {
     const std::function<PluggedPrinters()> work = [] {
         try {
             return Ask();
@@ -180,7 +180,7 @@ PluggedPrinters PrintersPluggedIn(const Settings& settings) {
                 PrinterUtil::DescribeVendorList().path);
         }
     };
-    return Await(settings, "Asking the printers on USB who they are", work);
+    return Await("Asking the printers on USB who they are", work);
 }
 
 std::string NoneIsPluggedIn(const PluggedPrinters& plugged) {
@@ -190,8 +190,8 @@ std::string NoneIsPluggedIn(const PluggedPrinters& plugged) {
     return saying + Lines(plugged.problems) + kAdvice + "\n" + AdviceToReadLog();
 }
 
-UsbPrinter FindPluggedIn(const Settings& settings, const std::string& name) {
-    const PluggedPrinters plugged = PrintersPluggedIn(settings);
+UsbPrinter FindPluggedIn(const std::string& name) {
+    const PluggedPrinters plugged = PrintersPluggedIn();
     const std::vector<UsbPrinter>& printers = plugged.printers;
     if (printers.empty()) {
         throw NoUsbPrinter{NoneIsPluggedIn(plugged)};
@@ -210,24 +210,24 @@ UsbPrinter FindPluggedIn(const Settings& settings, const std::string& name) {
     return TheOnlyOne(called, " called '" + name + "'");
 }
 
-NetworksAnswer NetworksSeenBy(const Settings& settings, const UsbPrinter& printer, int option) {
+NetworksAnswer NetworksSeenBy(const UsbPrinter& printer, int option) {
     const std::function<NetworksAnswer()> work = [device = printer.record, option] {
         std::vector<WifiConfigInfo> networks;
         const int result =
             DiscoverUsbInterface::GetInstance().GetUSBWifiScan(device, networks, option);
         return NetworksAnswer{result, {networks.begin(), networks.end()}};
     };
-    return Await(settings, "Asking the printer for the networks it sees", work);
+    return Await("Asking the printer for the networks it sees", work);
 }
 
-int ConfigureNetwork(const Settings& settings, const UsbPrinter& printer,
-                     const std::string& network, const std::shared_ptr<Base::Secret>& passPhrase) {
+int ConfigureNetwork(const UsbPrinter& printer, const std::string& network,
+                     const std::shared_ptr<Base::Secret>& passPhrase) {
     const std::function<int()> work = [device = printer.record, network, passPhrase] {
         auto record = NetworkRecord(network, passPhrase->View());
         const Base::WipeAtEnd wiped(record);
         return DiscoverUsbInterface::GetInstance().SetDeviceAPNetConfigByUsb(device, record);
     };
-    return Await(settings, "Waiting for the printer to join " + network, work, kJoinLimit);
+    return Await("Waiting for the printer to join " + network, work, kJoinLimit);
 }
 
 std::string AboutNoNetworks(const UsbPrinter& printer) {

@@ -8,20 +8,21 @@
 #include "app/library/usb/usb_arrivals.h"
 #include "app/library/usb/usb_device.h"
 #include "app/program/messages.h"
+#include "app/program/settings.h"
 #include "app/running/awaiting.h"
 
 namespace App {
 
-UsbWatchSession::UsbWatchSession(const Settings& settings) : before(PortsPluggedIn(settings)) {
+UsbWatchSession::UsbWatchSession() : before(PortsPluggedIn()) {
     WarnOfAll(RequireUsbVendors("GetDeviceInfoByUsb", {}));
-    const std::function<int()> work = [patience = settings.LimitOr(kAnswerLimit)] {
+    const std::function<int()> work = [patience = AnswerLimitOr(kAnswerLimit)] {
         UsbArrivals::GetInstance().Start(patience);
         return 0;
     };
-    Await(settings, "Asking for what is plugged in", work);
+    Await("Asking for what is plugged in", work);
     watch.emplace("watch", "the device manager has not stopped its reports",
                   [] { return UsbArrivals::GetInstance().Stop(); });
-    UsbArrivals::GetInstance().Compare(before, PortsPluggedIn(settings));
+    UsbArrivals::GetInstance().Compare(before, PortsPluggedIn());
 }
 
 std::vector<std::string> UsbWatchSession::TakeRemarks() {

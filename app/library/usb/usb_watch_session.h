@@ -9,7 +9,6 @@
 
 #include "app/items/arrival_list.h"
 #include "app/library/usb/usb_vendors.h"
-#include "app/program/settings.h"
 #include "app/running/running_work.h"
 
 namespace App {
@@ -20,7 +19,7 @@ class UsbWatchSession {
 public:
     // Names on standard error each vendor that cannot take part. Throws Problem when none can, or
     // when USB cannot be watched, and Interrupted.
-    explicit UsbWatchSession(const Settings& settings);
+    UsbWatchSession();
 
     // The printers that were already plugged in, and are not reported.
     const UsbPortMap& ThereBefore() const { return before; }
