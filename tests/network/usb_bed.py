@@ -26,6 +26,10 @@ class UsbBed:
     def unplug(self, place):
         self._do("unplug", place)
 
+    def hide(self):
+        """From now on the system shows no USB at all."""
+        self._do("hide")
+
     @staticmethod
     def seen_by(command):
         """That command, with the devices in its sight."""

@@ -4,6 +4,7 @@
 //
 //     plug PLACE SERIAL [VENDOR-ID PRODUCT-ID [CLASS [silent]]]      numbers in hexadecimal digits
 //     unplug PLACE
+//     hide                               no USB at all, as in a container
 //
 // Each is answered with "done" when the system has told of it. The first line that it writes is the
 // test bed's folder: programs that have it as UMOCKDEV_DIR, and the test bed's library loaded, see
@@ -56,6 +57,8 @@ int main() {
             const UsbTest::SimulatedDevice device = DeviceIn(words);
             usb.Plug(device);
             devices.insert_or_assign(device.place, device);
+        } else if (command == "hide") {
+            usb.Hide();
         } else {
             std::string place;
             words >> place;
