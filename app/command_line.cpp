@@ -7,10 +7,8 @@
 #include "app/command_parser.h"
 #include "app/commands/commands.h"
 #include "app/outcome/problem.h"
-#include "app/output/json_output.h"
 #include "app/program/messages.h"
 #include "app/program/settings.h"
-#include "app/running/cancellation.h"
 #include "app/terminal/console.h"
 #include "app/terminal/crash_report.h"
 
@@ -23,22 +21,6 @@ ExitStatus WrongArguments(const ParsedArguments& parsed, const std::string& expl
     return kUsage;
 }
 
-// Reports why the command could not run; with --json also on standard output, if it still has a
-// reader.
-ExitStatus CouldNotRun(const std::string& problem) {
-    Complain(problem);
-    if (WritesJson()) {
-        try {
-            WriteOutput(ProblemJson(problem) + "\n");
-        } catch (const OutputClosed&) {
-            return kCouldNotRun;
-        } catch (const Problem&) {
-            return kCouldNotRun;  // the problem may be that the output cannot be written
-        }
-    }
-    return kCouldNotRun;
-}
-
 ExitStatus Run(const ParsedArguments& parsed, const Settings& settings) {
     try {
         Apply(settings);
@@ -46,13 +28,8 @@ ExitStatus Run(const ParsedArguments& parsed, const Settings& settings) {
             ReportCrashesInJson();
         }
         return parsed.command->run();
-    } catch (const Interrupted&) {
-        Complain("interrupted.");
-        return kNoneFound;
     } catch (const WrongInput& problem) {
         return WrongArguments(parsed, problem.what());
-    } catch (const Problem& problem) {
-        return CouldNotRun(problem.what());
     }
 }
 

@@ -10,7 +10,7 @@
 namespace App {
 
 // Parses the arguments and runs the command that they name. Explains wrong arguments on standard
-// error.
+// error. Throws what ends the command, an Ending, except WrongInput.
 ExitStatus RunCommandLine(std::vector<std::string> arguments);
 
 }  // namespace App

@@ -92,7 +92,7 @@ ExitStatus ScanNetworks(const ScanOptions& options) {
         }
         return isAnyFound ? kFound : FailedSeeLog("no network was reported.");
     } catch (const NoScan& noScan) {
-        return FailedSeeLog("no scan was started: " + noScan.reason);
+        return FailedSeeLog(std::string("no scan was started: ") + noScan.what());
     }
 }
 

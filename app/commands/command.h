@@ -52,7 +52,7 @@ struct Command {
     std::string name;
     std::string summary;
     std::vector<Example> examples = {};
-    // Paragraphs, in lines of 80 columns at most; lines that begin with a space stay as they are.
+    // Paragraphs, separated by empty lines; lines that begin with a space stay as they are.
     std::string details = {};
     std::vector<ExitText> exitTexts = {};
     std::function<ExitStatus()> run = {};

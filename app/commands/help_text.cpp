@@ -48,6 +48,26 @@ std::string Wrapped(const std::string& text, std::size_t columns) {
     return wrapped;
 }
 
+std::string Filled(const std::string& paragraphs, std::size_t columns) {
+    std::istringstream lines(paragraphs);
+    std::string filled;
+    std::string open;  // the part that is not filled yet
+    const auto close = [&] {
+        filled += open.empty() ? "" : Wrapped(open, columns) + "\n";
+        open.clear();
+    };
+    for (std::string line; std::getline(lines, line);) {
+        if (line.empty() || line.front() == ' ') {
+            close();
+            filled += line + "\n";
+        } else {
+            open += line + "\n";
+        }
+    }
+    close();
+    return filled;
+}
+
 std::string OptionText(const Option& option) {
     std::string text = option.text;
     for (const std::string& choice : option.choices) {
@@ -67,7 +87,7 @@ std::string HelpEnd(const Command& command, const std::string& words) {
         text += "`" + words + " COMMAND --help` has more on each command.\n";
     }
     if (!command.details.empty()) {
-        text += "\n" + command.details + "\n";
+        text += "\n" + Filled(command.details, kColumns);
     }
     text += "\nExit status:";
     for (const ExitText& exit : command.exitTexts) {

@@ -25,7 +25,7 @@ using PrinterDiscoverAPI::PingOutcome;
 using PrinterDiscoverAPI::PingReport;
 
 // The library reports only that no answer came. Another ping shows whether a request could be sent.
-PingReport Ask(const std::string& address) {
+PingReport PingAddress(const std::string& address) {
     constexpr std::uint32_t milliseconds = 100;
     if (DeviceDiscover::PrinterNetInterface::GetInstance().CheckPing(address)) {
         return {PingOutcome::kAnswered, {}};
@@ -35,7 +35,7 @@ PingReport Ask(const std::string& address) {
 
 ExitStatus Ping(const std::string& address) {
     const PingReport report =
-        Await<PingReport>("Asking " + address, [address] { return Ask(address); });
+        Await<PingReport>("Asking " + address, [address] { return PingAddress(address); });
     if (report.outcome == PingOutcome::kNotAsked) {
         throw Problem(address + " could not be asked: " + report.problem +
                       "\nWhether a printer is there is not known.");

@@ -109,7 +109,7 @@ ExitStatus Journey::Run() {
     } catch (const StepFailed& failure) {
         StepEvent event;
         event.result = failure.result;
-        progress.Failed("failed", failure.problem + WayBack(), event);
+        progress.Failed("failed", failure.what() + WayBack(), event);
         return kNoneFound;
     } catch (const Interrupted&) {
         progress.Failed("interrupted", "interrupted. " + StateOfThings() + WayBack());
@@ -163,7 +163,7 @@ std::string Journey::WhichNetwork() {
         network = route->PickNetwork();
     }
     if (network.empty()) {
-        throw StepFailed{"no network was picked.\nName it with --network NAME.", std::nullopt};
+        throw StepFailed("no network was picked.\nName it with --network NAME.");
     }
     StepEvent event;
     event.network = network;
@@ -186,9 +186,9 @@ void Journey::Configure(const std::string& network, const std::shared_ptr<Base::
     unconfirmed = IsUnconfirmed(result, vendor);
     if (result != 0 && !unconfirmed) {
         const SetupRoute::Failure failure = route->ExplainConfigure(result);
-        throw StepFailed{fmt::format("the printer was not put on {}: {}\n{} {}", network,
+        throw StepFailed(fmt::format("the printer was not put on {}: {}\n{} {}", network,
                                      failure.why, failure.advice, AdviceToReadLog()),
-                         result};
+                         result);
     }
     StepEvent event;
     event.network = network;
@@ -212,13 +212,12 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Sec
     }
     if (const JoinOutcome outcome = Join(network, passPhrase); !outcome.joined) {
         const std::string& reason = outcome.problem.reason;
-        throw StepFailed{
+        throw StepFailed(
             fmt::format("this computer could not join {}{}; the printer {} it.\nJoin it by "
                         "hand, then `devicediscover ap check {} --vendor {}` tells whether the "
                         "printer\nis there, and `devicediscover scan` where. {}",
                         network, reason.empty() ? "" : " (" + reason + ")", WasPutOn(),
-                        printer.serialNumber, printer.vendor, AdviceToReadLog()),
-            std::nullopt};
+                        printer.serialNumber, printer.vendor, AdviceToReadLog()));
     }
     StepEvent event;
     event.network = network;
@@ -253,25 +252,24 @@ void Journey::Find(const std::string& network, const Printer& printer) {
                         NameOf(printer), WasPutOn(), network, Lines(outcome.failures)));
     }
     if (!outcome.isOnNetwork && outcome.printers.empty()) {
-        throw StepFailed{
+        throw StepFailed(
             fmt::format("{} {} {}, but was not found there within {:g} s{}.\nSome printers "
                         "take longer: `devicediscover scan --watch` shows it when it is there. Is "
                         "this computer\non the same network (`devicediscover wifi current`)?",
                         NameOf(printer), WasPutOn(), network, options.timeout.count(),
                         outcome.vendorsResult == 0
                             ? ""
-                            : ": " + VendorsResult(outcome.vendorsResult, printer.vendor)),
-            std::nullopt};
+                            : ": " + VendorsResult(outcome.vendorsResult, printer.vendor)));
     }
     if (!outcome.isOnNetwork) {
-        throw StepFailed{
+        throw StepFailed(
             fmt::format("{}: one with that serial number was found at {}, but the vendor of the "
                         "one that was put on {} does not find that on the local network: {}\nTry "
                         "`devicediscover ap check {} --vendor {}` in a moment.",
                         NameOf(printer), places, network,
                         VendorsResult(outcome.vendorsResult, printer.vendor), printer.serialNumber,
                         printer.vendor),
-            outcome.vendorsResult};
+            outcome.vendorsResult);
     }
     StepEvent event;
     event.network = network;

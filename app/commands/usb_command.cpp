@@ -37,7 +37,7 @@ ExitStatus WithPrinter(const std::string& serialNumber, Work work) {
     try {
         return work(FindPluggedIn(serialNumber));
     } catch (const NoUsbPrinter& none) {
-        Complain(none.reason);
+        Complain(none.what());
         return kNoneFound;
     }
 }

@@ -92,7 +92,7 @@ Command WifiJoinCommand() {
     const auto options = std::make_shared<WifiJoinOptions>();
     Command command{
         .name = "join",
-        .summary = "JoinWifi this computer to a network.",
+        .summary = "Join this computer to a network.",
         .examples = {{"wifi join Office"},
                      {"wifi join Office --pass-phrase-file office.txt"},
                      {"wifi join Guests --open"}},
@@ -114,7 +114,7 @@ network it was on, provided that network is open or saved, and in range.)") +
 Command WifiCommand() {
     const Command list{
         .name = "list",
-        .summary = "ShowHostNetworks the networks in range.",
+        .summary = "Show the networks in range.",
         .examples = {{"wifi list"}, {"wifi list --json | jq -r .network"}},
         .details =
             R"(Shows each network's name, signal (0 to 100) and protection, and whether a
@@ -124,14 +124,14 @@ output is not a terminal, columns are separated by tabs.)",
         .run = ShowInRange};
     const Command offer{
         .name = "offer",
-        .summary = "ShowHostNetworks the networks that a printer can be put on.",
+        .summary = "Show the networks that a printer can be put on.",
         .examples = {{"wifi offer", "the networks to offer for a printer"}},
         .details = "Shows those of `devicediscover wifi list` that a printer can be put on.",
         .exitTexts = ExitTexts("there is at least one", "there is none"),
         .run = ShowOffered};
     const Command current{
         .name = "current",
-        .summary = "ShowHostNetworks the network that this computer is joined to.",
+        .summary = "Show the network that this computer is joined to.",
         .examples = {{"wifi current"}, {"wifi current --json | jq -r .network"}},
         .details =
             R"(Shows the network's name, the access point's hardware address and this computer's

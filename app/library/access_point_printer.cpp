@@ -207,7 +207,7 @@ NetworkScanSession::NetworkScanSession() {
     };
     const int result = Await("Asking the printer's vendor for a scan", work);
     if (result != 0) {
-        throw NoScan{Explanation(result, "StartAPWifiScan")};
+        throw NoScan(Explanation(result, "StartAPWifiScan"));
     }
     scan.emplace("scan", "the vendor has not stopped its scan",
                  [] { return DiscoverNetConnInterface::GetInstance().StopAPWifiScan(); });

@@ -11,6 +11,7 @@
 #include "app/items/network_list.h"
 #include "app/items/printer.h"
 #include "app/library/vendor_scans.h"
+#include "app/outcome/ending.h"
 #include "app/outcome/problem.h"
 #include "app/running/running_work.h"
 #include "base/secret.h"
@@ -74,8 +75,9 @@ private:
 };
 
 // Why a scan was not started although a vendor has the entry point.
-struct NoScan {
-    std::string reason;
+class NoScan : public Ending {
+public:
+    using Ending::Ending;
 };
 
 }  // namespace App

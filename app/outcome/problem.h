@@ -2,15 +2,14 @@
 
 #pragma once
 
-#include <stdexcept>
-#include <string>
+#include "app/outcome/ending.h"
 
 namespace App {
 
 // Why a command could not run. The text names the problem and its place, and says what to do next.
-class Problem : public std::runtime_error {
+class Problem : public Ending {
 public:
-    using std::runtime_error::runtime_error;
+    using Ending::Ending;
 };
 
 // The user's input cannot be used.

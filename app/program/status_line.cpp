@@ -23,8 +23,6 @@ StatusLine::~StatusLine() {
         Redraw(1, {""});
     } catch (const std::exception&) {
         drawn.clear();  // the next write reports the error
-    } catch (const OutputClosed&) {
-        drawn.clear();
     }
 }
 

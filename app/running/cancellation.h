@@ -8,10 +8,15 @@
 #include <functional>
 #include <mutex>
 
+#include "app/outcome/ending.h"
+
 namespace App {
 
 // Thrown when the user has asked the program to end.
-struct Interrupted {};
+class Interrupted : public Ending {
+public:
+    Interrupted() : Ending("interrupted.") {}
+};
 
 // Makes a request to end the program cancel every wait of the process. May be called again.
 void CancelOnInterrupt();

@@ -8,6 +8,7 @@
 
 #include "app/program/messages.h"
 #include "app/running/awaiting.h"
+#include "app/terminal/console.h"
 
 namespace App {
 
@@ -32,6 +33,8 @@ void RunningWork::Stop(const std::function<void()>& onWait) {
     } catch (const TimedOut& late) {
         problem = (late.vendors.empty() ? lateness : late.vendors + " did not return") +
                   " in time; nobody waits for it any more.";
+    } catch (const OutputClosed&) {
+        throw;  // from `onWait`
     } catch (const std::exception& failure) {
         problem = "the " + name + " was not stopped: " + failure.what();
     }

@@ -16,16 +16,15 @@ public:
     Printer FindPrinter() override {
         const DeviceAnswer answer = AskForDevice();
         if (answer.result != 0) {
-            throw StepFailed{Explanation(answer.result, "GetDeviceInfoByNet") +
+            throw StepFailed(Explanation(answer.result, "GetDeviceInfoByNet") +
                                  "\nThen start the set-up again; nothing was changed.",
-                             answer.result};
+                             answer.result);
         }
         Printer printer(answer.device);
         if (printer.serialNumber.empty()) {
-            throw StepFailed{
+            throw StepFailed(
                 "the printer tells no serial number, and could not be found again afterwards.\n"
-                "`devicediscover ap configure` puts it on a network all the same.",
-                std::nullopt};
+                "`devicediscover ap configure` puts it on a network all the same.");
         }
         return printer;
     }

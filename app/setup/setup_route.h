@@ -8,14 +8,19 @@
 #include <string>
 
 #include "app/items/printer.h"
+#include "app/outcome/ending.h"
 #include "base/secret.h"
 
 namespace App {
 
 // Why a step failed, with advice.
-struct StepFailed {
-    std::string problem;
-    std::optional<int> result;
+class StepFailed : public Ending {
+public:
+    // `vendorsResult`: what the vendor returned, if the vendor was called.
+    explicit StepFailed(const std::string& problem, std::optional<int> vendorsResult = std::nullopt)
+        : Ending(problem), result(vendorsResult) {}
+
+    const std::optional<int> result;
 };
 
 // The way to reach the printer before it is on the network. All operations may throw StepFailed,

@@ -18,14 +18,13 @@ public:
         try {
             printer = FindPluggedIn(serialNumber);
         } catch (const NoUsbPrinter& none) {
-            throw StepFailed{none.reason + "\nThen start the set-up again; nothing was changed.",
-                             std::nullopt};
+            throw StepFailed(std::string(none.what()) +
+                             "\nThen start the set-up again; nothing was changed.");
         }
         if (printer->serialNumber.empty()) {
-            throw StepFailed{
+            throw StepFailed(
                 "the printer tells no serial number, and could not be found again afterwards.\n"
-                "`devicediscover usb configure` puts it on a network all the same.",
-                std::nullopt};
+                "`devicediscover usb configure` puts it on a network all the same.");
         }
         return *printer;
     }

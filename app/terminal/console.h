@@ -11,11 +11,16 @@
 #include <string_view>
 #include <vector>
 
+#include "app/outcome/ending.h"
+
 namespace App {
 
 // Thrown when the reader of standard output has gone. The program should end without an error
 // message.
-struct OutputClosed {};
+class OutputClosed : public Ending {
+public:
+    OutputClosed() : Ending("the reader of standard output has gone") {}
+};
 
 // The arguments after the program's name.
 std::vector<std::string> Arguments(int argc, char** argv);

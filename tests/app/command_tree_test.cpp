@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <set>
 #include <sstream>
@@ -111,6 +112,11 @@ TEST(HelpText, WrapsBetweenWords) {
     EXPECT_EQ(Wrapped("one\n two", 80), "one two");
     EXPECT_EQ(Wrapped("unbreakable word", 3), "unbreakable\nword");
     EXPECT_EQ(Wrapped("", 3), "");
+}
+
+TEST(HelpText, FillsParagraphsAndLeavesIndentedLines) {
+    EXPECT_EQ(Filled("one\ntwo three\n  four  five six\nseven\n\neight", 9),
+              "one two\nthree\n  four  five six\nseven\n\neight\n");
 }
 
 TEST(HelpText, NamesChoicesAndWhatHoldsWithoutTheOption) {

@@ -194,7 +194,7 @@ UsbPrinter FindPluggedIn(const std::string& name) {
     const PluggedPrinters plugged = PrintersPluggedIn();
     const std::vector<UsbPrinter>& printers = plugged.printers;
     if (printers.empty()) {
-        throw NoUsbPrinter{NoneIsPluggedIn(plugged)};
+        throw NoUsbPrinter(NoneIsPluggedIn(plugged));
     }
     if (name.empty()) {
         return TheOnlyOne(printers, "");
@@ -203,9 +203,9 @@ UsbPrinter FindPluggedIn(const std::string& name) {
     std::copy_if(printers.begin(), printers.end(), std::back_inserter(called),
                  [&](const UsbPrinter& printer) { return IsCalled(printer, name); });
     if (called.empty()) {
-        throw NoUsbPrinter{"no printer with the serial number or at the place '" + name +
+        throw NoUsbPrinter("no printer with the serial number or at the place '" + name +
                            "' is plugged in that a vendor reports; there is " + NamesOf(printers) +
-                           Lines(plugged.problems) + kAdvice};
+                           Lines(plugged.problems) + kAdvice);
     }
     return TheOnlyOne(called, " called '" + name + "'");
 }

@@ -9,6 +9,7 @@
 #include "app/items/network.h"
 #include "app/items/usb_printer.h"
 #include "app/library/usb/usb_vendors.h"
+#include "app/outcome/ending.h"
 #include "base/secret.h"
 
 namespace App {
@@ -38,8 +39,9 @@ PluggedPrinters PrintersPluggedIn();
 std::string NoneIsPluggedIn(const PluggedPrinters& plugged);
 
 // Why a printer cannot be used, and what to do.
-struct NoUsbPrinter {
-    std::string reason;
+class NoUsbPrinter : public Ending {
+public:
+    using Ending::Ending;
 };
 
 // Finds the printer whose serial number or place is `name`, in its own form or as a table shows it;
