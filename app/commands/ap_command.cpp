@@ -65,9 +65,9 @@ std::vector<DeviceInfo> Candidates(const ApCheckOptions& options) {
 }
 
 // Reports the failures of an ended scan. Throws Problem unless earlier results count.
-void TellFailures(const std::vector<std::string>& failures, bool counts) {
+void ReportFailures(const std::vector<std::string>& failures, bool counts) {
     if (!counts) {
-        throw Problem("nobody looks for networks; whether there are more is not known" +
+        throw Problem("every vendor's scan has failed; there may be networks that were not found" +
                       Lines(failures));
     }
     WarnOfAll(failures);
@@ -88,7 +88,7 @@ ExitStatus ScanNetworks(const ScanOptions& options) {
         const auto view = ViewFor<Network>(NetworkJson);
         const bool isAnyFound = RunScan(session, *view, options);
         if (session.HasEnded()) {
-            TellFailures(session.Failures(), isAnyFound && !options.watch);
+            ReportFailures(session.Failures(), isAnyFound && !options.watch);
         }
         return isAnyFound ? kFound : FailedSeeLog("no network was reported.");
     } catch (const NoScan& noScan) {
@@ -227,7 +227,7 @@ Command ApCheckCommand() {
 Command AccessPointCommand() {
     return {.name = "ap",
             .summary = "Set up a new printer through the printer's own Wi-Fi network.",
-            .examples = {{"ap info", "whose network is this computer joined to?"},
+            .examples = {{"ap info", "whose network is this?"},
                          {"ap scan", "which networks does the printer report?"},
                          {"ap configure --network Office"},
                          {"ap check CN12345678", "is it on the local network now?"}},

@@ -10,7 +10,7 @@ namespace App {
 namespace {
 
 constexpr std::size_t kColumns = 80;
-constexpr std::size_t kExampleColumns = 42;
+constexpr std::size_t kExampleColumns = 40;
 constexpr std::size_t kStatusColumns = 5;
 
 // The text with each line after the first indented.

@@ -37,8 +37,8 @@ ExitStatus Ping(const std::string& address) {
     const PingReport report =
         Await<PingReport>("Asking " + address, [address] { return PingAddress(address); });
     if (report.outcome == PingOutcome::kNotAsked) {
-        throw Problem(address + " could not be asked: " + report.problem +
-                      "\nWhether a printer is there is not known.");
+        throw Problem("cannot ping " + address + ": " + report.problem +
+                      "\nIt is not known whether a printer is there.");
     }
     const bool answers = report.outcome == PingOutcome::kAnswered;
     if (WritesJson()) {

@@ -203,7 +203,7 @@ void Journey::Rejoin(const std::string& network, const std::shared_ptr<Base::Sec
                      const Printer& printer) {
     progress.Begin(SetupStep::Rejoin);
     if (options.noRejoin) {
-        progress.Skipped("Left out, as asked for");
+        progress.Skipped("Skipped: --no-rejoin");
         return;
     }
     if (!route->LeavesNetwork()) {
@@ -247,8 +247,8 @@ void Journey::Find(const std::string& network, const Printer& printer) {
     const std::string places = PlacesOf(outcome.printers);
     if (!outcome.isOnNetwork && !outcome.failures.empty()) {
         throw Problem(
-            fmt::format("{} {} {}; whether it is there is not known: nobody looks for "
-                        "printers any more{}",
+            fmt::format("{} {} {}; it is not known whether the printer is there: every "
+                        "vendor's scan has failed{}",
                         NameOf(printer), WasPutOn(), network, Lines(outcome.failures)));
     }
     if (!outcome.isOnNetwork && outcome.printers.empty()) {
@@ -263,8 +263,8 @@ void Journey::Find(const std::string& network, const Printer& printer) {
     }
     if (!outcome.isOnNetwork) {
         throw StepFailed(
-            fmt::format("{}: one with that serial number was found at {}, but the vendor of the "
-                        "one that was put on {} does not find that on the local network: {}\nTry "
+            fmt::format("{}: a printer with that serial number was found at {}, but the vendor "
+                        "does not find the printer that was put on {}: {}\nTry "
                         "`devicediscover ap check {} --vendor {}` in a moment.",
                         NameOf(printer), places, network,
                         VendorsResult(outcome.vendorsResult, printer.vendor), printer.serialNumber,
@@ -282,8 +282,8 @@ std::string Journey::StateOfThings() const {
         return "Nothing was changed; start the set-up again when you like.";
     }
     if (progress.Current() == SetupStep::Configure) {
-        return "The printer may have been put on the network, or not: `devicediscover scan` on "
-               "that network\nshows it if so; else start the set-up again.";
+        return "It is not known whether the printer was put on the network. If `devicediscover "
+               "scan` on that\nnetwork does not show it, start the set-up again.";
     }
     return fmt::format(
         "The printer {} the network: `devicediscover scan` on that network shows it.", WasPutOn());
@@ -292,7 +292,7 @@ std::string Journey::StateOfThings() const {
 void RequirePick() {
     const std::string obstacle = ObstacleToAsking();
     if (!obstacle.empty()) {
-        throw WrongInput("there is no terminal to pick the network on: " + obstacle +
+        throw WrongInput("cannot ask for the network: " + obstacle +
                          "\nName it with --network NAME; `devicediscover ap scan` and "
                          "`devicediscover usb networks` show\nwhich there are.");
     }
@@ -337,7 +337,7 @@ Command SetupCommand() {
         .summary = "Put a new printer on a Wi-Fi network, and find it there.",
         .examples = {{"setup", "asks for network and pass phrase"},
                      {"setup --network Office --pass-phrase-file office.txt --json"},
-                     {"setup --no-rejoin", "this computer does not change its network"},
+                     {"setup --no-rejoin", "this computer keeps its network"},
                      {"setup --usb", "the printer is on a USB cable"},
                      {"setup --usb CN12345678", "one of several on USB"}},
         .details = std::string(kSetupDetails) + kPassPhraseDetails,

@@ -37,7 +37,7 @@ struct StateOptions {
 };
 
 constexpr int kReady = 1;
-constexpr auto kPatienceWithOthers = std::chrono::milliseconds(500);
+constexpr auto kOthersLimit = std::chrono::milliseconds(500);
 
 // The user may have copied the text from the table.
 bool IsText(const std::string& text, const std::string& given) {
@@ -67,7 +67,7 @@ void WaitForOne(ScanSession& session, const StateOptions& options) {
 
 // Waits a moment: other printers with the serial number are usually found at once.
 void WaitForOthers(PrinterList& list) {
-    const auto end = Clock::now() + kPatienceWithOthers;
+    const auto end = Clock::now() + kOthersLimit;
     while (!list.IsCancelled() && Clock::now() < end) {
         list.WaitForNews(end);
     }

@@ -50,7 +50,8 @@ ExitStatus ShowNetworksOf(const UsbPrinter& printer, int option) {
     }
     if (answer.networks.empty()) {
         return FailedSeeLog(
-            "the printer reports no network.\nName one all the same: `devicediscover usb configure "
+            "the printer reports no network.\nYou can still name one: `devicediscover usb "
+            "configure "
             "--network NAME`." +
             AboutNoNetworks(printer));
     }

@@ -97,9 +97,10 @@ ExitStatus Vendors() {
                       list.moduleFolder + ", or name another vendor list with --vendors FILE.");
     }
     if (!useless.empty()) {
-        Complain("a module serves nothing" + Lines(useless) +
-                 "\nEntry points are exported by their exact names, with C linkage. Has the list "
-                 "the right module in each place?");
+        Complain(
+            "a loaded module cannot be used" + Lines(useless) +
+            "\nEntry points are exported by their exact names, with C linkage. Does the list name "
+            "the right module in each place?");
         return kNoneFound;
     }
     return kFound;

@@ -33,9 +33,8 @@ ExitStatus ShowHostNetworks(const HostNetworks& found, const std::string& none) 
 }
 
 ExitStatus ShowInRange() {
-    return ShowHostNetworks(
-        NetworksInRange(),
-        "no network is in range, or this computer has no Wi-Fi that could tell.");
+    return ShowHostNetworks(NetworksInRange(),
+                            "no network is in range, or this computer has no Wi-Fi.");
 }
 
 ExitStatus ShowOffered() {
@@ -54,7 +53,7 @@ ExitStatus ShowCurrent() {
         const std::string& reason = joined.problem.reason;
         Complain("this computer is joined to no Wi-Fi network" +
                  (reason.empty() ? "" : ": " + reason) +
-                 ".\n`devicediscover wifi join NAME` joins one. Should it be joined already:\n" +
+                 ".\n`devicediscover wifi join NAME` joins one. If it is joined already:\n" +
                  AdviceToReadLog());
         return kNoneFound;
     }

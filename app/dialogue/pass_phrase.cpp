@@ -58,7 +58,7 @@ Line ReadFile(const std::string& name) {
     for (auto next = file.sbumpc(); next != std::filebuf::traits_type::eof();
          next = file.sbumpc()) {
         if (line->View().size() == kLongestLine) {
-            throw WrongInput("the file " + name + " holds more than a pass phrase" + kAdvice);
+            throw WrongInput("the file " + name + " is too long for a pass phrase" + kAdvice);
         }
         line->Append(std::filebuf::traits_type::to_char_type(next));
     }
@@ -86,7 +86,7 @@ Line Read(const PassPhraseOptions& options) {
     if (line->View().empty()) {
         throw WrongInput(
             (name == kStandardInput ? "standard input" : "the file " + name) +
-            std::string(" holds no pass phrase\n--open is for a network without one."));
+            std::string(" contains no pass phrase\n--open is for a network without one."));
     }
     return line;
 }
@@ -117,8 +117,7 @@ const std::size_t kLongestPrinterPassPhrase =
 void PassPhraseOptions::Require() const {
     const std::string obstacle = open || !file.empty() ? "" : ObstacleToAsking();
     if (!obstacle.empty()) {
-        throw WrongInput("there is no terminal to ask for the pass phrase on: " + obstacle +
-                         kAdvice);
+        throw WrongInput("cannot ask for the pass phrase: " + obstacle + kAdvice);
     }
 }
 

@@ -41,10 +41,10 @@ std::shared_ptr<Base::Secret> ReadLineInterruptibly() {
 
 std::string ObstacleToAsking() {
     if (!InputIsTerminal()) {
-        return "standard input is none";
+        return "standard input is not a terminal";
     }
     if (!AsksOnOutput() && !ErrorIsTerminal()) {
-        return "standard error is none, where the question would be";
+        return "standard error, which shows the question, is not a terminal";
     }
     return {};
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "DeviceDiscover/DeviceDiscover.h"
+#include "app/items/item_list.h"
 #include "app/terminal/table.h"
 
 namespace App {
@@ -26,6 +27,8 @@ struct Network {
     std::optional<std::string> Key() const { return name; }
     bool operator==(const Network& other) const;
 };
+
+using NetworkList = ItemList<Network>;
 
 // A Wi-Fi network in range of the host.
 struct HostNetwork {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "DeviceDiscover/DeviceDiscover.h"
+#include "app/items/item_list.h"
 
 namespace App {
 
@@ -30,5 +31,7 @@ struct Printer {
     std::optional<std::string> Key() const;
     bool operator==(const Printer& other) const;
 };
+
+using PrinterList = ItemList<Printer>;
 
 }  // namespace App

@@ -40,6 +40,8 @@ struct Arrival {
     bool operator==(const Arrival&) const { return false; }
 };
 
+using ArrivalList = ItemList<Arrival>;
+
 // The cells of a row, safe for a terminal; "-" if not known.
 using InstalledPrinterRow = std::array<std::string, 3>;
 InstalledPrinterRow RowOf(const InstalledPrinter& printer);

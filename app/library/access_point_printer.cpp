@@ -174,11 +174,11 @@ std::string Explanation(int result, const std::string& entryPoint, const std::st
     const ServiceSurvey survey = SurveyConfiguration(NeededFor(entryPoint));
     if (!survey.anyVendorServes) {
         throw NoVendor("no vendor can do this" + Lines(survey.problems) +
-                       "\nName a vendor list with --vendors FILE, or put the modules in order; "
+                       "\nName a vendor list with --vendors FILE, or install the missing modules; "
                        "`devicediscover vendors` shows what is there.");
     }
     if (entryPoint == "IsLocalAreaNetworkOK") {
-        return "no such vendor, or one that cannot tell" + Lines(survey.problems) +
+        return "not in the vendor list, or its module cannot tell" + Lines(survey.problems) +
                "\n`devicediscover vendors` shows what is there.";
     }
     return NoPrinterToAsk(survey);

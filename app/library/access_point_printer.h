@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/items/network_list.h"
+#include "app/items/network.h"
 #include "app/items/printer.h"
 #include "app/library/vendor_scans.h"
 #include "app/outcome/ending.h"

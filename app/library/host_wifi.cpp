@@ -26,9 +26,9 @@ HostNetworks Scan(void (PrinterWifiInterface::*scan)(Networks&)) {
 }
 
 // The time limit for the Wi-Fi service where the program can do without its result.
-constexpr std::chrono::seconds kPatienceWithUndoing{3};
+constexpr std::chrono::seconds kUndoLimit{3};
 // For the return to a network, which the service may have to look for.
-constexpr std::chrono::seconds kPatienceWithReturning{8};
+constexpr std::chrono::seconds kReturnLimit{8};
 
 }  // namespace
 
@@ -73,14 +73,14 @@ void RememberNetwork() {
         return true;
     };
     try {
-        Await("Asking for this computer's network", work, kPatienceWithUndoing);
+        Await("Asking for this computer's network", work, kUndoLimit);
     } catch (const TimedOut&) {
         return;  // a return is then not possible
     }
 }
 
 bool GoBackFrom(const std::string& network) {
-    return GoBackWithHostWifi(network, kPatienceWithReturning);
+    return GoBackWithHostWifi(network, kReturnLimit);
 }
 
 }  // namespace App

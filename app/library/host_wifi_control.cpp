@@ -63,7 +63,7 @@ void BreakOffHostWifi() {
     };
     if (breakOff != nullptr && !InTime(work, patience)) {
         Warn(
-            "what was begun with this computer's Wi-Fi is not undone yet: its Wi-Fi service does "
+            "the attempt to join a network is not undone yet: this computer's Wi-Fi service does "
             "not answer.");
     }
 }

@@ -19,7 +19,7 @@ int OnDevice(const PrinterDeviceDiscoverSdk::DeviceInfo* device) {
 
 [[noreturn]] void ThrowCouldNotStart(const std::vector<std::string>& problems) {
     throw Problem("no vendor can look for printers" + Lines(problems) +
-                  "\nName a vendor list with --vendors FILE, or put the modules in order; "
+                  "\nName a vendor list with --vendors FILE, or install the missing modules; "
                   "`devicediscover vendors` shows what is there.");
 }
 
@@ -95,7 +95,7 @@ std::vector<std::string> ScanSession::TakeFailures() {
 void ScanSession::RemarkRest(std::vector<std::string>& remarks) {
     if (const std::size_t rest = strangerLines.TakeRest(); rest > 0) {
         remarks.push_back("and " + std::to_string(rest) +
-                          " more modelIDs that are no productId of the vendor list");
+                          " more modelIDs that are not in the vendor list");
     }
     if (const std::size_t rest = failureLines.TakeRest(); rest > 0) {
         remarks.push_back("and " + std::to_string(rest) + " more vendors that do not look");
@@ -107,14 +107,14 @@ void ScanSession::RemarkStrangers(std::vector<std::string>& remarks) {
         if (!knownVendors.contains(printer.vendor) && strangers.insert(printer.vendor).second &&
             strangerLines.Admits()) {
             remarks.push_back("a vendor reports printers with the modelID '" + printer.vendor +
-                              "', which is no productId of the vendor list: no vendor can be "
+                              "', which is not in the vendor list: no vendor can be "
                               "asked about them");
         }
     }
 }
 
 void ThrowNobodyLooks(const ScanSession& session) {
-    throw Problem("no vendor looks for printers; whether there are more is not known" +
+    throw Problem("every vendor's scan has failed; there may be printers that were not found" +
                   Lines(session.Failures()));
 }
 

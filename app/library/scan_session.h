@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "app/items/printer_list.h"
+#include "app/items/printer.h"
 #include "app/library/vendor_scans.h"
 #include "app/running/running_work.h"
 #include "base/first_lines.h"

@@ -15,7 +15,7 @@ std::string PrepareLogFile(const std::string& file) {
     struct stat status {};
     // A full log file is renamed, so only a regular file can be the log.
     if (stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        return "it is no regular file";
+        return "not a regular file";
     }
     constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     constexpr mode_t ownFile = 0600;

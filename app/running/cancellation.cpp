@@ -2,9 +2,9 @@
 
 #include "app/running/cancellation.h"
 
-#include "app/items/arrival_list.h"
-#include "app/items/network_list.h"
-#include "app/items/printer_list.h"
+#include "app/items/network.h"
+#include "app/items/printer.h"
+#include "app/items/usb_printer.h"
 #include "app/running/stopping.h"
 #include "app/terminal/interrupt.h"
 

@@ -32,7 +32,7 @@ void RunningWork::Stop(const std::function<void()>& onWait) {
         AwaitRegardless(stop, onWait, limit);
     } catch (const TimedOut& late) {
         problem = (late.vendors.empty() ? lateness : late.vendors + " did not return") +
-                  " in time; nobody waits for it any more.";
+                  " in time; the program no longer waits for it.";
     } catch (const OutputClosed&) {
         throw;  // from `onWait`
     } catch (const std::exception& failure) {

@@ -13,7 +13,7 @@ namespace {
 std::string Text(const std::string& vendors, std::chrono::duration<double> limit) {
     const std::string what = vendors.empty() ? "there was no answer" : "no answer from " + vendors;
     return fmt::format(
-        "{} within {:g} s; nobody waits for it any more.\nTry again, or wait longer with "
+        "{} within {:g} s; the program no longer waits for it.\nTry again, or wait longer with "
         "--vendor-seconds N{}",
         what, limit.count(),
         vendors.empty() ? "." : "; a vendor that never answers needs another module.");

@@ -30,8 +30,8 @@ void Rethrow(const std::exception_ptr& failure, std::uint64_t began) {
     if (calls.empty()) {
         std::rethrow_exception(failure);
     }
-    throw Problem("an exception came out of " + NamesOf(calls) + TextOf(failure) +
-                  "\nNothing may be thrown there: ask the vendor for a module that does not.");
+    throw Problem(NamesOf(calls) + " threw an exception" + TextOf(failure) +
+                  "\nA module must not throw: ask the vendor for a corrected one.");
 }
 
 }  // namespace App

@@ -99,7 +99,7 @@ Result Work<Result>::Take() {
     try {
         return outcome->result.get();
     } catch (const std::future_error&) {
-        throw Problem("a vendor has ended the thread that it was called on");
+        throw Problem("a vendor ended the thread on which it was called");
     } catch (...) {
         Rethrow(std::current_exception(), began);
     }

@@ -9,9 +9,9 @@ namespace App {
 
 namespace {
 
-class Route : public SetupRoute {
+class ThroughAccessPoint : public SetupRoute {
 public:
-    explicit Route(std::chrono::duration<double> time) : listTime(time) {}
+    explicit ThroughAccessPoint(std::chrono::duration<double> time) : listTime(time) {}
 
     Printer FindPrinter() override {
         const DeviceAnswer answer = AskForDevice();
@@ -23,8 +23,8 @@ public:
         Printer printer(answer.device);
         if (printer.serialNumber.empty()) {
             throw StepFailed(
-                "the printer tells no serial number, and could not be found again afterwards.\n"
-                "`devicediscover ap configure` puts it on a network all the same.");
+                "the printer has no serial number and could not be found again afterwards.\n"
+                "`devicediscover ap configure` puts it on a network without looking for it there.");
         }
         return printer;
     }
@@ -41,8 +41,8 @@ public:
 
     Failure ExplainConfigure(int result) override {
         return {Explanation(result, "PrinterAPNetConfigEvent"),
-                "Check the network's name and pass phrase, join the printer's own network again "
-                "should this computer\nhave left it, and start the set-up again."};
+                "Check the network's name and pass phrase. If this computer has left the printer's "
+                "own network, join\nit again. Then start the set-up again."};
     }
 
     bool LeavesNetwork() const override { return true; }
@@ -54,7 +54,7 @@ private:
 }  // namespace
 
 std::unique_ptr<SetupRoute> AccessPointRoute(std::chrono::duration<double> listTime) {
-    return std::make_unique<Route>(listTime);
+    return std::make_unique<ThroughAccessPoint>(listTime);
 }
 
 }  // namespace App

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "app/dialogue/prompt.h"
-#include "app/items/network_list.h"
+#include "app/items/network.h"
 #include "app/library/access_point_printer.h"
 #include "app/library/host_wifi.h"
 #include "app/outcome/problem.h"
@@ -88,8 +88,8 @@ const std::string* Numbered(const std::vector<std::string>& names, const std::st
 // Returns nothing when the user wants a new list.
 std::optional<std::string> Pick(const std::vector<std::string>& names) {
     const std::string question = names.empty()
-                                     ? "No network was found. Its name, or Enter to look again: "
-                                     : "Its number or name, or Enter to look again: ";
+                                     ? "No network was found. Type a name, or Enter to look again: "
+                                     : "Number or name, or Enter to look again: ";
     for (;;) {
         const std::optional<std::string> answer = AskLine(question);
         if (!answer) {

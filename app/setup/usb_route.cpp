@@ -10,9 +10,9 @@ namespace App {
 
 namespace {
 
-class Route : public SetupRoute {
+class ThroughUsb : public SetupRoute {
 public:
-    explicit Route(std::string name) : serialNumber(std::move(name)) {}
+    explicit ThroughUsb(std::string name) : serialNumber(std::move(name)) {}
 
     Printer FindPrinter() override {
         try {
@@ -23,8 +23,9 @@ public:
         }
         if (printer->serialNumber.empty()) {
             throw StepFailed(
-                "the printer tells no serial number, and could not be found again afterwards.\n"
-                "`devicediscover usb configure` puts it on a network all the same.");
+                "the printer has no serial number and could not be found again afterwards.\n"
+                "`devicediscover usb configure` puts it on a network without looking for it "
+                "there.");
         }
         return *printer;
     }
@@ -54,7 +55,7 @@ private:
 }  // namespace
 
 std::unique_ptr<SetupRoute> UsbRoute(const std::string& serialNumber) {
-    return std::make_unique<Route>(serialNumber);
+    return std::make_unique<ThroughUsb>(serialNumber);
 }
 
 }  // namespace App

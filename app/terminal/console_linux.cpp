@@ -35,7 +35,7 @@ std::atomic<bool> isWriteBrokenOff = false;  // or under way
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler uses it");
 
 constexpr int kStalled = ETIMEDOUT;
-constexpr auto kPatience = std::chrono::seconds(1);
+constexpr auto kStallLimit = std::chrono::seconds(1);
 constexpr int kPollMilliseconds = 100;
 
 // Opens the stream again for non-blocking writes, so that Ctrl-C works while a reader stalls. The
@@ -59,7 +59,7 @@ bool IsReady(int stream) {
 // Returns 0 when all was written, kStalled when the program is to end and the reader takes nothing,
 // else the system's error number.
 int WriteTo(int stream, std::string_view text) {
-    Clock::time_point patienceEnds = Clock::now() + kPatience;
+    Clock::time_point stallEnds = Clock::now() + kStallLimit;
     while (!text.empty()) {
         const ssize_t written =
             IsReady(stream)
@@ -73,8 +73,8 @@ int WriteTo(int stream, std::string_view text) {
         }
         const auto now = Clock::now();
         if (written > 0 || !IsInterrupted()) {
-            patienceEnds = now + kPatience;
-        } else if (now >= patienceEnds) {
+            stallEnds = now + kStallLimit;
+        } else if (now >= stallEnds) {
             return kStalled;
         }
     }
@@ -137,7 +137,7 @@ void WriteOutput(std::string_view text) {
     }
     if (error != 0) {
         throw Problem(std::string("cannot write to standard output: ") + std::strerror(error) +
-                      "\nWrite to another place, or make room there.");
+                      "\nWrite to another place, or free some space.");
     }
 }
 

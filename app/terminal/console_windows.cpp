@@ -31,7 +31,7 @@ HANDLE output = nullptr;
 std::atomic<bool> isWriteBrokenOff = false;  // or under way
 
 constexpr DWORD kStalled = WAIT_TIMEOUT;
-constexpr auto kPatience = std::chrono::seconds(1);
+constexpr auto kStallLimit = std::chrono::seconds(1);
 constexpr auto kTick = std::chrono::milliseconds(100);
 constexpr std::size_t kPartSize = 4096;
 
@@ -76,13 +76,13 @@ public:
         error = 0;
         changed.notify_all();
         std::size_t leftBefore = pending.size();
-        Clock::time_point patienceEnds = Clock::now() + kPatience;
+        Clock::time_point stallEnds = Clock::now() + kStallLimit;
         while (!pending.empty()) {
             changed.wait_for(lock, kTick);
             if (pending.size() != leftBefore || !IsInterrupted()) {
                 leftBefore = pending.size();
-                patienceEnds = Clock::now() + kPatience;
-            } else if (Clock::now() >= patienceEnds) {
+                stallEnds = Clock::now() + kStallLimit;
+            } else if (Clock::now() >= stallEnds) {
                 return kStalled;
             }
         }
@@ -183,7 +183,7 @@ void WriteOutput(std::string_view text) {
     }
     if (error != 0) {
         throw Problem("cannot write to standard output: system error " + std::to_string(error) +
-                      "\nWrite to another place, or make room there.");
+                      "\nWrite to another place, or free some space.");
     }
 }
 

@@ -23,7 +23,7 @@ std::atomic<bool> isForJson = false;
 
 void OnExit() {
     if (!endIsOwn && IsOwnProcess()) {
-        TellFailure("the program was ended by a call of exit()");
+        ReportEnd("the program was ended by a call of exit()");
         EndProcess(kCouldNotRun);
     }
 }
@@ -44,7 +44,7 @@ void ReportCrashesInJson() {
 
 namespace {
 
-void TellReader(std::string_view text) {
+void WriteToReader(std::string_view text) {
     constexpr std::string_view lead = R"({"problem":")";
     constexpr std::string_view end = "\"}\n";
     if (!isForJson) {
@@ -64,10 +64,10 @@ void TellReader(std::string_view text) {
 
 }  // namespace
 
-void TellFailure(const char* what) {
+void ReportEnd(const char* what) {
     const CrashText text(what);
-    if (TellEnd(text.View())) {
-        TellReader(text.View());
+    if (WriteEnd(text.View())) {
+        WriteToReader(text.View());
     }
 }
 

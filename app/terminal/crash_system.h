@@ -8,21 +8,21 @@ namespace App {
 
 // What ReportCrashes needs of each system.
 
-// Calls TellFailure when the program crashes.
+// Calls ReportEnd when the program crashes.
 void CatchCrashes();
 
 // Calls `handler` where the process is being ended by what std::atexit does not see: by
 // std::quick_exit on Linux; on Windows by ExitProcess, with which the exit() of every C run-time
-// library ends. Not after TellEnd.
+// library ends. Not after WriteEnd.
 void CatchOtherExits(void (*handler)());
 
 // Writes the line to standard error and to the log, without memory and without waiting long. Only
 // the first call of the process does, and returns true.
-bool TellEnd(std::string_view text);
+bool WriteEnd(std::string_view text);
 
-// TellEnd for an end that makes the status one of failure. `what` is followed by the vendors'
+// WriteEnd for an end that makes the status one of failure. `what` is followed by the vendors'
 // calls; with --json the line also goes to standard output.
-void TellFailure(const char* what);
+void ReportEnd(const char* what);
 
 // Whether this is the process that CatchCrashes was called in, not a copy of it.
 bool IsOwnProcess();

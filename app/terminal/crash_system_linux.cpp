@@ -53,7 +53,7 @@ void OnCrash(int signal, siginfo_t* info, void*) {
     if (told) {
         sleep(1);  // another thread, or this one, is writing the report
     }
-    TellFailure(crash->text);
+    ReportEnd(crash->text);
     // The former handler does the rest: the fault occurs again when this returns.
     sigaction(signal, &before[crash - std::begin(kCrashes)], nullptr);
     if (info->si_code <= 0) {
@@ -118,7 +118,7 @@ void CatchOtherExits(void (*handler)()) {
     static_cast<void>(std::at_quick_exit(handler));
 }
 
-bool TellEnd(std::string_view text) {
+bool WriteEnd(std::string_view text) {
     if (told.exchange(true)) {
         return false;
     }

@@ -34,13 +34,13 @@ const char* TextOf(DWORD code) {
 }
 
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
-    TellFailure(TextOf(exception->ExceptionRecord->ExceptionCode));
+    ReportEnd(TextOf(exception->ExceptionRecord->ExceptionCode));
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
 // The run-time library ends the program when this returns.
 void OnAbort(int) {
-    TellFailure("the program was aborted");
+    ReportEnd("the program was aborted");
 }
 
 // The system calls this at the end of each thread that has a value in this place, and first of all
@@ -68,7 +68,7 @@ void CatchOtherExits(void (*handler)()) {
     exitHandler = handler;
 }
 
-bool TellEnd(std::string_view text) {
+bool WriteEnd(std::string_view text) {
     if (told.exchange(true)) {
         return false;
     }

@@ -24,7 +24,7 @@ namespace App {
 namespace {
 
 // A sanitizer may need some time at process exit.
-constexpr std::chrono::seconds kPatienceWithLibraries{10};
+constexpr std::chrono::seconds kExitLimit{10};
 
 constexpr int kRequests[]{SIGINT, SIGTERM, SIGHUP};
 
@@ -90,8 +90,8 @@ void EndProcessSoon(int status) {
     try {
         std::thread([status] {
             LeaveInterruptsToOthers();
-            std::this_thread::sleep_for(kPatienceWithLibraries);
-            TellEnd("a module does not let the program end; nobody waits for it any more");
+            std::this_thread::sleep_for(kExitLimit);
+            WriteEnd("a module keeps the program from ending; the program no longer waits for it");
             EndProcess(status);
         }).detach();
     } catch (const std::system_error&) {

@@ -9,7 +9,7 @@
 #include "platform/os.h"
 
 // Nothing fails here.
-void App::TellFailure(const char*) {}
+void App::ReportEnd(const char*) {}
 
 namespace {
 

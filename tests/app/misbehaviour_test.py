@@ -131,7 +131,7 @@ class Misbehaviour(AppTest):
                     self.assert_status(result, COULD_NOT_RUN)
                     self.assert_mentions(
                         result.errors,
-                        f"an exception came out of vendor scripted ({entry_point}){what}\n")
+                        f"vendor scripted ({entry_point}) threw an exception{what}\n")
 
     @on_linux
     def test_a_call_that_ends_its_thread_ends_the_command_only(self):
@@ -140,14 +140,14 @@ class Misbehaviour(AppTest):
                 result = self.run_into(entry_point, "end-thread")
                 self.assert_status(result, COULD_NOT_RUN)
                 self.assert_mentions(result.errors,
-                                     "a vendor has ended the thread that it was called on\n")
+                                     "a vendor ended the thread on which it was called\n")
 
     def test_an_exception_of_a_stop_costs_only_the_stop(self):
         for entry_point in ("StopDeviceScan", "StopAPWifiScan"):
             with self.subTest(entry_point):
                 result = self.run_into(entry_point, "throw-other")
                 self.assert_mentions(
-                    result.errors, f"an exception came out of vendor scripted ({entry_point})")
+                    result.errors, f"vendor scripted ({entry_point}) threw an exception")
                 self.assertNotEqual(result.output, "")
 
     def test_the_vendor_on_whose_thread_it_happened_comes_first(self):
@@ -257,7 +257,7 @@ class Hanging(AppTest):
         self.list_file = self.vendor_list([("one", "scripted_hangs_at_end")])
         result = self.run_app("vendors", "--json")
         self.assert_status(result, NONE_FOUND)
-        self.assert_mentions(result.errors, "a module does not let the program end")
+        self.assert_mentions(result.errors, "a module keeps the program from ending")
         self.assertEqual([one for one in json_lines(result.output) if "problem" in one], [],
                          "what was asked has its answer")
 

@@ -73,7 +73,7 @@ class PassPhrase(HostTest):
     def test_what_is_no_pass_phrase_is_told_without_showing_it(self):
         for text, saying in (("", "no pass phrase"), ("\n", "no pass phrase"),
                              ("one\ntwo", "more than one line"), ("nul\0", "not UTF-8 text"),
-                             ("long" * 2000, "more than a pass phrase")):
+                             ("long" * 2000, "too long for a pass phrase")):
             with self.subTest(text[:10]):
                 result = self.join("--pass-phrase-file", self.pass_phrase_file(text))
                 self.assert_status(result, USAGE)
@@ -89,7 +89,7 @@ class PassPhrase(HostTest):
     def test_an_empty_standard_input_is_no_open_network(self):
         result = self.run_with_input(b"", "--pass-phrase-file", "-")
         self.assert_status(result, USAGE)
-        self.assert_mentions(result.errors, "standard input holds no pass phrase", "--open")
+        self.assert_mentions(result.errors, "standard input contains no pass phrase", "--open")
 
     def test_a_file_that_cannot_be_read_is_told(self):
         result = self.join("--pass-phrase-file", app_test.system_path(self.folder))
@@ -111,7 +111,7 @@ class PassPhrase(HostTest):
     def test_without_a_terminal_a_source_is_needed(self):
         result = self.join()
         self.assert_status(result, USAGE)
-        self.assert_mentions(result.errors, "no terminal", "--pass-phrase-file", "--open")
+        self.assert_mentions(result.errors, "is not a terminal", "--pass-phrase-file", "--open")
         self.assertEqual(self.host_calls(), [])
 
 

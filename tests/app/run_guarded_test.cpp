@@ -28,20 +28,22 @@ TEST(RunGuarded, ReturnsTheStatusOfWhatItRan) {
     EXPECT_EQ(RunGuarded([] { return kNoneFound; }), kNoneFound);
 }
 
-TEST(RunGuarded, KnowsWhatEndsACommand) {
+TEST(RunGuarded, SaysWhyAndReturnsTheStatusOfWhatEndedIt) {
+    testing::internal::CaptureStderr();
     EXPECT_EQ(StatusOf(OutputClosed()), kFound);
     EXPECT_EQ(StatusOf(Interrupted()), kNoneFound);
-    EXPECT_EQ(StatusOf(Problem("x")), kCouldNotRun);
-    EXPECT_EQ(StatusOf(StepFailed("x")), kCouldNotRun);
-    EXPECT_EQ(StatusOf(NoScan("x")), kCouldNotRun);
-    EXPECT_EQ(StatusOf(NoUsbPrinter("x")), kCouldNotRun);
-}
-
-TEST(RunGuarded, SaysWhyForWhatNobodyExpected) {
-    testing::internal::CaptureStderr();
+    EXPECT_EQ(StatusOf(Problem("a problem")), kCouldNotRun);
+    EXPECT_EQ(StatusOf(StepFailed("a step")), kCouldNotRun);
+    EXPECT_EQ(StatusOf(NoScan("no scan")), kCouldNotRun);
+    EXPECT_EQ(StatusOf(NoUsbPrinter("no printer")), kCouldNotRun);
     EXPECT_EQ(StatusOf(std::runtime_error("out of ink")), kCouldNotRun);
     EXPECT_EQ(StatusOf(42), kCouldNotRun);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "devicediscover: interrupted.\n"
+              "devicediscover: a problem\n"
+              "devicediscover: a step\n"
+              "devicediscover: no scan\n"
+              "devicediscover: no printer\n"
               "devicediscover: out of ink\n"
               "devicediscover: the program cannot go on: an exception of an unknown type\n");
 }

@@ -219,7 +219,7 @@ class ScanThatFails(AppTest):
 
     def assert_nobody_looks(self, result, *words):
         self.assert_status(result, COULD_NOT_RUN)
-        self.assert_mentions(result.errors, "no vendor looks for printers", *words)
+        self.assert_mentions(result.errors, "there may be printers that were not found", *words)
         self.assertNotIn("no printer found", result.errors)
 
     def test_where_nobody_could_look_none_found_is_not_said(self):
@@ -321,7 +321,7 @@ class Floods(AppTest):
         self.assert_status(result, FOUND)
         self.assertEqual(len(result.output.splitlines()), 1000)
         self.assertEqual(result.errors.count("with the modelID"), 20)
-        self.assert_mentions(result.errors, "warning: and 980 more modelIDs that are no productId")
+        self.assert_mentions(result.errors, "warning: and 980 more modelIDs that are not in the vendor list")
 
     def test_of_a_broken_vendor_list(self):
         self.list_file = self.vendor_list([("scripted", "scripted_all"), *(1000 * [("", "x")])])
@@ -389,7 +389,7 @@ class ClosedStreams(AppTest):
     def test_a_pass_phrase_from_a_closed_input_is_an_error_at_once(self):
         result = self.run_closed("<&-", "wifi", "join", "Office", "--pass-phrase-file", "-")
         self.assertEqual(result.returncode, USAGE, result.stderr)
-        self.assertIn(b"standard input holds no pass phrase", result.stderr)
+        self.assertIn(b"standard input contains no pass phrase", result.stderr)
 
     def test_without_standard_error_the_command_works(self):
         self.script(r'print "noise\n"', device("SN1"))
@@ -468,7 +468,7 @@ class ScanLog(AppTest):
             with self.subTest(name):
                 result = self.run_app("scan", "--seconds", "0.2", "--log-file", name)
                 self.assert_status(result, COULD_NOT_RUN)
-                self.assert_mentions(result.errors, name, "no regular file")
+                self.assert_mentions(result.errors, name, "not a regular file")
                 self.assertEqual(self.records(), [])
 
 

@@ -182,7 +182,7 @@ class SetupWithATwin(SetupTest):
         self.script("result IsLocalAreaNetworkOK 17", "[scripted_all]", PRINTER,
                     "[scripted_all_b]", self.TWIN)
         event = self.assert_failed("find", "--timeout", "1.5", saying=(
-            "one with that serial number was found at 192.0.2.99 port 631, but",
+            "a printer with that serial number was found at 192.0.2.99 port 631, but",
             "the vendor's result 17"))
         self.assertNotIn("printer", event)
 
@@ -225,7 +225,7 @@ class SetupThatFails(SetupTest):
 
     def test_a_pass_phrase_that_cannot_be_given(self):
         self.write("pass-phrase", "")
-        for text, saying in (("w" * 32, "32 bytes"), ("", "holds no pass phrase"),
+        for text, saying in (("w" * 32, "32 bytes"), ("", "contains no pass phrase"),
                              ("a\nb", "more than one line")):
             with self.subTest(saying):
                 result = self.run_app("setup", "--network", "Office", "--pass-phrase-file",
@@ -283,7 +283,7 @@ class SetupThatFails(SetupTest):
                     "[scripted_all_b]", "result StartDeviceScan 6")
         start = time.monotonic()
         self.assert_failed("find", "--timeout", "300", status=COULD_NOT_RUN, saying=(
-            "nobody looks for printers any more", "was put on Office", "vendor scripted does not "
+            "every vendor's scan has failed", "was put on Office", "vendor scripted does not "
             "look for printers: the vendor's result 6"))
         self.assertLess(time.monotonic() - start, 2 * app_test.PATIENCE)
 
@@ -336,16 +336,17 @@ class SetupArguments(SetupTest):
         self.assertEqual(self.records(), [])
 
     def test_a_question_that_nobody_would_see_is_not_asked(self):
-        for arguments, saying in ((["--open"], "pick the network on"),
-                                  (["--network", "Office"], "ask for the pass phrase on")):
+        for arguments, saying in ((["--open"], "the network"),
+                                  (["--network", "Office"], "the pass phrase")):
             with self.subTest(saying):
                 with open(self.path("errors"), "wb") as errors:
                     terminal = Terminal(self, "setup", "--json", *arguments, stderr=errors)
                     self.assertEqual(terminal.finish(), USAGE)
                 self.assert_mentions(self.read(self.path("errors")),
-                                     f"no terminal to {saying}: standard error is none")
+                                     f"cannot ask for {saying}: standard error, which shows the "
+                                     "question, is not a terminal")
         result = self.run_app("setup")
-        self.assert_mentions(result.errors, "on: standard input is none")
+        self.assert_mentions(result.errors, "standard input is not a terminal")
         self.assertEqual(self.records(), [])
 
     def test_wrong_arguments(self):
@@ -378,7 +379,7 @@ class SetupOnTerminal(SetupTest):
     @staticmethod
     def pick_guests(terminal):
         terminal.expect(r"1 +Office *\n *2 +Guests *\n")
-        terminal.expect("Its number or name, or Enter to look again:")
+        terminal.expect("Number or name, or Enter to look again:")
         terminal.type("2\r")
         terminal.expect("Pass phrase of Guests")
         terminal.type(PASS_PHRASE + "\r")
@@ -410,7 +411,7 @@ class SetupOnTerminal(SetupTest):
         with open(self.path("output"), "wb") as output:
             terminal = self.start("--json", stdout=output)
             terminal.expect(r"1 +Office *\n *2 +Guests *\n")
-            terminal.expect("Its number or name, or Enter to look again:")
+            terminal.expect("Number or name, or Enter to look again:")
             terminal.type("1\r")
             terminal.expect("Pass phrase of Office")
             terminal.type(PASS_PHRASE + "\r")
@@ -423,7 +424,7 @@ class SetupOnTerminal(SetupTest):
     def test_a_network_can_be_named_also_one_that_is_not_listed(self):
         self.script(PRINTER, reported("Office"))
         terminal = self.start("--open")
-        terminal.expect("Its number or name")
+        terminal.expect("Number or name")
         terminal.type("Hidden\r")
         terminal.expect("is on Hidden at")
         self.assertEqual(terminal.finish(), FOUND)
@@ -433,10 +434,10 @@ class SetupOnTerminal(SetupTest):
         self.script(PRINTER, reported("Office"), reported("42"))
         terminal = self.start("--open")
         for answer in ("0", "3", "x" * 128):
-            terminal.expect("Its number or name")
+            terminal.expect("Number or name")
             terminal.type(answer + "\r")
             terminal.expect("there is no number|has 128 bytes")
-        terminal.expect("Its number or name")
+        terminal.expect("Number or name")
         terminal.type("42\r")
         terminal.expect("is on 42 at")
         self.assertEqual(terminal.finish(), FOUND)
@@ -444,9 +445,9 @@ class SetupOnTerminal(SetupTest):
     def test_enter_looks_again(self):
         self.script(PRINTER, reported("Office"))
         terminal = self.start("--open")
-        terminal.expect("Its number or name")
+        terminal.expect("Number or name")
         terminal.type("\r")
-        terminal.expect("Its number or name")
+        terminal.expect("Number or name")
         terminal.type("1\r")
         terminal.expect("is on Office at")
         self.assertEqual(terminal.finish(), FOUND)
@@ -474,7 +475,7 @@ class SetupOnTerminal(SetupTest):
 
     def test_without_any_network_one_can_be_named(self):
         terminal = self.start("--open")
-        terminal.expect("No network was found. Its name, or Enter to look again:")
+        terminal.expect("No network was found. Type a name, or Enter to look again:")
         terminal.type("Office\r")
         terminal.expect("is on Office at")
         self.assertEqual(terminal.finish(), FOUND)
@@ -501,7 +502,7 @@ class SetupOnTerminal(SetupTest):
     def test_ctrl_c_at_the_choice(self):
         self.script(PRINTER, reported("Office"))
         terminal = self.start()
-        terminal.expect("Its number or name")
+        terminal.expect("Number or name")
         self.interrupt(terminal, "step 2 of 6", "Nothing was changed")
 
     def test_ctrl_c_at_the_pass_phrase_brings_the_echo_back(self):
@@ -517,7 +518,7 @@ class SetupOnTerminal(SetupTest):
         terminal = self.start("--network", "Office", "--open")
         terminal.expect("Waiting for the printer to join Office")
         start = time.monotonic()
-        self.interrupt(terminal, "step 4 of 6", "may have been put on")
+        self.interrupt(terminal, "step 4 of 6", "not known whether the printer was put on")
         self.assertLess(time.monotonic() - start, 10)
 
     def test_ctrl_c_while_the_computer_joins(self):
@@ -547,7 +548,7 @@ class SetupOnTerminal(SetupTest):
                 self.assertEqual(process.returncode, NONE_FOUND)
                 event = json_lines(output.decode())[-1]
                 self.assertEqual((event["step"], event["state"]), ("configure", "interrupted"))
-                self.assertIn(b"may have been put on", errors)
+                self.assertIn(b"not known whether the printer was put on", errors)
 
 
 if __name__ == "__main__":

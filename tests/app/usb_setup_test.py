@@ -106,7 +106,7 @@ class UsbSetup(UsbSetupTest):
         self.usb_and_network(["result IsLocalAreaNetworkOK 17",
                               "delay IsLocalAreaNetworkOK 2500"], ["interval 600"])
         result = self.setup("--timeout", "1.5")
-        self.assert_failed("find", result, "one with that serial number was found at 192.0.2.7")
+        self.assert_failed("find", result, "a printer with that serial number was found at 192.0.2.7")
 
     def test_a_printer_that_this_computer_itself_announces_is_not_on_the_network_yet(self):
         self.script(*ON_USB, "result IsLocalAreaNetworkOK 17", "[scripted_all_b]",
@@ -153,9 +153,9 @@ class UsbSetup(UsbSetupTest):
         terminal = Terminal(self, "setup", "--usb", "SN1")
         terminal.expect(r"\[1/6\] Which printer\n +Fake 7, serial number SN1")
         terminal.expect(r"1 +Office *\n *2 +Guests *\n *3 +Elsewhere *\n")
-        terminal.expect("Its number or name, or Enter to look again:")
+        terminal.expect("Number or name, or Enter to look again:")
         terminal.type("\r")
-        terminal.expect("Its number or name, or Enter to look again:")
+        terminal.expect("Number or name, or Enter to look again:")
         terminal.type("2\r")
         terminal.expect("Pass phrase of Guests")
         terminal.type(PASS_PHRASE + "\r")
@@ -252,7 +252,7 @@ class UsbSetupThatFails(UsbSetupTest):
         terminal.expect("Waiting for the printer to join Office")
         terminal.type("\x03")
         self.assertEqual(terminal.finish(), NONE_FOUND)
-        terminal.expect("interrupted. The printer may have been put on")
+        terminal.expect("interrupted. It is not known whether the printer was put on")
 
     def test_ctrl_c_while_the_printer_is_looked_for_on_usb(self):
         self.usb_and_network(["delay GetDeviceInfoByUsb 60000"], [])

@@ -424,8 +424,8 @@ class UsbWatch(UsbTest):
 
     @unittest.skipIf(ON_WINDOWS, "nobody learns there that a thread has ended itself")
     def test_a_vendor_that_gives_no_answer_is_no_no(self):
-        for how, saying in (("end-thread", "its vendor has ended the thread that it was called on"),
-                            ("throw", "an exception came out of its vendor: the vendor's own mistake")):
+        for how, saying in (("end-thread", "its vendor ended the thread on which it was called"),
+                            ("throw", "its vendor threw an exception: the vendor's own mistake")):
             with self.subTest(how):
                 self.script(f"misbehave GetDeviceInfoByUsb {how}")
                 self.host(change(after=0))
@@ -467,7 +467,7 @@ class UsbWatch(UsbTest):
         self.assertEqual(process.returncode, COULD_NOT_RUN, errors)
         self.assertGreater(most, 30)
         self.assertLess(most, 100)
-        self.assert_mentions(errors.decode(), "warning: more printers are plugged in than the vendors",
+        self.assert_mentions(errors.decode(), "warning: the vendors answer too slowly",
                              f"{1500 - 64} arrivals were not asked about")
 
     def test_each_request_to_end_stops_it_properly(self):
@@ -642,7 +642,7 @@ class UsbNetworks(UsbTest):
         for lines, saying in ((("result USBWifiScan 5", reported("Office")),
                                "no networks: the vendor's result 5\n"),
                               (("result USBWifiScan -1",), "vendor scripted has failed"),
-                              ((), "reports no network.\nName one all the same"),
+                              ((), "reports no network.\nYou can still name one"),
                               ((reported("Office"), "count USBWifiScan 129"),
                                "reports no network")):
             with self.subTest(saying):

@@ -303,7 +303,7 @@ class Journey(JourneyTest):
         self.given.append(PASS_PHRASE)
         terminal.expect(r"\[2/6\]")
         terminal.expect("NETWORK")
-        terminal.answer("Its number or name", NAME)
+        terminal.answer("Number or name", NAME)
         self.assertIn("HomeNet", terminal.text)
         self.assertNotIn(OWN_NETWORK, terminal.text)
         terminal.answer("Pass phrase of " + NAME, PASS_PHRASE)
@@ -336,7 +336,7 @@ class Journey(JourneyTest):
         ended = self.set_up(PASS_PHRASE, at={"configure": interrupt})
         self.assertLess(time.monotonic() - interrupted[0], 2 * SLACK)
         self.assertEqual(ended.status, 1, str(ended))
-        self.assertIn("interrupted. The printer may have been put on the network, or not",
+        self.assertIn("interrupted. It is not known whether the printer was put on the network",
                       ended.errors)
         self.assert_not_joined()
 
@@ -460,7 +460,7 @@ class Journey(JourneyTest):
         ended = self.set_up(PASS_PHRASE, "--json", "--timeout", "3", at={"find": only_twin})
         self.assertEqual(ended.status, 1, str(ended))
         self.assertEqual(self.assert_steps(ended, "find")["result"], NOT_ON_NETWORK)
-        self.assertIn(f"one with that serial number was found at {OFFICE}1 port {TWINS_PORT}, but",
+        self.assertIn(f"a printer with that serial number was found at {OFFICE}1 port {TWINS_PORT}, but",
                       ended.errors)
 
     def test_beside_another_printer_with_its_serial_number_both_places_are_named(self):

@@ -11,7 +11,7 @@
 #include <system_error>
 #include <utility>
 
-#include "app/items/arrival_list.h"
+#include "app/items/usb_printer.h"
 #include "app/library/access_point_printer.h"
 #include "app/library/usb/host_usb_problem.h"
 #include "app/outcome/problem.h"
@@ -73,7 +73,7 @@ private:
     const ArrivalQueue::Question& question;
     Outcome outcome{{},
                     WStringToString(question.arrival.deviceId) +
-                        ": its vendor has ended the thread that it was called on",
+                        ": its vendor ended the thread on which it was called",
                     false};
 };
 
@@ -90,7 +90,7 @@ void UsbArrivals::Start(ArrivalQueue::Duration vendorsPatience) {
     static const PrinterDiscoverAPI::DeviceStateChangeCallbackInfo registration{OnChange, 0};
     if (PrinterUsbDeviceManager::GetInstance().StartMonitor(registration) != 0) {
         const std::string problem = LastUsbProblem();
-        throw Problem("printers that are plugged in cannot be watched" +
+        throw Problem("cannot watch for printers that are plugged in" +
                       (problem.empty() ? "." : ": " + problem + "."));
     }
     try {
@@ -101,8 +101,7 @@ void UsbArrivals::Start(ArrivalQueue::Duration vendorsPatience) {
         isOpen = true;  // it waits for the lock
     } catch (const std::system_error&) {
         PrinterUsbDeviceManager::GetInstance().StopMonitor();
-        throw Problem(
-            "printers that are plugged in cannot be watched: no thread could be started.");
+        throw Problem("cannot watch for printers that are plugged in: no thread could be started.");
     }
 }
 
@@ -228,9 +227,9 @@ void UsbArrivals::Ask(const ArrivalQueue::Question& question) {
     } catch (const std::out_of_range&) {
         asking.Failed("too short to name a printer; write it as VID_vvvv&PID_pppp");
     } catch (const std::exception& error) {
-        asking.Failed(std::string("an exception came out of its vendor: ") + error.what());
+        asking.Failed(std::string("its vendor threw an exception: ") + error.what());
     } catch (...) {
-        asking.Failed("an exception came out of its vendor");
+        asking.Failed("its vendor threw an exception");
     }
 }
 
@@ -263,8 +262,8 @@ std::vector<std::string> UsbArrivals::TakeRemarks() {
     }
     if (queue.HasMissed() && !std::exchange(isMissingRemarked, true)) {
         remarks.emplace_back(
-            "more printers are plugged in than the vendors answer about; some of them are "
-            "not asked about");
+            "the vendors answer too slowly: they are not asked about some of the printers that "
+            "were plugged in");
     }
     return remarks;
 }
@@ -278,8 +277,8 @@ std::vector<std::string> UsbArrivals::Unreported(const UsbPortMap& before,
         if (model == models.end() || model->second.asked == 0) {
             if (CountIn(before, port.first) == 0) {
                 lines.push_back(WStringToString(port.first) +
-                                ": plugged in, but it has only just come, or the watch was "
-                                "not told of it; the log says why");
+                                ": plugged in, but not reported: it has only just come, or "
+                                "the system did not report it; the log says why");
             }
         } else if (model->second.isAnswered && !model->second.problem.empty()) {
             lines.push_back(model->second.problem);
@@ -302,7 +301,7 @@ std::vector<std::string> UsbArrivals::Unanswered(bool alsoRemarked) const {
         }
     }
     if (unasked != 0) {
-        lines.push_back(fmt::format("{} {} not asked about: too many vendors' answers are awaited",
+        lines.push_back(fmt::format("{} {} not asked about: too many vendors have not answered yet",
                                     CountOf<Arrival>(unasked), unasked == 1 ? "was" : "were"));
     }
     return lines;

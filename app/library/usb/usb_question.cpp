@@ -51,7 +51,8 @@ public:
     // identifier. False when there was nothing to update, or no chance to.
     bool Learn(const std::wstring& deviceId) {
         std::unique_lock lock(mutex);
-        if (!changed.wait_for(lock, kPatience, [this] { return questions == 0 && !isLearning; }) ||
+        if (!changed.wait_for(lock, kQuestionLimit,
+                              [this] { return questions == 0 && !isLearning; }) ||
             learned.count(deviceId) != 0) {
             return learned.count(deviceId) != 0;
         }
@@ -73,7 +74,7 @@ public:
     }
 
 private:
-    static constexpr std::chrono::seconds kPatience{30};
+    static constexpr std::chrono::seconds kQuestionLimit{30};
 
     // A printer that was unplugged meanwhile may have been missed.
     static bool LearnNow(const std::wstring& deviceId) {

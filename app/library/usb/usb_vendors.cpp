@@ -110,7 +110,7 @@ std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const 
         return survey.problems;
     }
     throw Problem("no vendor can do this" + Lines(survey.problems) +
-                  "\nName a vendor list with --vendors FILE, or put the modules in order; "
+                  "\nName a vendor list with --vendors FILE, or install the missing modules; "
                   "`devicediscover vendors` shows what is there.");
 }
 

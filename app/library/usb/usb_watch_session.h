@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/items/arrival_list.h"
+#include "app/items/usb_printer.h"
 #include "app/library/usb/usb_vendors.h"
 #include "app/running/running_work.h"
 
