@@ -27,6 +27,7 @@ HONEST = 20
 PATIENCE = 20.0  # seconds
 WATCHED = 3.0  # seconds; memory is that of a scan of at least this time
 LATE = 1.0  # seconds after the start of the scan
+PAUSE = 3.0  # seconds from one scan among MANY printers to the next
 
 HONEST_PRINTERS = {
     "name": "Honest", "host": "honest", "hosts": True, "address": "10.99.0.20", "port": 9000,
@@ -109,7 +110,11 @@ def many_names(line):
 
 
 def thousand(build, rounds):
-    """Both tools in turns, with all printers in Avahi's cache; the medians in seconds."""
+    """Both tools in turns, with all printers in Avahi's cache; the medians in seconds.
+
+    Avahi does not repeat what it has just asked the network, and is then quicker. The pause lets
+    neither tool profit from what the one before has asked.
+    """
     tools = {"devicediscover": (command(build), honest_printer),
              "avahi-browse": (["avahi-browse", "-rp", "_ipp._tcp"], many_names)}
     times, memory = {tool: [] for tool in tools}, []
@@ -119,6 +124,7 @@ def thousand(build, rounds):
         scan(*tools["avahi-browse"], MANY, 3 * PATIENCE)
         for number in range(rounds):
             for tool in sorted(tools, reverse=number % 2 == 0):
+                time.sleep(PAUSE)
                 result = scan(*tools[tool], MANY, PATIENCE)
                 if len(result.found) != MANY:
                     raise RuntimeError(f"{tool} found {len(result.found)} of {MANY} printers")

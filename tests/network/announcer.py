@@ -17,6 +17,7 @@ interface. Answers "ready" to each line.
 import argparse
 import json
 import resource
+import selectors
 import socket
 import struct
 import subprocess
@@ -143,10 +144,9 @@ class Responder:
             wanted.append((name, struct.unpack(">H", data[offset:offset + 2])[0]))
             offset += 4
         for _ in range(known):
-            _, offset = read_name(data, offset)
+            name, offset = read_name(data, offset)
             kind, _, _, length = struct.unpack(">HHIH", data[offset:offset + 10])
-            if kind == PTR:
-                told.add(read_name(data, offset + 10)[0])
+            told.add(read_name(data, offset + 10)[0] if kind == PTR else (name, kind))
             offset += 10 + length
         if flags & TRUNCATED:
             self.begun[sender] = (wanted, told)
@@ -158,7 +158,7 @@ class Responder:
                     chosen = [i for i in self.instances if b".".join(i.type).lower() == name
                               and b".".join(i.full).lower() not in told]
                     answers += [r for i in chosen for r in i.announced()]
-                else:
+                elif (name, kind) not in told:
                     answers += [r for i in self.by_name.get(name, []) for r in i.rest()]
         self.send(answers)
 
@@ -178,6 +178,63 @@ def read_name(data, offset):
     raise IndexError
 
 
+class Printers:
+    """All printers that answer, on one thread: many of them cost this computer next to nothing."""
+
+    def __init__(self):
+        self.ready = selectors.DefaultSelector()
+        self.thread = None
+
+    def add(self, address, port, attributes):
+        listener = socket.create_server((address, port), backlog=128)
+        listener.setblocking(False)
+        answer = fake_printer.ipp_response(b"", 0, b"", attributes)
+        self.ready.register(listener, selectors.EVENT_READ, (self.accept, answer))
+        if self.thread is None:
+            self.thread = threading.Thread(target=self.serve, daemon=True)
+            self.thread.start()
+
+    def serve(self):
+        while True:
+            for key, _ in self.ready.select():
+                act, *details = key.data
+                try:
+                    act(key.fileobj, *details)
+                except OSError:
+                    self.close(key.fileobj)
+
+    def close(self, connection):
+        self.ready.unregister(connection)
+        connection.close()
+
+    def accept(self, listener, answer):
+        try:
+            connection, _ = listener.accept()
+        except BlockingIOError:
+            return
+        self.ready.register(connection, selectors.EVENT_READ, (self.read, answer, bytearray()))
+
+    def read(self, connection, answer, data):
+        more = connection.recv(65536)
+        data += more
+        head, end, body = bytes(data).partition(b"\r\n\r\n")
+        if not more:
+            self.close(connection)
+        elif end and len(body) >= length_in(head):
+            status, rest = answer[:2], answer[2:]
+            data.clear()
+            connection.sendall(fake_printer.http_response(body[0:2] + status + body[4:8] + rest))
+
+
+def length_in(head):
+    """What an HTTP header says about the length of what follows."""
+    for line in head.lower().split(b"\r\n"):
+        name, _, value = line.partition(b":")
+        if name == b"content-length":
+            return int(value)
+    return 0
+
+
 def serve(address, port, options):
     listener = socket.create_server((address, port), backlog=128)
     while True:
@@ -193,7 +250,7 @@ def have_address(address):
                        stderr=subprocess.DEVNULL)
 
 
-def obey(responder, spec):
+def obey(responder, printers, spec):
     count = spec.get("count")
     numbers = [None] if count is None else range(spec.get("from", 1), spec.get("from", 1) + count)
     instances = [Instance(spec, number) for number in numbers]
@@ -202,6 +259,9 @@ def obey(responder, spec):
         for number, instance in zip(numbers, instances):
             attributes = [fake_printer.pair(text.replace("{}", str(number)))
                           for text in spec.get("attributes", [])]
+            if spec["serve"] == "answers":
+                printers.add(instance.address, instance.port, attributes)
+                continue
             options = types.SimpleNamespace(behaviour=spec["serve"], attribute=attributes)
             threading.Thread(target=serve, args=(instance.address, instance.port, options),
                              daemon=True).start()
@@ -237,9 +297,9 @@ def main():
     options = parser.parse_args()
     resource.setrlimit(resource.RLIMIT_NOFILE, (resource.getrlimit(resource.RLIMIT_NOFILE)[1],) * 2)
     threading.stack_size(256 << 10)
-    responder = Responder(options.network)
+    responder, printers = Responder(options.network), Printers()
     for line in sys.stdin:
-        obey(responder, json.loads(line))
+        obey(responder, printers, json.loads(line))
         print("ready", flush=True)
 
 
