@@ -12,7 +12,7 @@ import unittest
 SCAN, SET_UP = sys.argv[1:3]
 
 # What a module stands on; the sanitizers' libraries where it is built with them.
-OF_THE_SYSTEM = re.compile(r"lib(avahi-client|avahi-common|gnutls|usb-1\.0|stdc\+\+|gcc_s|m|c|"
+OF_THE_SYSTEM = re.compile(r"lib(avahi-client|avahi-common|dbus-1|gnutls|usb-1\.0|stdc\+\+|gcc_s|m|c|"
                            r"pthread|dl|asan|ubsan|tsan)\.so\.\d+|ld-linux.*\.so\.\d+")
 # Names of the broker and of libraries of the application that no module uses.
 OF_OTHERS = re.compile(r"PrinterDeviceDiscoverSdk|KzLogger|VendorDllMgr|LogHelper|PrinterUtil")

@@ -7,14 +7,12 @@
 #include <avahi-client/publish.h>
 #include <avahi-common/domain.h>
 #include <avahi-common/error.h>
-#include <avahi-common/malloc.h>
 #include <avahi-common/simple-watch.h>
+#include <avahi-common/strlst.h>
 #include <avahi-common/timeval.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <atomic>
 #include <cerrno>
 #include <condition_variable>
@@ -26,10 +24,11 @@
 #include "modules/driverless/common/diagnostics.h"
 #include "modules/driverless/common/guarded.h"
 #include "modules/driverless/common/results.h"
-#include "modules/driverless/common/text.h"
 #include "modules/driverless/discovery/asked_address.h"
 #include "modules/driverless/discovery/host_network.h"
 #include "modules/driverless/discovery/lookup_schedule.h"
+#include "modules/driverless/discovery/service_lookups.h"
+#include "modules/driverless/discovery/txt_entries.h"
 
 namespace Driverless {
 
@@ -47,9 +46,6 @@ constexpr std::chrono::milliseconds kNetworksAreKnown{1000};
 // The limit for lines about left-out addresses, so that a hostile host cannot fill the disk.
 constexpr int kMaxLeftOutLines = 100;
 
-// The keys that are used. Others may be long and are dropped.
-constexpr std::array kKnownKeys{"uuid", "ty", "usb_mfg", "usb_mdl", "product", "rp"};
-
 // How often Avahi is asked whether it still answers.
 constexpr unsigned kMillisecondsBetweenPings = 1000;
 
@@ -59,11 +55,6 @@ struct FreePoll {
 struct FreeClient {
     void operator()(AvahiClient* client) const { avahi_client_free(client); }
 };
-
-struct FreeText {
-    void operator()(char* text) const { avahi_free(text); }
-};
-using AvahiText = std::unique_ptr<char, FreeText>;
 
 // Wakes the thread that waits for Avahi. A descriptor of its own: what Avahi has for it is not for
 // other threads.
@@ -102,19 +93,8 @@ ServiceKind KindOf(const char* type) {
 std::map<std::string, std::string> TxtEntries(AvahiStringList* list) {
     std::map<std::string, std::string> entries;
     for (; list != nullptr; list = avahi_string_list_get_next(list)) {
-        char* key = nullptr;
-        char* value = nullptr;
-        std::size_t size = 0;
-        if (avahi_string_list_get_pair(list, &key, &value, &size) != 0) {
-            continue;
-        }
-        const AvahiText ownedKey(key);
-        const AvahiText ownedValue(value);
-        const std::string name = LowerCase(key);
-        // The first of several entries with the same key counts.
-        if (std::find(kKnownKeys.begin(), kKnownKeys.end(), name) != kKnownKeys.end()) {
-            entries.emplace(name, value == nullptr ? std::string() : std::string(value, size));
-        }
+        const void* const text = avahi_string_list_get_text(list);
+        AddTxtEntry(entries, {static_cast<const char*>(text), avahi_string_list_get_size(list)});
     }
     return entries;
 }
@@ -193,19 +173,19 @@ private:
     void SetPing();
     void Ping();
     void StartBrowsing(AvahiClient* ofClient);
+    bool StartLookups();
+    bool ResolveOnly(AvahiClient* ofClient);
     void Disconnect();
     void Announced(const ServiceId& id);
     void Progressed(AvahiClient* ofClient, AvahiBrowserEvent event);
     void Found(const ServiceId& id, Service service, bool byThisHost);
     bool IsAsked(const ServiceId& id, const std::string& address, bool byThisHost);
-    void NotFound();
     void Gone(const ServiceId& id);
     void SetTimer(std::optional<Clock::time_point> time);
     void LookUp();
-    void Begin(const std::vector<ServiceId>& ids);
-    bool Resolve(AvahiClient* ofClient, const ServiceId& id);
-    void SayRefused(const ServiceId& id, int error);
-    void ForgetResolver(const ServiceId& id);
+    void ReceiveLookups();
+    void Refused(const ServiceId& id, const std::string& error);
+    void SayRefused(const ServiceId& id, const std::string& error);
     void Send(Signal sent);
     Signal TakeSignal();
 
@@ -216,12 +196,13 @@ private:
     AvahiTimeout* timer = nullptr;
     AvahiTimeout* ping = nullptr;
     std::unique_ptr<AvahiClient, FreeClient> client;
+    std::unique_ptr<ServiceLookups> lookups;
     bool browsing = false;
-    int refusals = 0;  // consecutive ones
+    int refusals = 0;  // consecutive ones; those of one moment are one
+    Clock::time_point refusedUntil;
     bool saidRefused = false;
     int leftOutLines = 0;
     std::size_t unsettled = 0;
-    std::map<ServiceId, AvahiServiceResolver*> resolvers;
     LookupSchedule schedule;
     // The networks of one interface, cached for a moment: many services arrive on it at once.
     std::vector<OwnNetwork> networks;
@@ -370,8 +351,8 @@ bool DnssdBrowser::Watch::Reconnect() {
 
 void DnssdBrowser::Watch::Disconnect() {
     SetTimer(std::nullopt);
+    lookups.reset();
     client.reset();
-    resolvers.clear();
     schedule.Clear();
     browsing = false;
 }
@@ -402,10 +383,11 @@ void DnssdBrowser::Watch::ClientChanged(AvahiClient* client, AvahiClientState st
 
 void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
     browsing = true;
+    if (only ? !ResolveOnly(ofClient) : !StartLookups()) {
+        listener(AvahiFailure(only ? avahi_client_errno(ofClient) : AVAHI_ERR_DBUS_ERROR));
+        return;
+    }
     if (only) {
-        if (!Resolve(ofClient, *only)) {
-            listener(AvahiFailure(avahi_client_errno(ofClient)));
-        }
         return;
     }
     unsettled = kServiceTypes.size();
@@ -419,6 +401,18 @@ void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
             return;
         }
     }
+}
+
+// False without a further connection to the bus.
+bool DnssdBrowser::Watch::StartLookups() {
+    const ServiceLookups::Listener whatBecame{
+        [this](const ServiceId& id, Service service, bool byThisHost) {
+            Found(id, std::move(service), byThisHost);
+        },
+        [this](const ServiceId& id, const std::string& error) { Refused(id, error); }};
+    const auto onReady = [this] { Guard([this] { ReceiveLookups(); }); };
+    Asking([&] { lookups = std::make_unique<ServiceLookups>(events, whatBecame, onReady); });
+    return lookups->IsConnected();
 }
 
 void DnssdBrowser::Watch::Browsed(AvahiServiceBrowser* browser, AvahiIfIndex interface,
@@ -458,7 +452,7 @@ void DnssdBrowser::Watch::Announced(const ServiceId& id) {
 }
 
 void DnssdBrowser::Watch::Gone(const ServiceId& id) {
-    ForgetResolver(id);
+    lookups->End(id);
     schedule.Gone(id, Clock::now());
     listener({DnssdEvent::Kind::Gone, id, {}, 0, {}});
     LookUp();
@@ -483,8 +477,12 @@ void DnssdBrowser::Watch::SetTimer(std::optional<Clock::time_point> time) {
     }
 }
 
-// Begins and ends look-ups as the schedule says.
+// Begins and ends look-ups as the schedule says. An Avahi that is behind is asked for no more.
 void DnssdBrowser::Watch::LookUp() {
+    if (lookups->IsBehind()) {
+        SetTimer(std::nullopt);
+        return;
+    }
     std::vector<ServiceId> told;
     {
         const std::lock_guard lock(mutex);
@@ -495,58 +493,53 @@ void DnssdBrowser::Watch::LookUp() {
     }
     const LookupSchedule::Work work = schedule.Advance(Clock::now());
     for (const ServiceId& id : work.end) {
-        ForgetResolver(id);
+        lookups->End(id);
     }
-    Begin(work.begin);
-    SetTimer(schedule.Next(Clock::now()));
+    for (const ServiceId& id : work.begin) {
+        lookups->Begin(id);
+    }
+    SetTimer(work.next);
 }
 
-// Begins the look-ups. After Avahi has refused one, the others wait as well.
-void DnssdBrowser::Watch::Begin(const std::vector<ServiceId>& ids) {
-    bool refused = false;
-    for (const ServiceId& id : ids) {
-        if (!refused && !Resolve(client.get(), id)) {
-            refused = true;
-            SayRefused(id, avahi_client_errno(client.get()));
-        }
-        if (refused) {
-            schedule.Refused(id, Clock::now());
-        }
+void DnssdBrowser::Watch::ReceiveLookups() {
+    if (!lookups->Receive()) {
+        Send(Signal::Interrupted);
     }
-    if (!refused && !ids.empty()) {
-        refusals = 0;
-    }
+    LookUp();
 }
 
-// False when Avahi refuses the look-up for now.
-bool DnssdBrowser::Watch::Resolve(AvahiClient* ofClient, const ServiceId& id) {
-    ForgetResolver(id);
-    AvahiServiceResolver* const resolver = Asking([&] {
-        return avahi_service_resolver_new(ofClient, id.interface, AVAHI_PROTO_INET, id.name.c_str(),
-                                          TypeName(id.kind), id.domain.c_str(), AVAHI_PROTO_INET,
-                                          AvahiLookupFlags{}, ResolvedService, this);
-    });
-    if (resolver == nullptr) {
-        return false;
-    }
-    resolvers.emplace(id, resolver);
-    return true;
+void DnssdBrowser::Watch::Refused(const ServiceId& id, const std::string& error) {
+    schedule.Refused(id, Clock::now());
+    SayRefused(id, error);
+}
+
+bool DnssdBrowser::Watch::ResolveOnly(AvahiClient* ofClient) {
+    return Asking([&] {
+               return avahi_service_resolver_new(ofClient, only->interface, AVAHI_PROTO_INET,
+                                                 only->name.c_str(), TypeName(only->kind),
+                                                 only->domain.c_str(), AVAHI_PROTO_INET,
+                                                 AvahiLookupFlags{}, ResolvedService, this);
+           }) != nullptr;
 }
 
 // Reports a refusal once, and only after a second one: many services are refused for the same
 // reason. The first refusal may only mean that Avahi is ending, which is reported separately.
-void DnssdBrowser::Watch::SayRefused(const ServiceId& id, int error) {
+void DnssdBrowser::Watch::SayRefused(const ServiceId& id, const std::string& error) {
     const std::string message = "Avahi does not look up " + id.name + "." + TypeName(id.kind) +
-                                ", and is asked again: " + avahi_strerror(error);
-    if (++refusals > 1 && !std::exchange(saidRefused, true)) {
+                                ", and is asked again: " + error;
+    const auto now = Clock::now();
+    if (now >= refusedUntil) {
+        refusedUntil = now + kDelayAfterRefusal;
+        ++refusals;
+    }
+    if (refusals > 1 && !std::exchange(saidRefused, true)) {
         ReportProblem(message);
     } else {
         ReportDetail(message);
     }
 }
 
-// A failed resolver is kept while there is room: it continues to listen, and the service may still
-// answer.
+// Of the only service.
 void DnssdBrowser::Watch::ResolvedService(AvahiServiceResolver*, AvahiIfIndex interface,
                                           AvahiProtocol, AvahiResolverEvent event, const char* name,
                                           const char* type, const char* domain, const char* host,
@@ -556,34 +549,28 @@ void DnssdBrowser::Watch::ResolvedService(AvahiServiceResolver*, AvahiIfIndex in
     auto* const watch = static_cast<Watch*>(self);
     watch->Guard([&] {
         if (event != AVAHI_RESOLVER_FOUND) {
-            watch->NotFound();
+            watch->listener({DnssdEvent::Kind::Gone, *watch->only, {}, 0, {}});
             return;
         }
-        // Port 0 means that the name is reserved and the protocol not supported.
-        const bool usable = address != nullptr && port != 0;
         watch->Found({name, domain, KindOf(type), interface},
-                     {host == nullptr ? "" : host, usable ? AddressText(*address) : "", port,
-                      TxtEntries(txt)},
+                     {host == nullptr ? "" : host, address == nullptr ? "" : AddressText(*address),
+                      port, TxtEntries(txt)},
                      (flags & AVAHI_LOOKUP_RESULT_LOCAL) != 0);
     });
 }
 
-void DnssdBrowser::Watch::NotFound() {
-    if (only) {
-        listener({DnssdEvent::Kind::Gone, *only, {}, 0, {}});
-    }
-}
-
-// A service without an address cannot be used.
+// A service without an address cannot be used. Port 0 means that the name is reserved and the
+// protocol not supported.
 void DnssdBrowser::Watch::Found(const ServiceId& id, Service service, bool byThisHost) {
-    ForgetResolver(id);
-    schedule.Found(id);
-    const bool asked = !service.address.empty() && IsAsked(id, service.address, byThisHost);
+    if (lookups != nullptr) {
+        lookups->End(id);
+        schedule.Found(id, Clock::now());
+        refusals = 0;
+    }
+    const bool asked =
+        !service.address.empty() && service.port != 0 && IsAsked(id, service.address, byThisHost);
     const auto kind = asked ? DnssdEvent::Kind::Resolved : DnssdEvent::Kind::Gone;
     listener({kind, id, std::move(service), 0, {}});
-    if (!only) {
-        LookUp();
-    }
 }
 
 bool DnssdBrowser::Watch::IsAsked(const ServiceId& id, const std::string& address,
@@ -601,14 +588,6 @@ bool DnssdBrowser::Watch::IsAsked(const ServiceId& id, const std::string& addres
                      " is left out: " + reason + (last ? "; further ones are not told" : ""));
     }
     return reason.empty();
-}
-
-void DnssdBrowser::Watch::ForgetResolver(const ServiceId& id) {
-    const auto resolver = resolvers.find(id);
-    if (resolver != resolvers.end()) {
-        Asking([&] { return avahi_service_resolver_free(resolver->second); });
-        resolvers.erase(resolver);
-    }
 }
 
 void DnssdBrowser::Watch::Send(Signal sent) {

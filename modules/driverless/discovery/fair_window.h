@@ -11,6 +11,7 @@
 // items, the oldest and the newest begin in turns: neither a long queue ahead of an item nor a
 // stream of newer items delays it for long.
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <iterator>
@@ -69,6 +70,22 @@ public:
         }
     }
 
+    // Removes an item whose work is done. Who does the work takes it in order: while he finishes
+    // items, those that began later are not slow, only in a queue, and stay young.
+    void Finish(const Item& item, Time now) {
+        const auto found = tickets.find(item);
+        if (found == tickets.end()) {
+            return;
+        }
+        const auto& since = shares.at(found->second.owner).since;
+        const auto begun = since.find(item);
+        if (begun != since.end()) {
+            newestFinished = std::max(newestFinished, begun->second);
+            lastFinish = now;
+        }
+        Remove(item);
+    }
+
     // The next item that may begin now. The owner with the least running work goes first; among
     // equals, the owner that was served longest ago.
     std::optional<Item> Take(Time now) {
@@ -118,7 +135,7 @@ public:
         if (ranks.empty() || youngest.empty()) {
             return std::nullopt;
         }
-        return youngest.begin()->first + limits.youth;
+        return EndOfYouth();
     }
 
     std::size_t UnderWay() const { return all; }
@@ -192,8 +209,15 @@ private:
         return true;
     }
 
+    // Of the item that began first.
+    Time EndOfYouth() const {
+        const Time begun = youngest.begin()->first;
+        const bool isQueued = lastFinish && begun >= newestFinished;
+        return (isQueued ? std::max(begun, *lastFinish) : begun) + limits.youth;
+    }
+
     void GrowOld(Time now) {
-        while (!youngest.empty() && youngest.begin()->first + limits.youth <= now) {
+        while (!youngest.empty() && EndOfYouth() <= now) {
             --shares.at(tickets.at(youngest.begin()->second).owner).young;
             youngest.erase(youngest.begin());
         }
@@ -204,6 +228,8 @@ private:
     std::map<Owner, Share> shares;
     std::set<std::tuple<std::size_t, std::uint64_t, Owner>> ranks;  // of the owners that wait
     std::set<std::pair<Time, Item>> youngest;
+    Time newestFinished = Time::min();  // the latest begin of a finished item
+    std::optional<Time> lastFinish;
     std::size_t all = 0;
     std::uint64_t turns = 0;
     std::uint64_t lastNumber = 0;

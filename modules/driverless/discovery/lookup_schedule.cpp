@@ -59,9 +59,10 @@ void LookupSchedule::Gone(const ServiceId& id, Time now) {
     }
 }
 
-void LookupSchedule::Found(const ServiceId& id) {
+void LookupSchedule::Found(const ServiceId& id, Time now) {
     const auto known = services.find(id);
     if (known != services.end()) {
+        WindowOf(id).Finish(id, now);
         Leave(id);
         known->second.state = State::Done;
         handedBack.erase(id);

@@ -52,7 +52,7 @@ public:
     void Gone(const ServiceId& id, Time now);
 
     // The look-up has ended.
-    void Found(const ServiceId& id);
+    void Found(const ServiceId& id, Time now);
 
     // Avahi refused to begin the look-up.
     void Refused(const ServiceId& id, Time now);

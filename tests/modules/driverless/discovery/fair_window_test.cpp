@@ -149,5 +149,39 @@ TEST_F(FairWindowTest, TheOldestIsTakenBack_WhenSomebodyWaits) {
     EXPECT_EQ(window.TakeBack(now, milliseconds(3000)), std::nullopt) << "not old enough";
 }
 
+TEST_F(FairWindowTest, WhatBeganLaterThanWhatIsFinished_StaysYoung) {
+    Add("a", 1, 100);
+    const std::vector<int> first = TakeAll();
+    now += milliseconds(90);
+    window.Finish(first[0], now);
+    const std::vector<int> second = TakeAll();
+    ASSERT_EQ(second.size(), 1u);
+    now += milliseconds(99);
+    EXPECT_TRUE(TakeAll().empty()) << "the first are in a queue that moves";
+    EXPECT_EQ(window.Next(), now + milliseconds(1)) << "since the last was finished";
+}
+
+TEST_F(FairWindowTest, WhatIsOvertaken_GrowsOld) {
+    Add("a", 1, 100);
+    const std::vector<int> first = TakeAll();
+    now += milliseconds(90);
+    window.Finish(first[0], now);
+    const std::vector<int> second = TakeAll();
+    now += milliseconds(5);
+    window.Finish(second.at(0), now);
+    EXPECT_EQ(TakeAll().size(), 1u) << "of four three are young still";
+    now += milliseconds(5);
+    EXPECT_EQ(TakeAll().size(), 3u) << "100 ms of youth are over";
+}
+
+TEST_F(FairWindowTest, WhatIsRemoved_IsNotFinished) {
+    Add("a", 1, 100);
+    const std::vector<int> first = TakeAll();
+    now += milliseconds(90);
+    window.Remove(first[0]);
+    now += milliseconds(10);
+    EXPECT_EQ(TakeAll().size(), 4u);
+}
+
 }  // namespace
 }  // namespace Driverless

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <deque>
 #include <set>
 #include <string>
 #include <vector>
@@ -93,7 +94,7 @@ TEST_F(LookupScheduleTest, OfAPrinterThatAnswered_TheRestIsLookedUpLate) {
     Announce(Id(ServiceKind::Ipps, "Other"));
     Announce(Id(ServiceKind::Ipps, "Laser", 3));
     BegunNow();
-    schedule.Found(Id(ServiceKind::Ipp));
+    schedule.Found(Id(ServiceKind::Ipp), now);
     schedule.Answered(Id(ServiceKind::Ipp));
     const Ids begun = BegunAfter(kDelayWithIpp);
     EXPECT_EQ((std::set<ServiceId>{begun.begin(), begun.end()}),
@@ -103,7 +104,7 @@ TEST_F(LookupScheduleTest, OfAPrinterThatAnswered_TheRestIsLookedUpLate) {
     EXPECT_TRUE(work.begin.empty());
     EXPECT_EQ(work.next, now + milliseconds(1));
     EXPECT_EQ(BegunAfter(milliseconds(1)), Ids{Id(ServiceKind::Ipps)});
-    schedule.Found(Id(ServiceKind::Ipps));
+    schedule.Found(Id(ServiceKind::Ipps), now);
     EXPECT_TRUE(BegunAfter(milliseconds(10000)).empty()) << "once";
 }
 
@@ -162,7 +163,7 @@ TEST_F(LookupScheduleTest, WhenTheServiceThatAnsweredGoes_TheOthersAreLookedUp) 
     Announce(Id(ServiceKind::Ipp));
     Announce(Id(ServiceKind::Ipps));
     BegunNow();
-    schedule.Found(Id(ServiceKind::Ipp));
+    schedule.Found(Id(ServiceKind::Ipp), now);
     schedule.Answered(Id(ServiceKind::Ipp));
     BegunAfter(kDelayWithIpp);
     schedule.Gone(Id(ServiceKind::Ipp), now);
@@ -209,6 +210,26 @@ TEST_F(LookupScheduleTest, ManyThatAreNeverFound_LeaveAvahiRoom) {
         Announce(Id(ServiceKind::Ipps, "Secure junk " + std::to_string(number)));
     }
     EXPECT_LT(MostUnderWay(milliseconds(5000)), 800u) << "of 1,024 objects";
+}
+
+TEST_F(LookupScheduleTest, ManyThatAreFoundInOrder_AreNotAskedForAllAtOnce) {
+    for (int number = 0; number < 400; ++number) {
+        Announce(Junk(number));
+    }
+    std::deque<ServiceId> underWay;
+    std::size_t most = 0;
+    std::size_t found = 0;
+    for (; found < 400 && now < LookupSchedule::Time{} + milliseconds(3000); ++found) {
+        const Ids begun = BegunNow();
+        underWay.insert(underWay.end(), begun.begin(), begun.end());
+        most = std::max(most, underWay.size());
+        ASSERT_FALSE(underWay.empty());
+        now += milliseconds(5);  // each waits for those before it: much longer than 40 ms
+        schedule.Found(underWay.front(), now);
+        underWay.pop_front();
+    }
+    EXPECT_EQ(found, 400u);
+    EXPECT_LE(most, 32u);
 }
 
 TEST_F(LookupScheduleTest, OneThatComesLate_IsLookedUpSoonAmongManyThatAreNeverFound) {
@@ -271,7 +292,7 @@ TEST_F(LookupScheduleTest, WhenAvahiRefuses_OneThatEndsMakesRoom) {
     BegunNow();
     schedule.Refused(Junk(2), now);
     Announce(Junk(3));
-    schedule.Found(Junk(1));
+    schedule.Found(Junk(1), now);
     EXPECT_EQ(BegunNow(), Ids{Junk(3)});
 }
 
