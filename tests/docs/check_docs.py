@@ -22,8 +22,7 @@ SOURCES = ["app", "base", "host", "modules/driverless", "platform"]
 LINK = re.compile(r"\]\(([^)#:\s]+)(?:#[^)]*)?\)")
 SPAN = re.compile(r"`([^`\n]+)`")
 FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
-PATH = re.compile(r"(?:\.ci|\.github|app|base|bench|broker|cmake|demo|docs|host|include|modules|platform|scripts"
-                  r"|tests)/[\w./*-]*$")
+PATH = re.compile(r"([\w.-]+)/[\w./*-]*$")
 PLACEHOLDER = re.compile(r"NAME|FOLDER")
 COMMAND = re.compile(r"devicediscover ((?:[a-z]+ ?)+)")
 OPTION = re.compile(r"--[a-z][a-z-]+")
@@ -77,9 +76,15 @@ def broken_links(top, path, text):
             yield f"{path}: links to {target}, which is not there"
 
 
+def is_path(top, span):
+    """Whether it is a path into a folder of the project; what is built is none."""
+    match = PATH.match(span)
+    return match and match.group(1) != "build" and os.path.isdir(os.path.join(top, match.group(1)))
+
+
 def missing_paths(top, path, text):
     for span in SPAN.findall(text):
-        if PATH.match(span) and not PLACEHOLDER.search(span) and not exists(top, span):
+        if is_path(top, span) and not PLACEHOLDER.search(span) and not exists(top, span):
             yield f"{path}: names {span}, which is not there"
 
 

@@ -2,7 +2,9 @@
 # SPDX-License-Identifier: Apache-2.0
 """Checks who includes whom, and who knows an operating system or a compiler.
 
-usage: check_layering.py [SOURCE]    SOURCE: the top of the project (default: that of this script)
+usage: check_layering.py [--folders] [SOURCE]    SOURCE: the top of the project (default: that of this script)
+
+--folders: prints the product's top folders, one a line, and checks nothing.
 
 Exit status: 0 all as planned, 1 something else, each place named.
 """
@@ -47,6 +49,9 @@ MAY_INCLUDE = {
     "kit": ["include/VendorSdk/", "broker/binding/", "platform/os.h", "platform/os_calls.h"],
 }
 INCLUDE_FOLDERS = ["", "include/"]
+# What CMake builds besides the product.
+BESIDES = {"bench", "tests"}
+SUBDIRECTORY = re.compile(r"^\s*add_subdirectory\((\w+)\)", re.MULTILINE)
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
 SOURCE_FILE = re.compile(r"\.(h|hpp|c|cpp|inc)$")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
@@ -70,6 +75,22 @@ COMPILER_WORDS = re.compile(
     r"|__forceinline|__restrict\w*|__PRETTY_FUNCTION__|__FUNCSIG__|__FUNCTION__"
     r"|_MSC_\w+|__GNUC\w*__|__clang\w*__|__INTEL\w*)\b|#\s*pragma\s+(?!once\b)\w+")
 MAY_KNOW_THE_COMPILER = re.compile(r"^platform/compiler\.h$|^include/VendorSdk/entry_points\.h$")
+
+
+def folders(top):
+    """The product's top folders."""
+    names = {layer.split("/")[0] for layer in MAY_INCLUDE}
+    return sorted(name for name in names if os.path.isdir(os.path.join(top, name)))
+
+
+def folders_without_a_layer(top):
+    path = os.path.join(top, "CMakeLists.txt")
+    if not os.path.isfile(path):
+        return
+    with open(path, encoding="utf-8") as file:
+        built = set(SUBDIRECTORY.findall(file.read()))
+    for name in sorted(built - BESIDES - set(folders(top))):
+        yield f"CMakeLists.txt: builds {name}/, which is in no layer"
 
 
 def layer_of(path):
@@ -110,10 +131,15 @@ def complaints(top, path):
 
 def main(arguments):
     here = os.path.dirname(os.path.abspath(__file__))
+    wantsFolders = arguments[:1] == ["--folders"]
+    arguments = arguments[1:] if wantsFolders else arguments
     top = os.path.abspath(arguments[0] if arguments else os.path.join(here, "..", ".."))
+    if wantsFolders:
+        print("\n".join(folders(top)))
+        return 0
     files = 0
-    found = []
-    for layer_top in sorted({layer.split("/")[0] for layer in MAY_INCLUDE}):
+    found = list(folders_without_a_layer(top))
+    for layer_top in folders(top):
         for folder, _, names in os.walk(os.path.join(top, layer_top)):
             for name in sorted(names):
                 path = os.path.relpath(os.path.join(folder, name), top)

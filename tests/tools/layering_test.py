@@ -1,14 +1,19 @@
 # SPDX-License-Identifier: Apache-2.0
 """What the check of the layers finds, and what it lets pass."""
 
+import contextlib
+import io
 import os
 import shutil
 import subprocess
+import sys
 import tempfile
 import unittest
 
-CHECK = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "layering",
-                     "check_layering.py")
+FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "layering")
+CHECK = os.path.join(FOLDER, "check_layering.py")
+sys.path.insert(0, FOLDER)
+import check_layering  # noqa: E402
 
 
 class Layering(unittest.TestCase):
@@ -27,10 +32,12 @@ class Layering(unittest.TestCase):
     def check(self, name, text):
         """The complaints about a file of that name."""
         self.write(name, text)
-        result = subprocess.run([CHECK, self.folder], capture_output=True, text=True, timeout=60)
+        output = io.StringIO()
+        with contextlib.redirect_stdout(output):
+            status = check_layering.main([self.folder])
         os.remove(os.path.join(self.folder, name))
-        *complaints, _ = result.stdout.splitlines()
-        self.assertEqual(result.returncode, 1 if complaints else 0, result.stdout + result.stderr)
+        *complaints, _ = output.getvalue().splitlines()
+        self.assertEqual(status, 1 if complaints else 0, output.getvalue())
         return complaints
 
     def test_what_knows_nothing_passes(self):
@@ -86,6 +93,15 @@ class Layering(unittest.TestCase):
             for name in ("broker/records/x.h", "app/x_linux.cpp", "host/LogHelper/x_windows.cpp"):
                 self.assertEqual(self.check(name, f"{word} (x)\n"),
                                  [f"{name}: knows a compiler: {word}"])
+
+    def test_the_product_s_folders_are_those_of_the_layers(self):
+        result = subprocess.run([CHECK, "--folders", self.folder], capture_output=True, text=True, timeout=60)
+        self.assertEqual((result.returncode, result.stdout), (0, "host\ninclude\n"))
+
+    def test_a_folder_that_is_built_and_in_no_layer_is_named(self):
+        self.assertEqual(self.check("CMakeLists.txt", "add_subdirectory(host)\nadd_subdirectory(shed)\n"
+                                    "if(TESTS)\n    add_subdirectory(tests)\nendif()\n"),
+                         ["CMakeLists.txt: builds shed/, which is in no layer"])
 
     def test_one_header_may_know_the_compilers(self):
         self.assertEqual(self.check("platform/compiler.h", "#ifdef _MSC_VER\n#endif\n"), [])
