@@ -28,7 +28,7 @@ namespace {
 using Clock = WlanClient::Clock;
 
 // How often the service is checked while a scan runs.
-constexpr std::chrono::milliseconds kLookAgain{500};
+constexpr std::chrono::milliseconds kServiceCheckInterval{500};
 
 // Drivers have 4 s for a scan; the end of the program may be waiting for this one.
 constexpr std::chrono::seconds kScanLimitOnTheWayBack{5};
@@ -364,7 +364,7 @@ private:
         while (!scanning.empty() && Clock::now() < deadline) {
             Undertaking::GoOn();
             const auto notification =
-                notifications.Next(std::min(deadline, Clock::now() + kLookAgain));
+                notifications.Next(std::min(deadline, Clock::now() + kServiceCheckInterval));
             if (notification && EndsScan(*notification)) {
                 std::erase(scanning, notification->adapter);
             } else if (!notification) {

@@ -13,7 +13,7 @@ namespace Host {
 namespace {
 
 // How often the adapter's state is checked when no notification arrives.
-constexpr std::chrono::milliseconds kLookAgain{500};
+constexpr std::chrono::milliseconds kAdapterCheckInterval{500};
 // After a failed try the service may start another, or report the end of the attempt.
 constexpr std::chrono::seconds kNextTry{3};
 
@@ -75,7 +75,8 @@ void WlanAttempt::Await(WlanClient::Clock::time_point deadline) {
     for (;;) {
         RequireGoingOn();
         const auto now = WlanClient::Clock::now();
-        const auto notification = notifications.Next(std::min(deadline, now + kLookAgain));
+        const auto notification =
+            notifications.Next(std::min(deadline, now + kAdapterCheckInterval));
         const Outcome outcome = notification ? OutcomeBy(*notification) : Outcome::kNone;
         if (outcome == Outcome::kJoined) {
             return;
