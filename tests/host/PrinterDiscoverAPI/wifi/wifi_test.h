@@ -86,4 +86,23 @@ inline void ExpectNeverLogged(const std::wstring& secret) {
     }
 }
 
+// Neither a scan nor an attempt to join is possible; each says why, soon.
+inline void ExpectNoWifi(const std::wstring& reason) {
+    const std::wstring secret = L"correct horse 7";
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(Scan(), testing::IsEmpty());
+    EXPECT_THAT(TakeLines(), testing::ElementsAre(IsLine(LOG_LEVEL_WARNING, reason)));
+    EXPECT_FALSE(Connect(L"Home", secret));
+    ExpectNeverLogged(secret);
+    EXPECT_THAT(TakeLines(), testing::ElementsAre(IsLine(LOG_LEVEL_ERROR, reason)));
+    EXPECT_LT(SecondsSince(start), 3);
+}
+
+inline void ExpectNotConnected() {
+    const Connected connected = QueryConnected();
+    EXPECT_EQ(connected.ssid, L"");
+    EXPECT_EQ(connected.hardwareAddress, L"");
+    EXPECT_EQ(connected.interfaceName, L"");
+}
+
 }  // namespace HostTest

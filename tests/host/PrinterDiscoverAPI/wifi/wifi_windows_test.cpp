@@ -189,23 +189,6 @@ TEST_F(Wifi, WhatLiesOutsideOfAListIsNotRead) {
 // --- no Wi-Fi
 // -------------------------------------------------------------------------------------
 
-void ExpectNoWifi(const std::wstring& reason) {
-    const auto start = Clock::now();
-    EXPECT_THAT(Scan(), IsEmpty());
-    EXPECT_THAT(TakeLines(), ElementsAre(IsLine(LOG_LEVEL_WARNING, reason)));
-    EXPECT_FALSE(Connect(L"Home", kSecret));
-    ExpectNeverLogged(kSecret);
-    EXPECT_THAT(TakeLines(), ElementsAre(IsLine(LOG_LEVEL_ERROR, reason)));
-    EXPECT_LT(SecondsSince(start), 3);
-}
-
-void ExpectNotConnected() {
-    const Connected connected = QueryConnected();
-    EXPECT_EQ(connected.ssid, L"");
-    EXPECT_EQ(connected.hardwareAddress, L"");
-    EXPECT_EQ(connected.interfaceName, L"");
-}
-
 TEST_F(WifiWithoutAdapter, IsNoWifi) {
     ExpectNoWifi(L"the host has no Wi-Fi adapter");
     ExpectNotConnected();
