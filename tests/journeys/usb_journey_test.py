@@ -3,7 +3,7 @@
 modules beside it, the system's own device libraries over simulated devices, and a printer that
 speaks the standard behind a bridge on this host.
 
-Runs inside scripts/lab-network, on the browsing side. The environment names what journey_test.py
+Runs inside scripts/lab-network, on the browsing side. The environment names what journeys.py
 and usb_bed.py need.
 """
 
@@ -14,10 +14,10 @@ import subprocess
 import time
 import unittest
 
-from journey_test import JourneyTest
+from journeys import JourneyTest
 from lab import PATIENCE, Lines
 from office import Bridge
-from set_up_test import NAME, PASS_PHRASE, SERIAL
+from set_ups import NAME, PASS_PHRASE, SERIAL
 from usb_bed import UsbBed
 
 MODEL = "Acme Radio Laser"

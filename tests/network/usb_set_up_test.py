@@ -2,7 +2,7 @@
 """Putting a printer on Wi-Fi over USB: a printer that speaks the standard, reached on this host as
 through a bridge for printers on USB, and the real module.
 
-Runs inside scripts/lab-network, on the browsing side. The environment names what set_up_test.py
+Runs inside scripts/lab-network, on the browsing side. The environment names what set_ups.py
 needs.
 """
 
@@ -13,10 +13,11 @@ import sys
 import time
 import unittest
 
-from network_test import PATIENCE, SLACK, NetworkTest, lab, text_below, text_of
-from set_up_test import (CANNOT_JOIN, FAKE_PRINTER, NAME, NO_WIFI_ANSWER, NOT_ALLOWED,
-                         NOT_ON_NETWORK, NOT_REACHED, NOT_VALID, NOT_VISIBLE, OK, OWN_NETWORK,
-                         PASS_PHRASE, PRINTER, REFUSED, SERIAL, STATE, TIMED_OUT, Lines, SetUpTest)
+from lab import PATIENCE, Lines, lab
+from scans import SLACK, NetworkTest, text_below, text_of
+from set_ups import (CANNOT_JOIN, FAKE_WIFI_PRINTER, NAME, NOT_ALLOWED, NOT_ON_NETWORK,
+                     NOT_REACHED, NOT_VALID, NOT_VISIBLE, NO_WIFI_ANSWER, OK, OWN_NETWORK,
+                     PASS_PHRASE, PRINTER, REFUSED, SERIAL, STATE, TIMED_OUT, SetUpTest)
 
 NO_BRIDGE, SEVERAL_ALIKE = 24, 25
 FAILED_IN_BROKER = -1
@@ -35,7 +36,7 @@ class UsbTest(SetUpTest):
 
     def fake_bridged(self, *arguments, port=PORT, user=(), **options):
         given = [f"--{option}={value}" for option, value in options.items()]
-        return self.begun([*user, sys.executable, FAKE_PRINTER, "--address", "127.0.0.1",
+        return self.begun([*user, sys.executable, FAKE_WIFI_PRINTER, "--address", "127.0.0.1",
                            "--port", str(port), *given, *arguments])
 
     def begun(self, command):
