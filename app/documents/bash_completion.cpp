@@ -6,7 +6,7 @@ namespace App {
 
 namespace {
 
-constexpr const char* kBegin = R"(# SPDX-License-Identifier: Apache-2.0
+constexpr const char* kBashBegin = R"(# SPDX-License-Identifier: Apache-2.0
 # Completion of devicediscover for bash.
 
 _devicediscover() {
@@ -22,7 +22,7 @@ _devicediscover() {
         case "$command ${COMP_WORDS[index]}" in
 )";
 
-constexpr const char* kValues = R"(            command="$command ${COMP_WORDS[index]}"
+constexpr const char* kBashValues = R"(            command="$command ${COMP_WORDS[index]}"
             ;;
         esac
     done
@@ -31,11 +31,11 @@ constexpr const char* kValues = R"(            command="$command ${COMP_WORDS[in
     case "$command $previous" in
 )";
 
-constexpr const char* kWords = R"(    *)
+constexpr const char* kBashWords = R"(    *)
         case $command in
 )";
 
-constexpr const char* kEnd = R"(        esac
+constexpr const char* kBashEnd = R"(        esac
         ;;
     esac
     COMPREPLY=($(compgen -W "$words" -- "$current"))
@@ -86,7 +86,7 @@ std::string BashCompletion(const std::vector<DocumentedCommand>& commands) {
         }
         words += WordsCase(name, command);
     }
-    return kBegin + names + ")\n" + kValues + values + kWords + words + kEnd;
+    return kBashBegin + names + ")\n" + kBashValues + values + kBashWords + words + kBashEnd;
 }
 
 }  // namespace App

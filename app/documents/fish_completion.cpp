@@ -7,7 +7,7 @@ namespace App {
 
 namespace {
 
-constexpr const char* kBegin = R"(# SPDX-License-Identifier: Apache-2.0
+constexpr const char* kFishBegin = R"(# SPDX-License-Identifier: Apache-2.0
 # Completion of devicediscover for fish.
 
 # Whether the command that is typed so far is this one: "usb list", "" for none yet.
@@ -23,13 +23,13 @@ end
 
 )";
 
-std::string Quoted(const std::string& text) {
+std::string FishQuoted(const std::string& text) {
     return "'" + WithBackslashes(text, "\\'") + "'";
 }
 
 std::string Line(const std::string& name, const std::string& what, const std::string& text) {
     return "complete -c devicediscover -n \"__devicediscover_is '" + name + "'\" " + what + " -d " +
-           Quoted(text) + "\n";
+           FishQuoted(text) + "\n";
 }
 
 std::string OptionLine(const std::string& name, const Option& option) {
@@ -40,7 +40,7 @@ std::string OptionLine(const std::string& name, const Option& option) {
         what += option.IsFlag() || option.isValueOptional ? " -f" : " -x";
     }
     if (!option.choices.empty()) {
-        what += " -a " + Quoted(Joined(option.choices, " "));
+        what += " -a " + FishQuoted(Joined(option.choices, " "));
     }
     return Line(name, what, Wrapped(OptionText(option), 1000));
 }
@@ -52,7 +52,7 @@ std::string FishCompletion(const std::vector<DocumentedCommand>& commands) {
     std::string lines;
     for (const auto& [path, command] : commands) {
         const std::string name = Joined({path.begin() + 1, path.end()}, " ");
-        names += name.empty() ? "" : " " + Quoted(name);
+        names += name.empty() ? "" : " " + FishQuoted(name);
         for (const Command& inner : command.commands) {
             lines += Line(name, "-f -a " + inner.name, Title(inner));
         }
@@ -60,7 +60,7 @@ std::string FishCompletion(const std::vector<DocumentedCommand>& commands) {
             lines += option.IsArgument() ? "" : OptionLine(name, option);
         }
     }
-    return kBegin + std::string("set -g __devicediscover_commands") + names + "\n\n" + lines;
+    return kFishBegin + std::string("set -g __devicediscover_commands") + names + "\n\n" + lines;
 }
 
 }  // namespace App

@@ -12,7 +12,7 @@ std::string FunctionOf(const std::vector<std::string>& path) {
 }
 
 // In single quotes.
-std::string Quoted(const std::string& text) {
+std::string ZshQuoted(const std::string& text) {
     std::string quoted = "'";
     for (const char character : text) {
         quoted += character == '\'' ? std::string("'\\''") : std::string(1, character);
@@ -30,13 +30,13 @@ std::string Action(const Option& option) {
 std::string Described(const Option& option) {
     const std::string text = WithBackslashes(Wrapped(OptionText(option), 1000), "[]:\\");
     if (option.IsArgument()) {
-        return Quoted((option.isRequired ? ":" : "::") + option.name + ": ");
+        return ZshQuoted((option.isRequired ? ":" : "::") + option.name + ": ");
     }
     if (option.IsFlag()) {
-        return Quoted(option.name + "[" + text + "]");
+        return ZshQuoted(option.name + "[" + text + "]");
     }
-    return Quoted(option.name + "[" + text + "]" + (option.isValueOptional ? "::" : ":") +
-                  option.valueName + ":" + Action(option));
+    return ZshQuoted(option.name + "[" + text + "]" + (option.isValueOptional ? "::" : ":") +
+                     option.valueName + ":" + Action(option));
 }
 
 std::string Arguments(const Command& command) {
@@ -54,7 +54,7 @@ std::string GroupFunction(const std::vector<std::string>& path, const Command& c
         std::vector<std::string> words = path;
         words.push_back(inner.name);
         commands +=
-            "\n            " + Quoted(inner.name + ":" + WithBackslashes(Title(inner), ":\\"));
+            "\n            " + ZshQuoted(inner.name + ":" + WithBackslashes(Title(inner), ":\\"));
         cases += "        " + inner.name + ") " + FunctionOf(words) + " ;;\n";
     }
     return FunctionOf(path) +
