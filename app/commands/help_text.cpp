@@ -87,7 +87,8 @@ std::string HelpEnd(const Command& command, const std::string& words) {
         text += "`" + words + " COMMAND --help` has more on each command.\n";
     }
     if (!command.details.empty()) {
-        text += "\n" + Filled(command.details, kColumns);
+        text += '\n';
+        text += Filled(command.details, kColumns);
     }
     text += "\nExit status:";
     for (const ExitText& exit : command.exitTexts) {
