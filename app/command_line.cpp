@@ -2,6 +2,8 @@
 
 #include "app/command_line.h"
 
+#include <exception>
+#include <string>
 #include <utility>
 
 #include "app/command_parser.h"

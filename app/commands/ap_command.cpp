@@ -12,11 +12,11 @@
 #include "app/items/printer_table.h"
 #include "app/library/access_point_printer.h"
 #include "app/outcome/problem.h"
+#include "app/output/answer.h"
 #include "app/output/item_output.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
 #include "app/program/settings.h"
-#include "app/terminal/console.h"
 #include "app/terminal/text.h"
 #include "host/PrinterUtil/vendor_list.h"
 
@@ -75,9 +75,9 @@ void ReportFailures(const std::vector<std::string>& failures, bool counts) {
 
 void WriteCheck(const Printer& printer, int result) {
     if (WritesJson()) {
-        WriteOutput(CheckJson(printer, result, IsAnswer(result, printer.vendor)) + "\n");
+        WriteAnswer(CheckJson(printer, result, IsAnswer(result, printer.vendor)) + "\n");
     } else if (result == 0) {
-        WriteOutput(fmt::format("{} is on the local network (vendor {})\n",
+        WriteAnswer(fmt::format("{} is on the local network (vendor {})\n",
                                 Cell(printer.serialNumber), Cell(printer.vendor)));
     }
 }
@@ -103,9 +103,9 @@ ExitStatus Configure(const ApConfigureOptions& options) {
     RequirePrinterPassPhrase(*passPhrase);
     const int result = ConfigureNetwork(network, passPhrase);
     if (WritesJson()) {
-        WriteOutput(ConfigureJson(network, result) + "\n");
+        WriteAnswer(ConfigureJson(network, result) + "\n");
     } else if (result == 0) {
-        WriteOutput("the printer was put on " + DisplayText(network) + "\n");
+        WriteAnswer("the printer was put on " + DisplayText(network) + "\n");
     }
     if (result == 0) {
         return kFound;

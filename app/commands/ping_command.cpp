@@ -10,11 +10,11 @@
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "app/commands/common_options.h"
 #include "app/outcome/problem.h"
+#include "app/output/answer.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
 #include "app/program/settings.h"
 #include "app/running/awaiting.h"
-#include "app/terminal/console.h"
 #include "host/PrinterDiscoverAPI/ping_report.h"
 
 namespace App {
@@ -42,9 +42,9 @@ ExitStatus Ping(const std::string& address) {
     }
     const bool answers = report.outcome == PingOutcome::kAnswered;
     if (WritesJson()) {
-        WriteOutput(PingJson(address, answers) + "\n");
+        WriteAnswer(PingJson(address, answers) + "\n");
     } else if (answers) {
-        WriteOutput(address + " answers\n");
+        WriteAnswer(address + " answers\n");
     }
     if (!answers) {
         Complain(address + " does not answer.\nIs it switched on, and on this computer's network?");

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,6 +21,7 @@
 #include "app/setup/printer_search.h"
 #include "app/setup/setup_progress.h"
 #include "app/setup/setup_route.h"
+#include "base/first_lines.h"
 
 namespace App {
 
@@ -44,12 +46,17 @@ std::string NameOf(const Printer& printer) {
                        printer.serialNumber.empty() ? "not known" : printer.serialNumber);
 }
 
-// "192.0.2.7 port 631 and 192.0.2.8 port 631"
+// "192.0.2.7 port 631 and 192.0.2.8 port 631"; of many the first ones, "and N more".
 std::string PlacesOf(const std::vector<Printer>& printers) {
     std::vector<std::string> places;
     places.reserve(printers.size());
     for (const Printer& printer : printers) {
         places.push_back(fmt::format("{} port {}", printer.address, printer.port));
+    }
+    if (const std::size_t rest = places.size() - std::min(places.size(), Base::kMaxLines);
+        rest > 0) {
+        places.resize(Base::kMaxLines);
+        places.push_back(fmt::format("{} more", rest));
     }
     return fmt::format("{}", fmt::join(places, " and "));
 }
@@ -117,7 +124,7 @@ ExitStatus Journey::Run() {
     } catch (const WrongInput& problem) {
         progress.Failed("failed", problem.what() + WayBack());
         return kUsage;
-    } catch (const Problem& problem) {
+    } catch (const std::exception& problem) {  // also: no thread, or no memory
         progress.Failed("failed", problem.what() + WayBack());
         return kCouldNotRun;
     }

@@ -9,11 +9,11 @@
 #include "app/dialogue/pass_phrase.h"
 #include "app/library/usb/usb_device.h"
 #include "app/library/usb/usb_watch_session.h"
+#include "app/output/answer.h"
 #include "app/output/item_output.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
 #include "app/program/settings.h"
-#include "app/terminal/console.h"
 #include "app/terminal/text.h"
 
 namespace App {
@@ -65,9 +65,9 @@ ExitStatus ConfigureOverUsb(const UsbPrinter& printer, const UsbConfigureOptions
     RequirePrinterPassPhrase(*passPhrase);
     const int result = ConfigureNetwork(printer, network, passPhrase);
     if (WritesJson()) {
-        WriteOutput(UsbConfigureJson(printer, network, result) + "\n");
+        WriteAnswer(UsbConfigureJson(printer, network, result) + "\n");
     } else if (result == 0) {
-        WriteOutput("the printer was put on " + DisplayText(network) + "\n");
+        WriteAnswer("the printer was put on " + DisplayText(network) + "\n");
     }
     return result == 0 ? kFound
                        : FailedSeeLog("the printer was not put on " + network + ": " +

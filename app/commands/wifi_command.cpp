@@ -8,6 +8,7 @@
 #include "app/commands/common_options.h"
 #include "app/library/host_wifi.h"
 #include "app/outcome/problem.h"
+#include "app/output/answer.h"
 #include "app/output/item_output.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
@@ -69,9 +70,9 @@ ExitStatus JoinWifi(const std::string& network, const PassPhraseOptions& options
     options.Require();
     const auto [joined, problem] = JoinNetwork(network, GetPassPhrase(options, network));
     if (WritesJson()) {
-        WriteOutput(JoinJson(network, joined, problem.reason) + "\n");
+        WriteAnswer(JoinJson(network, joined, problem.reason) + "\n");
     } else if (joined) {
-        WriteOutput("joined " + DisplayText(network) + "\n");
+        WriteAnswer("joined " + DisplayText(network) + "\n");
     }
     if (!joined) {
         Complain("could not join " + network +

@@ -37,8 +37,10 @@ ExitStatus RunGuarded(const std::function<ExitStatus()>& run) {
     } catch (const Interrupted& interrupted) {
         Complain(interrupted.what());
         return kNoneFound;
-    } catch (const std::exception& problem) {
+    } catch (const Ending& problem) {
         return CouldNotRun(problem.what());
+    } catch (const std::exception& error) {  // no thread, or no memory
+        return CouldNotRun(std::string("the program cannot go on: ") + error.what());
     } catch (...) {
         return CouldNotRun("the program cannot go on: an exception of an unknown type");
     }

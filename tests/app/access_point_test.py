@@ -279,6 +279,11 @@ class AccessPointConfigure(HostTest):
         self.assert_mentions(result.errors, "not put on Office: the vendor's result 12\n", "log")
         self.assert_not_shown(result)
 
+    def test_a_failure_that_nobody_reads_is_no_success(self):
+        self.script("result PrinterAPNetConfigEvent 7")
+        self.assert_no_without_reader("ap", "configure", "--network", "Office", "--open", "--json",
+                                      saying="the printer was not put on Office")
+
     def test_a_result_has_a_meaning_where_its_vendor_is_listed(self):
         self.list_file = self.vendor_list([("driverless", "scripted_all")])
         for number, meaning in ((10, "refused"), (11, "does not see"), (12, "pass phrase"),
@@ -389,6 +394,11 @@ class AccessPointCheck(HostTest):
         self.assertEqual((printer["serialNumber"], printer["onLocalNetwork"], printer["result"]),
                          ("SN1", False, 5))
         self.assert_mentions(result.errors, "vendor scripted: the vendor's result 5")
+
+    def test_a_no_that_nobody_reads_is_no_yes(self):
+        self.script("result IsLocalAreaNetworkOK 1")
+        self.assert_no_without_reader("ap", "check", "SN1", "--vendor", "scripted", "--json",
+                                      saying="the printer is not on the local network")
 
     def test_could_not_look_is_not_told_as_not_there(self):
         self.list_file = self.vendor_list([("driverless", "scripted_all")])

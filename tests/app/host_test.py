@@ -132,6 +132,16 @@ class HostTest(AppTest):
         return [line for line in self.read(self.host_record).splitlines()
                 if line.startswith(operation)]
 
+    def assert_no_without_reader(self, *arguments, saying):
+        """An answer that nobody reads is no other answer."""
+        reader, output = os.pipe()
+        os.close(reader)
+        process = self.start_app(*arguments, stdout=output)
+        os.close(output)
+        _, errors = process.communicate(timeout=app_test.PATIENCE)
+        self.assertEqual(process.returncode, app_test.NONE_FOUND, errors)
+        self.assert_mentions(errors.decode(), saying)
+
     def arguments_of(self, entry_point):
         """The bytes of the records that the entry point was given."""
         return [bytes.fromhex(line.split()[2]) for line in self.read(self.record_file).splitlines()

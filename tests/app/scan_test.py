@@ -2,6 +2,7 @@
 """`devicediscover scan` when its output is no terminal."""
 
 import os
+import resource
 import stat
 import subprocess
 import time
@@ -470,6 +471,19 @@ class ScanLog(AppTest):
                 self.assert_status(result, COULD_NOT_RUN)
                 self.assert_mentions(result.errors, name, "not a regular file")
                 self.assertEqual(self.records(), [])
+
+
+class ScanWithoutThreads(AppTest):
+    @unittest.skipIf(ON_WINDOWS or "DEVICEDISCOVER_SANITIZED" in os.environ,
+                     "stacks that are too large for the address space, where no sanitizer has its own")
+    def test_a_program_that_gets_no_thread_says_so_also_in_json(self):
+        stack = 2**46
+        result = self.run_app("scan", "--json", preexec_fn=lambda: resource.setrlimit(
+            resource.RLIMIT_STACK, (stack, resource.RLIM_INFINITY)))
+        self.assert_status(result, COULD_NOT_RUN)
+        problem, = json_lines(result.output)
+        self.assertIn(f"devicediscover: {problem['problem']}\n", result.errors)
+        self.assert_mentions(problem["problem"], "the program cannot go on: ")
 
 
 class ScanWithoutReader(AppTest):

@@ -118,6 +118,10 @@ class WifiJoin(HostTest):
                          [f'ConnectAP "Caf\\u00e9 {name}" "p\\u00e4ss \\u0022\\u005c 1"'])
         self.assertNotIn("p\u00e4ss", self.log())
 
+    def test_a_failure_that_nobody_reads_is_no_success(self):
+        self.assert_no_without_reader("wifi", "join", "Office", "--open", "--json",
+                                      saying="could not join Office")
+
     def test_an_open_network_is_joined_without_a_pass_phrase(self):
         self.host("join 1")
         result = self.run_app("wifi", "join", "Guests", "--open", "--json")
@@ -166,6 +170,10 @@ class Ping(HostTest):
         self.assert_status(result, FOUND)
         self.assertEqual(result.output, "192.0.2.7 answers\n")
         self.assertEqual(self.host_calls(), ["Ping 192.0.2.7"] * 2)
+
+    def test_a_no_that_nobody_reads_is_no_yes(self):
+        self.assert_no_without_reader("ping", "192.0.2.7", "--json",
+                                      saying="192.0.2.7 does not answer")
 
     def test_an_address_that_does_not(self):
         result = self.run_app("ping", "192.0.2.7")
