@@ -115,16 +115,16 @@ ExitStatus NotFound(const StateOptions& options, std::size_t others, bool cancel
 }
 
 ExitStatus NotClear(const StateOptions& options, const std::vector<Printer>& printers) {
-    std::string places;
+    std::vector<std::string> places;
     for (const Printer& printer : printers) {
         const auto [serialNumber, makeAndModel, address, port, vendor] = RowOf(printer);
-        places +=
-            fmt::format("\n  {} at {} port {}, vendor {}", makeAndModel, address, port, vendor);
+        places.push_back(
+            fmt::format("{} at {} port {}, vendor {}", makeAndModel, address, port, vendor));
     }
     Complain(
         fmt::format("{} printers have the serial number '{}', or one was found at several "
                     "places:{}\nName the address: `devicediscover state {} --address {}`.",
-                    printers.size(), options.serialNumber, places, options.serialNumber,
+                    printers.size(), options.serialNumber, Lines(places), options.serialNumber,
                     printers.front().address));
     return kNoneFound;
 }

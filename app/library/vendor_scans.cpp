@@ -60,7 +60,7 @@ std::string VendorScans::FailureOf(const std::string& vendor) const {
     const std::optional<VendorCall> latest = LatestOf(vendor);
     const std::string text = "vendor " + vendor + " does not look for " + kind.wanted + ": ";
     if (latest && latest->state == VendorCallState::kLeftByException) {
-        return text + "its scan threw an exception";
+        return text + "its scan threw an exception or ended its thread";
     }
     const bool hasReturned = latest && latest->state == VendorCallState::kReturned;
     return hasReturned && latest->result != 0 ? text + VendorsResult(latest->result, vendor) : "";

@@ -45,13 +45,18 @@ bool AnyVendorIsCalled() {
 }
 
 std::string NamesOf(const std::vector<VendorCall>& calls) {
-    std::string names;
-    for (std::size_t at = 0; at < calls.size(); ++at) {
-        const char* const separator = at == 0 ? "" : at + 1 == calls.size() ? " and " : ", ";
-        names +=
-            fmt::format("{}vendor {} ({})", separator, calls[at].productId, calls[at].entryPoint);
+    std::vector<std::string> names;
+    for (const VendorCall& call : calls) {
+        const std::string name = fmt::format("vendor {} ({})", call.productId, call.entryPoint);
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            names.push_back(name);
+        }
     }
-    return names;
+    std::string text;
+    for (std::size_t at = 0; at < names.size(); ++at) {
+        text += (at == 0 ? "" : at + 1 == names.size() ? " and " : ", ") + names[at];
+    }
+    return text;
 }
 
 }  // namespace App

@@ -142,6 +142,13 @@ class Misbehaviour(AppTest):
                 self.assert_mentions(result.errors,
                                      "a vendor ended the thread on which it was called\n")
 
+    @on_linux
+    def test_a_scan_that_ends_its_thread_is_named(self):
+        result = self.run_into("StartDeviceScan", "end-thread")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "vendor scripted does not look for printers: its scan "
+                                            "threw an exception or ended its thread")
+
     def test_an_exception_of_a_stop_costs_only_the_stop(self):
         for entry_point in ("StopDeviceScan", "StopAPWifiScan"):
             with self.subTest(entry_point):

@@ -44,7 +44,7 @@ TEST(RunGuarded, SaysWhyAndReturnsTheStatusOfWhatEndedIt) {
               "devicediscover: a step\n"
               "devicediscover: no scan\n"
               "devicediscover: no printer\n"
-              "devicediscover: out of ink\n"
+              "devicediscover: the program cannot go on: out of ink\n"
               "devicediscover: the program cannot go on: an exception of an unknown type\n");
 }
 

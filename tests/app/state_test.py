@@ -59,6 +59,13 @@ class State(AppTest):
                 "Fake 9 at 192.0.2.9 port 9100, vendor scripted", "--address 192.0.2.7")
         self.assertEqual(self.calls_of("GetDeviceConnectState"), [])
 
+    def test_of_very_many_with_the_serial_number_the_first_are_named(self):
+        self.script(*(device("SN1", address=f"192.0.2.{number}") for number in range(100)))
+        result = self.run_app("state", "SN1")
+        self.assert_status(result, NONE_FOUND)
+        self.assert_mentions(result.errors, "100 printers have the serial number 'SN1'",
+                             "at 192.0.2.19 port 631, vendor scripted\n  and 80 more\n")
+
     def test_the_address_tells_which_is_meant(self):
         self.script("result GetDeviceConnectState 1", "interval 100",
                     device("SN1", address="192.0.2.7"), device("SN2", address="192.0.2.9"),

@@ -130,6 +130,27 @@ class UsbPorts(UsbTest):
         self.assert_status(result, FOUND)
         self.assertEqual(len(result.output.splitlines()), len(models))
 
+    def test_how_often_the_system_is_looked_at_does_not_depend_on_the_number_of_models(self):
+        looks = []
+        for count in (1, 20):
+            self.list_file = self.vendor_list([vendor(usb_ids="*")])
+            self.script(usb_device("SN1"))
+            self.host(*[port(f"VID_1234&PID_{number:04X}") for number in range(count)])
+            before = len(self.host_calls("GetCurrentPrinterPorts"))
+            self.assert_status(self.run_app("usb", "ports"), FOUND)
+            looks.append(len(self.host_calls("GetCurrentPrinterPorts")) - before)
+        self.assertEqual(looks[0], looks[1])
+
+    def test_a_vendor_that_answers_about_no_model_is_named_once(self):
+        models = [f"VID_1234&PID_{number:04X}" for number in range(3)]
+        self.list_file = self.vendor_list([vendor(usb_ids=" ".join(models))])
+        self.script("misbehave GetDeviceInfoByUsb hang")
+        self.host(*[port(model) for model in models])
+        result = self.run_app("usb", "ports", "--vendor-seconds", "1")
+        self.assert_status(result, COULD_NOT_RUN)
+        self.assert_mentions(result.errors, "no answer from vendor scripted (GetDeviceInfoByUsb) "
+                                            "within 1 s;")
+
     def test_an_asterisk_stands_for_every_printer_that_nobody_names(self):
         self.list_file = self.vendor_list([vendor(product_id="any", usb_ids="*"),
                                            vendor("scripted_all_b", "b", OTHER_USB_ID)])
@@ -451,6 +472,13 @@ class UsbWatch(UsbTest):
         self.assertEqual(result.errors.count("warning: VID_1234"), 20)
         self.assert_mentions(result.errors, "warning: and 5 more without an answer in time\n")
 
+    def test_an_absurd_count_of_arrivals_does_not_keep_the_program(self):
+        self.script(usb_device("SN1"))
+        self.host(appear(devices=2**31 - 1))
+        result = self.run_app("usb", "watch", "--seconds", "2")
+        self.assert_status(result, FOUND)
+        self.assert_mentions(result.errors, "some of them are not asked about")
+
     @unittest.skipIf(ON_WINDOWS, "its threads are counted by the Linux kernel")
     def test_arrivals_that_nobody_answers_about_are_bounded(self):
         self.script("misbehave GetDeviceInfoByUsb hang")
@@ -704,6 +732,11 @@ class UsbConfigure(UsbTest):
             "<f128s32s", 0, name.encode(), pass_phrase.encode())])
         self.assertIn("SetDeviceAPNetConfigByUsb", self.log())
         self.assertNotIn(pass_phrase, self.log())
+
+    def test_a_failure_that_nobody_reads_is_no_success(self):
+        self.script(usb_device("SN1"), "result PrinterUSBNetConfigEvent 7")
+        self.assert_no_without_reader(*OFFICE, "--open", "--json",
+                                      saying="the printer was not put on Office")
 
     def test_from_the_prompt(self):
         terminal = Terminal(self, *OFFICE)

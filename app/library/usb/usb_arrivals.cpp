@@ -31,8 +31,9 @@ using Clock = std::chrono::steady_clock;
 // What a printer takes to answer once it is plugged in.
 constexpr std::chrono::seconds kSettleTime{1};
 
-constexpr ArrivalQueue::Limits kLimits{32, 64, 1024};
+constexpr ArrivalQueue::Limits kLimits{kUsbQuestionsAtATime, 2 * kUsbQuestionsAtATime, 1024};
 constexpr std::size_t kMaxModels = 4096;
+constexpr int kMaxSurplus = static_cast<int>(kLimits.waiting) + 1;  // one is missed
 
 // However many the device manager has told of.
 constexpr std::size_t kAnyCount = static_cast<std::size_t>(-1);
@@ -121,7 +122,7 @@ void UsbArrivals::Compare(const UsbPortMap& before, const UsbPortMap& after) {
     const std::lock_guard lock(mutex);
     for (const auto& port : after) {
         const int surplus = CountIn(after, port.first) - CountIn(before, port.first);
-        for (int one = 0; one < surplus; ++one) {
+        for (int one = 0; one < std::min(surplus, kMaxSurplus); ++one) {
             Add(port.first, static_cast<std::size_t>(one) + 1);
         }
     }

@@ -20,8 +20,12 @@
 namespace App {
 
 // Watches for printers being plugged in: calls each printer's vendor a moment later and adds the
-// answer to the ArrivalList. Does not use the broker's own monitor, which calls vendors on detached
-// threads: new models can be added to the broker's list only while no such call runs.
+// answer to the ArrivalList. Takes the arrivals from the device manager, past the broker's own
+// monitor (DiscoverUsbInterface::StartDeviceMonitor). That monitor calls vendors on detached
+// threads of its own, and nobody learns when such a call ends; but a model that the broker does not
+// know yet can be added to its list only while no call runs. That monitor also starts a thread for
+// each arrival, however many, and tells neither that the device manager cannot watch nor that a
+// vendor failed: "could not look" would be shown as "none".
 class UsbArrivals {
 public:
     static UsbArrivals& GetInstance();

@@ -19,7 +19,7 @@ namespace App {
 namespace {
 
 // Each caller that waits for the answers has its own limit.
-constexpr Base::SideBySideLimits kAskingLimits{32, std::chrono::hours(1)};
+constexpr Base::SideBySideLimits kAskingLimits{kUsbQuestionsAtATime, std::chrono::hours(1)};
 
 using PrinterDeviceDiscoverSdk::DeviceInfo;
 using PrinterDeviceDiscoverSdk::kNothingToCall;

@@ -2,12 +2,16 @@
 
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "app/items/usb_printer.h"
 
 namespace App {
+
+// Each question takes a thread, and a vendor's time.
+constexpr std::size_t kUsbQuestionsAtATime = 32;
 
 // A vendor's answer about the printers of one identifier.
 struct UsbAnswer {

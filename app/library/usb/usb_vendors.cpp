@@ -39,6 +39,19 @@ std::vector<std::string> UsbIdsOf(const VendorInfo& vendor) {
     return usbIds;
 }
 
+using VendorByUsbId = std::map<std::string, std::string>;
+
+// The first vendor in the list with the identifier counts.
+VendorByUsbId ReadUsbVendors() {
+    VendorByUsbId vendors;
+    for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
+        for (const std::string& usbId : UsbIdsOf(vendor)) {
+            vendors.emplace(usbId, vendor.productId);
+        }
+    }
+    return vendors;
+}
+
 std::string NotListed(const std::string& usbId) {
     return fmt::format("{}: no vendor has it or * in its usbIdList, in {}", usbId,
                        PrinterUtil::DescribeVendorList().path);
@@ -114,15 +127,10 @@ std::vector<std::string> RequireUsbVendors(const std::string& entryPoint, const 
                   "`devicediscover vendors` shows what is there.");
 }
 
-// The first vendor in the list with the identifier counts.
 std::optional<std::string> UsbVendorOf(const std::string& usbId) {
-    for (const VendorInfo& vendor : PrinterUtil::DescribeVendorList().vendors) {
-        const std::vector<std::string> usbIds = UsbIdsOf(vendor);
-        if (std::find(usbIds.begin(), usbIds.end(), usbId) != usbIds.end()) {
-            return vendor.productId;
-        }
-    }
-    return std::nullopt;
+    const VendorByUsbId vendors = ReadUsbVendors();
+    const auto vendor = vendors.find(usbId);
+    return vendor == vendors.end() ? std::nullopt : std::optional(vendor->second);
 }
 
 std::string WhyUsbAnswerIsNone(const std::string& usbId, const UsbAnswer& answer) {
@@ -137,17 +145,19 @@ std::string WhyUsbAnswerIsNone(const std::string& usbId, const UsbAnswer& answer
 
 std::vector<std::string> UnreportedPorts(const UsbPortMap& ports,
                                          const std::vector<UsbAnswer>& answers) {
+    // Read once: reading the list may look at everything that is plugged in.
+    const VendorByUsbId vendors = ReadUsbVendors();
     std::vector<std::string> lines;
     std::vector<ServedPort> served;
     std::map<std::string, std::size_t> missing;  // by vendor
     auto answer = answers.begin();
     for (const auto& [deviceId, port] : ports) {
         const std::string usbId = WStringToString(deviceId);
-        const auto vendor = UsbVendorOf(usbId);
-        if (vendor) {
+        const auto vendor = vendors.find(usbId);
+        if (vendor != vendors.end()) {
             const auto plugged = static_cast<std::size_t>(std::max(port.first, 1));
-            served.push_back({usbId, *vendor, plugged, &*answer});
-            missing[*vendor] += plugged;
+            served.push_back({usbId, vendor->second, plugged, &*answer});
+            missing[vendor->second] += plugged;
         } else {
             lines.push_back(NotListed(usbId));
         }
