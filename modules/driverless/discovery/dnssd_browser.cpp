@@ -173,7 +173,7 @@ private:
     void SetPing();
     void Ping();
     void StartBrowsing(AvahiClient* ofClient);
-    bool StartLookups();
+    std::unique_ptr<ServiceLookups> NewLookups();
     bool ResolveOnly(AvahiClient* ofClient);
     void Disconnect();
     void Announced(const ServiceId& id);
@@ -383,13 +383,13 @@ void DnssdBrowser::Watch::ClientChanged(AvahiClient* client, AvahiClientState st
 
 void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
     browsing = true;
-    if (only ? !ResolveOnly(ofClient) : !StartLookups()) {
-        listener(AvahiFailure(only ? avahi_client_errno(ofClient) : AVAHI_ERR_DBUS_ERROR));
-        return;
-    }
     if (only) {
+        if (!ResolveOnly(ofClient)) {
+            listener(AvahiFailure(avahi_client_errno(ofClient)));
+        }
         return;
     }
+    lookups = NewLookups();
     unsettled = kServiceTypes.size();
     for (const ServiceType& type : kServiceTypes) {
         const auto* const browser = Asking([&] {
@@ -401,18 +401,20 @@ void DnssdBrowser::Watch::StartBrowsing(AvahiClient* ofClient) {
             return;
         }
     }
+    // Avahi asks the network meanwhile.
+    if (!Asking([this] { return lookups->Connect(); })) {
+        listener(AvahiFailure(AVAHI_ERR_DBUS_ERROR));
+    }
 }
 
-// False without a further connection to the bus.
-bool DnssdBrowser::Watch::StartLookups() {
+std::unique_ptr<ServiceLookups> DnssdBrowser::Watch::NewLookups() {
     const ServiceLookups::Listener whatBecame{
         [this](const ServiceId& id, Service service, bool byThisHost) {
             Found(id, std::move(service), byThisHost);
         },
         [this](const ServiceId& id, const std::string& error) { Refused(id, error); }};
     const auto onReady = [this] { Guard([this] { ReceiveLookups(); }); };
-    Asking([&] { lookups = std::make_unique<ServiceLookups>(events, whatBecame, onReady); });
-    return lookups->IsConnected();
+    return std::make_unique<ServiceLookups>(events, whatBecame, onReady);
 }
 
 void DnssdBrowser::Watch::Browsed(AvahiServiceBrowser* browser, AvahiIfIndex interface,

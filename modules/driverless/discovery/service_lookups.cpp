@@ -108,12 +108,15 @@ void ServiceLookups::Disconnect::operator()(DBusConnection* closed) const {
 
 ServiceLookups::ServiceLookups(const AvahiPoll* avahiPoll, Listener eventListener,
                                std::function<void()> onReady)
-    : poll(avahiPoll), listener(std::move(eventListener)), ready(std::move(onReady)) {
+    : poll(avahiPoll), listener(std::move(eventListener)), ready(std::move(onReady)) {}
+
+bool ServiceLookups::Connect() {
     connection.reset(dbus_bus_get_private(DBUS_BUS_SYSTEM, nullptr));
     if (connection != nullptr) {
         dbus_connection_set_exit_on_disconnect(connection.get(), FALSE);
         Watch();
     }
+    return IsConnected();
 }
 
 ServiceLookups::~ServiceLookups() {

@@ -34,13 +34,15 @@ public:
         std::function<void(const ServiceId&, const std::string& error)> refused;
     };
 
-    // Connects to the system's D-Bus, which it waits for. `onReady` is called when there is
-    // something to receive. The poll must outlive this object.
+    // `onReady` is called when there is something to receive. The poll must outlive this object.
     ServiceLookups(const AvahiPoll* avahiPoll, Listener eventListener,
                    std::function<void()> onReady);
     ~ServiceLookups();
 
-    // Begins a look-up anew, or ends it.
+    // Connects to the system's D-Bus, which it waits for. False when that fails.
+    bool Connect();
+
+    // Begins a look-up anew, or ends it. Without a connection nothing is looked up.
     void Begin(const ServiceId& id);
     void End(const ServiceId& id);
 

@@ -173,6 +173,8 @@ std::string NameIn(const BusMessage& call) {
 
 class ServiceLookupsTest : public testing::Test {
 protected:
+    void SetUp() override { ASSERT_TRUE(lookups->Connect()); }
+
     ~ServiceLookupsTest() override {
         lookups.reset();
         avahi_simple_poll_free(poll);
@@ -217,7 +219,6 @@ protected:
 };
 
 TEST_F(ServiceLookupsTest, WhatIsFound_IsTold) {
-    ASSERT_TRUE(lookups->IsConnected());
     const BusMessage call = Begin("Laser", "/one");
     EXPECT_EQ(NameIn(call), "Laser");
     avahi.Find(call, "/one", "laser.local");
