@@ -9,6 +9,15 @@
 
 namespace Process {
 
+std::string OwnFolder() {
+    return std::filesystem::path(OwnFile()).parent_path().string() +
+           static_cast<char>(std::filesystem::path::preferred_separator);
+}
+
+std::vector<std::string> OwnLauncher() {
+    return LinesOf(OwnFile() + ".launcher");
+}
+
 std::string FreshFile(const std::string& purpose) {
     const auto path = std::filesystem::temp_directory_path() /
                       ("devicediscover-" + std::to_string(OwnId()) + '-' + purpose);

@@ -8,8 +8,13 @@
 // Processes and their surroundings, the same way on every system.
 namespace Process {
 
-// The folder of the running program, with a separator at its end.
+// The running program, and its folder with a separator at its end.
+std::string OwnFile();
 std::string OwnFolder();
+
+// What the running program has to be started by: the lines of the file that stands beside it, with
+// ".launcher" after its name. None if there is no such file.
+std::vector<std::string> OwnLauncher();
 
 void SetEnvironment(const std::string& name, const std::string& value);
 
@@ -19,6 +24,9 @@ void SetEnvironment(const std::string& name, const std::string& value);
 constexpr int kNotStarted = -1;
 constexpr int kHung = -2;
 int Run(const std::string& program, const std::vector<std::string>& arguments, int seconds = 60);
+
+// As above, of a program by its path or, on Linux, by a name that the system looks up.
+int RunCommand(const std::vector<std::string>& words, int seconds);
 
 // Whether a process may hang at its end through no fault of its own. Wine ends the other threads
 // wherever they are, also inside a lock of its own library, which the last thread then waits for

@@ -19,8 +19,8 @@ unsigned long OwnId() {
     return static_cast<unsigned long>(getpid());
 }
 
-std::string OwnFolder() {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path().string() + '/';
+std::string OwnFile() {
+    return std::filesystem::read_symlink("/proc/self/exe").string();
 }
 
 void SetEnvironment(const std::string& name, const std::string& value) {
@@ -56,13 +56,17 @@ int StatusOf(pid_t child, int seconds) {
 int Run(const std::string& program, const std::vector<std::string>& arguments, int seconds) {
     std::vector<std::string> words = {OwnFolder() + program};
     words.insert(words.end(), arguments.begin(), arguments.end());
+    return RunCommand(words, seconds);
+}
+
+int RunCommand(const std::vector<std::string>& words, int seconds) {
     std::vector<char*> pointers;
-    for (std::string& word : words) {
-        pointers.push_back(word.data());
+    for (const std::string& word : words) {
+        pointers.push_back(const_cast<char*>(word.c_str()));
     }
     pointers.push_back(nullptr);
     pid_t child = 0;
-    if (posix_spawn(&child, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0) {
+    if (posix_spawnp(&child, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0) {
         return kNotStarted;
     }
     return StatusOf(child, seconds);

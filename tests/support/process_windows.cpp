@@ -12,11 +12,10 @@ unsigned long OwnId() {
     return GetCurrentProcessId();
 }
 
-std::string OwnFolder() {
+std::string OwnFile() {
     char path[MAX_PATH] = {};
     GetModuleFileNameA(nullptr, path, MAX_PATH);
-    const std::string program = path;
-    return program.substr(0, program.rfind('\\') + 1);
+    return path;
 }
 
 void SetEnvironment(const std::string& name, const std::string& value) {
@@ -29,9 +28,15 @@ bool MayHangAtItsEnd() {
 }
 
 int Run(const std::string& program, const std::vector<std::string>& arguments, int seconds) {
-    std::string line = '"' + OwnFolder() + program + ".exe\"";
-    for (const std::string& argument : arguments) {
-        line += " \"" + argument + '"';
+    std::vector<std::string> words = {OwnFolder() + program + ".exe"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return RunCommand(words, seconds);
+}
+
+int RunCommand(const std::vector<std::string>& words, int seconds) {
+    std::string line;
+    for (const std::string& word : words) {
+        line += (line.empty() ? "\"" : " \"") + word + '"';
     }
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
