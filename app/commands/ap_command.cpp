@@ -11,6 +11,7 @@
 #include "app/commands/common_options.h"
 #include "app/items/printer_table.h"
 #include "app/library/access_point_printer.h"
+#include "app/library/vendor_texts.h"
 #include "app/outcome/problem.h"
 #include "app/output/answer.h"
 #include "app/output/item_output.h"
@@ -75,7 +76,9 @@ void ReportFailures(const std::vector<std::string>& failures, bool counts) {
 
 void WriteCheck(const Printer& printer, int result) {
     if (WritesJson()) {
-        WriteAnswer(CheckJson(printer, result, IsAnswer(result, printer.vendor)) + "\n");
+        WriteAnswer(
+            CheckJson(printer, result, IsAnswer(result, printer.vendor, "IsLocalAreaNetworkOK")) +
+            "\n");
     } else if (result == 0) {
         WriteAnswer(fmt::format("{} is on the local network (vendor {})\n",
                                 Cell(printer.serialNumber), Cell(printer.vendor)));
@@ -110,7 +113,7 @@ ExitStatus Configure(const ApConfigureOptions& options) {
     if (result == 0) {
         return kFound;
     }
-    const std::string known = IsUnconfirmed(result, {})
+    const std::string known = IsUnconfirmed(result, {}, "PrinterAPNetConfigEvent")
                                   ? "it is not known whether the printer is on "
                                   : "the printer was not put on ";
     return FailedSeeLog(known + network + ": " + Explanation(result, "PrinterAPNetConfigEvent"));
@@ -146,12 +149,12 @@ ExitStatus CheckPrinter(const ApCheckOptions& options) {
         if (result == 0) {
             return kFound;
         }
-        allAnswered = allAnswered && IsAnswer(result, printer.vendor);
+        allAnswered = allAnswered && IsAnswer(result, printer.vendor, "IsLocalAreaNetworkOK");
         reasons += fmt::format("\n  vendor {}: {}", printer.vendor,
                                Explanation(result, "IsLocalAreaNetworkOK", printer.vendor));
     }
     if (candidates.empty()) {
-        Explanation(-1, "IsLocalAreaNetworkOK");
+        Explanation(PrinterDeviceDiscoverSdk::kNothingToCall, "IsLocalAreaNetworkOK");
     }
     if (!allAnswered) {
         throw Problem("could not look for the printer on the local network:" + reasons);

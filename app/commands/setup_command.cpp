@@ -15,6 +15,7 @@
 #include "app/dialogue/prompt.h"
 #include "app/library/access_point_printer.h"
 #include "app/library/host_wifi.h"
+#include "app/library/vendor_texts.h"
 #include "app/outcome/problem.h"
 #include "app/program/messages.h"
 #include "app/running/cancellation.h"
@@ -190,7 +191,7 @@ void Journey::Configure(const std::string& network, const std::shared_ptr<Base::
                         const std::string& vendor) {
     progress.Begin(SetupStep::Configure);
     const int result = route->Configure(network, passPhrase);
-    unconfirmed = IsUnconfirmed(result, vendor);
+    unconfirmed = IsUnconfirmed(result, vendor, "PrinterAPNetConfigEvent");
     if (result != 0 && !unconfirmed) {
         const SetupRoute::Failure failure = route->ExplainConfigure(result);
         throw StepFailed(fmt::format("the printer was not put on {}: {}\n{} {}", network,
@@ -259,23 +260,24 @@ void Journey::Find(const std::string& network, const Printer& printer) {
                         NameOf(printer), WasPutOn(), network, Lines(outcome.failures)));
     }
     if (!outcome.isOnNetwork && outcome.printers.empty()) {
-        throw StepFailed(
-            fmt::format("{} {} {}, but was not found there within {:g} s{}.\nSome printers "
-                        "take longer: `devicediscover scan --watch` shows it when it is there. Is "
-                        "this computer\non the same network (`devicediscover wifi current`)?",
-                        NameOf(printer), WasPutOn(), network, options.timeout.count(),
-                        outcome.vendorsResult == 0
-                            ? ""
-                            : ": " + VendorsResult(outcome.vendorsResult, printer.vendor)));
+        throw StepFailed(fmt::format(
+            "{} {} {}, but was not found there within {:g} s{}.\nSome printers "
+            "take longer: `devicediscover scan --watch` shows it when it is there. Is "
+            "this computer\non the same network (`devicediscover wifi current`)?",
+            NameOf(printer), WasPutOn(), network, options.timeout.count(),
+            outcome.vendorsResult == 0 ? ""
+                                       : ": " + VendorsResult(outcome.vendorsResult, printer.vendor,
+                                                              "IsLocalAreaNetworkOK")));
     }
     if (!outcome.isOnNetwork) {
         throw StepFailed(
-            fmt::format("{}: a printer with that serial number was found at {}, but the vendor "
-                        "does not find the printer that was put on {}: {}\nTry "
-                        "`devicediscover ap check {} --vendor {}` in a moment.",
-                        NameOf(printer), places, network,
-                        VendorsResult(outcome.vendorsResult, printer.vendor), printer.serialNumber,
-                        printer.vendor),
+            fmt::format(
+                "{}: a printer with that serial number was found at {}, but the vendor "
+                "does not find the printer that was put on {}: {}\nTry "
+                "`devicediscover ap check {} --vendor {}` in a moment.",
+                NameOf(printer), places, network,
+                VendorsResult(outcome.vendorsResult, printer.vendor, "IsLocalAreaNetworkOK"),
+                printer.serialNumber, printer.vendor),
             outcome.vendorsResult);
     }
     StepEvent event;

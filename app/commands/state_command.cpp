@@ -15,6 +15,7 @@
 #include "app/items/printer_table.h"
 #include "app/library/scan_session.h"
 #include "app/library/vendor_survey.h"
+#include "app/library/vendor_texts.h"
 #include "app/outcome/problem.h"
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
@@ -98,9 +99,11 @@ void RequireAnswer(const Printer& printer) {
 
 std::string StateLine(const Printer& printer, int state) {
     const auto [serialNumber, makeAndModel, address, port, vendor] = RowOf(printer);
-    return fmt::format("{}: {} (state {}), {} at {} port {}, vendor {}", serialNumber,
-                       state == kReady ? "ready" : "not ready", state, makeAndModel, address, port,
-                       vendor);
+    const std::string meaning =
+        state == kReady ? "" : MeaningOf(state, printer.vendor, "GetDeviceConnectState");
+    return fmt::format("{}: {} (state {}{}), {} at {} port {}, vendor {}", serialNumber,
+                       state == kReady ? "ready" : "not ready", state,
+                       meaning.empty() ? "" : ": " + meaning, makeAndModel, address, port, vendor);
 }
 
 ExitStatus NotFound(const StateOptions& options, std::size_t others, bool cancelled) {

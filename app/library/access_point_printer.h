@@ -43,15 +43,6 @@ public:
 // when it is not known which network the host is joined to.
 std::string Explanation(int result, const std::string& entryPoint, const std::string& vendor = {});
 
-// "the vendor's result N", with its meaning if known.
-std::string VendorsResult(int result, const std::string& vendor);
-
-// Whether the result answers the question. False when the vendor could not find out.
-bool IsAnswer(int result, const std::string& vendor);
-
-// Whether the result means that the printer accepted the network but may not have joined.
-bool IsUnconfirmed(int result, const std::string& vendor);
-
 // A Wi-Fi scan by the vendor of that printer, from construction to Stop. Networks go to the
 // process's NetworkList.
 class NetworkScanSession {

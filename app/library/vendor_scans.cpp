@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-#include "app/library/access_point_printer.h"
+#include "app/library/vendor_texts.h"
 
 namespace App {
 
@@ -63,7 +63,9 @@ std::string VendorScans::FailureOf(const std::string& vendor) const {
         return text + "its scan threw an exception or ended its thread";
     }
     const bool hasReturned = latest && latest->state == VendorCallState::kReturned;
-    return hasReturned && latest->result != 0 ? text + VendorsResult(latest->result, vendor) : "";
+    return hasReturned && latest->result != 0
+               ? text + VendorsResult(latest->result, vendor, kind.entryPoint)
+               : "";
 }
 
 void VendorScans::Update() {
@@ -103,7 +105,7 @@ void VendorScans::AwaitReturns() {
     for (const std::string& vendor : vendors) {
         const std::optional<VendorCall> latest = LatestOf(vendor);
         if (latest && latest->state == VendorCallState::kReturned &&
-            !IsAnswer(latest->result, vendor)) {
+            !IsAnswer(latest->result, vendor, kind.entryPoint)) {
             AddFailure(vendor, FailureOf(vendor));
         }
     }

@@ -4,8 +4,9 @@
 
 #include <fmt/chrono.h>
 
-#include <array>
 #include <nlohmann/json.hpp>
+
+#include "app/library/vendor_texts.h"
 
 namespace App {
 
@@ -17,12 +18,10 @@ std::string JsonLine(const Json& object) {
     return object.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
-// The kind of service. Each vendor defines its own numbers; they are known for one vendor.
+// The kind of service: its vendor's name for it, else its vendor's number.
 Json Service(const Printer& printer) {
-    constexpr std::array names{"ipp", "ipps", "pdl-datastream", "printer", "usb"};
-    const bool named =
-        printer.vendor == "driverless" && printer.service >= 1 && printer.service <= names.size();
-    return named ? Json(names[printer.service - 1U]) : Json(printer.service);
+    const std::optional<std::string> name = ServiceName(printer.service, printer.vendor);
+    return name ? Json(*name) : Json(printer.service);
 }
 
 Json PrinterObject(const Printer& printer) {

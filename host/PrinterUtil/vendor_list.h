@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,28 @@ namespace PrinterUtil {
 // Uses this file as the list from now on; an empty path restores the search for the list.
 PRINTERUTIL_API void UseVendorList(const std::string& path);
 
+// What a vendor's result means to a user, in the words of its entry in the list.
+struct VendorResult {
+    enum class Outcome {
+        kKnown,
+        kUnknown,      // the vendor could not find out
+        kUnconfirmed,  // the printer accepted the network, but may not have joined it
+    };
+
+    int result;
+    std::string entryPoint;  // empty: every entry point without a text of its own for this result
+    std::string meaning;
+    Outcome outcome = Outcome::kKnown;
+};
+
+// The texts that a vendor's entry brings. At most 500 of each kind, each of at most 1000 bytes and
+// without control characters.
+struct VendorTexts {
+    std::string productId;
+    std::vector<VendorResult> results;
+    std::map<int, std::string> services;  // the names of the kinds of service of its printers
+};
+
 // In a usbIdList "*" matches every plugged-in printer that no vendor lists.
 struct VendorListReport {
     std::string path;                   // empty when no list was found
@@ -23,6 +46,7 @@ struct VendorListReport {
     std::vector<VendorInfo> vendors;    // only vendors without a problem
     // What was ignored or corrected without disabling a vendor: one line each, like `problems`.
     std::vector<std::string> notes;
+    std::vector<VendorTexts> texts;  // of the vendors that bring texts
 };
 
 // Reads the list like VendorDllMgr, but logs nothing.

@@ -342,6 +342,29 @@ class AccessPointConfigure(HostTest):
         self.assertTrue(re.search(r"vendor other: the vendor's result 17$", result.errors,
                                   re.MULTILINE), result.errors)
 
+    def explain_itself(self, results):
+        self.list_file = self.vendor_list([dict(productId="scripted", vendorName="scripted_all",
+                                                results=results)])
+
+    def test_every_vendor_can_explain_itself(self):
+        self.explain_itself({"5": "out of ink", "PrinterAPNetConfigEvent": {"5": "not now"}})
+        self.script("result PrinterAPNetConfigEvent 5", "result IsLocalAreaNetworkOK 5")
+        self.assert_mentions(self.run_app(*OFFICE, "--open").errors,
+                             "the vendor's result 5 (of vendor scripted: not now)")
+        self.assert_mentions(self.run_app("ap", "check", "SN1").errors,
+                             "the vendor's result 5 (of vendor scripted: out of ink)")
+        self.script("result IsLocalAreaNetworkOK 6")
+        errors = self.run_app("ap", "check", "SN1").errors
+        self.assertRegex(errors, "(?m)vendor scripted: the vendor's result 6$")
+
+    def test_every_vendor_can_say_that_it_does_not_know(self):
+        self.explain_itself({"5": {"meaning": "no idea", "outcome": "unknown"},
+                             "6": {"meaning": "who knows", "outcome": "unconfirmed"}})
+        self.script("result IsLocalAreaNetworkOK 5", "result PrinterAPNetConfigEvent 6")
+        self.assert_status(self.run_app("ap", "check", "SN1"), COULD_NOT_RUN)
+        self.assert_mentions(self.run_app(*OFFICE, "--open").errors,
+                             "it is not known whether the printer is on Office", "who knows")
+
     def test_wrong_arguments(self):
         for arguments, saying in (([], "scan, configure, info or check"),
                                   (["configure", "--open"], "--network"),

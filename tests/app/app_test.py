@@ -15,6 +15,9 @@ MODULES = os.environ["DEVICEDISCOVER_TEST_MODULES"]
 LAUNCHER = os.environ.get("DEVICEDISCOVER_LAUNCHER")
 VERSION = os.environ["DEVICEDISCOVER_VERSION"]
 ON_WINDOWS = LAUNCHER is not None
+# A vendor list with texts, as a vendor brings it.
+DRIVERLESS_LIST = os.path.join(os.path.dirname(os.path.abspath(__file__)),
+                               "../../modules/driverless/vendors.json")
 # Under an emulator or a sanitizer a program starts slowly.
 PATIENCE = 60
 
@@ -24,6 +27,13 @@ FOUND, NONE_FOUND, USAGE, COULD_NOT_RUN = range(4)
 def system_path(path):
     """The path as the program under test names it."""
     return "Z:" + path.replace("/", "\\") if ON_WINDOWS else path
+
+
+def texts_of_driverless():
+    """What the module for standard printers says about its results and services."""
+    with open(DRIVERLESS_LIST, encoding="utf-8") as file:
+        entry, = json.load(file)["vendors"]
+    return {key: entry[key] for key in ("results", "services")}
 
 
 def device(serial, vendor="scripted", model="Fake 1000", address="192.0.2.1", resource="ipp/print",
@@ -62,11 +72,14 @@ class AppTest(unittest.TestCase):
             return file.read()
 
     def vendor_list(self, vendors):
-        """Writes a vendor list. A vendor is its entry, or a pair of product id and module."""
+        """Writes a vendor list. A vendor is its entry, or a pair of product id and module; the vendor
+        driverless brings its own texts."""
         entries = [vendor if isinstance(vendor, dict) else
                    dict(productId=vendor[0], vendorName=vendor[1], scanModuleName=vendor[1],
                         usbIdList="-")
                    for vendor in vendors]
+        entries = [{**texts_of_driverless(), **entry} if entry.get("productId") == "driverless" else entry
+                   for entry in entries]
         return self.write("vendors.json", json.dumps(
             {"moduleFolder": system_path(MODULES), "vendors": entries}))
 

@@ -106,6 +106,7 @@ class Scan(AppTest):
 
 class ScanJson(AppTest):
     def test_a_printer_is_one_object(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
         self.script(device("SN1", model=r"Dr\xc3\xbccker 7", address="192.0.2.7", port=9100,
                            service=3, resource="q", vendor="driverless"))
         result = self.run_app("scan", "--json", "--seconds", "1")
@@ -115,6 +116,7 @@ class ScanJson(AppTest):
              "port": 9100, "vendor": "driverless", "resource": "q", "service": "pdl-datastream"}])
 
     def test_the_kind_of_service_has_a_name_where_it_is_known_only(self):
+        self.list_file = self.vendor_list([("driverless", "scripted_all")])
         self.script(*(device(f"{vendor}{service}", vendor=vendor, service=service)
                       for vendor in ("driverless", "other") for service in range(6)))
         result = self.run_app("scan", "--json", "--seconds", "1")

@@ -27,6 +27,16 @@ class State(AppTest):
                 self.assert_status(result, FOUND)
                 self.assert_mentions(result.output, f"SN1: not ready (state {state})")
 
+    def test_why_a_printer_is_not_ready_is_its_vendor_s_word(self):
+        self.list_file = self.vendor_list([dict(
+            productId="scripted", scanModuleName="scripted_all",
+            results={"GetDeviceConnectState": {"1": "all is well", "2": "it is out of paper"}})])
+        for state, said in ((1, "ready (state 1), "), (2, "not ready (state 2: it is out of paper)"),
+                            (3, "not ready (state 3)")):
+            with self.subTest(state):
+                self.script(f"result GetDeviceConnectState {state}", device("SN1"))
+                self.assert_mentions(self.run_app("state", "SN1").output, "SN1: " + said)
+
     def test_the_vendor_is_asked_about_the_very_record_that_it_reported(self):
         self.script("result GetDeviceConnectState 1", device("SN1", resource="ipp/9", service=2))
         self.run_app("state", "SN1")

@@ -181,7 +181,7 @@ class UsbPorts(UsbTest):
         self.host(port())
         self.assertEqual(self.run_app("usb", "ports").output,
                          "SN1\tFake 1000\tusb:1-4\tscripted\n")
-        self.assertIn('vendors[0]: "usbIdList": VID_1234&PID_abcd is taken as VID_1234&PID_ABCD',
+        self.assertIn('vendors[0]: "usbIdList": VID_1234&PID_abcd is read as VID_1234&PID_ABCD',
                       self.run_app("vendors").errors)
 
     def test_each_failure_that_its_vendor_documents_has_a_meaning(self):
@@ -799,6 +799,15 @@ class UsbConfigure(UsbTest):
         self.assert_status(result, NONE_FOUND)
         self.assert_mentions(result.errors, "vendor driverless has failed", "pass phrase right",
                              "call Func Fail", "ipp-usb")
+
+    def test_every_vendor_can_explain_its_failures(self):
+        own = {"USBWifiScan": {"0": "Ask the cat."},
+               "PrinterUSBNetConfigEvent": {"15": "no paper", "7": "no ink"}}
+        self.list_file = self.vendor_list([dict(vendor(), results=own)])
+        self.script(usb_device("SN1"), "result PrinterUSBNetConfigEvent 15")
+        self.assert_mentions(self.run_app(*OFFICE, "--open").errors,
+                             "the vendor's own result. Of scripted:\n  7: no ink\n  15: no paper\n")
+        self.assertIn("\nAsk the cat.\n", self.run_app("usb", "networks").errors)
 
     def test_each_failure_that_a_known_vendor_documents_has_a_meaning(self):
         self.list_file = self.vendor_list([vendor(product_id="driverless")])

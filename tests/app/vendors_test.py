@@ -125,6 +125,13 @@ class Vendors(AppTest):
         plain = self.run_app("vendors")
         self.assert_mentions(plain.output, "not loaded: ", "StartDeviceScan")
 
+    def test_a_vendor_s_wrong_text_is_named_and_costs_nothing_else(self):
+        self.list_file = self.vendor_list([dict(productId="x", scanModuleName="scripted_all",
+                                                results={"many": "text"})])
+        result = self.run_app("vendors")
+        self.assert_status(result, FOUND)
+        self.assert_mentions(result.errors, 'vendors[0]: "results": "many" ', "left out")
+
     def test_no_module_at_all_is_status_3_with_the_reasons(self):
         self.list_file = self.vendor_list([("x", "no_such_module")])
         for arguments, reason in (([], "not loaded: "), (["--json"], '"loaded":false')):

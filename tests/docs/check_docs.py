@@ -66,7 +66,7 @@ def literals(text):
 def sources(top):
     for folder in SOURCES:
         for path in glob.glob(os.path.join(top, folder, "**", "*"), recursive=True):
-            if path.endswith((".cpp", ".h")):
+            if path.endswith((".cpp", ".h", ".json")):
                 yield read(top, path)
 
 

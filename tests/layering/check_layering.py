@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Checks who includes whom, and who knows an operating system or a compiler.
+"""Checks who includes whom, who knows an operating system or a compiler, and that the application
+knows no vendor.
 
 usage: check_layering.py [--folders] [SOURCE]    SOURCE: the top of the project (default: that of this script)
 
@@ -93,6 +94,12 @@ def folders_without_a_layer(top):
         yield f"CMakeLists.txt: builds {name}/, which is in no layer"
 
 
+def vendors_of(top):
+    """The vendors whose modules the project has, by the names of their folders."""
+    modules = os.path.join(top, "modules")
+    return [entry.name for entry in os.scandir(modules) if entry.is_dir()] if os.path.isdir(modules) else []
+
+
 def layer_of(path):
     layers = [layer for layer in MAY_INCLUDE if path.startswith(layer + "/")]
     return max(layers, key=len, default=None)
@@ -119,6 +126,10 @@ def complaints(top, path):
         allowed = [layer + "/"] + MAY_INCLUDE[layer]
         if not any(target.startswith(prefix) for prefix in allowed):
             yield f"{path}: {layer}/ must not include {target}"
+    if layer == "app":
+        for vendor in vendors_of(top):
+            if re.search(rf"\b{vendor}\b", text):
+                yield f"{path}: knows a vendor: {vendor}"
     code = COMMENT.sub("", text)
     if not MAY_KNOW_THE_OS.search(path):
         headers = [name for name in SYSTEM_INCLUDE.findall(code) if OS_HEADER.search(name)]

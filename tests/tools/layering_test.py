@@ -50,6 +50,13 @@ class Layering(unittest.TestCase):
                                     '#include "host/PrinterUtil/vendor_list.h"\n'),
                          ["broker/scan/x.cpp: broker/scan/ must not include host/PrinterUtil/vendor_list.h"])
 
+    def test_the_application_knows_no_vendor(self):
+        self.write("modules/acme/x.cpp", "int acme;\n")
+        for text in ("// As acme does.\n", 'const char* name = "acme";\n'):
+            self.assertEqual(self.check("app/x.cpp", text), ["app/x.cpp: knows a vendor: acme"])
+        self.assertEqual(self.check("app/x.cpp", "int acmeish;\n"), [])
+        self.assertEqual(self.check("host/PrinterUtil/x.cpp", "int acme;\n"), [])
+
     def test_the_bottom_room_stands_on_nothing_and_is_there_for_all_but_the_broker(self):
         self.write("base/environment.h", "#pragma once\n")
         self.write("platform/os.h", "#pragma once\n")

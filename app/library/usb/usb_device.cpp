@@ -13,6 +13,7 @@
 #include "app/library/usb/usb_question.h"
 #include "app/library/usb/usb_vendors.h"
 #include "app/library/vendor_survey.h"
+#include "app/library/vendor_texts.h"
 #include "app/outcome/problem.h"
 #include "app/program/messages.h"
 #include "app/running/awaiting.h"
@@ -29,21 +30,6 @@ using PrinterDeviceDiscoverSdk::kNothingToCall;
 using PrinterDeviceDiscoverSdk::kNotInitialised;
 using PrinterDeviceDiscoverSdk::WifiConfigInfo;
 
-// Each vendor defines its own results and its own access to USB; they are known for one vendor.
-constexpr const char* kKnownVendor = "driverless";
-constexpr const char* kMeaningsOfConfiguration =
-    " Of driverless:"
-    "\n  10: the printer refused, or has no Wi-Fi that can be configured"
-    "\n  11: the printer does not see the network; many know the 2.4 GHz band only"
-    "\n  12: the printer cannot join: wrong pass phrase"
-    "\n  13: the printer did not join in time; `devicediscover scan` shows it if it has since"
-    "\n  14: the printer does not allow it: switch its Wi-Fi set-up on, or its password off"
-    "\n  15: the printer was not reached: it has to speak IPP over USB; plug it in again"
-    "\n  16: no valid name or pass phrase, which has 8 bytes or more; nothing was sent"
-    "\n  19: no thread or memory was left"
-    "\n  23: a fault of this program; report it, together with the log"
-    "\n  24: the program ipp-usb does not run: install and start it"
-    "\n  25: several printers are alike: unplug the others";
 constexpr const char* kAdvice =
     "\nPlug it in, switch it on, and wait a moment; `devicediscover usb watch` shows when it is "
     "there.";
@@ -231,15 +217,13 @@ int ConfigureNetwork(const UsbPrinter& printer, const std::string& network,
 }
 
 std::string AboutNoNetworks(const UsbPrinter& printer) {
-    return printer.vendor == kKnownVendor
-               ? "\nVendor driverless reports those in reach of this computer's own Wi-Fi: "
-                 "`devicediscover wifi list`."
-               : "";
+    const std::string text = MeaningOf(0, printer.vendor, "USBWifiScan");
+    return text.empty() ? text : "\n" + text;
 }
 
 std::string UsbExplanation(const UsbPrinter& printer, int result, const std::string& entryPoint) {
     if (result != kNothingToCall && result != kNotInitialised) {
-        return VendorsResult(result, printer.vendor);
+        return VendorsResult(result, printer.vendor, entryPoint);
     }
     const auto vendors = PrinterUtil::DescribeVendorList().vendors;
     const auto vendor = std::find_if(vendors.begin(), vendors.end(), [&](const VendorInfo& listed) {
@@ -261,12 +245,13 @@ std::string UsbExplanation(const UsbPrinter& printer, int result, const std::str
     if (entryPoint != "PrinterUSBNetConfigEvent") {
         return shown + " has failed";
     }
+    const std::string meanings = MeaningsOf(printer.vendor, entryPoint);
     return shown +
            " has failed\nAre the network's name and the pass phrase right, and is the network in "
            "the "
            "printer's reach?\nThe line \"call Func Fail\" in the log ends with the vendor's own "
            "result." +
-           (printer.vendor == kKnownVendor ? kMeaningsOfConfiguration : "");
+           (meanings.empty() ? "" : " Of " + printer.vendor + ":" + meanings);
 }
 
 }  // namespace App

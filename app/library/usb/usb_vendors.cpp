@@ -9,8 +9,8 @@
 #include <sstream>
 
 #include "DeviceDiscover/DeviceDiscover.h"
-#include "app/library/access_point_printer.h"
 #include "app/library/vendor_survey.h"
+#include "app/library/vendor_texts.h"
 #include "app/outcome/problem.h"
 #include "app/program/messages.h"
 #include "host/PrinterUtil/vendor_list.h"
@@ -81,7 +81,7 @@ std::string Failure(const std::string& usbId, const std::string& vendor, int res
     return result == kNothingToCall || result == kNotInitialised
                ? fmt::format("{}: vendor {} cannot be asked about printers on USB", usbId, vendor)
                : fmt::format("{}: vendor {} does not report it: {}", usbId, vendor,
-                             VendorsResult(result, vendor));
+                             VendorsResult(result, vendor, "GetDeviceInfoByUsb"));
 }
 
 // Empty when the vendor reports all plugged-in printers of the port.

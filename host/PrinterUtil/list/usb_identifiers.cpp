@@ -51,7 +51,7 @@ std::vector<std::string> MendUsbIdentifiers(std::string& usbIdList) {
                       usbIdList.begin() + static_cast<std::ptrdiff_t>(at));
             notes.push_back(std::string("\"usbIdList\": ")
                                 .append(identifier)
-                                .append(" is taken as ")
+                                .append(" is read as ")
                                 .append(capitals));
         }
         at = end + 1;

@@ -50,9 +50,8 @@ FoundList ReadAt(const fs::path& path) {
 
 // The name of the user's list, for display.
 std::string UsersList(const Host::UserFolder& folder) {
-    return folder.path.empty()
-               ? "one of the user's (there is no folder for it: " + folder.reason + ")"
-               : Host::PathToUtf8(folder.path / kFileName);
+    return folder.path.empty() ? "the user's (there is no folder for it: " + folder.reason + ")"
+                               : Host::PathToUtf8(folder.path / kFileName);
 }
 
 // The user's list, or the one beside this library.

@@ -9,6 +9,7 @@
 
 #include "host/PrinterUtil/list/json_numbers.h"
 #include "host/PrinterUtil/list/usb_identifiers.h"
+#include "host/PrinterUtil/list/vendor_texts_parser.h"
 #include "host/common/paths.h"
 #include "host/common/utf8.h"
 
@@ -114,6 +115,15 @@ std::string Entry(std::size_t index) {
     return "vendors[" + std::to_string(index) + "]";
 }
 
+void AddTexts(const Json& entry, const std::string& productId, const std::string& place,
+              VendorListReport& report) {
+    VendorTexts texts = ParseVendorTexts(entry, place, report.notes);
+    if (!texts.results.empty() || !texts.services.empty()) {
+        texts.productId = productId;
+        report.texts.push_back(std::move(texts));
+    }
+}
+
 void ReadVendors(const Json& vendors, const std::string& place, VendorListReport& report) {
     std::map<std::string, std::size_t> entries;
     for (std::size_t index = 0; index < vendors.size(); ++index) {
@@ -121,13 +131,13 @@ void ReadVendors(const Json& vendors, const std::string& place, VendorListReport
             VendorInfo vendor = Vendor(vendors[index]);
             const auto [first, isNew] = entries.emplace(vendor.productId, index);
             if (!isNew) {
-                throw ListError("\"productId\" is that of " + Entry(first->second) +
-                                " already, which is served");
+                throw ListError("\"productId\" is already that of " + Entry(first->second));
             }
             for (const std::string& note : MendUsbIdentifiers(vendor.usbIdList)) {
                 report.notes.push_back(
                     std::string(place).append(": ").append(Entry(index)).append(": ").append(note));
             }
+            AddTexts(vendors[index], vendor.productId, place + ": " + Entry(index), report);
             report.vendors.push_back(std::move(vendor));
         } catch (const ListError& error) {
             report.problems.push_back(place + ": " + Entry(index) + ": " + error.what());

@@ -213,7 +213,77 @@ TEST_F(VendorListTest, PutsUsbIdentifiersInCapitalLetters) {
         testing::StartsWith(" VID_12AB&PID_00CD  VID_12AB&PID_00CE Other * VID_12ax&pid_0001"));
     EXPECT_THAT(
         report.notes,
-        ElementsAre(EndsWith("\"usbIdList\": vid_12ab&Pid_00cd is taken as VID_12AB&PID_00CD")));
+        ElementsAre(EndsWith("\"usbIdList\": vid_12ab&Pid_00cd is read as VID_12AB&PID_00CD")));
+}
+
+TEST_F(VendorListTest, GivesTheTextsOfAVendor) {
+    WriteList(R"({"vendors": [{"productId": "A", "vendorName": "v"},
+        {"productId": "B", "vendorName": "v", "usbIdList": "-", "services": {"1": "pigeon"},
+         "results": {"-7": "no ink",
+                     "8": {"meaning": "no idea", "outcome": "unknown"},
+                     "StartDeviceScan": {"8": {"meaning": "perhaps", "outcome": "unconfirmed"}}}}]})");
+    const auto texts = PrinterUtil::DescribeVendorList().texts;
+    ASSERT_THAT(texts, SizeIs(1)) << "a vendor without texts has none";
+    EXPECT_EQ(texts[0].productId, "B");
+    EXPECT_THAT(texts[0].services, ElementsAre(testing::Pair(1, "pigeon")));
+    std::vector<std::string> results;
+    for (const PrinterUtil::VendorResult& one : texts[0].results) {
+        results.push_back(one.entryPoint + " " + std::to_string(one.result) + " " + one.meaning +
+                          " " + std::to_string(static_cast<int>(one.outcome)));
+    }
+    EXPECT_THAT(results, testing::UnorderedElementsAre(" -7 no ink 0", " 8 no idea 1",
+                                                       "StartDeviceScan 8 perhaps 2"));
+}
+
+TEST_F(VendorListTest, LeavesOutAWrongTextAndServesItsVendor) {
+    const auto listOf = [](const std::string& key, const std::string& value) {
+        return R"({"vendors": [{"productId": "A", "vendorName": "v", "usbIdList": "-", ")" + key +
+               R"(": )" + value + "}]}";
+    };
+    const std::vector<std::pair<std::string, std::string>> wrong{
+        {"results", R"([])"},
+        {"results", R"({"x": "text"})"},
+        {"results", R"({"1x": "text"})"},
+        {"results", R"({"99999999999": "text"})"},
+        {"results", R"({"StartDeviceScan": {"x": "text"}})"},
+        {"results", R"({"1": 2})"},
+        {"results", R"({"1": ""})"},
+        {"results", R"({"1": "a\u001bb"})"},
+        {"results", R"({"1": "a\nb"})"},
+        {"results", R"({"1": {"outcome": "unknown"}})"},
+        {"results", R"({"1": {"meaning": "m", "outcome": "blue"}})"},
+        {"results", R"({"1": {"meaning": "m", "outcome": {}}})"},
+        {"results", R"({"1": ")" + std::string(1001, 'x') + R"("})"},
+        {"services", R"("ipp")"},
+        {"services", R"({"ipp": "ipp"})"},
+        {"services", R"({"1": 1})"}};
+    for (const auto& [key, value] : wrong) {
+        WriteList(listOf(key, value));
+        const PrinterUtil::VendorListReport report = PrinterUtil::DescribeVendorList();
+        EXPECT_THAT(report.vendors, SizeIs(1)) << value;
+        EXPECT_THAT(report.problems, IsEmpty()) << value;
+        EXPECT_THAT(report.texts, IsEmpty()) << value;
+        EXPECT_THAT(report.notes, ElementsAre(AllOf(HasSubstr("vendors[0]: \"" + key + "\""),
+                                                    HasSubstr("left out"))))
+            << value;
+        EXPECT_THAT(report.notes.front(), testing::Not(testing::ContainsRegex("[[:cntrl:]]")));
+    }
+    WriteList(listOf("results", R"({"1": ")" + std::string(1000, 'x') + R"("})"));
+    EXPECT_THAT(PrinterUtil::DescribeVendorList().texts, SizeIs(1));
+}
+
+TEST_F(VendorListTest, KeepsNoMoreTextsThanItPromises) {
+    std::string results;
+    for (int number = 0; number < 2000; ++number) {
+        results += (number == 0 ? "\"" : ", \"") + std::to_string(number) + R"(": "text")";
+    }
+    WriteList(R"({"vendors": [{"productId": "A", "vendorName": "v", "usbIdList": "-",
+                  "services": {)" +
+              results + R"(}, "results": {)" + results + "}}]}");
+    const auto texts = PrinterUtil::DescribeVendorList().texts;
+    ASSERT_THAT(texts, SizeIs(1));
+    EXPECT_THAT(texts[0].results, SizeIs(500));
+    EXPECT_THAT(texts[0].services, SizeIs(500));
 }
 
 TEST_F(VendorListTest, RefusesAListThatIsTooLarge) {
@@ -306,8 +376,7 @@ TEST_F(VendorListTest, ServesTheFirstOfEqualVendorsAndPointsOutTheOthers) {
     EXPECT_THAT(PrinterUtil::DescribeVendorList().problems,
                 ElementsAre(HasSubstr("vendors[0]: names no module"),
                             "vendor list " + Utf8(ListFile()) +
-                                ": vendors[4]: \"productId\" is that of vendors[1] already, which "
-                                "is served"));
+                                ": vendors[4]: \"productId\" is already that of vendors[1]"));
 }
 
 TEST_F(VendorListTest, IsReadAnewEachTime) {
@@ -412,8 +481,8 @@ TEST_F(VendorListTest, IsMissedInOneLineWhereTheUserHasNoFolder) {
     HostTest::ClearVariable("HOME");
     ASSERT_EQ(HostTest::Run(folder / program, {Utf8(output)}), 0);
     const std::string beside = Utf8(folder / "DeviceDiscover" / "vendors.json");
-    EXPECT_THAT(HostTest::Lines(output),
-                ElementsAre(AllOf(
-                    HasSubstr("none found, neither one of the user's (there is no folder for it: "),
-                    HasSubstr(" unset) nor " + beside + "; "))));
+    EXPECT_THAT(
+        HostTest::Lines(output),
+        ElementsAre(AllOf(HasSubstr("none found, neither the user's (there is no folder for it: "),
+                          HasSubstr(" unset) nor " + beside + "; "))));
 }
