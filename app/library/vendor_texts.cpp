@@ -17,8 +17,10 @@ namespace {
 using PrinterUtil::VendorResult;
 using PrinterUtil::VendorTexts;
 
+// Never destroyed: a thread may ask while the process ends.
 const std::vector<VendorTexts>& AllTexts() {
-    static const std::vector<VendorTexts> texts = PrinterUtil::DescribeVendorList().texts;
+    static const auto& texts =
+        *new std::vector<VendorTexts>(PrinterUtil::DescribeVendorList().texts);
     return texts;
 }
 

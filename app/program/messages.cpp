@@ -4,19 +4,21 @@
 
 #include <sstream>
 
+#include "app/program/log_control.h"
 #include "app/terminal/console.h"
 #include "app/terminal/text.h"
 #include "base/first_lines.h"
-#include "host/LogHelper/log_settings.h"
 
 namespace App {
 
 namespace {
 
-// Empty without one, or when it could not be written.
-std::string LogFile() {
-    LogHelper::Flush();
-    return LogHelper::LogFilePath();
+// "the log (FILE)", or the log of a library that does not tell the file. Empty without a log, or
+// when it could not be written.
+std::string TheLog(const std::optional<std::string>& file) {
+    return !file           ? "the log of the library LogHelper in use"
+           : file->empty() ? std::string()
+                           : "the log (" + *file + ")";
 }
 
 }  // namespace
@@ -49,10 +51,13 @@ std::string Lines(const std::vector<std::string>& problems) {
 }
 
 std::string AdviceToReadLog() {
-    const std::string log = LogFile();
-    return log.empty() ? "There is no log; --log-level warning shows the reason as it happens."
-                       : "The reason is in the log (" + log +
-                             "); --log-level warning shows it as it happens.";
+    const std::optional<std::string> file = LogFilePath();
+    const std::string log = TheLog(file);
+    if (log.empty()) {
+        return "There is no log; --log-level warning shows the reason as it happens.";
+    }
+    return "The reason is in " + log +
+           (file ? "; --log-level warning shows it as it happens." : ".");
 }
 
 ExitStatus FailedSeeLog(const std::string& what) {
@@ -61,9 +66,9 @@ ExitStatus FailedSeeLog(const std::string& what) {
 }
 
 std::string AdviceAfterScan() {
-    const std::string log = LogFile();
+    const std::string log = TheLog(LogFilePath());
     return (log.empty() ? "There is no log of what each vendor did"
-                        : "What each vendor did is in the log (" + log + ")") +
+                        : "What each vendor did is in " + log) +
            ".\nTry a longer --seconds, `devicediscover vendors` to see what each vendor's modules "
            "can do,\nor --log-level error to see failures as they happen.";
 }

@@ -5,9 +5,9 @@
 #include <map>
 
 #include "app/outcome/problem.h"
+#include "app/program/log_control.h"
 #include "app/program/log_file.h"
 #include "app/terminal/console.h"
-#include "host/LogHelper/log_settings.h"
 #include "host/PrinterUtil/vendor_list.h"
 
 namespace App {
@@ -40,18 +40,19 @@ void RequireWritable(const std::string& file) {
 
 void Apply(const Settings& settings) {
     Applied() = settings;
-    LogHelper::Settings log;
-    if (settings.logLevel == kOff) {
-        log.file = false;
-    } else if (!settings.logLevel.empty()) {
-        log.level = kLevels.at(settings.logLevel);
-        log.terminal = true;
-    }
-    if (!settings.logFile.empty() && log.file) {
+    const bool toFile = settings.logLevel != kOff;
+    if (!settings.logFile.empty() && toFile) {
         RequireWritable(settings.logFile);
-        log.filePath = settings.logFile;
     }
-    LogHelper::Configure(log);
+    const bool toTerminal = toFile && !settings.logLevel.empty();
+    const LOG_MESSAGE_LEVEL level = toTerminal ? kLevels.at(settings.logLevel) : LOG_LEVEL_DEBUG;
+    const bool isDone = ConfigureLog(level, toTerminal, toFile, toFile ? settings.logFile : "");
+    if (!isDone && !(settings.logLevel.empty() && settings.logFile.empty())) {
+        throw Problem(
+            "--log-level and --log-file do not work: the library LogHelper in use cannot be "
+            "configured"
+            "\nLeave them out, or use a LogHelper that has the function LogHelperConfigure.");
+    }
     if (!settings.vendorList.empty()) {
         PrinterUtil::UseVendorList(settings.vendorList);
     }

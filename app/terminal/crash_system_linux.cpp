@@ -12,9 +12,9 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "app/program/log_control.h"
 #include "app/terminal/crash_report.h"
 #include "app/terminal/crash_system.h"
-#include "host/LogHelper/log_settings.h"
 
 namespace App {
 
@@ -105,6 +105,7 @@ private:
 }  // namespace
 
 void CatchCrashes() {
+    FindLogControl();
     process = getpid();
     for (std::size_t at = 0; at < std::size(kCrashes); ++at) {
         struct sigaction action {};
@@ -129,7 +130,7 @@ bool WriteEnd(std::string_view text) {
     text.copy(line + name.size(), length);
     line[name.size() + length] = '\n';
     WriteToStandardError(line, name.size() + length + 1);
-    LogHelper::WriteInSignalHandler(text);
+    WriteToLogInSignalHandler(text);
     return true;
 }
 

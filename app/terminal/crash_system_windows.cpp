@@ -3,10 +3,10 @@
 #include <atomic>
 #include <csignal>
 
+#include "app/program/log_control.h"
 #include "app/terminal/bounded_write_windows.h"
 #include "app/terminal/crash_report.h"
 #include "app/terminal/crash_system.h"
-#include "host/LogHelper/log_settings.h"
 #include "platform/os.h"
 #include "platform/process_end.h"
 
@@ -60,6 +60,7 @@ DWORD EndOfThreads() {
 }  // namespace
 
 void CatchCrashes() {
+    FindLogControl();
     SetUnhandledExceptionFilter(OnCrash);
     std::signal(SIGABRT, OnAbort);
 }
@@ -77,7 +78,7 @@ bool WriteEnd(std::string_view text) {
          {std::string_view("devicediscover: "), text, std::string_view("\r\n")}) {
         WriteInTime(errors, part);
     }
-    LogHelper::WriteInSignalHandler(text);
+    WriteToLogInSignalHandler(text);
     return true;
 }
 

@@ -15,9 +15,9 @@
 #include <thread>
 
 #include "app/outcome/problem.h"
+#include "app/program/log_control.h"
 #include "app/terminal/crash_system.h"
 #include "app/terminal/interrupt.h"
-#include "host/LogHelper/log_settings.h"
 
 namespace App {
 
@@ -102,7 +102,7 @@ void EndProcessSoon(int status) {
 void EndProcess(int status) {
     std::fflush(stdout);
     std::fflush(stderr);
-    LogHelper::Flush();
+    FlushLog();
     std::_Exit(status);
 }
 

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "host/LogHelper/log_settings.h"
+#include "app/program/log_control.h"
 #include "platform/os.h"
 #include "platform/process_end.h"
 
@@ -57,7 +57,7 @@ void EndProcess(int status) {
     if (!Platform::OtherThreadsAreGone()) {
         std::fflush(stdout);
         std::fflush(stderr);
-        LogHelper::Flush();
+        FlushLog();
     }
     // An exit ends the other threads wherever they are, and then lets every library take itself
     // down, which waits for ever when one of them held a lock.

@@ -45,7 +45,7 @@ MAY_INCLUDE = {
             "platform/PrinterAdapter/PrinterListProblem.h",
             "platform/PrinterDiscoverAPI/PrinterUsbControl.h",
             "platform/PrinterDiscoverAPI/PrinterWifiControl.h",
-            "host/LogHelper/log_settings.h", "host/PrinterDiscoverAPI/ping_report.h",
+            "host/PrinterDiscoverAPI/ping_report.h",
             "host/PrinterUtil/vendor_list.h"],
     "kit": ["include/VendorSdk/", "broker/binding/", "platform/os.h", "platform/os_calls.h"],
 }
