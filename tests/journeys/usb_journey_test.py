@@ -194,7 +194,7 @@ class UsbJourney(JourneyTest):
         ended = self.devicediscover("usb", "configure", "--network", NAME, "--pass-phrase-file",
                                     "-", secret="wrong-horse battery")
         self.assertEqual((ended.status, ended.output), (1, ""), str(ended))
-        self.assertIn(f"driverless: {MODEL} on USB is not let in with that pass phrase by the "
+        self.assertIn(f"driverless: {MODEL} on USB was refused with that pass phrase by the "
                       f"network {NAME}\n", ended.errors)
         self.assertEqual(bridged.given(), [(NAME, "wrong-horse battery")])
         self.assert_masked_log()

@@ -133,7 +133,8 @@ int PrinterWifiVisit(const char* network, int seconds) {
         Host::VisitNetwork(Host::FromUtf8(network), std::chrono::seconds(seconds));
         return 1;
     } catch (const Host::WifiProblem& problem) {
-        ReportProblem(LOG_LEVEL_WARNING, L"no visit", problem, L"PrinterWifiVisit");
+        ReportProblem(LOG_LEVEL_WARNING, L"could not visit the network", problem,
+                      L"PrinterWifiVisit");
         return 0;
     }
 }
@@ -144,7 +145,7 @@ void PrinterWifiEndVisit() {
     try {
         Host::EndNetworkVisit();
     } catch (const Host::WifiProblem& problem) {
-        ReportProblem(LOG_LEVEL_WARNING, L"not back from the visit", problem,
+        ReportProblem(LOG_LEVEL_WARNING, L"could not return from the visit", problem,
                       L"PrinterWifiEndVisit");
     }
 }
@@ -166,7 +167,7 @@ int PrinterWifiGoBack(const char* network) {
     try {
         return Host::GoBackFrom(Host::FromUtf8(network)) ? 1 : 0;
     } catch (const Host::WifiProblem& problem) {
-        ReportProblem(LOG_LEVEL_WARNING, L"not back on the network that was left", problem,
+        ReportProblem(LOG_LEVEL_WARNING, L"could not rejoin the previous network", problem,
                       L"PrinterWifiGoBack");
         return 0;
     }

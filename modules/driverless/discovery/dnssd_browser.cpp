@@ -122,7 +122,7 @@ DnssdEvent ConnectFailure(const AvahiPoll* events, int error) {
     const std::unique_ptr<AvahiClient, FreeClient> waiting(
         avahi_client_new(events, AVAHI_CLIENT_NO_FAIL, nullptr, nullptr, &error));
     if (waiting == nullptr) {
-        return Failure(kNoBus, "the system's D-Bus, by which Avahi is asked, cannot be reached");
+        return Failure(kNoBus, "the system's D-Bus, and so Avahi, cannot be reached");
     }
     return Failure(kNoAvahi, "Avahi does not run: start avahi-daemon");
 }
@@ -264,7 +264,7 @@ void DnssdBrowser::Watch::Run() {
 
 void DnssdBrowser::Watch::WatchOn(AvahiSimplePoll* poll) {
     if (poll == nullptr || !alarm.IsUsable()) {
-        listener(Failure(kNoBrowsing, "no memory or descriptor left to ask Avahi with"));
+        listener(Failure(kNoBrowsing, "no memory or descriptor left for Avahi"));
         return;
     }
     events = avahi_simple_poll_get(poll);
@@ -587,7 +587,7 @@ bool DnssdBrowser::Watch::IsAsked(const ServiceId& id, const std::string& addres
     if (!reason.empty() && leftOutLines < kMaxLeftOutLines) {
         const bool last = ++leftOutLines == kMaxLeftOutLines;
         ReportDetail(id.name + "." + TypeName(id.kind) + " at " + address +
-                     " is left out: " + reason + (last ? "; further ones are not told" : ""));
+                     " is left out: " + reason + (last ? "; others are not reported" : ""));
     }
     return reason.empty();
 }

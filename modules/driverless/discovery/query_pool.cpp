@@ -139,7 +139,7 @@ void QueryPool::Start(const PrinterTable::Query& query) {
         if (state->threads == 0) {
             throw;
         }
-        ReportDetail(std::string("no further thread for questions: ") + problem.what());
+        ReportDetail(std::string("no thread left for questions: ") + problem.what());
     }
 }
 

@@ -299,7 +299,7 @@ void ScanSession::SayLeftOut(const Printer& printer) {
         ReportDetail(printer.id.name + " at " + printer.address + ":" +
                      std::to_string(printer.port) +
                      " is left out: too many services claim to be that printer" +
-                     (last ? "; further ones are not told" : ""));
+                     (last ? "; others are not reported" : ""));
     }
 }
 

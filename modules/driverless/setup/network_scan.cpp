@@ -85,7 +85,7 @@ int NetworkScan::Run() {
             continue;
         }
         if (!hasLooked && found->problem) {
-            ReportProblem("networks cannot be looked for: " + *found->problem);
+            ReportProblem("cannot look for networks: " + *found->problem);
             return kNoWifiAnswer;
         }
         hasLooked = true;

@@ -120,7 +120,7 @@ std::optional<int> Send(const Recipient& recipient, const WifiSettings& settings
     if (IsTaken(answer, recipient)) {
         return std::nullopt;
     }
-    ReportProblem("the printer at " + PlaceOf(recipient.printer) + " does not take the network: " +
+    ReportProblem("the printer at " + PlaceOf(recipient.printer) + " did not accept the network: " +
                   (answer.problem.empty() ? "no answer" : answer.problem));
     switch (answer.kind) {
         case IppAnswer::Kind::Denied:
@@ -210,11 +210,11 @@ const char* Outcome(int result) {
         case kNotVisible:
             return " does not see the network ";
         case kCannotJoin:
-            return " is not let in with that pass phrase by the network ";
+            return " was refused with that pass phrase by the network ";
         case kNotConfirmed:
             return " closed its own network and did not say whether it joined the network ";
         default:
-            return " has not joined in time the network ";
+            return " took too long to join the network ";
     }
 }
 

@@ -108,13 +108,13 @@ std::vector<Description> AskAll(std::span<libusb_device*> devices, const Wanted&
         devices.size(), kLimits,
         [&](std::size_t number) { descriptions[number] = DescriptionOf(devices[number], wanted); });
     if (!problem.empty()) {
-        ReportDetail("no further thread for printers on USB: " + problem);
+        ReportDetail("no thread left for printers on USB: " + problem);
     }
     return descriptions;
 }
 
 UsbLook Failed(int error) {
-    ReportProblem(std::string("USB cannot be looked at: ") + libusb_strerror(error));
+    ReportProblem(std::string("cannot list USB devices: ") + libusb_strerror(error));
     return {kNoUsbAnswer, {}};
 }
 

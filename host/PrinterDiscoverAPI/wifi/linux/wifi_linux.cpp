@@ -497,7 +497,7 @@ private:
             }
         } catch (const sdbus::Error& error) {
             Report(LOG_LEVEL_WARNING,
-                   L"not back on the network that was left: " + FromUtf8(DescribeError(error)),
+                   L"could not rejoin the previous network: " + FromUtf8(DescribeError(error)),
                    L"PrinterWifiAPI");
         }
     }

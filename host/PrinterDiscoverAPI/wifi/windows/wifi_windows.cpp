@@ -232,7 +232,7 @@ private:
             }
         } catch (const WifiProblem& problem) {
             Report(LOG_LEVEL_WARNING,
-                   L"not back on the network that was left: " + FromUtf8(problem.what()),
+                   L"could not rejoin the previous network: " + FromUtf8(problem.what()),
                    L"PrinterWifiAPI");
         }
     }

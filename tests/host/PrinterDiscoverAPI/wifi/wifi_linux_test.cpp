@@ -413,7 +413,7 @@ TEST_F(Wifi, AnAttemptThatFails_SaysItWhenThereIsNoWayBack) {
     ASSERT_TRUE(Connect(L"Home", kSecret));
     EXPECT_FALSE(Connect(L"Other", kSecret));
     EXPECT_THAT(TakeLines(),
-                ElementsAre(IsLine(LOG_LEVEL_WARNING, L"not back on the network that was left"),
+                ElementsAre(IsLine(LOG_LEVEL_WARNING, L"could not rejoin the previous network"),
                             IsLine(LOG_LEVEL_ERROR, L"cannot join \"Other\": " + kBrokenOff)));
     ExpectTidy();
 }

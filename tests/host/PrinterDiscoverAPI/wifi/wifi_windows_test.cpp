@@ -418,7 +418,7 @@ TEST_F(Wifi, AnAttemptThatFails_SaysItWhenThereIsNoWayBack) {
         EXPECT_THAT(
             TakeLines(),
             ElementsAre(
-                IsLine(LOG_LEVEL_WARNING, L"not back on the network that was left: "s + why),
+                IsLine(LOG_LEVEL_WARNING, L"could not rejoin the previous network: "s + why),
                 IsLine(LOG_LEVEL_ERROR, L"cannot join \"Other\": the pass phrase is")));
     }
 }
