@@ -18,7 +18,7 @@
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
 #include "app/program/settings.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 #include "host/PrinterUtil/vendor_list.h"
 
 namespace App {
@@ -108,7 +108,7 @@ ExitStatus Configure(const ApConfigureOptions& options) {
     if (WritesJson()) {
         WriteAnswer(ConfigureJson(network, result) + "\n");
     } else if (result == 0) {
-        WriteAnswer("the printer was put on " + DisplayText(network) + "\n");
+        WriteAnswer("the printer was put on " + Base::DisplayText(network) + "\n");
     }
     if (result == 0) {
         return kFound;

@@ -22,7 +22,7 @@
 #include "app/program/settings.h"
 #include "app/running/awaiting.h"
 #include "app/terminal/console.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 #include "host/PrinterUtil/vendor_list.h"
 
 namespace App {
@@ -42,7 +42,7 @@ constexpr auto kOthersLimit = std::chrono::milliseconds(500);
 
 // The user may have copied the text from the table.
 bool IsText(const std::string& text, const std::string& given) {
-    return text == given || DisplayText(text) == given;
+    return text == given || Base::DisplayText(text) == given;
 }
 
 std::vector<Printer> Matches(const PrinterList& list, const StateOptions& options) {
@@ -81,7 +81,7 @@ void RequireAnswer(const Printer& printer) {
     const auto vendor = std::find_if(vendors.begin(), vendors.end(), [&](const VendorInfo& known) {
         return known.productId == printer.vendor;
     });
-    const std::string shown = DisplayText(printer.vendor);
+    const std::string shown = Base::DisplayText(printer.vendor);
     if (vendor == vendors.end()) {
         throw Problem("the printer names the vendor '" + shown +
                       "', and the vendor list has no such productId"

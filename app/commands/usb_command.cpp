@@ -14,7 +14,7 @@
 #include "app/output/json_output.h"
 #include "app/program/messages.h"
 #include "app/program/settings.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -67,7 +67,7 @@ ExitStatus ConfigureOverUsb(const UsbPrinter& printer, const UsbConfigureOptions
     if (WritesJson()) {
         WriteAnswer(UsbConfigureJson(printer, network, result) + "\n");
     } else if (result == 0) {
-        WriteAnswer("the printer was put on " + DisplayText(network) + "\n");
+        WriteAnswer("the printer was put on " + Base::DisplayText(network) + "\n");
     }
     return result == 0 ? kFound
                        : FailedSeeLog("the printer was not put on " + network + ": " +

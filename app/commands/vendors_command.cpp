@@ -13,7 +13,7 @@
 #include "app/program/settings.h"
 #include "app/running/awaiting.h"
 #include "app/terminal/console.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 #include "host/PrinterUtil/vendor_list.h"
 
 namespace App {
@@ -21,22 +21,22 @@ namespace App {
 namespace {
 
 std::string ModuleText(const ModuleSurvey& module) {
-    std::string text = fmt::format("  {}: {}\n", module.use, DisplayText(module.name));
-    text +=
-        fmt::format("    {}\n", module.IsLoaded() ? DisplayText(module.path)
-                                                  : "not loaded: " + DisplayText(module.problem));
+    std::string text = fmt::format("  {}: {}\n", module.use, Base::DisplayText(module.name));
+    text += fmt::format("    {}\n", module.IsLoaded()
+                                        ? Base::DisplayText(module.path)
+                                        : "not loaded: " + Base::DisplayText(module.problem));
     for (const EntryPointSurvey& entryPoint : module.entryPoints) {
         text +=
             fmt::format("    {:27}{}\n", entryPoint.name, entryPoint.bound ? "bound" : "missing");
     }
     for (const std::string& hint : module.hints) {
-        text += fmt::format("    hint: {}\n", DisplayText(hint));
+        text += fmt::format("    hint: {}\n", Base::DisplayText(hint));
     }
     return text;
 }
 
 std::string VendorText(const VendorInfo& vendor, const std::vector<ModuleSurvey>& modules) {
-    std::string text = fmt::format("\n{}\n", DisplayText(vendor.productId));
+    std::string text = fmt::format("\n{}\n", Base::DisplayText(vendor.productId));
     for (const ModuleSurvey& module : modules) {
         text += ModuleText(module);
     }
@@ -74,8 +74,8 @@ ExitStatus Vendors() {
     WarnOfAll(list.problems);
     WarnOfAll(list.notes);
     if (!WritesJson()) {
-        WriteOutput("Vendor list  " + DisplayText(list.path) + "\nModules      " +
-                    DisplayText(list.moduleFolder) + "\n");
+        WriteOutput("Vendor list  " + Base::DisplayText(list.path) + "\nModules      " +
+                    Base::DisplayText(list.moduleFolder) + "\n");
     }
     bool anyLoaded = false;
     std::vector<std::string> useless;

@@ -14,7 +14,7 @@
 #include "app/program/messages.h"
 #include "app/program/settings.h"
 #include "app/terminal/console.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -72,7 +72,7 @@ ExitStatus JoinWifi(const std::string& network, const PassPhraseOptions& options
     if (WritesJson()) {
         WriteAnswer(JoinJson(network, joined, problem.reason) + "\n");
     } else if (joined) {
-        WriteAnswer("joined " + DisplayText(network) + "\n");
+        WriteAnswer("joined " + Base::DisplayText(network) + "\n");
     }
     if (!joined) {
         Complain("could not join " + network +

@@ -17,7 +17,8 @@
 #include "app/running/awaiting.h"
 #include "app/terminal/interrupt.h"
 #include "app/terminal/terminal_input.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
+#include "base/text/utf8.h"
 
 namespace App {
 
@@ -92,8 +93,8 @@ Line Read(const PassPhraseOptions& options) {
 }
 
 Line Ask(const std::string& network) {
-    Line line =
-        AskSecret("Pass phrase of " + DisplayText(network) + " (empty for an open network): ");
+    Line line = AskSecret("Pass phrase of " + Base::DisplayText(network) +
+                          " (empty for an open network): ");
     if (line == nullptr) {
         throw WrongInput(std::string("no pass phrase was given") + kAdvice);
     }
@@ -104,7 +105,8 @@ void RequireText(const Base::Secret& passPhrase) {
     if (passPhrase.View().find('\n') != std::string_view::npos) {
         throw WrongInput("the pass phrase has more than one line");
     }
-    if (passPhrase.View().find('\0') != std::string_view::npos || !IsUtf8(passPhrase.View())) {
+    if (passPhrase.View().find('\0') != std::string_view::npos ||
+        !Base::IsUtf8(passPhrase.View())) {
         throw WrongInput("the pass phrase is not UTF-8 text");
     }
 }

@@ -8,7 +8,6 @@
 #include "app/terminal/console.h"
 #include "app/terminal/interrupt.h"
 #include "app/terminal/terminal_input.h"
-#include "app/terminal/text.h"
 
 namespace App {
 

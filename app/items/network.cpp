@@ -4,11 +4,11 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 
-#include "app/terminal/text.h"
+#include "base/text/record_field.h"
+#include "base/text/utf8.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
 
 namespace App {
@@ -41,14 +41,13 @@ std::string CheckName(const std::string& name, std::size_t longest, const char* 
     if (name.size() > longest) {
         return fmt::format("the network's name has {} bytes; {} {}", name.size(), limit, longest);
     }
-    return Widen(name) ? "" : "the network's name is not UTF-8 text";
+    return Base::IsUtf8(name) ? "" : "the network's name is not UTF-8 text";
 }
 
 }  // namespace
 
 Network::Network(const WifiConfigInfo& network)
-    : name(network.ssid, std::find(network.ssid, network.ssid + sizeof network.ssid, '\0')),
-      signal(network.rssi) {}
+    : name(Base::FieldText(network.ssid)), signal(network.rssi) {}
 
 bool Network::operator==(const Network& other) const {
     // Compare bit by bit: a vendor's value may be NaN.
@@ -105,8 +104,8 @@ std::string CheckHostNetworkName(const std::string& name) {
 
 WifiConfigInfo NetworkRecord(std::string_view name, std::string_view passPhrase) {
     WifiConfigInfo record{};
-    std::copy(name.begin(), name.end(), record.ssid);
-    std::copy(passPhrase.begin(), passPhrase.end(), record.pwd);
+    Base::PutField(record.ssid, name);
+    Base::PutField(record.pwd, passPhrase);
     return record;
 }
 

@@ -2,28 +2,19 @@
 
 #include "app/items/printer.h"
 
-#include <algorithm>
 #include <tuple>
+
+#include "base/text/record_field.h"
 
 namespace App {
 
-namespace {
-
-// The text of a field, up to its terminator or the end of the field.
-template <std::size_t Width>
-std::string Text(const char (&field)[Width]) {
-    return {field, std::find(field, field + Width, '\0')};
-}
-
-}  // namespace
-
 Printer::Printer(const PrinterDeviceDiscoverSdk::DeviceInfo& device)
     : record(device),
-      serialNumber(Text(device.deviceSN)),
-      vendor(Text(device.modelID)),
-      makeAndModel(Text(device.extra1)),
-      address(Text(device.extra2)),
-      resource(Text(device.extra3)),
+      serialNumber(Base::FieldText(device.deviceSN)),
+      vendor(Base::FieldText(device.modelID)),
+      makeAndModel(Base::FieldText(device.extra1)),
+      address(Base::FieldText(device.extra2)),
+      resource(Base::FieldText(device.extra3)),
       port(device.code1),
       service(device.code2) {}
 

@@ -4,16 +4,13 @@
 
 #include <fmt/chrono.h>
 
-#include <algorithm>
+#include <utility>
+
+#include "base/text/record_field.h"
 
 namespace App {
 
 namespace {
-
-template <std::size_t Width>
-std::string Text(const char (&field)[Width]) {
-    return {field, std::find(field, field + Width, '\0')};
-}
 
 // Serial number and place identify a printer.
 constexpr Heading kSerialNumber{"SERIAL NUMBER", Column::Whole};
@@ -34,7 +31,7 @@ Table TableWith(std::vector<Heading> headings, const std::vector<Item>& items) {
 }  // namespace
 
 InstalledPrinter::InstalledPrinter(const PrinterDeviceDiscoverSdk::DeviceUsbInfo& device)
-    : serialNumber(Text(device.deviceSN)), model(Text(device.modelID)) {
+    : serialNumber(Base::FieldText(device.deviceSN)), model(Base::FieldText(device.modelID)) {
     if (!serialNumber.empty()) {
         isOnNetwork = device.isNetConfigured;
     }

@@ -9,7 +9,6 @@
 #include "app/outcome/problem.h"
 #include "app/program/messages.h"
 #include "app/running/awaiting.h"
-#include "app/terminal/text.h"
 
 namespace App {
 

@@ -6,7 +6,7 @@
 
 #include "DeviceDiscover/DeviceDiscover.h"
 #include "app/running/awaiting.h"
-#include "app/terminal/text.h"
+#include "base/text/utf8.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
 
 namespace App {
@@ -57,11 +57,11 @@ AccessPoint CurrentAccessPoint() {
 JoinOutcome JoinNetwork(const std::string& network,
                         const std::shared_ptr<Base::Secret>& passPhrase) {
     const std::function<JoinOutcome()> work = [network, passPhrase] {
-        std::wstring wide = Widen(passPhrase->View()).value_or(L"");
+        std::wstring wide = Base::FromUtf8(passPhrase->View());
         const Base::WipeAtEnd wiped(wide);
         // Passed on without a copy: the receiver wipes it.
-        const bool joined = PrinterWifiInterface::GetInstance().ConnectAP(
-            Widen(network).value_or(L""), std::move(wide));
+        const bool joined =
+            PrinterWifiInterface::GetInstance().ConnectAP(Base::FromUtf8(network), std::move(wide));
         return JoinOutcome{joined, LastHostWifiProblem()};
     };
     return AwaitOrBreakOff("Joining " + network, work, kJoinLimit);

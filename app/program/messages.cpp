@@ -6,8 +6,8 @@
 
 #include "app/program/log_control.h"
 #include "app/terminal/console.h"
-#include "app/terminal/text.h"
 #include "base/first_lines.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -27,7 +27,7 @@ void Complain(const std::string& text) {
     std::istringstream stream("devicediscover: " + text);
     std::string shown;
     for (std::string line; std::getline(stream, line);) {
-        shown += DisplayText(line) + "\n";
+        shown += Base::DisplayText(line) + "\n";
     }
     WriteError(shown);
 }

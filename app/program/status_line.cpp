@@ -6,7 +6,7 @@
 
 #include "app/program/settings.h"
 #include "app/terminal/console.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -38,7 +38,7 @@ void StatusLine::Draw(const std::string& text) {
     }
     const std::size_t columns = OutputScreen().value_or(ScreenSize{80, 24}).columns;
     // A line that fills the whole width would wrap on some terminals.
-    Redraw(1, {std::string(CutToWidth(DisplayText(text), columns - 1))});
+    Redraw(1, {std::string(Base::CutToWidth(Base::DisplayText(text), columns - 1))});
     drawn = text;
 }
 

@@ -17,7 +17,7 @@
 #include "app/running/cancellation.h"
 #include "app/terminal/console.h"
 #include "app/terminal/table.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -66,7 +66,7 @@ std::vector<std::string> NamesToOffer(const NetworkSource& seenByPrinter,
 void WriteList(const std::vector<std::string>& names) {
     Table table{{{"", Column::Number}, {"NETWORK", Column::Yielding}}, {}};
     for (std::size_t index = 0; index < names.size(); ++index) {
-        table.rows.push_back({std::to_string(index + 1), DisplayText(names[index])});
+        table.rows.push_back({std::to_string(index + 1), Base::DisplayText(names[index])});
     }
     std::string text;
     const std::size_t columns = OutputScreen().value_or(ScreenSize{80, 24}).columns;

@@ -11,7 +11,7 @@
 #include "app/program/messages.h"
 #include "app/program/settings.h"
 #include "app/terminal/console.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -63,7 +63,7 @@ void SetupProgress::Failed(const std::string& state, const std::string& problem,
 void SetupProgress::Report(const std::string& state, const std::string& text, StepEvent event) {
     event.step = NamesOf(current).json;
     event.state = state;
-    Write(WritesJson() ? StepJson(event) : DisplayText(text));
+    Write(WritesJson() ? StepJson(event) : Base::DisplayText(text));
 }
 
 void SetupProgress::Write(const std::string& line) {

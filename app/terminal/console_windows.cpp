@@ -18,6 +18,7 @@
 #include "app/outcome/problem.h"
 #include "app/terminal/bounded_write_windows.h"
 #include "app/terminal/interrupt.h"
+#include "base/text/utf8.h"
 
 namespace App {
 
@@ -34,23 +35,6 @@ constexpr DWORD kStalled = WAIT_TIMEOUT;
 constexpr auto kStallLimit = std::chrono::seconds(1);
 constexpr auto kTick = std::chrono::milliseconds(100);
 constexpr std::size_t kPartSize = 4096;
-
-std::wstring Widen(std::string_view text) {
-    const int size = static_cast<int>(text.size());
-    const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(length), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), length);
-    return wide;
-}
-
-std::string Narrow(const std::wstring& text) {
-    const int size = static_cast<int>(text.size());
-    const int length =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
-    std::string narrow(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), size, narrow.data(), length, nullptr, nullptr);
-    return narrow;
-}
 
 bool IsConsole(HANDLE stream) {
     DWORD mode = 0;
@@ -115,7 +99,7 @@ private:
 
     // Writes wide text to a console, to avoid code pages.
     DWORD ToConsole(const std::string& text) const {
-        const std::wstring wide = Widen(text);
+        const std::wstring wide = Base::FromUtf8(text);
         for (std::size_t done = 0; done < wide.size();) {
             DWORD written = 0;
             const auto left = static_cast<DWORD>(wide.size() - done);
@@ -152,7 +136,7 @@ std::vector<std::string> Arguments(int, char**) {
     wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::string> arguments;
     for (int word = 1; words != nullptr && word < count; ++word) {
-        arguments.push_back(Narrow(words[word]));
+        arguments.push_back(Base::ToUtf8(words[word]));
     }
     LocalFree(words);
     return arguments;

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -49,7 +49,7 @@ Widths NaturalWidths(const std::vector<TableRow>& rows) {
     Widths widths(rows.front().size());
     for (const TableRow& row : rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], DisplayWidth(row[column]));
+            widths[column] = std::max(widths[column], Base::DisplayWidth(row[column]));
         }
     }
     return widths;
@@ -58,7 +58,7 @@ Widths NaturalWidths(const std::vector<TableRow>& rows) {
 std::string Line(const TableRow& row, const std::vector<Heading>& headings, const Widths& widths) {
     std::string line;
     for (std::size_t column = 0; column < row.size(); ++column) {
-        const std::string padding(widths[column] - DisplayWidth(row[column]), ' ');
+        const std::string padding(widths[column] - Base::DisplayWidth(row[column]), ' ');
         line += column == 0 ? "" : std::string(kGap, ' ');
         line +=
             headings[column].kind == Column::Number ? padding + row[column] : row[column] + padding;
@@ -71,7 +71,7 @@ std::string Line(const TableRow& row, const std::vector<Heading>& headings, cons
 TableRow TakeLine(TableRow& rest, const Widths& widths) {
     TableRow line(rest.size());
     for (std::size_t column = 0; column < rest.size(); ++column) {
-        line[column] = CutToWidth(rest[column], widths[column]);
+        line[column] = Base::CutToWidth(rest[column], widths[column]);
         rest[column].erase(0, line[column].size());
     }
     return line;
@@ -94,7 +94,7 @@ void CutYielding(TableRow& rest, const std::vector<Heading>& headings) {
 }  // namespace
 
 std::string Cell(const std::string& text) {
-    return text.empty() ? "-" : DisplayText(text);
+    return text.empty() ? "-" : Base::DisplayText(text);
 }
 
 std::vector<std::string> TableLines(const Table& table, std::size_t columns, Overflow overflow) {

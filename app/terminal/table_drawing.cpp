@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -22,7 +22,7 @@ ScreenSize Screen() {
 std::size_t RowsOf(const std::vector<std::string>& lines, std::size_t columns) {
     std::size_t rows = 0;
     for (const std::string& line : lines) {
-        const std::size_t width = std::max<std::size_t>(DisplayWidth(line), 1);
+        const std::size_t width = std::max<std::size_t>(Base::DisplayWidth(line), 1);
         rows += (width + columns - 1) / columns;
     }
     return rows;
@@ -53,7 +53,7 @@ std::vector<std::string> Picture(Table table, const std::vector<std::string>& be
     }
     lines.insert(lines.end(), below.begin(), below.end());
     for (std::string& line : lines) {
-        line = CutToWidth(line, columns);
+        line = Base::CutToWidth(line, columns);
     }
     return lines;
 }
@@ -74,7 +74,7 @@ void TableDrawing::Show(const Table& table, bool hasNews, const std::vector<std:
     std::vector<std::string> below;
     const std::size_t hidden = remarks.size() - std::min(remarks.size(), kMaxRemarks);
     for (std::size_t index = hidden; index < remarks.size(); ++index) {
-        below.push_back(DisplayText(remarks[index]));
+        below.push_back(Base::DisplayText(remarks[index]));
     }
     below.push_back(status);
     Draw(Picture(table, below, Screen()));

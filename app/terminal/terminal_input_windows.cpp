@@ -3,8 +3,9 @@
 #include "app/terminal/terminal_input.h"
 
 #include <array>
-#include <string>
+#include <string_view>
 
+#include "base/text/utf8.h"
 #include "platform/os.h"
 
 namespace App {
@@ -25,14 +26,14 @@ bool ReadByte(char& byte) {
     return ReadFile(Input(), &byte, 1, &count, nullptr) != 0 && count == 1;
 }
 
-void AppendUtf8(Base::Secret& line, const wchar_t* units, int count) {
-    std::array<char, 8> bytes{};
-    const int length = WideCharToMultiByte(CP_UTF8, 0, units, count, bytes.data(),
-                                           static_cast<int>(bytes.size()), nullptr, nullptr);
-    for (int at = 0; at < length; ++at) {
-        line.Append(bytes[static_cast<std::size_t>(at)]);
+void AppendUtf8(Base::Secret& line, std::wstring_view units) {
+    for (std::size_t at = 0; at < units.size();) {
+        Base::Utf8Character character = Base::EncodeUtf8(Base::NextCodePoint(units, at));
+        const Base::WipeAtEnd wiped(character);
+        for (const char byte : character.View()) {
+            line.Append(byte);
+        }
     }
-    Base::Wipe(bytes.data(), bytes.size());
 }
 
 bool IsLeading(wchar_t unit) {
@@ -55,7 +56,7 @@ bool ReadConsoleLine(Base::Secret& line) {
             continue;
         }
         if (last != L'\r') {
-            AppendUtf8(line, units.data(), count);
+            AppendUtf8(line, {units.data(), static_cast<std::size_t>(count)});
         }
         count = 0;
     }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/text/ascii_case.h"
+
 namespace Base {
 
 namespace {
@@ -17,14 +19,6 @@ std::string_view Trimmed(std::string_view text) {
     const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
     text.remove_prefix(begin);
     return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
-
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return lower;
 }
 
 // Parses an unsigned number that fills the whole text.

@@ -6,7 +6,7 @@
 
 #include <utility>
 
-#include "host/common/utf8.h"
+#include "base/text/utf8.h"
 #include "platform/PrinterUtil/PrinterUtil.h"
 
 namespace {
@@ -42,5 +42,5 @@ void Bench::SupportVendors(std::vector<VendorInfo> vendors) {
 }
 
 std::string PrinterUtil::WStringToString(const std::wstring& text) {
-    return Host::ToUtf8(text);
+    return Base::ToUtf8(text);
 }

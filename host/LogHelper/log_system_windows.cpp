@@ -6,9 +6,9 @@
 #include <ctime>
 #include <system_error>
 
+#include "base/text/utf8.h"
 #include "host/LogHelper/log_system.h"
 #include "host/common/paths.h"
-#include "host/common/utf8.h"
 #include "platform/os_calls.h"
 
 namespace LogHelper {
@@ -25,7 +25,7 @@ bool WriteToConsole(HANDLE console, std::string_view text) {
     if (GetConsoleMode(console, &mode) == 0) {
         return false;
     }
-    const std::wstring wide = Host::FromUtf8(text);
+    const std::wstring wide = Base::FromUtf8(text);
     DWORD written = 0;
     return WriteConsoleW(console, wide.data(), static_cast<DWORD>(wide.size()), &written,
                          nullptr) != 0;

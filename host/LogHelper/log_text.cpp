@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "host/common/utf8.h"
+#include "base/text/characters.h"
+#include "base/text/utf8.h"
 
 namespace LogHelper {
 
@@ -25,11 +26,6 @@ Secret SecretFrom(std::wstring_view line, std::size_t begin) {
     const std::size_t location = line.rfind(L'(');
     const bool hasLocation = location != std::wstring_view::npos && location >= begin;
     return {begin, hasLocation ? location : line.size(), true};
-}
-
-bool BreaksLines(char32_t codePoint) {
-    const bool control = codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0);
-    return control || codePoint == 0x2028 || codePoint == 0x2029;
 }
 
 void AppendEscaped(std::string& text, char32_t codePoint) {
@@ -77,11 +73,11 @@ void AppendAny(std::string& text, std::wstring_view piece) {
             text += kCut;
             return;
         }
-        const char32_t codePoint = Host::NextCodePoint(piece, at);
-        if (BreaksLines(codePoint)) {
+        const char32_t codePoint = Base::NextCodePoint(piece, at);
+        if (Base::BreaksLine(codePoint)) {
             AppendEscaped(text, codePoint);
         } else {
-            Host::AppendUtf8(text, codePoint);
+            text += Base::EncodeUtf8(codePoint).View();
         }
     }
 }

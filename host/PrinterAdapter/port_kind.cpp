@@ -6,6 +6,7 @@
 #include <array>
 #include <string>
 
+#include "base/text/ascii_case.h"
 #include "platform/PrinterAdapter/PrinterListProvider.h"
 
 namespace PrinterAdapter {
@@ -20,16 +21,6 @@ constexpr std::array<std::wstring_view, 2> kUsbPorts{L"USB", L"DOT4"};
 constexpr std::array<std::wstring_view, 6> kNetworkPorts{L"IP_",     L"WSD",    L"\\\\",
                                                          L"HTTP://", L"HTTPS:", L"IPP"};
 constexpr std::array<std::wstring_view, 4> kNetworkWords{L"TCP/IP", L"WSD", L"IPP", L"INTERNET"};
-
-std::wstring UpperCase(std::wstring_view text) {
-    std::wstring upper(text);
-    for (wchar_t& letter : upper) {
-        if (letter >= L'a' && letter <= L'z') {
-            letter = static_cast<wchar_t>(letter - L'a' + L'A');
-        }
-    }
-    return upper;
-}
 
 template <class List>
 bool StartsWithOneOf(const std::wstring& text, const List& list) {
@@ -59,12 +50,12 @@ std::int32_t ConnectTypeOfScheme(std::string_view scheme) {
 }
 
 std::int32_t ConnectTypeOfPort(std::wstring_view name, std::wstring_view description) {
-    const std::wstring port = UpperCase(name);
+    const std::wstring port = Base::UpperCase(name);
     if (StartsWithOneOf(port, kUsbPorts)) {
         return PrinterSdk::kConnectTypeUsb;
     }
-    const bool isNetwork =
-        StartsWithOneOf(port, kNetworkPorts) || HasOneOf(UpperCase(description), kNetworkWords);
+    const bool isNetwork = StartsWithOneOf(port, kNetworkPorts) ||
+                           HasOneOf(Base::UpperCase(description), kNetworkWords);
     return isNetwork ? PrinterSdk::kConnectTypeWlan : kConnectTypeOther;
 }
 

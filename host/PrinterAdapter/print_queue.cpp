@@ -4,11 +4,11 @@
 
 #include <string_view>
 
+#include "base/device_id.h"
+#include "base/text/utf8.h"
 #include "base/usb_serial_number.h"
-#include "host/PrinterAdapter/device_id.h"
 #include "host/PrinterAdapter/device_uri.h"
 #include "host/PrinterAdapter/port_kind.h"
-#include "host/common/utf8.h"
 
 namespace PrinterAdapter {
 
@@ -37,7 +37,7 @@ bool IsBridged(const DeviceUri& uri) {
 
 PrinterSdk::PrinterProperty PrinterOf(const PrintQueue& queue) {
     const DeviceUri uri = ReadDeviceUri(queue.deviceUri);
-    DeviceId id = ReadDeviceId(queue.deviceId);
+    Base::DeviceId id = Base::ReadDeviceId(queue.deviceId);
     std::int32_t connectType = ConnectTypeOfScheme(uri.scheme);
     if (connectType == PrinterSdk::kConnectTypeUsb) {
         // The spooler got it from the device.
@@ -50,18 +50,18 @@ PrinterSdk::PrinterProperty PrinterOf(const PrintQueue& queue) {
         connectType = IsBridged(uri) ? PrinterSdk::kConnectTypeUsb : connectType;
     }
     PrinterSdk::PrinterProperty printer;
-    printer.name = Host::FromUtf8(queue.name);
-    printer.description = Host::FromUtf8(queue.description);
-    printer.deviceUri = Host::FromUtf8(queue.deviceUri);
+    printer.name = Base::FromUtf8(queue.name);
+    printer.description = Base::FromUtf8(queue.description);
+    printer.deviceUri = Base::FromUtf8(queue.deviceUri);
     printer.portName =
-        Host::FromUtf8(connectType == PrinterSdk::kConnectTypeWlan ? uri.host : uri.scheme);
-    printer.serialNumber = Host::FromUtf8(id.serialNumber);
-    printer.modelID = Host::FromUtf8(id.model);
-    printer.manufacturer = Host::FromUtf8(id.manufacturer);
-    printer.location = Host::FromUtf8(queue.location);
-    printer.driverName = Host::FromUtf8(queue.driverName);
+        Base::FromUtf8(connectType == PrinterSdk::kConnectTypeWlan ? uri.host : uri.scheme);
+    printer.serialNumber = Base::FromUtf8(id.serialNumber);
+    printer.modelID = Base::FromUtf8(id.model);
+    printer.manufacturer = Base::FromUtf8(id.manufacturer);
+    printer.location = Base::FromUtf8(queue.location);
+    printer.driverName = Base::FromUtf8(queue.driverName);
     printer.connectType = connectType;
-    printer.state = Host::FromUtf8(queue.state);
+    printer.state = Base::FromUtf8(queue.state);
     return printer;
 }
 

@@ -7,8 +7,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "base/text/utf8.h"
 #include "host/PrinterAdapter/spooler.h"
-#include "host/common/utf8.h"
 #include "platform/LogHelper/KzLogger.h"
 #include "platform/PrinterAdapter/PrinterListProblem.h"
 #include "platform/compiler.h"
@@ -25,7 +25,7 @@ thread_local std::array<char, 512> lastProblem{};
 void LogProblem(std::string_view problem) {
     try {
         std::wstringstream line;
-        line << L"installed printers: " << Host::FromUtf8(problem)
+        line << L"installed printers: " << Base::FromUtf8(problem)
              << L"(PrinterListProvider::GetPrinterList)";
         KzLogger::GetInstance().Log(LOG_LEVEL_WARNING, line);
     }
@@ -35,7 +35,7 @@ void LogProblem(std::string_view problem) {
 }
 
 void ReportProblem(std::string_view problem) {
-    Host::CopyUtf8(problem, lastProblem.data(), lastProblem.size());
+    Base::CopyUtf8(problem, lastProblem.data(), lastProblem.size());
     LogProblem(problem);
 }
 
@@ -62,6 +62,6 @@ void PrinterList::GetPrinterList(std::vector<PrinterSdk::PrinterProperty>& print
 
 int PrinterListProblem(char* text, std::size_t size) {
     const char* const problem = PrinterAdapter::lastProblem.data();
-    Host::CopyUtf8(problem, text, size);
+    Base::CopyUtf8(problem, text, size);
     return *problem == '\0' ? 0 : 1;
 }

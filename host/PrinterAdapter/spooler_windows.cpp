@@ -8,10 +8,10 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/text/utf8.h"
 #include "host/PrinterAdapter/port_kind.h"
 #include "host/PrinterAdapter/spooler.h"
 #include "host/PrinterAdapter/usb_port_windows.h"
-#include "host/common/utf8.h"
 
 namespace PrinterAdapter {
 
@@ -71,10 +71,10 @@ struct Ports {
         return {};
     }
 
-    DeviceId DeviceOf(std::wstring_view name) const {
+    Base::DeviceId DeviceOf(std::wstring_view name) const {
         const auto port = std::find_if(usb.begin(), usb.end(),
                                        [name](const UsbPort& one) { return one.name == name; });
-        return port == usb.end() ? DeviceId() : port->id;
+        return port == usb.end() ? Base::DeviceId() : port->id;
     }
 };
 
@@ -106,10 +106,10 @@ PrinterSdk::PrinterProperty PrinterOf(const PRINTER_INFO_2W& queue, const Ports&
         isShared ? PrinterSdk::kConnectTypeWlan
                  : ConnectTypeOfPort(printer.portName, ports.DescriptionOf(printer.portName));
     if (printer.connectType == PrinterSdk::kConnectTypeUsb) {
-        const DeviceId device = ports.DeviceOf(printer.portName);
-        printer.serialNumber = Host::FromUtf8(device.serialNumber);
-        printer.modelID = Host::FromUtf8(device.model);
-        printer.manufacturer = Host::FromUtf8(device.manufacturer);
+        const Base::DeviceId device = ports.DeviceOf(printer.portName);
+        printer.serialNumber = Base::FromUtf8(device.serialNumber);
+        printer.modelID = Base::FromUtf8(device.model);
+        printer.manufacturer = Base::FromUtf8(device.manufacturer);
     } else if (printer.connectType == PrinterSdk::kConnectTypeWlan) {
         // The spooler does not know the serial number, and all printers without one would count as
         // the same.

@@ -2,8 +2,8 @@
 
 #include "host/PrinterAdapter/usb_port_windows.h"
 
+#include "base/text/utf8.h"
 #include "base/usb_serial_number.h"
-#include "host/common/utf8.h"
 #include "platform/os.h"
 
 // They need windows.h before them.
@@ -89,9 +89,8 @@ std::wstring SerialNumberOf(HDEVINFO devices, SP_DEVINFO_DATA& device) {
     return SerialNumberOfInstance(InstanceIdOf(parent));
 }
 
-// The IEEE 1284 device identifier: its length in two bytes, then its text.
+// The IEEE 1284 device identifier; empty if it cannot be read.
 std::string DeviceIdTextOf(const wchar_t* path) {
-    constexpr DWORD kLengthBytes = 2;
     const HANDLE opened =
         CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -102,11 +101,11 @@ std::string DeviceIdTextOf(const wchar_t* path) {
     std::array<char, 2048> answer{};
     DWORD length = 0;
     if (DeviceIoControl(file.get(), IOCTL_USBPRINT_GET_1284_ID, nullptr, 0, answer.data(),
-                        static_cast<DWORD>(answer.size()), &length, nullptr) == 0 ||
-        length <= kLengthBytes) {
+                        static_cast<DWORD>(answer.size()), &length, nullptr) == 0) {
         return {};
     }
-    return std::string(answer.data() + kLengthBytes, length - kLengthBytes);
+    const std::size_t received = std::min<std::size_t>(length, answer.size());
+    return std::string(Base::DeviceIdText({answer.data(), received}));
 }
 
 UsbPort PortOf(HDEVINFO devices, SP_DEVICE_INTERFACE_DATA& part) {
@@ -124,9 +123,9 @@ UsbPort PortOf(HDEVINFO devices, SP_DEVICE_INTERFACE_DATA& part) {
                                          nullptr, &device) == 0) {
         return port;
     }
-    port.id = ReadDeviceId(DeviceIdTextOf(detail->DevicePath));
+    port.id = Base::ReadDeviceId(DeviceIdTextOf(detail->DevicePath));
     port.id.serialNumber =
-        Base::UsbSerialNumber(Host::ToUtf8(SerialNumberOf(devices, device)), port.id.serialNumber);
+        Base::UsbSerialNumber(Base::ToUtf8(SerialNumberOf(devices, device)), port.id.serialNumber);
     return port;
 }
 

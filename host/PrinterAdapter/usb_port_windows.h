@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "host/PrinterAdapter/device_id.h"
+#include "base/device_id.h"
 
 namespace PrinterAdapter {
 
 // The printer behind a USB printer port.
 struct UsbPort {
     std::wstring name;  // USB001
-    DeviceId id;        // empty if the device cannot be queried
+    Base::DeviceId id;  // empty if the device cannot be queried
 };
 
 // The ports of the plugged-in USB printers. The serial number comes from the device id, else from

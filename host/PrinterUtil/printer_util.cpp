@@ -2,8 +2,8 @@
 
 #include "platform/PrinterUtil/PrinterUtil.h"
 
-#include "host/common/utf8.h"
+#include "base/text/utf8.h"
 
 std::string PrinterUtil::WStringToString(const std::wstring& text) {
-    return Host::ToUtf8(text);
+    return Base::ToUtf8(text);
 }

@@ -6,8 +6,8 @@
 #include <iterator>
 
 #include "base/first_lines.h"
+#include "base/text/utf8.h"
 #include "host/PrinterUtil/vendor_list.h"
-#include "host/common/utf8.h"
 #include "platform/LogHelper/KzLogger.h"
 #include "platform/compiler.h"
 
@@ -20,7 +20,7 @@ constexpr int kListHasProblems = -1;
 void LogLine(LOG_MESSAGE_LEVEL level, const std::string& text, const wchar_t* where) {
     try {
         std::wstringstream line;
-        line << Host::FromUtf8(text) << L"(" << where << L")";
+        line << Base::FromUtf8(text) << L"(" << where << L")";
         KzLogger::GetInstance().Log(level, line);
     }
     PLATFORM_CATCH_ALL {

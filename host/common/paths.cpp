@@ -4,7 +4,7 @@
 
 #include <type_traits>
 
-#include "host/common/utf8.h"
+#include "base/text/utf8.h"
 
 namespace Host {
 
@@ -22,7 +22,7 @@ std::filesystem::path AbsolutePath(const std::filesystem::path& path) {
 
 std::string PathToUtf8(const std::filesystem::path& path) {
     if constexpr (kPathsAreWide) {
-        return ToUtf8(path.wstring());
+        return Base::ToUtf8(path.wstring());
     } else {
         return path.string();
     }
@@ -30,7 +30,7 @@ std::string PathToUtf8(const std::filesystem::path& path) {
 
 std::filesystem::path PathFromUtf8(std::string_view utf8) {
     if constexpr (kPathsAreWide) {
-        return FromUtf8(utf8);
+        return Base::FromUtf8(utf8);
     } else {
         return utf8;
     }

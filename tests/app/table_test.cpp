@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 
 namespace App {
 
@@ -33,7 +33,7 @@ Table Printers() {
 std::size_t WidestOf(const std::vector<std::string>& lines) {
     std::size_t widest = 0;
     for (const std::string& line : lines) {
-        widest = std::max(widest, DisplayWidth(line));
+        widest = std::max(widest, Base::DisplayWidth(line));
     }
     return widest;
 }
@@ -111,7 +111,17 @@ TEST(Table, CountsWideCharactersAsTwoColumns) {
     EXPECT_THAT(TableLines(table, 7, Overflow::Cut),
                 ElementsAre("A     B", "\xE5\xB0\x81\xE7\xAD\x92  x"));
     EXPECT_THAT(TableLines(table, 6, Overflow::Cut),
-                Each(testing::ResultOf(DisplayWidth, testing::Le(6U))));
+                Each(testing::ResultOf(Base::DisplayWidth, testing::Le(6U))));
+}
+
+TEST(Table, OfAnyScript_IsAligned) {
+    const std::string thai = "\xE0\xB8\x81\xE0\xB8\xB1\xE0\xB8\x99";  // 2 letters with a mark
+    const std::string emoji = "\xF0\x9F\x9A\x80\xE2\x8C\x9A";
+    const Table table{{{"A", Column::Yielding}, {"B", Column::Whole}}, {{thai, "x"}, {emoji, "x"}}};
+    EXPECT_THAT(TableLines(table, 20, Overflow::Cut),
+                ElementsAre("A     B", thai + "    x", emoji + "  x"));
+    EXPECT_THAT(TableLines(table, 6, Overflow::Cut),
+                ElementsAre("A    B", thai + "   x", "\xF0\x9F\x9A\x80   x"));
 }
 
 }  // namespace

@@ -11,9 +11,18 @@ import struct
 import subprocess
 import termios
 import time
+import unicodedata
+import unittest
 
 import app_test
 from app_test import FOUND, NONE_FOUND, ON_WINDOWS, AppTest, device
+
+
+def width(character):
+    """How many columns a terminal gives the character."""
+    if unicodedata.combining(character) or unicodedata.category(character) == "Mn":
+        return 0
+    return 2 if unicodedata.east_asian_width(character) in "WF" else 1
 
 
 class Screen:
@@ -43,12 +52,17 @@ class Screen:
             self.steer(token)
         else:
             assert token.isprintable(), f"{token!r} reached the terminal"
-            if self.column == self.columns:
-                self.column = 0
-                self.down()
-            line = self.lines[self.row].ljust(self.column)
-            self.lines[self.row] = line[:self.column] + token + line[self.column + 1:]
-            self.column += 1
+            # A mark stays with its letter, unseen here; the second half of a wide character is a zero.
+            if cell := token + "\0" if width(token) == 2 else token * width(token):
+                self.put(cell)
+
+    def put(self, cell):
+        if self.column + len(cell) > self.columns:
+            self.column = 0
+            self.down()
+        line = self.lines[self.row].ljust(self.column)
+        self.lines[self.row] = line[:self.column] + cell + line[self.column + len(cell):]
+        self.column += len(cell)
 
     def steer(self, token):
         if token == "\x1b[K":
@@ -84,7 +98,7 @@ class Screen:
             self.lines.append("")
 
     def text(self):
-        return "\n".join(line.rstrip() for line in self.lines).rstrip("\n")
+        return "\n".join(line.rstrip() for line in self.lines).rstrip("\n").replace("\0", "")
 
 
 class Terminal(AppTest):
@@ -223,6 +237,19 @@ class Terminal(AppTest):
         self.assertEqual(len(self.screen.text().splitlines()), 3)
         self.assertEqual(self.finish(process), FOUND)
         self.assertRegex(self.screen.text(), whole)
+
+    @unittest.skipIf(ON_WINDOWS, "there the console draws, with widths of its own")
+    def test_rows_in_any_script_fill_one_line_and_are_aligned(self):
+        scripts = {"SN1": "Laser", "SN2": "\u0e01\u0e31\u0e19 " * 5, "SN3": "\u0628\u064b " * 9,
+                   "SN4": "\u05d1\u05b0 " * 9, "SN5": "\U0001f680\u231a" * 9, "SN6": "\u5c01" * 18}
+        self.script("until-stopped", *(device(serial, model="".join(
+            f"\\x{byte:02x}" for byte in model.encode())) for serial, model in scripts.items()))
+        process = self.start_on_terminal("--seconds", "1.5", columns=60)
+        self.show_until("6 printers so far")
+        lines = [line for line in self.screen.lines if line]
+        self.assertEqual([line[:3] for line in lines], ["SER", *scripts, "6 p"], "no row is wrapped")
+        self.assertEqual({line.find("192.0.2.1") for line in lines[1:-1]}, {lines[0].find("ADDRESS")})
+        self.assertEqual(self.finish(process), FOUND)
 
     def test_a_vendor_that_ended_is_told_below_the_table_and_after_it(self):
         self.list_file = self.vendor_list([("broken", "scripted_all"), ("sound", "scripted_all_b")])

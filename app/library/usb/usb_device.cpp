@@ -17,7 +17,7 @@
 #include "app/outcome/problem.h"
 #include "app/program/messages.h"
 #include "app/running/awaiting.h"
-#include "app/terminal/text.h"
+#include "base/text/display_text.h"
 #include "host/PrinterUtil/vendor_list.h"
 
 namespace App {
@@ -68,7 +68,7 @@ PluggedPrinters Ask() {
 
 // The user may have copied the text from the table.
 bool IsText(const std::string& text, const std::string& given) {
-    return text == given || DisplayText(text) == given;
+    return text == given || Base::DisplayText(text) == given;
 }
 
 bool IsCalled(const UsbPrinter& printer, const std::string& name) {

@@ -7,9 +7,9 @@
 #include <random>
 #include <string>
 
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/ping_report.h"
-#include "host/common/utf8.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ constexpr std::wstring_view kWhere = L"PrinterPing::Ping";
 void ReportNotAllowed(const std::string& reason) {
     static std::atomic<bool> reported = false;
     if (!reported.exchange(true)) {
-        Host::Report(LOG_LEVEL_ERROR, Host::FromUtf8(reason), kWhere);
+        Host::Report(LOG_LEVEL_ERROR, Base::FromUtf8(reason), kWhere);
     }
 }
 
@@ -27,14 +27,14 @@ void ReportFailure(const Host::Echo& echo, const char* address) {
     switch (echo.result) {
         case Host::EchoResult::kBadAddress:
             Host::Report(LOG_LEVEL_ERROR,
-                         L'"' + Host::FromUtf8(address) + L"\" is not an IPv4 address", kWhere);
+                         L'"' + Base::FromUtf8(address) + L"\" is not an IPv4 address", kWhere);
             return;
         case Host::EchoResult::kNotAllowed:
             ReportNotAllowed(echo.reason);
             return;
         case Host::EchoResult::kNotAsked:
             Host::Report(LOG_LEVEL_WARNING,
-                         Host::FromUtf8(std::string("cannot ping ") + address + ": " + echo.reason),
+                         Base::FromUtf8(std::string("cannot ping ") + address + ": " + echo.reason),
                          kWhere);
             return;
         default:

@@ -6,10 +6,10 @@
 #include <set>
 #include <string>
 
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/usb/usb_manager.h"
 #include "host/PrinterDiscoverAPI/usb/usb_monitor.h"
-#include "host/common/utf8.h"
 #include "platform/PrinterDiscoverAPI/PrinterUsbControl.h"
 
 namespace PrinterDiscoverAPI {
@@ -21,11 +21,11 @@ namespace {
 thread_local std::array<char, 512> lastUsbProblem{};
 
 void Keep(const std::string& problem) {
-    Host::CopyUtf8(problem, lastUsbProblem.data(), lastUsbProblem.size());
+    Base::CopyUtf8(problem, lastUsbProblem.data(), lastUsbProblem.size());
 }
 
 void LogNoPorts(const std::string& problem) {
-    Host::Report(LOG_LEVEL_ERROR, L"USB printers: " + Host::FromUtf8(problem),
+    Host::Report(LOG_LEVEL_ERROR, L"USB printers: " + Base::FromUtf8(problem),
                  L"PrinterUsbDeviceManager::GetCurrentPrinterPorts");
 }
 
@@ -39,7 +39,7 @@ void LogHidden(const std::string& reason) {
 }
 
 int Give(const char* problem, char* text, std::size_t size) {
-    Host::CopyUtf8(problem, text, size);
+    Base::CopyUtf8(problem, text, size);
     return *problem == '\0' ? 0 : 1;
 }
 

@@ -8,8 +8,8 @@
 #include <new>
 #include <utility>
 
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
-#include "host/common/utf8.h"
 #include "platform/compiler.h"
 #include "platform/os_calls.h"
 #include "platform/process_end.h"
@@ -23,7 +23,7 @@ constexpr int kNotStarted = -1;
 constexpr std::chrono::milliseconds kPause{100};
 
 void LogProblem(const std::string& problem) {
-    Host::Report(LOG_LEVEL_ERROR, L"USB monitor: " + Host::FromUtf8(problem),
+    Host::Report(LOG_LEVEL_ERROR, L"USB monitor: " + Base::FromUtf8(problem),
                  L"PrinterUsbDeviceManager::StartMonitor");
 }
 

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/wifi/network_name.h"
 #include "host/PrinterDiscoverAPI/wifi/wifi_service.h"
-#include "host/common/utf8.h"
 
 namespace Host {
 
@@ -51,14 +51,14 @@ std::string CheckedName(std::wstring_view ssid) {
 Base::Secret CheckedPassPhrase(std::wstring_view passPhrase) {
     Base::Secret text;
     for (std::size_t at = 0; at < passPhrase.size();) {
-        const bool isReplacement = passPhrase[at] == static_cast<wchar_t>(kReplacement);
-        const char32_t codePoint = NextCodePoint(passPhrase, at);
-        if (codePoint == kReplacement && !isReplacement) {
+        const bool isReplacement = passPhrase[at] == static_cast<wchar_t>(Base::kReplacement);
+        const char32_t codePoint = Base::NextCodePoint(passPhrase, at);
+        if (codePoint == Base::kReplacement && !isReplacement) {
             ThrowNoPassPhrase();
         }
-        std::string bytes;
-        AppendUtf8(bytes, codePoint);
-        for (const char byte : bytes) {
+        Base::Utf8Character character = Base::EncodeUtf8(codePoint);
+        const Base::WipeAtEnd wiped(character);
+        for (const char byte : character.View()) {
             text.Append(byte);
         }
     }

@@ -4,33 +4,30 @@
 
 #include <algorithm>
 
-#include "host/common/utf8.h"
+#include "base/text/characters.h"
+#include "base/text/utf8.h"
 
 namespace Host {
 
 namespace {
 
-bool IsUtf8(std::string_view bytes) {
-    return ToUtf8(FromUtf8(bytes)) == bytes;
-}
-
 bool IsControlCharacter(wchar_t character) {
-    return character < 0x20 || (character >= 0x7F && character < 0xA0);
+    return Base::IsControl(static_cast<char32_t>(character));
 }
 
 }  // namespace
 
 bool IsText(std::string_view name) {
-    if (!IsUtf8(name)) {
+    if (!Base::IsUtf8(name)) {
         return false;
     }
-    const std::wstring text = FromUtf8(name);
+    const std::wstring text = Base::FromUtf8(name);
     return std::none_of(text.begin(), text.end(), IsControlCharacter);
 }
 
 std::wstring NetworkNameText(std::string_view name) {
-    if (IsUtf8(name)) {
-        return FromUtf8(name);
+    if (Base::IsUtf8(name)) {
+        return Base::FromUtf8(name);
     }
     std::wstring text;
     for (const char byte : name) {
@@ -40,8 +37,8 @@ std::wstring NetworkNameText(std::string_view name) {
 }
 
 std::optional<std::string> StrictUtf8(std::wstring_view text) {
-    std::string utf8 = ToUtf8(text);
-    if (FromUtf8(utf8) != text) {
+    std::string utf8 = Base::ToUtf8(text);
+    if (Base::FromUtf8(utf8) != text) {
         return std::nullopt;
     }
     return utf8;

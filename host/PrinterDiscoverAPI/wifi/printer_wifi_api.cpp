@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/secret.h"
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/wifi/join.h"
 #include "host/PrinterDiscoverAPI/wifi/left_place.h"
@@ -13,7 +14,6 @@
 #include "host/PrinterDiscoverAPI/wifi/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi/wifi_service.h"
 #include "host/PrinterDiscoverAPI/wifi/wifi_visit.h"
-#include "host/common/utf8.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
 
@@ -47,8 +47,8 @@ void ForgetProblem() {
 void ReportProblem(LOG_MESSAGE_LEVEL level, const std::wstring& what,
                    const Host::WifiProblem& problem, std::wstring_view where) {
     lastProblem.kind = KindOf(problem);
-    Host::CopyUtf8(problem.what(), lastProblem.reason.data(), lastProblem.reason.size());
-    Host::Report(level, what + L": " + Host::FromUtf8(problem.what()), where);
+    Base::CopyUtf8(problem.what(), lastProblem.reason.data(), lastProblem.reason.size());
+    Host::Report(level, what + L": " + Base::FromUtf8(problem.what()), where);
 }
 
 void Append(std::vector<PrinterWifiApiStruct::WlanInfoData>& networks, Host::WifiService& service) {
@@ -87,7 +87,7 @@ void PrinterWifiAPI::QueryConnectedAP(std::wstring& ssid, std::wstring& hardware
                       L"PrinterWifiAPI::QueryConnectedAP");
     }
     ssid = Host::NetworkNameText(joined.name);
-    hardwareAddress = Host::FromUtf8(joined.hardwareAddress);
+    hardwareAddress = Base::FromUtf8(joined.hardwareAddress);
     interfaceName = std::move(joined.interfaceName);
 }
 
@@ -111,7 +111,7 @@ bool PrinterWifiAPI::ConnectAP(std::wstring ssid, std::wstring passPhrase) {
 
 int PrinterWifiProblem(char* text, std::size_t size) {
     const auto& [kind, reason] = PrinterDiscoverAPI::lastProblem;
-    Host::CopyUtf8(reason.data(), text, size);
+    Base::CopyUtf8(reason.data(), text, size);
     return kind;
 }
 
@@ -130,7 +130,7 @@ int PrinterWifiVisit(const char* network, int seconds) {
     using namespace PrinterDiscoverAPI;
     ForgetProblem();
     try {
-        Host::VisitNetwork(Host::FromUtf8(network), std::chrono::seconds(seconds));
+        Host::VisitNetwork(Base::FromUtf8(network), std::chrono::seconds(seconds));
         return 1;
     } catch (const Host::WifiProblem& problem) {
         ReportProblem(LOG_LEVEL_WARNING, L"could not visit the network", problem,
@@ -165,7 +165,7 @@ int PrinterWifiGoBack(const char* network) {
     using namespace PrinterDiscoverAPI;
     ForgetProblem();
     try {
-        return Host::GoBackFrom(Host::FromUtf8(network)) ? 1 : 0;
+        return Host::GoBackFrom(Base::FromUtf8(network)) ? 1 : 0;
     } catch (const Host::WifiProblem& problem) {
         ReportProblem(LOG_LEVEL_WARNING, L"could not rejoin the previous network", problem,
                       L"PrinterWifiGoBack");

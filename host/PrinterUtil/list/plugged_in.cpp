@@ -7,7 +7,7 @@
 #include <sstream>
 #include <utility>
 
-#include "host/common/utf8.h"
+#include "base/text/utf8.h"
 #include "platform/PrinterDiscoverAPI/PrinterUsbDeviceManager.h"
 
 namespace PrinterUtil {
@@ -54,7 +54,7 @@ std::vector<std::string> PluggedInIdentifiers() {
     std::vector<std::string> identifiers;
     identifiers.reserve(ports.size());
     for (const auto& port : ports) {
-        identifiers.push_back(Host::ToUtf8(port.first));
+        identifiers.push_back(Base::ToUtf8(port.first));
     }
     return identifiers;
 }

@@ -6,16 +6,13 @@
 #include <cstddef>
 #include <string_view>
 
+#include "base/text/ascii_case.h"
+
 namespace PrinterUtil {
 
 namespace {
 
 constexpr std::string_view kForm = "VID_....&PID_....";  // "." is a hexadecimal digit
-
-char UpperCase(char character) {
-    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A')
-                                                : character;
-}
 
 bool IsHexDigit(char character) {
     return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'F');
@@ -44,8 +41,7 @@ std::vector<std::string> MendUsbIdentifiers(std::string& usbIdList) {
     for (std::size_t at = 0; at < usbIdList.size();) {
         const std::size_t end = std::min(usbIdList.find(' ', at), usbIdList.size());
         const std::string identifier = usbIdList.substr(at, end - at);
-        std::string capitals = identifier;
-        std::transform(capitals.begin(), capitals.end(), capitals.begin(), UpperCase);
+        const std::string capitals = Base::UpperCase(identifier);
         if (capitals != identifier && HasForm(capitals)) {
             std::copy(capitals.begin(), capitals.end(),
                       usbIdList.begin() + static_cast<std::ptrdiff_t>(at));

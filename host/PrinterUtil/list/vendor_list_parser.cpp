@@ -7,11 +7,11 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "base/text/utf8.h"
 #include "host/PrinterUtil/list/json_numbers.h"
 #include "host/PrinterUtil/list/usb_identifiers.h"
 #include "host/PrinterUtil/list/vendor_texts_parser.h"
 #include "host/common/paths.h"
-#include "host/common/utf8.h"
 
 namespace PrinterUtil {
 
@@ -38,7 +38,7 @@ std::string Place(const std::string& text, std::size_t byte) {
 // The parser's message without the exception's name and position at its start. It quotes the list,
 // which may contain any bytes.
 std::string Reason(const Json::parse_error& error) {
-    const std::string message = Host::ToUtf8(Host::FromUtf8(error.what()));
+    const std::string message = Base::ToUtf8(Base::FromUtf8(error.what()));
     const std::size_t end = message.find(": ");
     return end == std::string::npos ? message : message.substr(end + 2);
 }

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "host/common/utf8.h"
+#include "base/text/utf8.h"
 
 namespace PrinterUtil {
 
@@ -13,7 +13,7 @@ std::string SystemMessage(DWORD error) {
     const DWORD length = FormatMessageW(
         FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
         nullptr, error, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
-    std::string message = Host::ToUtf8(std::wstring_view(text.data(), length));
+    std::string message = Base::ToUtf8(std::wstring_view(text.data(), length));
     message.erase(message.find_last_not_of(" \r\n.") + 1);
     return message + " (error " + std::to_string(error) + ")";
 }

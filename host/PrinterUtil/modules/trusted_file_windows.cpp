@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include "base/text/utf8.h"
 #include "host/PrinterUtil/modules/local_memory_windows.h"
 #include "host/PrinterUtil/modules/system_message_windows.h"
 #include "host/PrinterUtil/modules/trusted_file.h"
 #include "host/PrinterUtil/modules/vouched_folders_windows.h"
 #include "host/PrinterUtil/modules/write_access_windows.h"
-#include "host/common/utf8.h"
 #include "platform/os.h"
 
 // After the system's own header, which it needs.
@@ -157,7 +157,7 @@ std::string TrustedFile::Handle::OpenFolder(const std::wstring& folder) {
     const std::string reason =
         folders.back() ? WhyNotTrusted(folders.back().get(), part) : SystemMessage(GetLastError());
     return reason.empty() ? reason
-                          : "refused: its folder " + Host::ToUtf8(Plain(folder)) + ": " + reason;
+                          : "refused: its folder " + Base::ToUtf8(Plain(folder)) + ": " + reason;
 }
 
 TrustedFile::TrustedFile(fs::path place, std::string reason, std::shared_ptr<Handle> opened)

@@ -13,8 +13,8 @@
 #include <memory>
 #include <vector>
 
+#include "base/text/utf8.h"
 #include "host/PrinterUtil/modules/system_message_windows.h"
-#include "host/common/utf8.h"
 
 namespace PrinterUtil {
 
@@ -84,7 +84,7 @@ std::string NumberOf(PSID account) {
         return "of an unknown number";
     }
     const LocalMemory owner(text);
-    return Host::ToUtf8(text);
+    return Base::ToUtf8(text);
 }
 
 // The rights that change a part. A new name in a folder above replaces none that is on the path,

@@ -15,7 +15,7 @@
 #include <system_error>
 
 #include "base/environment.h"
-#include "modules/driverless/common/text.h"
+#include "base/text/display_text.h"
 
 namespace Driverless {
 
@@ -24,7 +24,7 @@ namespace {
 // A closed pipe does not end the process, whatever its SIGPIPE handling: the signal goes to the
 // writing thread, which consumes it.
 void WriteLine(int file, const std::string& message) {
-    const std::string line = "driverless: " + CleanText(message) + "\n";
+    const std::string line = "driverless: " + Base::CleanText(message) + "\n";
     sigset_t brokenPipe;
     sigset_t before;
     sigset_t pending;

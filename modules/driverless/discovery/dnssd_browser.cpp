@@ -21,6 +21,7 @@
 #include <thread>
 #include <utility>
 
+#include "base/text/ascii_case.h"
 #include "modules/driverless/common/diagnostics.h"
 #include "modules/driverless/common/guarded.h"
 #include "modules/driverless/common/results.h"

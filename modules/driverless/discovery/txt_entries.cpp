@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "modules/driverless/common/text.h"
+#include "base/text/ascii_case.h"
 
 namespace Driverless {
 
@@ -17,7 +17,7 @@ constexpr std::array kKnownKeys{"uuid", "ty", "usb_mfg", "usb_mdl", "product", "
 
 void AddTxtEntry(std::map<std::string, std::string>& entries, std::string_view text) {
     const std::size_t end = text.find('=');
-    const std::string key = LowerCase(std::string(text.substr(0, end)));
+    const std::string key = Base::LowerCase(text.substr(0, end));
     if (std::find(kKnownKeys.begin(), kKnownKeys.end(), key) != kKnownKeys.end()) {
         entries.emplace(key,
                         end == std::string_view::npos ? std::string_view() : text.substr(end + 1));

@@ -5,11 +5,17 @@
 #include <algorithm>
 #include <cctype>
 
-#include "modules/driverless/common/text.h"
+#include "base/device_id.h"
+#include "base/text/ascii_case.h"
+#include "base/text/display_text.h"
+#include "base/text/record_field.h"
+#include "base/text/utf8.h"
 
 namespace Driverless {
 
 namespace {
+
+using Base::CleanText;
 
 constexpr char kModelId[] = "driverless";
 constexpr char kDefaultResource[] = "/ipp/print";
@@ -37,11 +43,11 @@ std::string WithoutParentheses(const std::string& text) {
 
 std::string MakeAndModel(const ServiceId& id, const Service& service,
                          const PrinterAttributes& attributes) {
+    const Base::DeviceId deviceId = Base::ReadDeviceId(attributes.deviceId);
     return FirstOf({CleanText(attributes.makeAndModel), TxtValue(service, "ty"),
                     Joined(TxtValue(service, "usb_mfg"), TxtValue(service, "usb_mdl")),
                     WithoutParentheses(TxtValue(service, "product")),
-                    Joined(DeviceIdValue(attributes.deviceId, "MFG", "MANUFACTURER"),
-                           DeviceIdValue(attributes.deviceId, "MDL", "MODEL")),
+                    Joined(CleanText(deviceId.manufacturer), CleanText(deviceId.model)),
                     CleanText(id.name)});
 }
 
@@ -62,7 +68,7 @@ bool IsPath(const std::string& text) {
 // The part of `text` that fits into a record's field.
 template <std::size_t size>
 std::string AsInField(const char (&)[size], const std::string& text) {
-    return std::string(CutText(text, size - 1));
+    return std::string(Base::CutUtf8(text, size - 1));
 }
 
 constexpr VendorSdk::DeviceInfo kFields{};
@@ -71,7 +77,7 @@ constexpr VendorSdk::DeviceInfo kFields{};
 
 std::string PlainUuid(const std::string& text) {
     constexpr std::string_view prefix = "urn:uuid:";
-    std::string uuid = LowerCase(text);
+    std::string uuid = Base::LowerCase(text);
     if (uuid.starts_with(prefix)) {
         uuid.erase(0, prefix.size());
     }
@@ -85,27 +91,10 @@ std::string AnnouncedUuid(const Service& service) {
     return PlainUuid(TxtValue(service, "uuid"));
 }
 
-std::string DeviceIdValue(const std::string& deviceId, const std::string& key,
-                          const std::string& alternative) {
-    std::size_t begin = 0;
-    while (begin < deviceId.size()) {
-        const std::size_t end = std::min(deviceId.find(';', begin), deviceId.size());
-        const std::string pair = deviceId.substr(begin, end - begin);
-        const std::size_t colon = pair.find(':');
-        const std::string name = CleanText(pair.substr(0, colon));
-        if (colon != std::string::npos && (name == key || name == alternative)) {
-            return CleanText(pair.substr(colon + 1));
-        }
-        begin = end + 1;
-    }
-    return {};
-}
-
 std::string SerialNumber(const PrinterAttributes& attributes) {
-    return AsInField(kFields.deviceSN,
-                     FirstOf({CleanText(attributes.serialNumber),
-                              DeviceIdValue(attributes.deviceId, "SN", "SERIALNUMBER"),
-                              DeviceIdValue(attributes.deviceId, "SERN", "SERN")}));
+    const Base::DeviceId deviceId = Base::ReadDeviceId(attributes.deviceId);
+    return AsInField(kFields.deviceSN, FirstOf({CleanText(attributes.serialNumber),
+                                                CleanText(deviceId.serialNumber)}));
 }
 
 Printer Describe(const ServiceId& id, const Service& service,
@@ -132,13 +121,13 @@ VendorSdk::DeviceInfo ToRecord(const Printer& printer) {
     VendorSdk::DeviceInfo record{};
     record.code1 = printer.port;
     record.code2 = static_cast<std::uint16_t>(printer.kind);
-    PutText(record.deviceSN, printer.serialNumber);
-    PutText(record.modelID, kModelId);
-    PutText(record.extra1, printer.makeAndModel);
-    PutText(record.extra2, printer.address);
+    Base::PutField(record.deviceSN, printer.serialNumber);
+    Base::PutField(record.modelID, kModelId);
+    Base::PutField(record.extra1, printer.makeAndModel);
+    Base::PutField(record.extra2, printer.address);
     // A truncated path would name another printer, or none.
     if (printer.resource.size() < sizeof record.extra3 && IsPath(printer.resource)) {
-        PutText(record.extra3, printer.resource);
+        Base::PutField(record.extra3, printer.resource);
     }
     return record;
 }
@@ -148,12 +137,12 @@ Printer FromRecord(const VendorSdk::DeviceInfo& record) {
     const bool knownKind = record.code2 >= 1 && record.code2 <= kServiceTypes.size();
     printer.kind = knownKind ? static_cast<ServiceKind>(record.code2) : ServiceKind::None;
     printer.port = record.code1;
-    printer.serialNumber = FieldText(record.deviceSN);
+    printer.serialNumber = Base::FieldText(record.deviceSN);
     printer.uuid = PlainUuid(printer.serialNumber);
-    printer.makeAndModel = FieldText(record.extra1);
-    printer.address = FieldText(record.extra2);
+    printer.makeAndModel = Base::FieldText(record.extra1);
+    printer.address = Base::FieldText(record.extra2);
     printer.host = printer.address;
-    printer.resource = FieldText(record.extra3);
+    printer.resource = Base::FieldText(record.extra3);
     if (SpeaksIpp(printer.kind) && !IsPath(printer.resource)) {
         printer.resource = kDefaultResource;
     }

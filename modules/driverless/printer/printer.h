@@ -54,11 +54,6 @@ std::string PlainUuid(const std::string& text);
 // The UUID that the service announces, or an empty text.
 std::string AnnouncedUuid(const Service& service);
 
-// The value of a key, or of its `alternative` spelling, in an IEEE 1284 device id
-// ("MFG:Acme;SN:123;"); empty if neither exists.
-std::string DeviceIdValue(const std::string& deviceId, const std::string& key,
-                          const std::string& alternative);
-
 // The serial number from the attributes, in the form of a record; empty when they have none.
 std::string SerialNumber(const PrinterAttributes& attributes);
 

@@ -2,7 +2,7 @@
 
 #include "modules/driverless/printer/wifi_settings.h"
 
-#include "modules/driverless/common/text.h"
+#include "base/text/utf8.h"
 
 namespace Driverless {
 
@@ -22,7 +22,7 @@ std::string ProblemWith(const WifiSettings& settings) {
     if (settings.name.size() > kLongestName) {
         return "the network's name is longer than 32 bytes";
     }
-    if (!IsUtf8(settings.name)) {
+    if (!Base::IsUtf8(settings.name)) {
         return "the network's name is not UTF-8";
     }
     if (length != 0 && length < kShortestPassPhrase) {

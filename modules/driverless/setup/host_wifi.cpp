@@ -13,7 +13,7 @@
 #include <thread>
 #include <utility>
 
-#include "modules/driverless/common/text.h"
+#include "base/text/utf8.h"
 #include "modules/driverless/discovery/host_network.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiAPI.h"
 #include "platform/PrinterDiscoverAPI/PrinterWifiControl.h"
@@ -133,7 +133,7 @@ std::optional<HostNetwork> AskForCurrent() {
     if (problem != PRINTER_WIFI_DONE && !IsJoinedToNone(problem)) {
         return std::nullopt;
     }
-    return HostNetwork{ToUtf8(name), ToUtf8(interface)};
+    return HostNetwork{Base::ToUtf8(name), Base::ToUtf8(interface)};
 }
 
 using WlanNetworks = std::vector<PrinterWifiApiStruct::WlanInfoData>;
@@ -159,7 +159,8 @@ NetworksFound AskForNetworks(Look look) {
     });
     for (const auto& network : inRange) {
         if (!network.excludeFlag && !network.ssid.empty()) {
-            found.networks.push_back({ToUtf8(network.ssid), network.attributes.signalQuality});
+            found.networks.push_back(
+                {Base::ToUtf8(network.ssid), network.attributes.signalQuality});
         }
     }
     return found;

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "modules/driverless/common/text.h"
+#include "base/text/record_field.h"
 #include "modules/driverless/setup/printer_network.h"
 
 namespace Driverless {
@@ -35,7 +35,7 @@ bool OfferedNetworks::IsNews(const NetworkInRange& network) {
 VendorSdk::WifiConfigInfo ToRecord(const NetworkInRange& network) {
     VendorSdk::WifiConfigInfo record{};
     record.rssi = static_cast<float>(network.quality);
-    PutText(record.ssid, network.name);
+    Base::PutField(record.ssid, network.name);
     return record;
 }
 

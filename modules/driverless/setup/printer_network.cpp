@@ -6,8 +6,8 @@
 #include <array>
 #include <string>
 
+#include "base/text/ascii_case.h"
 #include "modules/driverless/common/diagnostics.h"
-#include "modules/driverless/common/text.h"
 
 namespace Driverless {
 
@@ -56,7 +56,7 @@ bool IsWifiDirect(std::string_view name) {
 }
 
 bool MayBePrintersOwn(std::string_view name, std::string_view patterns) {
-    const std::string lower = LowerCase(name);
+    const std::string lower = Base::LowerCase(name);
     const bool says = std::any_of(kWords.begin(), kWords.end(), [&](std::string_view word) {
         return lower.find(word) != std::string::npos;
     });

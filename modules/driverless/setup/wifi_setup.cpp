@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/text/record_field.h"
 #include "modules/driverless/common/diagnostics.h"
 #include "modules/driverless/common/results.h"
-#include "modules/driverless/common/text.h"
 #include "modules/driverless/discovery/connect_state.h"
 #include "modules/driverless/discovery/known_printers.h"
 #include "modules/driverless/ipp/ipp_query.h"
@@ -101,9 +101,9 @@ bool IsTaken(const IppAnswer& answer, const Recipient& recipient) {
 // Remembers the printer under the record's serial number, at both its bridge address and its USB
 // place, replacing any other printer there. On the network it may be known only by its UUID.
 void RememberAs(const VendorSdk::DeviceInfo& record, Printer printer) {
-    printer.serialNumber = FieldText(record.deviceSN);
+    printer.serialNumber = Base::FieldText(record.deviceSN);
     Printer onUsb = printer;
-    onUsb.address = FieldText(record.extra2);
+    onUsb.address = Base::FieldText(record.extra2);
     onUsb.port = 0;
     KnownPrinters().Remember(onUsb);
     KnownPrinters().Remember(printer);
@@ -236,7 +236,7 @@ int Give(const Recipient& recipient, const WifiSettings& settings) {
 }
 
 WifiSettings SettingsIn(const VendorSdk::WifiConfigInfo& record) {
-    return {FieldText(record.ssid), Base::Secret(FieldView(record.pwd))};
+    return {Base::FieldText(record.ssid), Base::Secret(Base::FieldView(record.pwd))};
 }
 
 bool AreValid(const WifiSettings& settings) {

@@ -10,9 +10,10 @@
 #include <iterator>
 #include <map>
 
+#include "base/text/ascii_case.h"
+#include "base/text/record_field.h"
 #include "modules/driverless/common/diagnostics.h"
 #include "modules/driverless/common/results.h"
-#include "modules/driverless/common/text.h"
 #include "modules/driverless/usb/usb_printer.h"
 
 namespace Driverless {
@@ -79,10 +80,10 @@ bool IsSame(const BridgedPrinter& bridged, const std::string& serialNumber) {
 bool IsSameModel(const BridgedPrinter& bridged, const VendorSdk::DeviceInfo& record) {
     PrinterAttributes deviceIdOnly;
     deviceIdOnly.deviceId = bridged.attributes.deviceId;
-    const std::string wanted = LowerCase(FieldView(record.extra1));
+    const std::string wanted = Base::LowerCase(Base::FieldView(record.extra1));
     const Printer byDeviceId = Describe({}, {}, deviceIdOnly);
-    return LowerCase(bridged.printer.makeAndModel) == wanted ||
-           LowerCase(byDeviceId.makeAndModel) == wanted;
+    return Base::LowerCase(bridged.printer.makeAndModel) == wanted ||
+           Base::LowerCase(byDeviceId.makeAndModel) == wanted;
 }
 
 template <class Predicate>
@@ -126,7 +127,7 @@ std::vector<std::uint16_t> BridgePorts(const std::vector<ListeningPort>& listeni
 
 BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
                            const VendorSdk::DeviceInfo& record, const OtherSerialNumber& other) {
-    const std::string serialNumber = FieldText(record.deviceSN);
+    const std::string serialNumber = Base::FieldText(record.deviceSN);
     std::vector<BridgedPrinter> likely =
         Those(printers, [&](const BridgedPrinter& one) { return IsSame(one, serialNumber); });
     const std::vector<BridgedPrinter> ofModel =
@@ -148,7 +149,7 @@ BridgeSearch ChooseBridged(const std::vector<BridgedPrinter>& printers,
             return !(HasSerialNumber(record) && SaysSerialNumber(one)) && IsSameModel(one, record);
         });
     }
-    const std::string name = FieldText(record.extra1) + " (" + serialNumber + ")";
+    const std::string name = Base::FieldText(record.extra1) + " (" + serialNumber + ")";
     if (likely.empty()) {
         return Nothing(kNotReached,
                        "no bridge for printers on USB has " + name +

@@ -8,7 +8,8 @@
 #include <span>
 #include <string_view>
 
-#include "modules/driverless/common/text.h"
+#include "base/device_id.h"
+#include "base/text/utf8.h"
 
 namespace Driverless {
 
@@ -63,26 +64,20 @@ unsigned ByteAt(std::string_view bytes, std::size_t at) {
     return static_cast<std::uint8_t>(bytes[at]);
 }
 
-// A device's text without its header of `headSize` bytes. `length` is the length that the device
+// The text of a string descriptor of at least two bytes. The first is the length that the device
 // reports.
-std::string_view Body(std::string_view answer, std::size_t length, std::size_t headSize) {
-    const std::size_t size = std::clamp(length, headSize, std::max(answer.size(), headSize));
-    return answer.size() < headSize ? std::string_view() : answer.substr(headSize, size - headSize);
+std::string_view Body(std::string_view answer) {
+    constexpr std::size_t headSize = 2;
+    const std::size_t size = std::clamp<std::size_t>(ByteAt(answer, 0), headSize, answer.size());
+    return answer.substr(headSize, size - headSize);
 }
 
 std::string FromUtf16(std::string_view bytes) {
-    std::wstring text;
+    std::u16string text;
     for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
-        const auto unit = static_cast<wchar_t>(ByteAt(bytes, at) | ByteAt(bytes, at + 1) << 8U);
-        const bool isLow = unit >= 0xDC00 && unit <= 0xDFFF;
-        if (isLow && !text.empty() && text.back() >= 0xD800 && text.back() <= 0xDBFF) {
-            text.back() =
-                static_cast<wchar_t>(0x10000 + ((text.back() - 0xD800) << 10U) + (unit - 0xDC00));
-        } else {
-            text += unit;
-        }
+        text += static_cast<char16_t>(ByteAt(bytes, at) | ByteAt(bytes, at + 1) << 8U);
     }
-    return ToUtf8(text);
+    return Base::ToUtf8(text);
 }
 
 }  // namespace
@@ -181,11 +176,7 @@ UsbDevice::Answer UsbDevice::AskForDeviceId(const PrinterInterface& one) {
 std::string UsbDevice::DeviceId(const PrinterInterface& one) {
     const Answer answer = AskForDeviceId(one);
     Note(answer.error);
-    if (answer.bytes.size() < 2) {
-        return {};
-    }
-    const std::size_t length = ByteAt(answer.bytes, 0) << 8U | ByteAt(answer.bytes, 1);
-    return std::string(Body(answer.bytes, length, 2));
+    return std::string(Base::DeviceIdText(answer.bytes));
 }
 
 std::string UsbDevice::Text(std::uint8_t index) {
@@ -194,7 +185,7 @@ std::string UsbDevice::Text(std::uint8_t index) {
     }
     const Answer answer = AskForString(index, language);
     const bool isText = answer.bytes.size() >= 2 && ByteAt(answer.bytes, 1) == LIBUSB_DT_STRING;
-    return isText ? FromUtf16(Body(answer.bytes, ByteAt(answer.bytes, 0), 2)) : std::string();
+    return isText ? FromUtf16(Body(answer.bytes)) : std::string();
 }
 
 // A device lists its languages in string 0; the first is used.

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "modules/driverless/common/text.h"
+#include "base/text/record_field.h"
 #include "modules/driverless/printer/printer.h"
 
 namespace Driverless {
@@ -23,8 +23,8 @@ void UsbOtherNames::Remember(std::uint16_t vendorId, std::uint16_t productId,
         const VendorSdk::DeviceInfo record = ToRecord(printer);
         PrinterAttributes deviceIdOnly;
         deviceIdOnly.deviceId = printer.deviceId;
-        names.push_back(
-            {FieldText(record.extra2), FieldText(record.deviceSN), SerialNumber(deviceIdOnly)});
+        names.push_back({Base::FieldText(record.extra2), Base::FieldText(record.deviceSN),
+                         SerialNumber(deviceIdOnly)});
     }
     const std::lock_guard lock(mutex);
     models.erase({vendorId, productId});
@@ -34,8 +34,8 @@ void UsbOtherNames::Remember(std::uint16_t vendorId, std::uint16_t productId,
 }
 
 OtherSerialNumber UsbOtherNames::Of(const VendorSdk::DeviceInfo& record) {
-    const std::string place = FieldText(record.extra2);
-    const std::string serialNumber = FieldText(record.deviceSN);
+    const std::string place = Base::FieldText(record.extra2);
+    const std::string serialNumber = Base::FieldText(record.deviceSN);
     const std::lock_guard lock(mutex);
     for (const auto& [model, names] : models) {
         const auto found = std::find_if(names.begin(), names.end(), [&](const Names& one) {

@@ -5,8 +5,9 @@
 #include <array>
 #include <cstdio>
 
+#include "base/text/display_text.h"
+#include "base/text/record_field.h"
 #include "base/usb_serial_number.h"
-#include "modules/driverless/common/text.h"
 #include "modules/driverless/printer/printer.h"
 
 namespace Driverless {
@@ -18,8 +19,8 @@ std::string AddressOf(const UsbPrinter& usb) {
 }
 
 std::string NameOf(const UsbPrinter& usb) {
-    const std::string maker = CleanText(usb.maker);
-    const std::string product = CleanText(usb.product);
+    const std::string maker = Base::CleanText(usb.maker);
+    const std::string product = Base::CleanText(usb.product);
     if (!maker.empty() || !product.empty()) {
         return maker.empty() || product.empty() ? maker + product : maker + " " + product;
     }
@@ -33,7 +34,7 @@ PrinterAttributes AttributesOf(const UsbPrinter& usb) {
     PrinterAttributes attributes;
     attributes.deviceId = usb.deviceId;
     attributes.serialNumber =
-        Base::UsbSerialNumber(CleanText(usb.serialNumber), SerialNumber(attributes));
+        Base::UsbSerialNumber(Base::CleanText(usb.serialNumber), SerialNumber(attributes));
     if (attributes.serialNumber.empty()) {
         attributes.serialNumber = AddressOf(usb);
     }
@@ -50,8 +51,8 @@ VendorSdk::DeviceInfo ToRecord(const UsbPrinter& usb) {
 }
 
 bool HasSerialNumber(const VendorSdk::DeviceInfo& record) {
-    const std::string_view serialNumber = FieldView(record.deviceSN);
-    return !serialNumber.empty() && serialNumber != FieldView(record.extra2);
+    const std::string_view serialNumber = Base::FieldView(record.deviceSN);
+    return !serialNumber.empty() && serialNumber != Base::FieldView(record.extra2);
 }
 
 }  // namespace Driverless

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "host/common/utf8.h"
+#include "base/text/utf8.h"
 #include "host/common/paths.h"
 
 #include <gtest/gtest.h>
@@ -69,49 +69,8 @@ TEST(WStringToString, TakesAnyUnit) {
     for (unsigned long unit = 0; unit <= 0xFFFF; ++unit) {
         const std::string text = WStringToString(Units({unit}));
         ASSERT_FALSE(text.empty());
-        ASSERT_EQ(Host::ToUtf8(Host::FromUtf8(text)), text) << unit;
+        ASSERT_EQ(Base::ToUtf8(Base::FromUtf8(text)), text) << unit;
     }
-}
-
-TEST(FromUtf8, IsTheWayBack) {
-    const std::string text = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z";
-    EXPECT_EQ(Host::FromUtf8(text), L"a\u00E9\u20AC\U0001F600z");
-    EXPECT_EQ(Host::ToUtf8(Host::FromUtf8(text)), text);
-}
-
-TEST(FromUtf8, ReplacesWhatIsIllFormed) {
-    EXPECT_EQ(Host::FromUtf8("a\xFF"
-                             "b"),
-              L"a\uFFFD"
-              L"b");
-    EXPECT_EQ(Host::FromUtf8("a\x80"
-                             "b"),
-              L"a\uFFFD"
-              L"b");
-    EXPECT_EQ(Host::FromUtf8("\xC3"), L"\uFFFD");
-    EXPECT_EQ(Host::FromUtf8("\xE2\x82"
-                             "b"),
-              L"\uFFFD"
-              L"b");
-    EXPECT_EQ(Host::FromUtf8("\xC0\xAF"), L"\uFFFD\uFFFD");
-    EXPECT_EQ(Host::FromUtf8("\xE0\x80\xAF")[0], L'\uFFFD');
-    EXPECT_EQ(Host::FromUtf8("\xED\xA0\x80")[0], L'\uFFFD');
-    EXPECT_EQ(Host::FromUtf8("\xF4\x90\x80\x80")[0], L'\uFFFD');
-    EXPECT_EQ(Host::FromUtf8("\xF5")[0], L'\uFFFD');
-}
-
-TEST(CopyUtf8, FillsTheRoomAndCutsBetweenCharacters) {
-    const std::string text = "ab\xE2\x82\xAC";  // two characters, and one of three bytes
-    for (const auto& [size, expected] :
-         {std::pair<std::size_t, std::string>{8, text}, {6, text}, {5, "ab"}, {3, "ab"}, {1, ""}}) {
-        std::string room(size, 'x');
-        Host::CopyUtf8(text, room.data(), room.size());
-        EXPECT_EQ(room, expected + std::string(size - expected.size(), '\0')) << size;
-    }
-    char untouched = 'x';
-    Host::CopyUtf8(text, &untouched, 0);
-    EXPECT_EQ(untouched, 'x');
-    Host::CopyUtf8(text, nullptr, 8);
 }
 
 TEST(Paths, GoToUtf8AndBack) {

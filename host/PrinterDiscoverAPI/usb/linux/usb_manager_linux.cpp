@@ -16,10 +16,10 @@
 #include <system_error>
 #include <utility>
 
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/usb/linux/silent_service.h"
 #include "host/PrinterDiscoverAPI/usb/usb_manager.h"
-#include "host/common/utf8.h"
 
 namespace PrinterDiscoverAPI {
 
@@ -331,7 +331,7 @@ private:
     void Close(const std::string& reason) {
         monitors = {};
         Host::Report(LOG_LEVEL_WARNING,
-                     L"USB monitor: device events were missed: " + Host::FromUtf8(reason),
+                     L"USB monitor: device events were missed: " + Base::FromUtf8(reason),
                      L"PrinterUsbDeviceManager::StartMonitor");
     }
 

@@ -4,22 +4,14 @@
 
 #include <vector>
 
-#include "host/common/utf8.h"
+#include "base/text/ascii_case.h"
+#include "base/text/utf8.h"
 
 namespace PrinterDiscoverAPI {
 
 namespace {
 
 constexpr std::size_t kPrefixLength = 4;  // \\?\ or \\.\ or, as stored by the system, ##?#
-
-std::string UpperCase(std::string text) {
-    for (char& letter : text) {
-        if (letter >= 'a' && letter <= 'z') {
-            letter = static_cast<char>(letter - 'a' + 'A');
-        }
-    }
-    return text;
-}
 
 std::vector<std::string_view> Split(std::string_view text, char separator) {
     std::vector<std::string_view> parts;
@@ -77,7 +69,7 @@ struct HardwareIds {
 
 std::optional<UsbPrinter> UsbPrinterOfPath(std::wstring_view path) {
     UsbPrinter printer;
-    printer.path = UpperCase(Host::ToUtf8(path));
+    printer.path = Base::UpperCase(Base::ToUtf8(path));
     const std::string_view whole = printer.path;
     const auto parts = Split(HasPrefix(whole) ? whole.substr(kPrefixLength) : whole, '#');
     if (parts.size() < 3 || parts[0] != "USB") {
@@ -88,7 +80,7 @@ std::optional<UsbPrinter> UsbPrinterOfPath(std::wstring_view path) {
         return std::nullopt;
     }
     printer.hardwareId = UsbHardwareId(*ids.vendorId, *ids.productId);
-    printer.devicePath = Host::ToUtf8(printer.hardwareId) + '#';
+    printer.devicePath = Base::ToUtf8(printer.hardwareId) + '#';
     // The functions of one device have the same instance id except for the number at its end.
     printer.devicePath += ids.isPartOfDevice ? parts[2].substr(0, parts[2].rfind('&')) : parts[2];
     return printer;

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cctype>
 
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/wifi/linux/activation_linux.h"
 #include "host/PrinterDiscoverAPI/wifi/linux/network_manager_linux.h"
@@ -13,7 +14,6 @@
 #include "host/PrinterDiscoverAPI/wifi/network_name.h"
 #include "host/PrinterDiscoverAPI/wifi/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi/wifi_service.h"
-#include "host/common/utf8.h"
 
 namespace Host {
 
@@ -83,7 +83,7 @@ void ReportDenied(const std::optional<std::string>& denial) {
         reported = false;
     } else if (!reported.exchange(true)) {
         Report(LOG_LEVEL_WARNING,
-               L"no fresh scan, the networks are those last seen: " + FromUtf8(*denial),
+               L"no fresh scan, the networks are those last seen: " + Base::FromUtf8(*denial),
                L"PrinterWifiAPI");
     }
 }
@@ -134,7 +134,7 @@ AccessPoint ToAccessPoint(const Properties& properties) {
 // phrase.
 ConnectionSettings SettingsFor(const AccessPoint& accessPoint, bool hasPassPhrase) {
     ConnectionSettings settings;
-    const std::string id = ToUtf8(NetworkNameText(accessPoint.name));
+    const std::string id = Base::ToUtf8(NetworkNameText(accessPoint.name));
     settings["connection"] = {{"id", sdbus::Variant(id)},
                               {"type", sdbus::Variant(std::string(kWirelessSettings))},
                               {"autoconnect", sdbus::Variant(false)}};
@@ -282,7 +282,7 @@ private:
     bool IsInSight(const std::string& name) const {
         const std::vector<AccessPoint> found = FindAccessPoints();
         return std::any_of(found.begin(), found.end(), [&](const AccessPoint& one) {
-            return one.name == name || ToUtf8(NetworkNameText(one.name)) == name;
+            return one.name == name || Base::ToUtf8(NetworkNameText(one.name)) == name;
         });
     }
 
@@ -375,7 +375,7 @@ private:
             if (properties && IsInfrastructure(*properties) && !NameOf(*properties).empty()) {
                 return JoinedAccessPoint{NameOf(*properties),
                                          ValueOr<std::string>(*properties, "HwAddress", {}),
-                                         FromUtf8(adapter.interfaceName)};
+                                         Base::FromUtf8(adapter.interfaceName)};
             }
         }
         return std::nullopt;
@@ -496,9 +496,10 @@ private:
                 ConnectAsBefore(*connection);
             }
         } catch (const sdbus::Error& error) {
-            Report(LOG_LEVEL_WARNING,
-                   L"could not rejoin the previous network: " + FromUtf8(DescribeError(error)),
-                   L"PrinterWifiAPI");
+            Report(
+                LOG_LEVEL_WARNING,
+                L"could not rejoin the previous network: " + Base::FromUtf8(DescribeError(error)),
+                L"PrinterWifiAPI");
         }
     }
 

@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include "base/secret.h"
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/diagnostics.h"
 #include "host/PrinterDiscoverAPI/wifi/network_name.h"
 #include "host/PrinterDiscoverAPI/wifi/undertaking.h"
@@ -19,7 +20,6 @@
 #include "host/PrinterDiscoverAPI/wifi/windows/information_elements.h"
 #include "host/PrinterDiscoverAPI/wifi/windows/wlan_attempt_windows.h"
 #include "host/PrinterDiscoverAPI/wifi/windows/wlan_profile.h"
-#include "host/common/utf8.h"
 
 namespace Host {
 
@@ -218,7 +218,7 @@ private:
         std::wstring profile(std::begin(connection->strProfileName),
                              std::end(connection->strProfileName));
         profile.resize(std::min(profile.find(L'\0'), profile.size()));
-        return HostConnection{BytesOf(adapter), ToUtf8(profile),
+        return HostConnection{BytesOf(adapter), Base::ToUtf8(profile),
                               NameOf(connection->wlanAssociationAttributes.dot11Ssid)};
     }
 
@@ -232,7 +232,7 @@ private:
             }
         } catch (const WifiProblem& problem) {
             Report(LOG_LEVEL_WARNING,
-                   L"could not rejoin the previous network: " + FromUtf8(problem.what()),
+                   L"could not rejoin the previous network: " + Base::FromUtf8(problem.what()),
                    L"PrinterWifiAPI");
         }
     }
@@ -243,7 +243,7 @@ private:
             // The service looks for the network itself, and sees more than the last scan did.
             AccessPoint point;
             point.name = connection.network;
-            WlanAttempt(client, adapter, point).StartSaved(FromUtf8(connection.profile));
+            WlanAttempt(client, adapter, point).StartSaved(Base::FromUtf8(connection.profile));
             return;
         }
         const auto point = Sought(connection);
@@ -300,7 +300,7 @@ private:
         RequireWlan("WlanGetProfileList",
                     TheWlanLibrary().getProfileList(client.Handle(), &adapter, nullptr, &list));
         const WlanMemory<WLAN_PROFILE_INFO_LIST> owner(list);
-        const std::wstring name = FromUtf8(profile);
+        const std::wstring name = Base::FromUtf8(profile);
         return std::any_of(
             list->ProfileInfo, list->ProfileInfo + list->dwNumberOfItems,
             [&name](const WLAN_PROFILE_INFO& saved) { return saved.strProfileName == name; });
@@ -325,7 +325,7 @@ private:
                                   : "Wi-Fi is switched off");
         }
         if (std::none_of(adapters.begin(), adapters.end(), IsReady)) {
-            throw WifiProblem(ToUtf8(InterfaceName(adapters.front())) + " is not ready");
+            throw WifiProblem(Base::ToUtf8(InterfaceName(adapters.front())) + " is not ready");
         }
     }
 

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/wifi/undertaking.h"
 #include "host/PrinterDiscoverAPI/wifi/wifi_service.h"
-#include "host/common/utf8.h"
 
 namespace Host {
 
@@ -33,7 +33,7 @@ std::string DescribeReason(DWORD reason) {
         return "the system's Wi-Fi service gave up, reason " + std::to_string(reason);
     }
     text[std::size(text) - 1] = L'\0';
-    return "the system's Wi-Fi service says: " + ToUtf8(text);
+    return "the system's Wi-Fi service says: " + Base::ToUtf8(text);
 }
 
 bool IsJoining(WLAN_INTERFACE_STATE state) {

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "base/secret.h"
+#include "base/text/utf8.h"
 #include "host/PrinterDiscoverAPI/wifi/network_name.h"
-#include "host/common/utf8.h"
 
 namespace Host {
 
@@ -99,7 +99,7 @@ std::wstring WithKey(std::wstring_view profile, std::string_view passPhrase) {
     if (place == std::wstring_view::npos) {
         return std::wstring(profile);
     }
-    std::wstring key = FromUtf8(passPhrase);
+    std::wstring key = Base::FromUtf8(passPhrase);
     const Base::WipeAtEnd wiped(key);
     std::wstring whole;
     whole.reserve(profile.size() + longestEscape * key.size());

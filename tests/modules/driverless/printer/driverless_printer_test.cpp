@@ -27,14 +27,6 @@ TEST(PlainUuid, TakesThePrefixOffAndAcceptsNothingElse) {
     EXPECT_EQ(PlainUuid(""), "");
 }
 
-TEST(DeviceIdValue, FindsEitherSpellingOfAKey) {
-    EXPECT_EQ(DeviceIdValue("MFG:Acme;SN:A1;", "SN", "SERIALNUMBER"), "A1");
-    EXPECT_EQ(DeviceIdValue("MFG:Acme; SERIALNUMBER: A1 ", "SN", "SERIALNUMBER"), "A1");
-    EXPECT_EQ(DeviceIdValue("MFG:SN;MDL:x", "SN", "SERIALNUMBER"), "");
-    EXPECT_EQ(DeviceIdValue("SN", "SN", "SERIALNUMBER"), "");
-    EXPECT_EQ(DeviceIdValue("", "SN", "SERIALNUMBER"), "");
-}
-
 TEST(Describe, PrefersTheSerialNumberThenTheDeviceIdThenTheUuidThenTheName) {
     PrinterAttributes attributes;
     attributes.serialNumber = "S1";

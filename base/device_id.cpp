@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "host/PrinterAdapter/device_id.h"
+#include "base/device_id.h"
 
-namespace PrinterAdapter {
+#include <cstddef>
+
+#include "base/text/ascii_case.h"
+
+namespace Base {
 
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::size_t kLengthBytes = 2;
+constexpr std::size_t kShortestText = 4;  // "SN:1"
 
 std::string_view Trimmed(std::string_view text) {
     const std::size_t begin = text.find_first_not_of(kBlanks);
@@ -14,16 +20,6 @@ std::string_view Trimmed(std::string_view text) {
         return {};
     }
     return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-}
-
-std::string UpperCase(std::string_view text) {
-    std::string upper(text);
-    for (char& letter : upper) {
-        if (letter >= 'a' && letter <= 'z') {
-            letter = static_cast<char>(letter - 'a' + 'A');
-        }
-    }
-    return upper;
 }
 
 // The field for the key; null for a key that is not used.
@@ -44,6 +40,7 @@ std::string* FieldOf(DeviceId& id, const std::string& key) {
 
 DeviceId ReadDeviceId(std::string_view text) {
     DeviceId id;
+    text = text.substr(0, text.find('\0'));
     while (!text.empty()) {
         const std::string_view pair = text.substr(0, text.find(';'));
         text.remove_prefix(pair.size() == text.size() ? pair.size() : pair.size() + 1);
@@ -59,4 +56,23 @@ DeviceId ReadDeviceId(std::string_view text) {
     return id;
 }
 
-}  // namespace PrinterAdapter
+std::string_view DeviceIdText(std::string_view answer) {
+    if (answer.size() <= kLengthBytes) {
+        return {};
+    }
+    const std::string_view text = answer.substr(kLengthBytes);
+    const auto byte = [answer](std::size_t at) {
+        return static_cast<std::size_t>(static_cast<unsigned char>(answer[at]));
+    };
+    for (const std::size_t length : {byte(0) << 8U | byte(1), byte(1) << 8U | byte(0)}) {
+        if (length == text.size() || length == answer.size()) {
+            return text;
+        }
+        if (length >= kLengthBytes + kShortestText && length < answer.size()) {
+            return text.substr(0, length - kLengthBytes);
+        }
+    }
+    return text;
+}
+
+}  // namespace Base
