@@ -1016,7 +1016,7 @@ class Application(NetworkTest):
             "printer-serial-number=S1", "printer-state=5", "printer-is-accepting-jobs=true"])
         state = self.devicediscover("state", "S1")
         self.assertEqual((state.returncode, state.stderr), (0, ""))
-        self.assertRegex(state.stdout, r"^S1: not ready \(state 2\)")
+        self.assertRegex(state.stdout, r"^S1: not ready \(state 2: it answers, but is stopped or accepts no jobs\)")
 
     def test_printers_with_one_serial_number_are_two(self):
         for number in (1, 2):
