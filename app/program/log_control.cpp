@@ -12,18 +12,19 @@ namespace App {
 namespace {
 
 template <class Function>
-Function* Find(const char* name) {
+Function* LogFunction(const char* name) {
     return reinterpret_cast<Function*>(HostFunction("LogHelper", name));
 }
 
 // Each is null where the library lacks it.
 struct LogControl {
     decltype(LogHelperConfigure)* configure =
-        Find<decltype(LogHelperConfigure)>("LogHelperConfigure");
-    decltype(LogHelperFilePath)* filePath = Find<decltype(LogHelperFilePath)>("LogHelperFilePath");
-    decltype(LogHelperFlush)* flush = Find<decltype(LogHelperFlush)>("LogHelperFlush");
+        LogFunction<decltype(LogHelperConfigure)>("LogHelperConfigure");
+    decltype(LogHelperFilePath)* filePath =
+        LogFunction<decltype(LogHelperFilePath)>("LogHelperFilePath");
+    decltype(LogHelperFlush)* flush = LogFunction<decltype(LogHelperFlush)>("LogHelperFlush");
     decltype(LogHelperWriteInSignalHandler)* writeInSignalHandler =
-        Find<decltype(LogHelperWriteInSignalHandler)>("LogHelperWriteInSignalHandler");
+        LogFunction<decltype(LogHelperWriteInSignalHandler)>("LogHelperWriteInSignalHandler");
 };
 
 const LogControl& Log() {

@@ -477,7 +477,7 @@ class UsbWatch(UsbTest):
         self.host(appear(devices=2**31 - 1))
         result = self.run_app("usb", "watch", "--seconds", "2")
         self.assert_status(result, FOUND)
-        self.assert_mentions(result.errors, "some of them are not asked about")
+        self.assert_mentions(result.errors, "they are not asked about some of the printers")
 
     @unittest.skipIf(ON_WINDOWS, "its threads are counted by the Linux kernel")
     def test_arrivals_that_nobody_answers_about_are_bounded(self):
