@@ -8,9 +8,6 @@
 #include "app/terminal/crash_system.h"
 #include "platform/os.h"
 
-// Nothing fails here.
-void App::ReportEnd(const char*) {}
-
 namespace {
 
 // Tells how much of the stack is left for the handler, and keeps it.
