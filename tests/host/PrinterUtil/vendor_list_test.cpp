@@ -266,7 +266,7 @@ TEST_F(VendorListTest, LeavesOutAWrongTextAndServesItsVendor) {
         EXPECT_THAT(report.notes, ElementsAre(AllOf(HasSubstr("vendors[0]: \"" + key + "\""),
                                                     HasSubstr("left out"))))
             << value;
-        EXPECT_THAT(report.notes.front(), testing::Not(testing::ContainsRegex("[[:cntrl:]]")));
+        EXPECT_THAT(report.notes.front(), testing::Each(testing::Ge(' ')));
     }
     WriteList(listOf("results", R"({"1": ")" + std::string(1000, 'x') + R"("})"));
     EXPECT_THAT(PrinterUtil::DescribeVendorList().texts, SizeIs(1));
