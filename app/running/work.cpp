@@ -20,6 +20,17 @@ std::string TextOf(const std::exception_ptr& failure) {
     }
 }
 
+// The vendor's thread has ended without a result or an exception.
+bool IsEndOfThread(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::future_error&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
 }  // namespace
 
 void Rethrow(const std::exception_ptr& failure, std::uint64_t began) {
@@ -27,6 +38,10 @@ void Rethrow(const std::exception_ptr& failure, std::uint64_t began) {
     std::erase_if(calls, [began](const VendorCall& call) {
         return call.state != VendorCallState::kLeftByException || call.began < began;
     });
+    if (IsEndOfThread(failure)) {
+        throw Problem((calls.empty() ? "a vendor" : NamesOf(calls)) +
+                      " ended the thread on which it was called");
+    }
     if (calls.empty()) {
         std::rethrow_exception(failure);
     }

@@ -11,14 +11,14 @@
 #include <thread>
 #include <utility>
 
-#include "app/outcome/problem.h"
 #include "app/running/cancellation.h"
 #include "app/running/vendor_calls.h"
 #include "app/terminal/crash_report.h"
 
 namespace App {
 
-// Rethrows the exception of work that began at `began`; names the vendor if a vendor threw it.
+// Rethrows the exception of work that began at `began`; names the vendor if a vendor threw it, or
+// ended the thread.
 [[noreturn]] void Rethrow(const std::exception_ptr& failure, std::uint64_t began);
 
 // Work on a separate thread that cannot be cancelled. If the result is not taken, the work is
@@ -98,8 +98,6 @@ Result Work<Result>::Take() {
     thread.join();
     try {
         return outcome->result.get();
-    } catch (const std::future_error&) {
-        throw Problem("a vendor ended the thread on which it was called");
     } catch (...) {
         Rethrow(std::current_exception(), began);
     }

@@ -140,7 +140,8 @@ class Misbehaviour(AppTest):
                 result = self.run_into(entry_point, "end-thread")
                 self.assert_status(result, COULD_NOT_RUN)
                 self.assert_mentions(result.errors,
-                                     "a vendor ended the thread on which it was called\n")
+                                     f"devicediscover: vendor scripted ({entry_point}) ended the "
+                                     "thread on which it was called\n")
 
     @on_linux
     def test_a_scan_that_ends_its_thread_is_named(self):
