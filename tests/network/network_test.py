@@ -261,7 +261,7 @@ class WithoutServices(NetworkTest):
         probe.await_printers(1)
         lab("stop-bus")
         self.assertEqual(probe.await_event("ended")["result"], BUS_LOST)
-        self.assertIn("D-Bus ended", probe.diagnostics())
+        self.await_diagnostics(probe, "D-Bus ended")
 
     def frozen(self, which):
         """Stops a daemon in its tracks until the test ends."""
@@ -311,7 +311,7 @@ class WithoutServices(NetworkTest):
         probe.await_printers(2)
         os.kill(daemon, signal.SIGSTOP)
         self.assertEqual(probe.await_event("ended")["result"], NO_BROWSING)
-        self.assertRegex(probe.diagnostics(), "(?s)stopped.*again.*stopped.*the scan ends")
+        self.await_diagnostics(probe, "(?s)stopped.*again.*stopped.*the scan ends")
 
     def test_an_avahi_that_hangs_when_it_is_back_is_told(self):
         self.have_printers(1)
@@ -320,7 +320,7 @@ class WithoutServices(NetworkTest):
         probe.await_printers(1)
         lab("cold")
         self.await_diagnostics(probe, "Avahi answers again")
-        self.assertRegex(probe.diagnostics(), "(?s)Avahi ended.*stopped answering.*again")
+        self.await_diagnostics(probe, "(?s)Avahi ended.*stopped answering.*again")
 
     def test_a_scan_without_threads_says_so(self):
         self.have_printers(1)

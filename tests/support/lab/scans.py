@@ -9,6 +9,7 @@ import contextlib
 import json
 import os
 import queue
+import re
 import subprocess
 import sys
 import threading
@@ -318,6 +319,13 @@ class NetworkTest(unittest.TestCase):
         lines = [line for line in probe.errors if line is not None]
         self.assertEqual(len(lines), 1, lines)
         self.assertRegex(lines[0], "^driverless: .*" + pattern)
+
+    def await_diagnostics(self, probe, pattern):
+        """The module has written this, among other lines; a thread of the probe's own reads them."""
+        deadline = time.monotonic() + PATIENCE
+        while not re.search(pattern, probe.diagnostics()) and time.monotonic() < deadline:
+            time.sleep(0.01)
+        self.assertRegex(probe.diagnostics(), pattern)
 
     def found_one(self, within=5):
         probe = self.probe()
