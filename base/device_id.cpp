@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "base/text/ascii_case.h"
+#include "base/text/trimmed.h"
 
 namespace Base {
 
@@ -13,14 +14,6 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::size_t kLengthBytes = 2;
 constexpr std::size_t kShortestText = 4;  // "SN:1"
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(kBlanks);
-    if (begin == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-}
 
 // The field for the key; null for a key that is not used.
 std::string* FieldOf(DeviceId& id, const std::string& key) {
@@ -48,9 +41,9 @@ DeviceId ReadDeviceId(std::string_view text) {
         if (colon == std::string_view::npos) {
             continue;
         }
-        std::string* const field = FieldOf(id, UpperCase(Trimmed(pair.substr(0, colon))));
+        std::string* const field = FieldOf(id, UpperCase(Trimmed(pair.substr(0, colon), kBlanks)));
         if (field != nullptr && field->empty()) {
-            *field = Trimmed(pair.substr(colon + 1));
+            *field = Trimmed(pair.substr(colon + 1), kBlanks);
         }
     }
     return id;

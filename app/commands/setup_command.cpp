@@ -191,7 +191,7 @@ void Journey::Configure(const std::string& network, const std::shared_ptr<Base::
                         const std::string& vendor) {
     progress.Begin(SetupStep::Configure);
     const int result = route->Configure(network, passPhrase);
-    unconfirmed = IsUnconfirmed(result, vendor, "PrinterAPNetConfigEvent");
+    unconfirmed = IsUnconfirmed(result, vendor, route->ConfigureEntryPoint());
     if (result != 0 && !unconfirmed) {
         const SetupRoute::Failure failure = route->ExplainConfigure(result);
         throw StepFailed(fmt::format("the printer was not put on {}: {}\n{} {}", network,

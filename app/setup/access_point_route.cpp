@@ -39,8 +39,10 @@ public:
         return ConfigureNetwork(network, passPhrase);
     }
 
+    const char* ConfigureEntryPoint() const override { return "PrinterAPNetConfigEvent"; }
+
     Failure ExplainConfigure(int result) override {
-        return {Explanation(result, "PrinterAPNetConfigEvent"),
+        return {Explanation(result, ConfigureEntryPoint()),
                 "Check the network's name and pass phrase. If this computer has left the printer's "
                 "own network, join\nit again. Then start the set-up again."};
     }

@@ -39,6 +39,9 @@ public:
     virtual int Configure(const std::string& network,
                           const std::shared_ptr<Base::Secret>& passPhrase) = 0;
 
+    // The entry point of the vendor that Configure calls.
+    virtual const char* ConfigureEntryPoint() const = 0;
+
     // Explains a result other than 0, and what to do before the next attempt.
     struct Failure {
         std::string why;

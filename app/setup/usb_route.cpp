@@ -39,8 +39,10 @@ public:
         return ConfigureNetwork(*printer, network, passPhrase);
     }
 
+    const char* ConfigureEntryPoint() const override { return "PrinterUSBNetConfigEvent"; }
+
     Failure ExplainConfigure(int result) override {
-        return {UsbExplanation(*printer, result, "PrinterUSBNetConfigEvent"),
+        return {UsbExplanation(*printer, result, ConfigureEntryPoint()),
                 "Check the network's name and pass phrase, and that the printer is still plugged "
                 "in, and start the\nset-up again."};
     }

@@ -6,6 +6,7 @@
 #include <charconv>
 
 #include "base/text/ascii_case.h"
+#include "base/text/trimmed.h"
 
 namespace Base {
 
@@ -14,12 +15,6 @@ namespace {
 constexpr std::string_view kBlanks = " \t";
 constexpr int kOk = 200;
 constexpr int kSwitching = 101;
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
-    text.remove_prefix(begin);
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
 
 // Parses an unsigned number that fills the whole text.
 template <class Number>
@@ -113,7 +108,7 @@ HttpAnswer::State HttpAnswer::AcceptLine() {
 HttpAnswer::State HttpAnswer::AcceptStatusLine() {
     const std::string_view text = line;
     const std::size_t blank = std::min(text.find(' '), text.size());
-    const std::string_view rest = Trimmed(text.substr(blank));
+    const std::string_view rest = Trimmed(text.substr(blank), kBlanks);
     const std::string_view number = rest.substr(0, rest.find(' '));
     if (!text.starts_with("HTTP/1.") || number.size() != 3 || !ReadNumber(number, status, 10) ||
         status < 100) {
@@ -129,7 +124,7 @@ HttpAnswer::State HttpAnswer::AcceptField() {
     const std::string_view text = line;
     const std::size_t colon = std::min(text.find(':'), text.size());
     const std::string name = LowerCase(text.substr(0, colon));
-    const std::string_view value = Trimmed(text.substr(std::min(colon + 1, text.size())));
+    const std::string_view value = Trimmed(text.substr(std::min(colon + 1, text.size())), kBlanks);
     if (name == "content-length") {
         return AcceptLength(value);
     }
@@ -170,7 +165,7 @@ HttpAnswer::State HttpAnswer::EndHead() {
 
 HttpAnswer::State HttpAnswer::AcceptChunkHead() {
     const std::string_view text = line;
-    const std::string_view number = Trimmed(text.substr(0, text.find(';')));
+    const std::string_view number = Trimmed(text.substr(0, text.find(';')), kBlanks);
     if (number.empty() || !ReadNumber(number, left, 16)) {
         return Refuse("a chunk without a length");
     }

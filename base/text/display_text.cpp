@@ -7,6 +7,7 @@
 #include <span>
 
 #include "base/text/characters.h"
+#include "base/text/trimmed.h"
 #include "base/text/utf8.h"
 #include "base/text/width_table.h"
 
@@ -25,14 +26,6 @@ std::size_t WidthOf(char32_t codePoint) {
     return IsIn(kNoColumn, codePoint) ? 0 : IsIn(kTwoColumns, codePoint) ? 2 : 1;
 }
 
-std::string Trimmed(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 }  // namespace
 
 std::string CleanText(std::string_view text) {
@@ -43,7 +36,7 @@ std::string CleanText(std::string_view text) {
         const bool isBlank = BreaksLine(codePoint) || ChangesDirection(codePoint);
         clean += EncodeUtf8(isBlank ? U' ' : codePoint).View();
     }
-    return Trimmed(clean);
+    return std::string(Trimmed(clean, " "));
 }
 
 std::string DisplayText(std::string_view text) {

@@ -38,9 +38,6 @@
     X(pPrinterUSBNetConfigEvent, PrinterUSBNetConfigEvent,                             \
       "pPrinterUSBNetConfigEvent is nullptr, err:")
 
-// Declares the slot of one row of a list.
-#define BROKER_SLOT(slot, name, message) VendorSdk::name##Function* slot = nullptr;
-
 // Each list names the entry points that the vendors' header names, in the same order.
 #define BROKER_NAME_OF_ROW(slot, name, message) #name " "
 #define BROKER_NAME(name) #name " "

@@ -2,10 +2,14 @@
 
 #include "host/PrinterUtil/list/vendor_texts_parser.h"
 
-#include <algorithm>
 #include <charconv>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <string_view>
+
+#include "base/text/characters.h"
+#include "base/text/display_text.h"
+#include "base/text/utf8.h"
 
 namespace PrinterUtil {
 
@@ -24,9 +28,13 @@ std::optional<int> NumberOf(const std::string& key) {
     return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
-bool IsControl(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7F;
+bool HasControls(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();) {
+        if (Base::IsControl(Base::NextCodePoint(text, at))) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // The text is shown on terminals.
@@ -35,8 +43,7 @@ bool IsUsableText(const Json& value) {
         return false;
     }
     const auto& text = value.get_ref<const std::string&>();
-    return !text.empty() && text.size() <= kLongestText &&
-           std::none_of(text.begin(), text.end(), IsControl);
+    return !text.empty() && text.size() <= kLongestText && !HasControls(text);
 }
 
 std::optional<Outcome> OutcomeOf(const Json& meaning) {
@@ -106,9 +113,7 @@ private:
 
     static std::string Shown(const std::string& key) {
         constexpr std::size_t kLongestKey = 60;
-        std::string shown = key.substr(0, kLongestKey);
-        std::replace_if(shown.begin(), shown.end(), IsControl, '?');
-        return shown;
+        return Base::DisplayText(Base::CutUtf8(key, kLongestKey));
     }
 
     const std::string& place;

@@ -70,8 +70,8 @@ public:
         }
     }
 
-    // Removes an item whose work is done. Who does the work takes it in order: while he finishes
-    // items, those that began later are not slow, only in a queue, and stay young.
+    // Removes an item whose work is done. The work is done in order: while items are finished,
+    // those that began later are not slow but in a queue, and stay young.
     void Finish(const Item& item, Time now) {
         const auto found = tickets.find(item);
         if (found == tickets.end()) {

@@ -30,6 +30,9 @@ int USBWifiScan() {
 }
 }
 
+// Declares the slot of one row of a list.
+#define BROKER_SLOT(slot, name, message) VendorSdk::name##Function* slot = nullptr;
+
 namespace {
 
 using ScriptedVendors::Support;

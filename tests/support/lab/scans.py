@@ -22,13 +22,10 @@ PROGRAM = os.environ["DEVICEDISCOVER_PROGRAM"]
 PROBE = os.environ["SCAN_PROBE"]
 MODULE = os.environ["DRIVERLESS_MODULE"]
 TESTS = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-SUPPRESSIONS = os.path.join(TESTS, "thread_sanitizer_suppressions")
 FAKE_PRINTER = os.path.join(TESTS, "network", "fake_printer.py")
 ANNOUNCER = os.path.join(TESTS, "network", "announcer.py")
 
-TSAN_OPTIONS = ":".join(
-    filter(None, [os.environ.get("TSAN_OPTIONS"), "suppressions=" + SUPPRESSIONS]))
-ENVIRONMENT = {**os.environ, "TSAN_OPTIONS": TSAN_OPTIONS}
+ENVIRONMENT = dict(os.environ)
 # Nothing but the list beside the library says which vendors there are.
 ENVIRONMENT.pop("DEVICEDISCOVER_VENDORS", None)
 
